@@ -1,0 +1,12 @@
+# What every target of ours is compiled with; link to it PRIVATE.
+add_library(vexlo_warnings INTERFACE)
+target_compile_options(vexlo_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  $<$<BOOL:${VEXLO_WERROR}>:-Werror>)
+
+if(VEXLO_SANITIZE)
+  # For the whole tree: the plugin and its host must agree on the runtime.
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()

@@ -1,0 +1,52 @@
+#include "mtd_columns.h"
+
+#include "column_text.h"
+
+namespace {
+
+constexpr int lineSize = 1024;
+constexpr int lineLimit = 1023;
+
+MtdColumns headings()
+{
+	return {"dev:\n", "size\n", "erasesize\n", "name\n", 1};
+}
+
+} // namespace
+
+MtdColumns parseMtdColumns(FILE *stream)
+{
+	MtdColumns columns = headings();
+	char line[lineSize];
+	[[maybe_unused]] const char *const heading = fgets(line, lineLimit, stream);
+
+	while (fgets(line, lineLimit, stream)) {
+		int number = 0;
+		unsigned size = 0;
+		unsigned erasesize = 0;
+		// As large as a line, so that no word can be too long for its buffer.
+		char first[lineSize];
+		char second[lineSize];
+		char third[lineSize];
+		first[0] = second[0] = third[0] = '\0';
+
+		sscanf(line, "mtd%d: %x %x %s %s %s\n", &number, &size, &erasesize, first, second, third);
+		appendFormatted(columns.dev, "mtd%d:\n", number);
+		appendFormatted(columns.size, "%08x\n", size);
+		appendFormatted(columns.erasesize, "%08x\n", erasesize);
+		appendFormatted(columns.name, "%s %s %s\n", first, second, third);
+		++columns.rows;
+	}
+	return columns;
+}
+
+MtdColumns readMtdColumns()
+{
+	FILE *const stream = fopen("/proc/mtd", "r");
+	if (!stream)
+		return headings();
+
+	MtdColumns columns = parseMtdColumns(stream);
+	fclose(stream);
+	return columns;
+}

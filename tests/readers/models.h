@@ -1,0 +1,21 @@
+#ifndef VEXLO_MODELS_H
+#define VEXLO_MODELS_H
+
+#include "meminfo_columns.h"
+#include "mount_columns.h"
+#include "mtd_columns.h"
+#include "ps_snapshot.h"
+#include "scanlog_contents.h"
+
+#include <string>
+
+/// What each reader must return for a file of these bytes, worked out byte by byte without a
+/// call of the C library's reading, scanning or formatting. Texts are not translated. The
+/// character classes are those of the "C" locale, the numbers those of a 64-bit libc.
+MemInfoColumns modelMemInfo(const std::string &bytes);
+MtdColumns modelMtd(const std::string &bytes);
+MountColumns modelMounts(const std::string &bytes);
+PsSnapshot modelPs(const std::string &bytes);
+ScanLogContents modelScanLog(const std::string &bytes, const std::string &path);
+
+#endif

@@ -1,0 +1,389 @@
+#include "fake_platform.h"
+#include "generator.h"
+#include "models.h"
+#include "scanlog_contents.h"
+#include "streams.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using namespace std::string_literals;
+using Strings = std::vector<std::string>;
+
+ScanLogContents parse(const std::string &bytes)
+{
+	return parseScanLog(streamOf(bytes).get(), "/var/scaning.log");
+}
+
+Strings texts(const ScanLogContents &contents)
+{
+	Strings result;
+	for (const ScanLogEntry &entry : contents.entries)
+		result.push_back(entry.text);
+	return result;
+}
+
+Strings lines(const ScanLogContents &contents)
+{
+	Strings result;
+	for (const ScanLogEntry &entry : contents.entries)
+		result.push_back(entry.line);
+	return result;
+}
+
+/// `length` different characters, so that a shift by one shows; none makes a marker.
+std::string ruler(std::size_t length)
+{
+	std::string text;
+	for (std::size_t at = 0; at < length; ++at)
+		text += static_cast<char>('0' + at % 71);
+	return text;
+}
+
+/// A marker line of `length` characters, the line end not counted.
+std::string marker(std::size_t length)
+{
+	return "start at" + ruler(length).substr(8);
+}
+
+TEST(ScanLog, AnEmptyFileGivesNoEntriesAndTheSize0)
+{
+	const ScanLogContents contents = parse("");
+	EXPECT_TRUE(contents.entries.empty());
+	EXPECT_EQ(contents.summary, "size of /var/scaning.log : 0 bytes");
+	EXPECT_TRUE(contents.found);
+}
+
+TEST(ScanLog, LinesAreNumberedFrom0AndKeepTheirEnds)
+{
+	const ScanLogContents contents = parse("a\nb\r\n\nd");
+	EXPECT_EQ(texts(contents), Strings({"0 a\n", "1 b\r\n", "2 \n", "3 d"}));
+	EXPECT_EQ(lines(contents), Strings({"a\n", "b\r\n", "\n", "d"}));
+	EXPECT_EQ(contents.summary, "size of /var/scaning.log : 7 bytes");
+}
+
+TEST(ScanLog, OneByteIsALine)
+{
+	EXPECT_EQ(texts(parse("x")), Strings({"0 x"}));
+	EXPECT_EQ(texts(parse("\n")), Strings({"0 \n"}));
+}
+
+TEST(ScanLog, AMarkerLineOf100CharactersShowsItsCharacters1To46And46To91)
+{
+	const std::string line = marker(100);
+	const ScanLogContents contents = parse("0\n1\n2\n3\n4\n5\n6\n" + line + "\nnext\n");
+	ASSERT_EQ(contents.entries.size(), 10u);
+	EXPECT_EQ(contents.entries[7].text, "7 " + line.substr(1, 46));
+	EXPECT_EQ(contents.entries[8].text, "7 " + line.substr(46, 46));
+	EXPECT_EQ(contents.entries[7].line, line + "\n");
+	EXPECT_EQ(contents.entries[8].line, line + "\n");
+	EXPECT_EQ(contents.entries[9].text, "8 next\n");
+}
+
+TEST(ScanLog, TheMarkerIsFoundAnywhereInTheLine)
+{
+	EXPECT_EQ(texts(parse("we restart at dawn\n")), Strings({"0 e restart at dawn\n", "0 "}));
+	EXPECT_EQ(parse("x start at").entries.size(), 2u);
+	EXPECT_EQ(parse(ruler(1000) + "start at\n").entries.size(), 2u);
+}
+
+TEST(ScanLog, OnlyTheExactWordsAreTheMarker)
+{
+	EXPECT_EQ(texts(parse("Start at\nSTART AT\nstart  at\nstart\tat\nstart a\nstar at\n")).size(), 6u);
+	EXPECT_EQ(parse("start at").entries.size(), 2u);
+}
+
+TEST(ScanLog, TwoMarkerLinesInARowGiveTheirOwnPieces)
+{
+	const std::string first = marker(100);
+	const std::string second = "xstart at" + ruler(60);
+	EXPECT_EQ(texts(parse(first + "\n" + second + "\n")),
+		Strings({"0 " + first.substr(1, 46), "0 " + first.substr(46, 46), "1 " + second.substr(1, 46),
+			"1 " + (second + "\n").substr(46, 46)}));
+}
+
+TEST(ScanLog, AMarkerLineOf47CharactersWithItsEndHasTheEndAloneInItsSecondPiece)
+{
+	const std::string line = marker(46) + "\n";
+	EXPECT_EQ(texts(parse(ruler(200) + "\n" + line)),
+		Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 \n"}));
+}
+
+TEST(ScanLog, AMarkerLineOf46CharactersWithItsEndHasAnEmptySecondPiece)
+{
+	const std::string line = marker(45) + "\n";
+	EXPECT_EQ(texts(parse(ruler(200) + "\n" + line)),
+		Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 "}));
+}
+
+TEST(ScanLog, AShorterMarkerLineShowsWhatALongerLineLeftBehind)
+{
+	const std::string longer = ruler(200);
+	// Line and end take the places 0 to 44, the terminator 45.
+	const std::string line = marker(44) + "\n";
+	EXPECT_EQ(texts(parse(longer + "\n" + line)),
+		Strings({"0 " + longer + "\n", "1 " + line.substr(1), "1 " + longer.substr(46, 46)}));
+}
+
+TEST(ScanLog, WhatWasLeftBehindEndsAtTheLongerLinesOwnEnd)
+{
+	const std::string longer = ruler(60) + "\n";
+	EXPECT_EQ(texts(parse(longer + "start at\n")),
+		Strings({"0 " + longer, "1 tart at\n", "1 " + longer.substr(46)}));
+	const std::string last = ruler(46) + "\n";
+	EXPECT_EQ(texts(parse(last + "start at\n"))[2], "1 \n");
+	EXPECT_EQ(texts(parse(ruler(45) + "\n" + "start at\n"))[2], "1 ");
+}
+
+TEST(ScanLog, AShortMarkerLineFirstInTheFileHasAnEmptySecondPiece)
+{
+	EXPECT_EQ(texts(parse("start at\n" + ruler(200) + "\n")),
+		Strings({"0 tart at\n", "0 ", "1 " + ruler(200) + "\n"}));
+}
+
+TEST(ScanLog, AShortMarkerLineShowsTheLaterOfTwoLongLinesUpToItsEnd)
+{
+	const std::string longest = std::string(30, 'a') + ruler(170) + "\n";
+	const std::string shorter = std::string(30, 'b') + ruler(30) + "\n";
+	EXPECT_EQ(texts(parse(longest + shorter + "start at\n"))[3], "2 " + shorter.substr(46));
+	// A line that ends before 46 leaves the earlier one's text standing.
+	EXPECT_EQ(texts(parse(longest + "short\n" + "start at\n"))[3], "2 " + longest.substr(46, 46));
+	EXPECT_EQ(texts(parse(shorter + longest + "start at\n"))[3], "2 " + longest.substr(46, 46));
+}
+
+TEST(ScanLog, APieceOfALongLineIsLeftBehindToo)
+{
+	const std::string longLine = ruler(1500) + "\n";
+	EXPECT_EQ(texts(parse(longLine + "start at\n"))[3], "2 " + longLine.substr(1022 + 46, 46));
+	const std::string withShortRest = ruler(1030) + "\n";
+	EXPECT_EQ(texts(parse(withShortRest + "start at\n"))[3], "2 " + withShortRest.substr(46, 46));
+}
+
+TEST(ScanLog, EveryReadingStartsWithACleanBuffer)
+{
+	parse(ruler(1000) + "\n");
+	EXPECT_EQ(texts(parse("start at\n")), Strings({"0 tart at\n", "0 "}));
+}
+
+TEST(ScanLog, ANulByteEndsALineAndHidesAMarkerBehindIt)
+{
+	const ScanLogContents contents = parse("ab\0 start at\ncd\n"s);
+	EXPECT_EQ(texts(contents), Strings({"0 ab", "1 cd\n"}));
+	EXPECT_EQ(lines(contents), Strings({"ab", "cd\n"}));
+}
+
+TEST(ScanLog, ANulByteInAMarkerLineEndsItsFirstPieceAndNotItsSecond)
+{
+	const std::string hidden = "start at" + std::string(1, '\0') + ruler(91) + "\n";
+	const ScanLogContents contents = parse(hidden);
+	EXPECT_EQ(texts(contents), Strings({"0 tart at", "0 " + hidden.substr(46, 46)}));
+	EXPECT_EQ(lines(contents), Strings({"start at", "start at"}));
+}
+
+TEST(ScanLog, ANulByteInALongerLineEndsWhatItLeftBehind)
+{
+	std::string longer = ruler(200);
+	longer[60] = '\0';
+	EXPECT_EQ(texts(parse(longer + "\nstart at\n"))[2], "1 " + ruler(200).substr(46, 14));
+}
+
+TEST(ScanLog, ALineOf1021CharactersAndItsEndIsOneLine)
+{
+	EXPECT_EQ(texts(parse(ruler(1021) + "\n")), Strings({"0 " + ruler(1021) + "\n"}));
+}
+
+TEST(ScanLog, ALineOf1022CharactersHasItsEndInALineOfItsOwn)
+{
+	EXPECT_EQ(texts(parse(ruler(1022) + "\nb\n")), Strings({"0 " + ruler(1022), "1 \n", "2 b\n"}));
+}
+
+TEST(ScanLog, ALongLineIsNumberedInParts)
+{
+	EXPECT_EQ(texts(parse(ruler(1023) + "\n")),
+		Strings({"0 " + ruler(1022), "1 " + ruler(1023).substr(1022) + "\n"}));
+	const std::string line = ruler(5000);
+	EXPECT_EQ(texts(parse(line)),
+		Strings({"0 " + line.substr(0, 1022), "1 " + line.substr(1022, 1022), "2 " + line.substr(2044, 1022),
+			"3 " + line.substr(3066, 1022), "4 " + line.substr(4088)}));
+}
+
+TEST(ScanLog, AMarkerThatIsCutIsNotFoundAndEachPartIsCheckedByItself)
+{
+	EXPECT_EQ(texts(parse(ruler(1018) + "start at\n")), Strings({"0 " + ruler(1018) + "star", "1 t at\n"}));
+	EXPECT_EQ(parse(ruler(1014) + "start at\n").entries.size(), 3u);
+	EXPECT_EQ(parse(ruler(1015) + "start at\n").entries.size(), 2u);
+	EXPECT_EQ(texts(parse(ruler(1022) + "start at\n"))[1], "1 tart at\n");
+}
+
+TEST(ScanLog, PercentSignsAndEveryOtherByteStayAsTheyAre)
+{
+	std::string line = "%s%n%d%%";
+	for (int byte = 1; byte < 256; ++byte) {
+		if (byte != '\n')
+			line += static_cast<char>(byte);
+	}
+	EXPECT_EQ(texts(parse(line + "\n")), Strings({"0 " + line + "\n"}));
+	EXPECT_EQ(texts(parse("%s%n start at %d %%\n")), Strings({"0 s%n start at %d %%\n", "0 "}));
+}
+
+TEST(ScanLog, NeitherTheEntriesNorTheSummaryAreLookedUp)
+{
+	FakePlatform platform;
+	platform.catalogueIsNull = true;
+	EXPECT_EQ(texts(parse("a\nstart at\n")), Strings({"0 a\n", "1 tart at\n", "1 "}));
+	EXPECT_TRUE(platform.lookUps.empty());
+}
+
+TEST(ScanLog, AReadErrorKeepsTheLinesBeforeIt)
+{
+	const ScanLogContents contents = parseScanLog(failingStream("a\nb\nhalf").get(), "/log");
+	EXPECT_EQ(texts(contents), Strings({"0 a\n", "1 b\n"}));
+	EXPECT_TRUE(contents.found);
+	EXPECT_EQ(contents.summary, "size of /log : -1 bytes");
+}
+
+TEST(ScanLog, ManyLinesAreKeptToTheirSize)
+{
+	std::string bytes;
+	for (int line = 0; line < 100000; ++line)
+		bytes += ruler(99) + "\n";
+	const ScanLogContents contents = parse(bytes);
+	ASSERT_EQ(contents.entries.size(), 100000u);
+	for (const ScanLogEntry &entry : contents.entries) {
+		ASSERT_EQ(entry.line.capacity(), entry.line.size());
+		ASSERT_EQ(entry.text.capacity(), entry.text.size());
+	}
+	EXPECT_EQ(contents.entries.back().text, "99999 " + ruler(99) + "\n");
+	EXPECT_EQ(contents.summary, "size of /var/scaning.log : 10000000 bytes");
+}
+
+TEST(ScanLog, FixturesBecomeTheirEntries)
+{
+	const Strings names = fixturesIn("scanlog");
+	EXPECT_GE(names.size(), 3u);
+	for (const std::string &name : names) {
+		SCOPED_TRACE(name);
+		std::string entries;
+		for (const std::string &text : texts(parse(fixture(name))))
+			entries += text + '\0';
+		EXPECT_EQ(entries, fixture(name + ".entries"));
+	}
+}
+
+TEST(ScanLog, GeneratedLogsReadAsTheModelReadsThem)
+{
+	Generator generator(4101,
+		{"start at", "restart at 11778 MHz", "Start at", "star", "t at", "transponder", "%s"},
+		{44, 90, 1022, 2044});
+	std::size_t entries = 0;
+	std::size_t pieces = 0;
+	for (int round = 0; round < 15000; ++round) {
+		const std::string bytes = generator.file();
+		const ScanLogContents contents = parse(bytes);
+		const ScanLogContents expected = modelScanLog(bytes, "/var/scaning.log");
+		ASSERT_EQ(texts(contents), texts(expected)) << round << ": " << shown(bytes);
+		ASSERT_EQ(lines(contents), lines(expected)) << round << ": " << shown(bytes);
+		ASSERT_EQ(contents.summary, expected.summary) << round << ": " << shown(bytes);
+		entries += contents.entries.size();
+		for (const ScanLogEntry &entry : contents.entries)
+			pieces += entry.line.find("start at") != std::string::npos;
+	}
+	EXPECT_GT(entries, 150000u);
+	EXPECT_GT(pieces, 50000u);
+}
+
+TEST(FileSize, IsThePositionOfTheEndAndThePositionStays)
+{
+	const TemporaryFile file(ruler(5120));
+	const Stream stream(fopen(file.path.c_str(), "r"));
+	ASSERT_NE(stream, nullptr);
+	EXPECT_EQ(filesize(stream.get()), 5120);
+	EXPECT_EQ(ftell(stream.get()), 0);
+	EXPECT_EQ(fseek(stream.get(), 100, SEEK_SET), 0);
+	EXPECT_EQ(filesize(stream.get()), 5120);
+	EXPECT_EQ(ftell(stream.get()), 100);
+	EXPECT_EQ(fgetc(stream.get()), ruler(101)[100]);
+}
+
+TEST(FileSize, OfAStreamWithoutAPositionIsMinusOne)
+{
+	int ends[2];
+	ASSERT_EQ(pipe(ends), 0);
+	const Stream stream(fdopen(ends[0], "r"));
+	EXPECT_EQ(filesize(stream.get()), -1);
+	close(ends[1]);
+}
+
+TEST(ReadScanLog, OpensReadsClosesAndSaysSoInThisOrder)
+{
+	const TemporaryFile file(ruler(5119) + "\n");
+	FakePlatform platform;
+	const ScanLogContents contents = readScanLog(file.path.c_str());
+	EXPECT_EQ(platform.calls,
+		Strings({"fopen(\"" + file.path + "\", \"r\")", "fclose(stream)", "eDebug(\"close file\")"}));
+	EXPECT_EQ(contents.summary, "size of " + file.path + " : 5120 bytes");
+	EXPECT_TRUE(contents.found);
+	EXPECT_EQ(contents.entries.size(), 6u);
+	EXPECT_TRUE(exists(file.path));
+}
+
+TEST(ReadScanLog, AMissingFileIsNamedInTheSummaryAndInTheDebugOutput)
+{
+	FakePlatform platform;
+	const ScanLogContents contents = readScanLog("/nonexistent/100%d.log");
+	EXPECT_EQ(platform.calls,
+		Strings({"fopen(\"/nonexistent/100%d.log\", \"r\")",
+			"eDebug(\"file \"/nonexistent/100%d.log\" not found\")"}));
+	EXPECT_EQ(contents.summary, "file \"/nonexistent/100%d.log\" not found");
+	EXPECT_FALSE(contents.found);
+	EXPECT_TRUE(contents.entries.empty());
+}
+
+TEST(ReadScanLog, AFileWithoutRightsReadsAsMissing)
+{
+	const TemporaryFile file("a\n");
+	ASSERT_EQ(chmod(file.path.c_str(), 0), 0);
+	const bool privileged = geteuid() == 0;
+	if (privileged) {
+		ASSERT_EQ(chmod(file.folder.c_str(), 0755), 0);
+		ASSERT_EQ(seteuid(65534), 0);
+	}
+	const ScanLogContents contents = readScanLog(file.path.c_str());
+	if (privileged) {
+		ASSERT_EQ(seteuid(0), 0);
+	}
+	EXPECT_EQ(contents.summary, "file \"" + file.path + "\" not found");
+	EXPECT_FALSE(contents.found);
+}
+
+TEST(ReadScanLog, AFolderInItsPlaceOpensAndReadsNothing)
+{
+	const TemporaryFile file("");
+	const Stream folder(fopen(file.folder.c_str(), "r"));
+	ASSERT_NE(folder, nullptr);
+	FakePlatform platform;
+	const ScanLogContents contents = readScanLog(file.folder.c_str());
+	EXPECT_TRUE(contents.found);
+	EXPECT_TRUE(contents.entries.empty());
+	EXPECT_EQ(contents.summary,
+		"size of " + file.folder + " : " + std::to_string(filesize(folder.get())) + " bytes");
+	EXPECT_EQ(platform.calls.back(), "eDebug(\"close file\")");
+}
+
+TEST(ReadScanLog, ALongPathIsNamedWhole)
+{
+	const std::string path = "/" + std::string(1000, 'p');
+	EXPECT_EQ(readScanLog(path.c_str()).summary, "file \"" + path + "\" not found");
+	EXPECT_EQ(parseScanLog(failingStream("").get(), path.c_str()).summary, "size of " + path + " : -1 bytes");
+	for (const std::size_t length : {236u, 237u, 238u, 239u, 240u, 241u}) {
+		const std::string edge(length, 'p');
+		EXPECT_EQ(readScanLog(edge.c_str()).summary, "file \"" + edge + "\" not found");
+	}
+}
+
+} // namespace

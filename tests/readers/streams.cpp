@@ -1,0 +1,113 @@
+#include "streams.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+struct FailingSource {
+	std::string bytes;
+	std::size_t at = 0;
+	bool failsFirst = false;
+	bool failsAtEnd = false;
+};
+
+ssize_t readSource(void *cookie, char *buffer, size_t size)
+{
+	FailingSource &source = *static_cast<FailingSource *>(cookie);
+	const std::size_t count = std::min(size, source.bytes.size() - source.at);
+	if (source.failsFirst || (source.failsAtEnd && count == 0)) {
+		source.failsFirst = false;
+		errno = EIO;
+		return -1;
+	}
+	source.bytes.copy(buffer, count, source.at);
+	source.at += count;
+	return static_cast<ssize_t>(count);
+}
+
+int closeSource(void *cookie)
+{
+	delete static_cast<FailingSource *>(cookie);
+	return 0;
+}
+
+} // namespace
+
+Stream streamOf(const std::string &bytes)
+{
+	return Stream(fmemopen(const_cast<char *>(bytes.data()), bytes.size(), "r"));
+}
+
+Stream failingStream(const std::string &bytes, bool recovers)
+{
+	cookie_io_functions_t functions = {};
+	functions.read = readSource;
+	functions.close = closeSource;
+	return Stream(fopencookie(new FailingSource{bytes, 0, recovers, !recovers}, "r", functions));
+}
+
+std::string fixture(const std::string &name)
+{
+	std::ifstream file(VEXLO_FIXTURES "/" + name, std::ios::binary);
+	EXPECT_TRUE(file.is_open()) << name;
+	return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> fixturesIn(const std::string &folder)
+{
+	std::vector<std::string> names;
+	for (const auto &file : std::filesystem::directory_iterator(VEXLO_FIXTURES "/" + folder)) {
+		const std::string type = file.path().extension();
+		if (type == ".txt" || type == ".log" || type == ".bin")
+			names.push_back(folder + '/' + file.path().filename().string());
+	}
+	std::sort(names.begin(), names.end());
+	return names;
+}
+
+TemporaryFile::TemporaryFile(const std::string &bytes)
+{
+	char pattern[] = "/tmp/vexlo-test-XXXXXX";
+	EXPECT_NE(mkdtemp(pattern), nullptr);
+	folder = pattern;
+	path = folder + "/file";
+	writeFile(path, bytes);
+}
+
+TemporaryFile::~TemporaryFile()
+{
+	unlink(path.c_str());
+	rmdir(folder.c_str());
+}
+
+bool exists(const std::string &path)
+{
+	struct stat status;
+	return lstat(path.c_str(), &status) == 0;
+}
+
+void writeFile(const std::string &path, const std::string &bytes)
+{
+	std::ofstream file(path, std::ios::binary);
+	file << bytes;
+	EXPECT_TRUE(file.flush().good()) << path;
+}
+
+std::string shown(const std::string &text)
+{
+	std::string result;
+	for (const char byte : text.substr(0, 4000)) {
+		char escape[8];
+		snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned char>(byte));
+		result += byte >= ' ' && byte <= '~' ? std::string(1, byte) : escape;
+	}
+	return result;
+}

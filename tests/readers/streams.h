@@ -1,0 +1,47 @@
+#ifndef VEXLO_STREAMS_H
+#define VEXLO_STREAMS_H
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct StreamCloser {
+	void operator()(FILE *stream) const { fclose(stream); }
+};
+using Stream = std::unique_ptr<FILE, StreamCloser>;
+
+/// A stream that gives `bytes`, which must outlive it.
+Stream streamOf(const std::string &bytes);
+Stream streamOf(std::string &&) = delete;
+
+/// A stream that gives `bytes` and then fails instead of ending. With `recovers`, the first
+/// reading fails and what follows works.
+Stream failingStream(const std::string &bytes, bool recovers = false);
+
+/// The contents of tests/fixtures/`name`; fails the test when it cannot be read.
+std::string fixture(const std::string &name);
+
+/// Names, for fixture(), of what is to be read in tests/fixtures/`folder`: not the expectations.
+std::vector<std::string> fixturesIn(const std::string &folder);
+
+/// A file in a folder of its own under the temporary folder, gone with this object.
+class TemporaryFile
+{
+public:
+	explicit TemporaryFile(const std::string &bytes);
+	~TemporaryFile();
+	TemporaryFile(const TemporaryFile &) = delete;
+	TemporaryFile &operator=(const TemporaryFile &) = delete;
+
+	std::string folder;
+	std::string path;
+};
+
+bool exists(const std::string &path);
+void writeFile(const std::string &path, const std::string &bytes);
+
+/// `text` for a failure message: printable, and cut where it is long.
+std::string shown(const std::string &text);
+
+#endif
