@@ -1,0 +1,14 @@
+#ifndef VEXLO_MEMINFO_H
+#define VEXLO_MEMINFO_H
+
+#include "toolkit.h"
+
+/// The kernel's memory summary in two columns, as it is when the screen opens.
+class eMemInfoDialog : public eWindow
+{
+public:
+	eMemInfoDialog();
+	~eMemInfoDialog() override;
+};
+
+#endif

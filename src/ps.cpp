@@ -1,0 +1,60 @@
+#include "ps.h"
+
+#include "formatted.h"
+#include "ps_snapshot.h"
+#include "translation.h"
+
+ePsDialog::ePsDialog() : eWindow(1)
+{
+	const int fontSize = eSkin::getActive()->queryValue("fontsize", 20);
+
+	setText("Info"); // the same in every language
+	cmove(ePoint(110, 63));
+	cresize(eSize(500, 450));
+
+	processList = new eListBox<eListBoxEntryText>(this);
+	processList->setFlags(4);
+	processList->move(ePoint(5, fontSize + 10));
+	processList->resize(eSize(490, getClientRect().height() - 40));
+
+	const PsSnapshot snapshot = takePsSnapshot();
+	for (const PsEntry &row : snapshot.rows)
+		new eListBoxEntryText(processList, row.text.c_str(), new eString(row.pid));
+
+	// Reaches 5 pixels past the client area: laid out so.
+	eLabel *header = new eLabel(this, 0, 0, "eLabel");
+	header->setText(snapshot.header);
+	header->move(ePoint(5, 5));
+	header->resize(eSize(500, fontSize));
+
+	processList->selected.connect(SigC::slot(*this, &ePsDialog::selectedItem));
+	setFocus(processList);
+}
+
+ePsDialog::~ePsDialog() = default;
+
+void ePsDialog::selectedItem(eListBoxEntryText *entry)
+{
+	if (!entry) {
+		reject();
+		setFocus(processList);
+		return;
+	}
+
+	const eString &pid = *static_cast<const eString *>(entry->getKey());
+	eString question = "none"; // what is left if a host cannot format the translation
+	format(question, translate("Kill %s pid?"), pid.c_str());
+
+	eMessageBox box(question, translate("kill pid"), 76, 4, 0);
+	box.show();
+	const int answer = box.exec();
+	box.hide();
+
+	// Only a refusal, or a box that was closed, spares the process: hosts differ in what they
+	// return for consent.
+	if (answer != -1 && answer != eMessageBox::no) {
+		killPid(pid);
+		accept();
+	}
+	setFocus(processList);
+}

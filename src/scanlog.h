@@ -1,0 +1,24 @@
+#ifndef VEXLO_SCANLOG_H
+#define VEXLO_SCANLOG_H
+
+#include "toolkit.h"
+
+/// Where the receiver's channel scan leaves its log. The spelling is the receiver's.
+extern __attribute__((visibility("default"))) const char *ff_scan;
+
+/// The scan log as it is when the screen opens, and its deletion.
+class eScanLogDialog : public eWindow
+{
+public:
+	eScanLogDialog();
+	~eScanLogDialog() override;
+
+	/// Asks, and on a plain yes removes the log and closes the screen.
+	void dellog();
+
+private:
+	eButton *deleteButton;
+	eListBox<eListBoxEntryText> *logList;
+};
+
+#endif

@@ -1,0 +1,22 @@
+#ifndef VEXLO_SYSINF_H
+#define VEXLO_SYSINF_H
+
+#include "toolkit.h"
+
+/// Flash partitions above mounted file systems, as they are when the screen opens.
+class eSysInfDialog : public eWindow
+{
+public:
+	eSysInfDialog();
+	~eSysInfDialog() override;
+
+	/// Closes the screen.
+	void exit();
+
+private:
+	void addLabel(const eString &text, const ePoint &position, const eSize &size);
+
+	eButton *okButton;
+};
+
+#endif

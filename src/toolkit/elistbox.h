@@ -1,0 +1,207 @@
+#ifndef VEXLO_ELISTBOX_H
+#define VEXLO_ELISTBOX_H
+
+#include "ewindow.h"
+
+#include <cstdint>
+
+#pragma GCC visibility push(default)
+
+class eListBoxEntry;
+
+/// A scrolling list of entries, one of which is the current one.
+///
+/// Ownership: the list box deletes the entries that are still in it when it is destroyed. Whether it
+/// disposes of their keys as well is the host's affair.
+class eListBoxBase : public eDecoWidget
+{
+public:
+	/// `description` explains the list, null for none, not owned; `entryHeight` in pixels.
+	eListBoxBase(eWidget *parent, const eWidget *description, int takefocus, int entryHeight,
+	             const char *deco);
+	~eListBoxBase() override;
+
+	/// Options of the host's; the plugin's lists all use 4.
+	void setFlags(int flags);
+
+	/// Adds an entry, at the end unless `atTop`; `makeCurrent` moves the selection to it. Called while
+	/// the entry is under construction: the list box only keeps the pointer.
+	void append(eListBoxEntry *entry, bool makeCurrent, bool atTop);
+
+	/// Takes an entry out, without deleting it. An entry that is not in the list is no error.
+	void remove(eListBoxEntry *entry, bool fromDestruction);
+
+	struct List;
+
+protected:
+	void gotFocus() override;
+	void lostFocus() override;
+	void recalcClientRect() override;
+	int eventHandler(const eWidgetEvent &event) override;
+	void redrawWidget(gPainter *target, const eRect &area) override;
+	int setProperty(const eString &name, const eString &value) override;
+
+	/// The viewer confirms `entry`; null: the viewer leaves the list without one.
+	virtual void SendSelected(eListBoxEntry *entry) = 0;
+	/// The selection moves to `entry`; null when the list has become empty.
+	virtual void SendSelChanged(eListBoxEntry *entry) = 0;
+
+	List *list;
+};
+
+/// One line of a list box.
+///
+/// Everything but the drawing is inline, and so part of the plugin.
+class eListBoxEntry : public virtual SigC::Object
+{
+public:
+	/// `box` may be null; otherwise the entry goes to its end, and belongs to it.
+	explicit eListBoxEntry(eListBoxBase *box, const eString &help = eString(), int attribute = 0)
+	    : listbox(box), helptext(help.empty() ? eString(" ") : help), attr(attribute)
+	{
+		if (listbox)
+			listbox->append(this, false, false);
+	}
+	eListBoxEntry(const eListBoxEntry &) = delete;
+	eListBoxEntry &operator=(const eListBoxEntry &) = delete;
+
+	virtual ~eListBoxEntry()
+	{
+		if (listbox)
+			listbox->remove(this, false);
+	}
+
+	/// The order of entries; entries that know none have none.
+	virtual bool operator<(const eListBoxEntry &) const { return false; }
+
+	/// Draws the entry into `area`: background and text colour of the current entry, then of the
+	/// others; `current` not 0: this is the current one.
+	virtual void redraw(gPainter *target, const eRect &area, gColor currentBack, gColor currentText,
+	                    gColor back, gColor text, int current) = 0;
+
+	/// What the list's window tells about the entry; never empty.
+	const eString &getHelpText() const { return helptext; }
+
+protected:
+	// The list box that disposes of an entry first sets this to null, so that it is not called back.
+	friend class eListBoxBase;
+
+	eListBoxBase *listbox;
+	eString helptext;
+	int attr;
+};
+
+/// A line of text with an optional key.
+class eListBoxEntryText : public eListBoxEntry
+{
+public:
+	/// How keys order the entries.
+	enum
+	{
+		keyAddress = 0, ///< as addresses
+		keyIgnored = 1, ///< not at all: the texts decide
+	};
+
+	/// `label` null counts as empty. `data` is the key: the entry does not look behind it.
+	explicit eListBoxEntryText(eListBoxBase *box, const char *label = nullptr, void *data = nullptr,
+	                           const eString &help = eString())
+	    : eListBoxEntry(box, help, 3), text(label ? label : ""), key(data)
+	{
+	}
+
+	/// By key address unless the key type says otherwise, then by the bytes of the text.
+	bool operator<(const eListBoxEntry &entry) const override
+	{
+		const eListBoxEntryText &other = static_cast<const eListBoxEntryText &>(entry);
+		if (key != other.key && keytype != keyIgnored)
+			return reinterpret_cast<uintptr_t>(key) < reinterpret_cast<uintptr_t>(other.key);
+		// Unsigned bytes over the shorter length, then the shorter text first.
+		return text < other.text;
+	}
+
+	void redraw(gPainter *target, const eRect &area, gColor currentBack, gColor currentText, gColor back,
+	            gColor text, int current) override;
+
+	/// Height in pixels of one text entry in the active skin.
+	static int getEntryHeight();
+
+	const eString &getText() const { return text; }
+	void *getKey() const { return key; }
+	int getKeyType() const { return keytype; }
+
+protected:
+	eString text;
+	void *key;
+	int keytype = keyAddress;
+	int align = 0;
+	int precolor = 0;
+};
+
+/// A list box whose entries are of type T.
+template <class T> class eListBox : public eListBoxBase
+{
+public:
+	explicit eListBox(eWidget *parent, const eWidget *description = nullptr, int takefocus = 1,
+	                  int entryHeight = eListBoxEntryText::getEntryHeight(), const char *decoration = "eListBox")
+	    : eListBoxBase(parent, description, takefocus, entryHeight, decoration)
+	{
+	}
+
+	/// The viewer confirms an entry; null: the viewer leaves the list.
+	SigC::Signal1<void, T *> selected;
+	/// The selection moves.
+	SigC::Signal1<void, T *> selchanged;
+
+protected:
+	void SendSelected(eListBoxEntry *entry) override { selected.emit(static_cast<T *>(entry)); }
+	void SendSelChanged(eListBoxEntry *entry) override { selchanged.emit(static_cast<T *>(entry)); }
+};
+
+/// A menu line, which signals by itself that it was chosen.
+class eListBoxEntryMenu : public eListBoxEntryText
+{
+public:
+	eListBoxEntryMenu(eListBox<eListBoxEntryMenu> *box, const char *label, const eString &help = eString())
+	    : eListBoxEntryText(box, label, nullptr, help)
+	{
+		if (box)
+			box->selected.connect(SigC::slot(*this, &eListBoxEntryMenu::LBSelected));
+	}
+
+	/// The list box reports a choice to all of its entries; only the one that was chosen passes it on.
+	void LBSelected(eListBoxEntry *entry)
+	{
+		if (entry == this)
+			selected.emit();
+	}
+
+	/// Emitted when the viewer chooses this line.
+	SigC::Signal0<void> selected;
+};
+
+/// A window that holds one list box.
+template <class T> class eListBoxWindow : public eWindow
+{
+public:
+	/// Hidden and of no size; whoever derives from it sets both.
+	explicit eListBoxWindow(int takefocus = 0) : eWindow(takefocus), list(this) {}
+	~eListBoxWindow() override = default;
+
+	eListBox<T> list;
+};
+
+/// A menu: a window of `rows` list rows, `width` pixels wide, with the help of the current entry below.
+/// The host's event handling ends its exec() when the viewer leaves it.
+class eSetupWindow : public eListBoxWindow<eListBoxEntryMenu>
+{
+public:
+	eSetupWindow(const char *title, int rows, int width);
+	~eSetupWindow() override;
+
+protected:
+	int eventHandler(const eWidgetEvent &event) override;
+};
+
+#pragma GCC visibility pop
+
+#endif

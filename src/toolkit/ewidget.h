@@ -1,0 +1,156 @@
+#ifndef VEXLO_EWIDGET_H
+#define VEXLO_EWIDGET_H
+
+#include "estring.h"
+#include "geometry.h"
+#include "signals.h"
+
+#pragma GCC visibility push(default)
+
+class eWidget;
+class gPainter;      // the host's way to draw
+struct eWidgetEvent; // a key or another thing that happens to a widget; the host's
+
+/// A colour, as an index into the skin's palette.
+struct gColor
+{
+	int color;
+};
+
+/// Every window and control.
+///
+/// Ownership: a widget created with a parent belongs to it and is deleted with it. A widget without
+/// a parent is a top-level window and belongs to whoever created it.
+///
+/// The virtual operations stand in the order of the host's table; a derived class may override them
+/// but must not add to them or change their order. Access does not matter to that order. Operations
+/// that the plugin calls are not virtual.
+class eWidget : public virtual SigC::Object
+{
+public:
+	/// `parent` null: a hidden top-level window. Otherwise a visible child that `parent` owns.
+	/// `takefocus` 1: the widget can have the focus.
+	explicit eWidget(eWidget *parent = nullptr, int takefocus = 0);
+	eWidget(const eWidget &) = delete;
+	eWidget &operator=(const eWidget &) = delete;
+
+	/// Deletes the children that are left.
+	virtual ~eWidget();
+
+protected:
+	/// Called by show(), before the widget is visible.
+	virtual void willShow();
+	/// Called by hide(), before the widget is invisible.
+	virtual void willHide();
+	/// Called when the skin's palette has changed.
+	virtual void setPalette();
+	/// Sees every event before eventHandler() does; not 0: the event goes no further.
+	virtual int eventFilter(const eWidgetEvent &event);
+	/// A key of the remote control goes down, or up, while the widget has the focus; not 0: the
+	/// widget has used it. By default it does not.
+	virtual int keyDown(int key);
+	virtual int keyUp(int key);
+	/// The widget has just received, or lost, the focus.
+	virtual void gotFocus();
+	virtual void lostFocus();
+	/// Sets `clientrect` after the widget's size has changed.
+	virtual void recalcClientRect();
+	/// Handles an event; not 0: the widget has used it. Keys come to the widget that has the focus
+	/// first and, when it does not use them, to its window.
+	virtual int eventHandler(const eWidgetEvent &event);
+	/// Draws the widget; `area` is what must be drawn, in the widget's own pixels.
+	virtual void redrawWidget(gPainter *target, const eRect &area);
+	/// Draws what lies behind it.
+	virtual void eraseBackground(gPainter *target, const eRect &area);
+	/// Sets a property by name, as skins do; not 0: there is no such property.
+	virtual int setProperty(const eString &name, const eString &value);
+
+public:
+	/// A window's title, the text of a label or button: bytes of any kind, several lines in a label.
+	void setText(const eString &text);
+
+	/// Place and size a window by its client area, in pixels of the screen.
+	void cmove(const ePoint &position);
+	void cresize(const eSize &size);
+
+	/// Place and size a child, in pixels of the parent's client area. It may reach beyond that area;
+	/// what does is not seen.
+	void move(const ePoint &position);
+	void resize(const eSize &size);
+
+	void show();
+	void hide();
+
+	/// Runs the window: returns when accept() or reject() is called or the viewer leaves it, with 0
+	/// for accepted and -1 for rejected. Runs nest; the innermost one has the keys.
+	int exec();
+
+	/// End the running exec(). Once: what follows changes nothing. Without one, nothing happens.
+	void accept();
+	void reject();
+
+	/// Gives the focus to `child`, one of this window's.
+	void setFocus(eWidget *child);
+
+	/// Binds a colour key ("red", "green", "yellow", "blue") to this widget, wherever the focus is.
+	void setShortcut(const eString &key);
+
+	/// The area that children are placed in, in this widget's own pixels. For a window it is what
+	/// cresize() has set, inside the frame.
+	const eRect &getClientRect() const { return clientrect; }
+
+	/// What is the host's: see there.
+	struct State;
+
+protected:
+	eRect clientrect;
+	State *state;
+};
+
+/// A widget with a decoration of the skin's.
+class eDecoWidget : public eWidget
+{
+public:
+	/// `deco` names the decoration; null: none.
+	eDecoWidget(eWidget *parent, int takefocus, const char *deco);
+	~eDecoWidget() override;
+
+	/// Loads the decoration, again if it is loaded; due after anything it depends on has changed.
+	void loadDeco();
+
+	struct Deco;
+
+protected:
+	int eventFilter(const eWidgetEvent &event) override;
+	int setProperty(const eString &name, const eString &value) override;
+
+	Deco *deco;
+};
+
+/// One or more lines of text, one row of the skin's "fontsize" each.
+class eLabel : public eDecoWidget
+{
+public:
+	/// `flags` 0 is the plain label; `deco` as in eDecoWidget.
+	eLabel(eWidget *parent, int flags, int takefocus, const char *deco);
+	~eLabel() override;
+
+	/// Shows the symbol of a colour key, named as in setShortcut(), in front of the text.
+	void setShortcutPixmap(const eString &key);
+};
+
+/// Something to press: with OK while it has the focus, with its colour key at any time.
+class eButton : public eLabel
+{
+public:
+	/// `description` is a label that explains the button, null for none; it is not owned.
+	eButton(eWidget *parent, eLabel *description, int takefocus, const char *deco);
+	~eButton() override;
+
+	/// Emitted when the button is pressed.
+	SigC::Signal0<void> selected;
+};
+
+#pragma GCC visibility pop
+
+#endif

@@ -1,0 +1,45 @@
+#ifndef VEXLO_EWINDOW_H
+#define VEXLO_EWINDOW_H
+
+#include "ewidget.h"
+
+#pragma GCC visibility push(default)
+
+/// A top-level window with a frame and a title, hidden until it is shown.
+/// By itself it ends its exec() as rejected when the viewer leaves it.
+class eWindow : public eWidget
+{
+public:
+	/// `takefocus` 1: the window can have the focus when none of its children has.
+	explicit eWindow(int takefocus = 0);
+	~eWindow() override;
+
+protected:
+	void willShow() override;
+	void willHide() override;
+	void recalcClientRect() override;
+	int eventHandler(const eWidgetEvent &event) override;
+	void redrawWidget(gPainter *target, const eRect &area) override;
+	void eraseBackground(gPainter *target, const eRect &area) override;
+};
+
+/// A question with its answers. Shown, run and hidden like any window; its exec() returns the answer.
+class eMessageBox : public eWindow
+{
+public:
+	/// The answers: bits of `flags`, values of `preset`, results of exec().
+	enum
+	{
+		yes = 4,
+		no = 8,
+	};
+
+	/// `flags`: the answers offered and, by higher bits, an icon. `preset`: the answer that has the
+	/// focus first. exec() then returns the answer chosen, or -1 when the box is left without one.
+	eMessageBox(eString text, eString caption, int flags, int preset, int last);
+	~eMessageBox() override;
+};
+
+#pragma GCC visibility pop
+
+#endif

@@ -1,0 +1,90 @@
+#ifndef VEXLO_SIGNALS_H
+#define VEXLO_SIGNALS_H
+
+// Signals and slots as the toolkit speaks them: namespace SigC, the interface of libsigc++ 1.x.
+// A receiver's host brings that library. Where there is none, the same interface stands here on
+// libsigc++ 3.0; nothing but this header knows the difference.
+
+#ifdef VEXLO_REAL_SIGC1
+
+#if __has_include(<sigc++/signal_system.h>)
+#include <sigc++/signal_system.h>
+#else
+#include <sigc++/sigc++.h>
+#endif
+
+#else
+
+#include <sigc++/functors/mem_fun.h>
+#include <sigc++/signal.h>
+#include <sigc++/trackable.h>
+
+namespace SigC
+{
+
+/// A counted object. Its virtual operations come first in the order that the 1.x library has them.
+class ObjectBase
+{
+public:
+	ObjectBase() = default;
+	// A copy is an object of its own: nobody refers to it yet.
+	ObjectBase(const ObjectBase &) {}
+	ObjectBase &operator=(const ObjectBase &) { return *this; }
+
+	/// Counts one more owner.
+	virtual void reference() const { ++owners; }
+
+	/// Counts one owner less; a managed object that loses its last owner deletes itself.
+	virtual void unreference() const
+	{
+		if (--owners == 0 && managed)
+			delete this;
+	}
+
+	/// Hands the object, created with `new`, to its owners: see unreference().
+	virtual void set_manage() { managed = true; }
+
+	virtual ~ObjectBase() = default;
+
+private:
+	mutable int owners = 0;
+	bool managed = false;
+};
+
+/// What a slot can call into: destroying it ends every connection that leads to it.
+class Object : public virtual ObjectBase, public sigc::trackable
+{
+};
+
+using Connection = sigc::connection;
+
+template <class R> using Slot0 = sigc::slot<R()>;
+template <class R, class P1> using Slot1 = sigc::slot<R(P1)>;
+
+/// A signal without an argument. `connect` adds a slot, `emit` or a call runs the slots in the order
+/// of their connection; destroying the signal ends its connections.
+template <class R> class Signal0 : public sigc::signal<R()>
+{
+};
+
+/// A signal with one argument of type P1.
+template <class R, class P1> class Signal1 : public sigc::signal<R(P1)>
+{
+};
+
+/// A slot that calls `operation` on `object`, for as long as `object` lives.
+template <class T, class Base, class R> auto slot(T &object, R (Base::*operation)())
+{
+	return sigc::mem_fun(object, operation);
+}
+
+template <class T, class Base, class R, class P1> auto slot(T &object, R (Base::*operation)(P1))
+{
+	return sigc::mem_fun(object, operation);
+}
+
+} // namespace SigC
+
+#endif
+
+#endif
