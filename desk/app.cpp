@@ -1,0 +1,235 @@
+#include "app.h"
+
+#include "desk.h"
+#include "files.h"
+#include "key.h"
+#include "plugin.h"
+#include "recorder.h"
+#include "screen.h"
+#include "skin.h"
+#include "trace.h"
+
+#include <CLI/CLI.hpp>
+
+#include <libintl.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <vector>
+
+namespace desk
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr int statusNotLoaded = 1;
+constexpr int statusBadArguments = 2;
+
+struct Options
+{
+	std::string plugin;
+	std::string screen;
+	std::string keys;
+	std::string pictures;
+	std::string dump;
+	std::string trace;
+	std::string root;
+	std::string skin;
+	std::string lang;
+	int plays = 1;
+};
+
+int fail(int status, const std::string &message)
+{
+	std::fprintf(stderr, "deskhost: %s\n", message.c_str());
+	return status;
+}
+
+fs::path programFolder()
+{
+	std::error_code failed;
+	return fs::read_symlink("/proc/self/exe", failed).parent_path();
+}
+
+/// The first of these places, relative to the program, that exists; the first one when none does.
+fs::path find(std::initializer_list<const char *> places)
+{
+	std::error_code failed;
+	for (const char *place : places)
+		if (const fs::path path = programFolder() / place; fs::exists(path, failed))
+			return path.lexically_normal();
+	return (programFolder() / *places.begin()).lexically_normal();
+}
+
+/// What there is to show and press keys on: a display, else a terminal, else nothing.
+std::string likelyScreen()
+{
+	const auto given = [](const char *name) {
+		const char *value = std::getenv(name);
+		return value && *value;
+	};
+	if (given("DISPLAY") || given("WAYLAND_DISPLAY"))
+		return "window";
+	return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
+}
+
+/// Makes the message catalogue of `lang` the current one, under the null domain.
+bool setLanguage(const std::string &lang, std::string &error)
+{
+	const fs::path catalogues = find({"../po", "../share/locale"});
+	const auto file = [&](const std::string &name) { return catalogues / name / "LC_MESSAGES" / "vexlomenu.mo"; };
+
+	std::error_code failed;
+	std::string known;
+	for (const fs::directory_entry &entry : fs::directory_iterator(catalogues, failed))
+		if (const std::string name = entry.path().filename(); fs::exists(file(name), failed))
+			known += ' ' + name;
+	// "de_AT.UTF-8" may do with "de".
+	const std::string territory = lang.substr(0, lang.find_first_of(".@"));
+	const std::string language = territory.substr(0, territory.find('_'));
+	const bool plain = lang.find('/') == std::string::npos && !language.empty();
+	if (!plain || (!fs::exists(file(territory), failed) && !fs::exists(file(language), failed))) {
+		error = "there is no message catalogue for '" + lang + "'; " +
+		        (known.empty() ? "none is built" : "--lang knows:" + known);
+		return false;
+	}
+	// The catalogues are UTF-8, and so is the screen; of the locale only this must not be "C".
+	if (!std::setlocale(LC_MESSAGES, "C.UTF-8")) {
+		error = "cannot translate: this system lacks the locale C.UTF-8; install it, or leave out --lang";
+		return false;
+	}
+	setenv("LANGUAGE", lang.c_str(), 1);
+	bindtextdomain("vexlomenu", catalogues.c_str());
+	bind_textdomain_codeset("vexlomenu", "UTF-8");
+	textdomain("vexlomenu");
+	return true;
+}
+
+std::unique_ptr<Screen> openScreen(const std::string &name, std::string &error)
+{
+	if (name == "window")
+		return makeWindowScreen(error);
+	if (name == "terminal")
+		return makeTerminalScreen(error);
+	return makeNoScreen();
+}
+
+int play(const Options &options, const std::vector<Key> &keys, std::string &returned)
+{
+	std::string error;
+	const std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
+	if (!plugin)
+		return fail(statusNotLoaded, error);
+	Desk &desk = Desk::get();
+	desk.press(keys);
+	desk.beginPlay();
+	const int result = plugin->exec();
+	desk.endPlay();
+	returned += "plugin_exec returned " + std::to_string(result) + '\n';
+	return 0;
+}
+
+} // namespace
+
+int runApp(int argc, char **argv)
+{
+	Options options;
+	options.plugin = find({"vexlomenu.so.0", "../lib/vexlomenu/vexlomenu.so.0"});
+	options.skin = find({"skins/default.toml", "../share/deskhost/skins/default.toml"});
+
+	CLI::App cli("Runs a receiver's service plugin on a desk computer: draws its screens and takes the keyboard\n"
+	             "(or a script) as the remote control.",
+	             "deskhost");
+	cli.set_version_flag("--version", "deskhost " DESK_VERSION);
+	cli.add_option("--plugin", options.plugin, "The plugin to load; by default the one built beside deskhost")
+	    ->type_name("PATH");
+	cli.add_option("--screen", options.screen,
+	               "window, terminal or none; by default a window where a display is, else the terminal, else none")
+	    ->type_name("WHERE")
+	    ->check(CLI::IsMember({"window", "terminal", "none"}));
+	cli.add_option("--keys", options.keys,
+	               "Press these keys first, one after another: up down left right pageup pagedown home end ok exit\n"
+	               "red green yellow blue 0-9. With --screen none, exit follows until the plugin returns")
+	    ->type_name("KEYS");
+	cli.add_option("--pictures", options.pictures,
+	               "Write a PNG of the screen at the start and after every key: 00-start.png, 01-ok.png, ...")
+	    ->type_name("DIR");
+	cli.add_option("--dump", options.dump, "Write what is on the screen at the same moments, as JSON lines")
+	    ->type_name("FILE");
+	cli.add_option("--trace", options.trace, "Write every call that the plugin makes to its host, a line each")
+	    ->type_name("FILE");
+	cli.add_option("--root", options.root,
+	               "Serve the receiver's files from this folder and find commands in its bin; kills are only reported")
+	    ->type_name("DIR");
+	cli.add_option("--skin", options.skin, "The look: a skin file")->type_name("FILE");
+	cli.add_option("--lang", options.lang, "The language of the plugin's texts, such as de")->type_name("LANG");
+	cli.add_option("--plays", options.plays, "Load, run and unload the plugin N times in one process")
+	    ->type_name("N")
+	    ->check(CLI::Range(1, 1000000000));
+	cli.footer("On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
+	           "blue), digits.\n\n"
+	           "Exit status: 0 the plugin ran to its end, 1 it cannot be loaded, 2 bad arguments.");
+	try {
+		cli.parse(argc, argv);
+	} catch (const CLI::ParseError &problem) {
+		if (problem.get_exit_code() == 0)
+			return cli.exit(problem);
+		return fail(statusBadArguments, std::string(problem.what()) + "; see deskhost --help");
+	}
+
+	// Only what characters are is the desk's: numbers and messages are the same everywhere.
+	std::setlocale(LC_CTYPE, "");
+
+	std::string error;
+	const std::optional<std::vector<Key>> keys = parseKeyScript(options.keys, error);
+	if (!keys)
+		return fail(statusBadArguments, error);
+	std::optional<Skin> skin = Skin::load(options.skin, error);
+	if (!skin)
+		return fail(statusBadArguments, error);
+	if (!options.lang.empty() && !setLanguage(options.lang, error))
+		return fail(statusBadArguments, error);
+	if (!options.root.empty() && !Files::get().setRoot(options.root, error))
+		return fail(statusBadArguments, error);
+	Recorder recorder;
+	if (!options.pictures.empty() && !recorder.openPictures(options.pictures, error))
+		return fail(statusBadArguments, error);
+	if (!options.dump.empty() && !recorder.openDump(options.dump, error))
+		return fail(statusBadArguments, error);
+	if (!options.trace.empty() && !Trace::get().open(options.trace, error))
+		return fail(statusBadArguments, error);
+
+	// Loading comes before the screen, so that a plugin that cannot be loaded flashes nothing up.
+	if (!Plugin::load(options.plugin, error))
+		return fail(statusNotLoaded, error);
+	std::unique_ptr<Screen> screen = openScreen(options.screen.empty() ? likelyScreen() : options.screen, error);
+	if (!screen)
+		return fail(statusBadArguments, error);
+
+	Desk &desk = Desk::get();
+	desk.setSkin(std::move(*skin));
+	desk.setRecorder(&recorder);
+	desk.setScreen(std::move(screen));
+
+	std::string returned;
+	int status = 0;
+	for (int i = 0; i < options.plays && status == 0; ++i)
+		status = play(options, *keys, returned);
+	desk.setScreen(nullptr); // gives the terminal back before anything is printed on it
+	desk.setRecorder(nullptr);
+	std::fputs(returned.c_str(), stdout);
+
+	if (!recorder.close(error))
+		return fail(statusBadArguments, error);
+	if (!Trace::get().close())
+		return fail(statusBadArguments, "cannot write all of the trace to '" + options.trace + "'; is the disk full?");
+	return status;
+}
+
+} // namespace desk

@@ -1,0 +1,232 @@
+#include "pixel_canvas.h"
+
+#include "typesetter.h"
+#include "visible_text.h"
+
+#include <cairo.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+namespace desk
+{
+namespace
+{
+
+constexpr double quarterTurn = 1.5707963267948966;
+
+void setSource(cairo_t *to, Color c, double alpha = 1)
+{
+	cairo_set_source_rgba(to, c.r / 255.0, c.g / 255.0, c.b / 255.0, alpha);
+}
+
+void setGradient(cairo_t *to, const Rect &area, Color top, Color bottom)
+{
+	if (top == bottom)
+		return setSource(to, top);
+	cairo_pattern_t *gradient = cairo_pattern_create_linear(0, area.y, 0, area.bottom());
+	cairo_pattern_add_color_stop_rgb(gradient, 0, top.r / 255.0, top.g / 255.0, top.b / 255.0);
+	cairo_pattern_add_color_stop_rgb(gradient, 1, bottom.r / 255.0, bottom.g / 255.0, bottom.b / 255.0);
+	cairo_set_source(to, gradient);
+	cairo_pattern_destroy(gradient);
+}
+
+void roundedPath(cairo_t *to, double x, double y, double w, double h, double radius)
+{
+	radius = std::min({radius, w / 2, h / 2});
+	cairo_new_path(to);
+	if (radius <= 0)
+		return cairo_rectangle(to, x, y, w, h);
+	cairo_arc(to, x + w - radius, y + radius, radius, -quarterTurn, 0);
+	cairo_arc(to, x + w - radius, y + h - radius, radius, 0, quarterTurn);
+	cairo_arc(to, x + radius, y + h - radius, radius, quarterTurn, 2 * quarterTurn);
+	cairo_arc(to, x + radius, y + radius, radius, 2 * quarterTurn, 3 * quarterTurn);
+	cairo_close_path(to);
+}
+
+void roundedPath(cairo_t *to, const Rect &area, int radius)
+{
+	roundedPath(to, area.x, area.y, area.w, area.h, radius);
+}
+
+Color mixed(Color a, Color b, double part)
+{
+	const auto mix = [part](uint8_t from, uint8_t to) {
+		return static_cast<uint8_t>(from + (to - from) * part + 0.5);
+	};
+	return {mix(a.r, b.r), mix(a.g, b.g), mix(a.b, b.b)};
+}
+
+cairo_status_t writeTo(void *file, const unsigned char *data, unsigned int length)
+{
+	return fwrite(data, 1, length, static_cast<FILE *>(file)) == length ? CAIRO_STATUS_SUCCESS
+	                                                                    : CAIRO_STATUS_WRITE_ERROR;
+}
+
+} // namespace
+
+struct PixelCanvas::State
+{
+	cairo_surface_t *surface =
+	    cairo_image_surface_create(CAIRO_FORMAT_RGB24, screenWidth, screenHeight);
+	cairo_t *cairo = cairo_create(surface);
+	size_t clips = 0;
+
+	State() = default;
+	State(const State &) = delete;
+	State &operator=(const State &) = delete;
+	~State()
+	{
+		cairo_destroy(cairo);
+		cairo_surface_destroy(surface);
+	}
+};
+
+PixelCanvas::PixelCanvas() : s(std::make_unique<State>())
+{
+	setSource(s->cairo, {});
+	cairo_paint(s->cairo);
+}
+
+PixelCanvas::~PixelCanvas() = default;
+
+void PixelCanvas::pushClip(const Rect &area)
+{
+	cairo_save(s->cairo);
+	cairo_new_path(s->cairo);
+	cairo_rectangle(s->cairo, area.x, area.y, std::max(0, area.w), std::max(0, area.h));
+	cairo_clip(s->cairo);
+	++s->clips;
+}
+
+void PixelCanvas::popClip()
+{
+	if (s->clips == 0)
+		return;
+	--s->clips;
+	cairo_restore(s->cairo);
+}
+
+void PixelCanvas::fill(const Rect &area, const Fill &fill)
+{
+	if (area.empty())
+		return;
+	roundedPath(s->cairo, area, fill.radius);
+	setGradient(s->cairo, area, fill.top, fill.bottom);
+	cairo_fill(s->cairo);
+}
+
+void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view title,
+                        const FrameStyle &style)
+{
+	if (outer.empty())
+		return;
+	cairo_t *to = s->cairo;
+
+	// The shadow: many thin layers make it soft.
+	constexpr int reach = 10;
+	for (int i = reach; i > 0; --i) {
+		const Rect layer = {outer.x - i + 1, outer.y - i + 5, outer.w + 2 * i - 2, outer.h + 2 * i - 2};
+		roundedPath(to, layer, style.radius + i);
+		setSource(to, {}, 0.045);
+		cairo_fill(to);
+	}
+
+	roundedPath(to, outer, style.radius);
+	setSource(to, style.client);
+	cairo_fill(to);
+
+	const Rect bar = Rect{outer.x, outer.y, outer.w, client.y - outer.y}.intersected(outer);
+	if (!bar.empty()) {
+		cairo_save(to);
+		cairo_rectangle(to, bar.x, bar.y, bar.w, bar.h);
+		cairo_clip(to);
+		roundedPath(to, outer, style.radius);
+		setGradient(to, bar, style.titleTop, style.titleBottom);
+		cairo_fill(to);
+		setSource(to, mixed(style.border, style.titleBottom, 0.3));
+		cairo_rectangle(to, bar.x, bar.bottom() - 1, bar.w, 1);
+		cairo_fill(to);
+		cairo_restore(to);
+
+		TextStyle text;
+		text.color = style.titleText;
+		text.face = Face::prose;
+		text.bold = true;
+		text.rowHeight = std::min(20, bar.h);
+		constexpr int indent = 12;
+		const Rect room = {bar.x + indent, bar.y, bar.w - 2 * indent, bar.h - 1};
+		this->text(room, title, text);
+	}
+
+	roundedPath(to, outer.x + 0.5, outer.y + 0.5, outer.w - 1, outer.h - 1, style.radius - 0.5);
+	setSource(to, style.border);
+	cairo_set_line_width(to, 1);
+	cairo_stroke(to);
+}
+
+void PixelCanvas::text(const Rect &area, std::string_view line, const TextStyle &style)
+{
+	if (area.empty())
+		return;
+	cairo_save(s->cairo);
+	cairo_new_path(s->cairo);
+	cairo_rectangle(s->cairo, area.x, area.y, area.w, area.h);
+	cairo_clip(s->cairo);
+	drawLine(s->cairo, area, visibleText(line), style);
+	cairo_restore(s->cairo);
+}
+
+void PixelCanvas::keySymbol(const Rect &area, ColourKey, Color color)
+{
+	if (area.empty())
+		return;
+	const int h = std::max(4, area.h * 7 / 10);
+	const int w = std::min(area.w, h * 9 / 5);
+	const Rect pill = {area.x + (area.w - w) / 2, area.y + (area.h - h) / 2, w, h};
+	constexpr Color white = {255, 255, 255}, black = {0, 0, 0};
+	cairo_save(s->cairo);
+	cairo_rectangle(s->cairo, area.x, area.y, area.w, area.h);
+	cairo_clip(s->cairo);
+	roundedPath(s->cairo, pill, h / 2);
+	setGradient(s->cairo, pill, mixed(color, white, 0.22), mixed(color, black, 0.12));
+	cairo_fill(s->cairo);
+	roundedPath(s->cairo, pill.x + 0.5, pill.y + 0.5, pill.w - 1, pill.h - 1, h / 2.0 - 0.5);
+	setSource(s->cairo, mixed(color, black, 0.45));
+	cairo_set_line_width(s->cairo, 1);
+	cairo_stroke(s->cairo);
+	cairo_restore(s->cairo);
+}
+
+const unsigned char *PixelCanvas::pixels()
+{
+	cairo_surface_flush(s->surface);
+	return cairo_image_surface_get_data(s->surface);
+}
+
+int PixelCanvas::stride() const
+{
+	return cairo_image_surface_get_stride(s->surface);
+}
+
+bool PixelCanvas::writePng(const std::string &path, std::string &error)
+{
+	const auto failed = [&](int reason) {
+		error = visibleText("cannot write \"" + path + "\": " + strerror(reason));
+		return false;
+	};
+	FILE *file = fopen(path.c_str(), "wb");
+	if (!file)
+		return failed(errno);
+	errno = 0;
+	const cairo_status_t status = cairo_surface_write_to_png_stream(s->surface, writeTo, file);
+	int reason = status == CAIRO_STATUS_SUCCESS ? 0 : errno ? errno : EIO;
+	if (fclose(file) != 0 && !reason)
+		reason = errno;
+	return reason ? failed(reason) : true;
+}
+
+} // namespace desk

@@ -1,0 +1,41 @@
+#ifndef DESK_PAINT_PIXEL_CANVAS_H
+#define DESK_PAINT_PIXEL_CANVAS_H
+
+#include "canvas.h"
+
+#include <memory>
+#include <string>
+
+namespace desk
+{
+
+/// A canvas of 720 x 576 pixels, drawn by Cairo and Pango.
+class PixelCanvas : public Canvas
+{
+public:
+	PixelCanvas();
+	~PixelCanvas() override;
+
+	void pushClip(const Rect &area) override;
+	void popClip() override;
+	void fill(const Rect &area, const Fill &fill) override;
+	void frame(const Rect &outer, const Rect &client, std::string_view title,
+	           const FrameStyle &style) override;
+	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
+	void keySymbol(const Rect &area, ColourKey key, Color color) override;
+
+	/// The pixels, 32 bits each (blue, green, red, unused in memory order), `stride()` bytes a row.
+	const unsigned char *pixels();
+	int stride() const;
+
+	/// Writes a PNG. False when the file cannot be written; `error` then says why, in one line.
+	bool writePng(const std::string &path, std::string &error);
+
+private:
+	struct State;
+	std::unique_ptr<State> s;
+};
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,301 @@
+#include "typesetter.h"
+
+#include "visible_text.h"
+
+#include <glib.h>
+#include <pango/pangocairo.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+
+namespace desk
+{
+namespace
+{
+
+constexpr char columnsFamily[] = "DejaVu Sans Mono";
+constexpr char proseFamily[] = "DejaVu Sans";
+constexpr double fontSize = 0.8;      // of the row: ascent and descent of these fonts just fill it
+constexpr double columnWidth = 0.4;   // of the row: 8 pixels at 20, as narrow as these screens need
+constexpr double proseSqueeze = 0.94; // makes a letter about as wide, on average, as a column
+
+struct Unref
+{
+	void operator()(void *object) const { g_object_unref(object); }
+};
+template <typename T> using Handle = std::unique_ptr<T, Unref>;
+
+bool isControlPicture(std::string_view s)
+{
+	return s.size() >= 3 && s[0] == '\xE2' && s[1] == '\x90' && static_cast<uint8_t>(s[2]) <= 0xA1;
+}
+
+size_t sequenceLength(char lead)
+{
+	const auto byte = static_cast<uint8_t>(lead);
+	return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+}
+
+// One face in one size and weight, with the layout that all its lines are set in.
+struct Setting
+{
+	Handle<PangoContext> context;
+	Handle<PangoLayout> layout;
+	Face face = Face::prose;
+	int rowHeight = 20;
+	double squeeze = 1;    // pixels on the screen per pixel of the layout, across
+	double correction = 1; // of the layout's widths: Pango widens them when its matrix squeezes
+	double cell = 0;       // width of a digit in pixels of the layout; in columns that of everything
+	double ascent = 0, descent = 0;
+
+	void setLine(std::string_view line);
+	int spread();
+	int width() const { return static_cast<int>(std::ceil(linePixels - 0.01)); }
+	double linePixels = 0; // of the line that is set, on the screen
+};
+
+// The control pictures are in no font of a small system: each is drawn as a framed letter, the one that
+// makes the control on a keyboard ("[" for escape).
+void drawControlPicture(cairo_t *to, PangoAttrShape *shape, gboolean, gpointer)
+{
+	const auto code = static_cast<uint8_t>(GPOINTER_TO_UINT(shape->data));
+	const char letter[] = {static_cast<char>(code == 0x21 ? '?' : '@' + code), '\0'};
+	const double w = pango_units_to_double(shape->logical_rect.width);
+	const double h = w * 1.25;
+	double x = 0, y = 0;
+	cairo_get_current_point(to, &x, &y);
+	cairo_save(to);
+	cairo_translate(to, x, y);
+	cairo_new_path(to);
+	cairo_rectangle(to, w * 0.1, w * 0.17 - h, w * 0.8, h);
+	cairo_set_line_width(to, w * 0.09);
+	cairo_stroke(to);
+	cairo_select_font_face(to, columnsFamily, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
+	cairo_set_font_size(to, w * 1.05);
+	cairo_text_extents_t extents;
+	cairo_text_extents(to, letter, &extents);
+	cairo_move_to(to, w / 2 - extents.width / 2 - extents.x_bearing,
+	              w * 0.17 - h / 2 - extents.height / 2 - extents.y_bearing);
+	cairo_show_text(to, letter);
+	cairo_restore(to);
+}
+
+void Setting::setLine(std::string_view line)
+{
+	PangoAttrList *attributes = pango_attr_list_new();
+	const PangoRectangle box = {0, pango_units_from_double(-0.75 * rowHeight), pango_units_from_double(cell),
+	                            pango_units_from_double(rowHeight)};
+	for (size_t at = line.find("\xE2\x90"); at != line.npos; at = line.find("\xE2\x90", at + 3)) {
+		if (!isControlPicture(line.substr(at)))
+			continue;
+		const auto code = static_cast<guint>(static_cast<uint8_t>(line[at + 2]) - 0x80);
+		PangoAttribute *shape =
+		    pango_attr_shape_new_with_data(&box, &box, GUINT_TO_POINTER(code), nullptr, nullptr);
+		shape->start_index = static_cast<guint>(at);
+		shape->end_index = static_cast<guint>(at + 3);
+		pango_attr_list_insert(attributes, shape);
+	}
+	pango_layout_set_attributes(layout.get(), attributes);
+	pango_attr_list_unref(attributes);
+	pango_layout_set_text(layout.get(), line.data(), static_cast<int>(line.size()));
+	linePixels = spread() * squeeze / PANGO_SCALE;
+}
+
+// Moves the glyphs of the line to where the screen can show them sharply, and returns its width. In
+// columns each character takes exactly its columns, whatever font it was found in; in prose each glyph
+// takes whole pixels.
+int Setting::spread()
+{
+	const char *text = pango_layout_get_text(layout.get());
+	const PangoLayoutLine *line = pango_layout_get_line(layout.get(), 0);
+	int width = 0;
+	for (GSList *run = line->runs; run; run = run->next) {
+		auto *item = static_cast<PangoGlyphItem *>(run->data);
+		PangoGlyphInfo *glyphs = item->glyphs->glyphs;
+		for (int i = 0; i < item->glyphs->num_glyphs; ++i) {
+			PangoGlyphGeometry &place = glyphs[i].geometry;
+			place.width = static_cast<int>(std::lround(place.width * correction));
+			place.x_offset = static_cast<int>(std::lround(place.x_offset * correction));
+		}
+		if (face == Face::columns) {
+			PangoGlyphItemIter cluster;
+			for (gboolean more = pango_glyph_item_iter_init_start(&cluster, item, text); more;
+			     more = pango_glyph_item_iter_next_cluster(&cluster)) {
+				const int first = std::min(cluster.start_glyph, cluster.end_glyph + 1);
+				const int last = std::max(cluster.start_glyph, cluster.end_glyph - 1);
+				const auto bytes = static_cast<size_t>(cluster.end_index - cluster.start_index);
+				const int columns = textColumns({text + cluster.start_index, bytes});
+				int before = 0;
+				for (int i = first; i < last; ++i)
+					before += glyphs[i].geometry.width;
+				// Marks stand relative to their letter: only what follows the last glyph may move.
+				glyphs[last].geometry.width = pango_units_from_double(columns * cell) - before;
+			}
+		} else if (item->item->analysis.level % 2 == 0)
+			for (int i = 0; i < item->glyphs->num_glyphs; ++i) {
+				const double pixels = glyphs[i].geometry.width * squeeze / PANGO_SCALE;
+				glyphs[i].geometry.width = pango_units_from_double(std::round(pixels) / squeeze);
+			}
+		width += pango_glyph_string_get_width(item->glyphs);
+	}
+	return width;
+}
+
+class Typesetter
+{
+public:
+	Typesetter() : fonts(pango_cairo_font_map_new()), options(cairo_font_options_create())
+	{
+		cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+		cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_SLIGHT);
+		cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+	}
+	~Typesetter() { cairo_font_options_destroy(options); }
+	Typesetter(const Typesetter &) = delete;
+	Typesetter &operator=(const Typesetter &) = delete;
+
+	Setting &setting(Face face, int rowHeight, bool bold);
+
+private:
+	Setting make(Face face, int rowHeight, bool bold);
+
+	Handle<PangoFontMap> fonts;
+	cairo_font_options_t *options;
+	std::map<std::tuple<Face, int, bool>, Setting> settings;
+};
+
+Setting Typesetter::make(Face face, int rowHeight, bool bold)
+{
+	Setting s;
+	s.face = face;
+	s.rowHeight = rowHeight;
+	s.context.reset(pango_font_map_create_context(fonts.get()));
+	PangoContext *context = s.context.get();
+	pango_cairo_context_set_font_options(context, options);
+	pango_cairo_context_set_shape_renderer(context, drawControlPicture, nullptr, nullptr);
+	pango_context_set_language(context, pango_language_from_string("en"));
+	pango_context_set_base_dir(context, PANGO_DIRECTION_LTR);
+	pango_context_set_round_glyph_positions(context, FALSE);
+
+	PangoFontDescription *font = pango_font_description_new();
+	pango_font_description_set_family_static(font, face == Face::columns ? columnsFamily : proseFamily);
+	pango_font_description_set_weight(font, bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+	// An absolute size: no resolution of any display takes part.
+	pango_font_description_set_absolute_size(font, fontSize * rowHeight * PANGO_SCALE);
+	pango_context_set_font_description(context, font);
+	pango_font_description_free(font);
+
+	const auto newLayout = [&] {
+		s.layout.reset(pango_layout_new(context));
+		pango_layout_set_single_paragraph_mode(s.layout.get(), TRUE);
+		// A word of Arabic in a process name must not turn its row round.
+		pango_layout_set_auto_dir(s.layout.get(), face == Face::prose);
+		pango_layout_set_text(s.layout.get(), "0000000000", -1);
+		int advance = 0;
+		pango_layout_get_size(s.layout.get(), &advance, nullptr);
+		return std::max(1.0, pango_units_to_double(advance)) / 10;
+	};
+	const double advance = newLayout();
+	s.cell = advance;
+	s.squeeze = face == Face::columns ? columnWidth * rowHeight / advance : proseSqueeze;
+	PangoMatrix matrix = PANGO_MATRIX_INIT;
+	matrix.xx = s.squeeze;
+	pango_context_set_matrix(context, &matrix);
+	s.correction = advance / newLayout();
+
+	PangoFontMetrics *metrics = pango_context_get_metrics(context, nullptr, nullptr);
+	s.ascent = pango_units_to_double(pango_font_metrics_get_ascent(metrics));
+	s.descent = pango_units_to_double(pango_font_metrics_get_descent(metrics));
+	pango_font_metrics_unref(metrics);
+	return s;
+}
+
+Setting &Typesetter::setting(Face face, int rowHeight, bool bold)
+{
+	rowHeight = std::clamp(rowHeight, 1, 200);
+	const std::tuple<Face, int, bool> key(face, rowHeight, bold);
+	auto found = settings.find(key);
+	if (found == settings.end()) {
+		if (settings.size() >= 32)
+			settings.clear();
+		found = settings.emplace(key, make(face, rowHeight, bold)).first;
+	}
+	return found->second;
+}
+
+Typesetter &typesetter()
+{
+	static Typesetter only;
+	return only;
+}
+
+// The start of `line` that can be seen in `width` pixels, and a little more.
+std::string_view startWithin(std::string_view line, int width, const Setting &setting)
+{
+	const double column = columnWidth * setting.rowHeight;
+	const double narrowest = column / 4; // of a letter in any font that may stand in
+	const size_t mostBytes = static_cast<size_t>(width) * 16;
+	double least = 0;
+	size_t at = 0;
+	while (at < line.size() && least <= width + column && at < mostBytes) {
+		const std::string_view c = line.substr(at, sequenceLength(line[at]));
+		if (setting.face == Face::columns)
+			least += c.size() == 1 ? column : textColumns(c) * column;
+		else if (textColumns(c) > 0)
+			least += narrowest;
+		at += c.size();
+	}
+	// What combines with the last character belongs to it.
+	for (size_t marks = 0; at < line.size() && marks < 16; ++marks) {
+		const std::string_view c = line.substr(at, sequenceLength(line[at]));
+		if (textColumns(c) > 0)
+			break;
+		at += c.size();
+	}
+	return line.substr(0, at);
+}
+
+} // namespace
+
+int lineWidth(std::string_view line, Face face, int rowHeight, bool bold)
+{
+	Setting &setting = typesetter().setting(face, rowHeight, bold);
+	setting.setLine(line);
+	return setting.width();
+}
+
+void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextStyle &style)
+{
+	if (area.empty() || line.empty())
+		return;
+	Setting &setting = typesetter().setting(style.face, style.rowHeight, style.bold);
+	line = startWithin(line, area.w, setting);
+	setting.setLine(line);
+
+	PangoLayoutLine *laidOut = pango_layout_get_line(setting.layout.get(), 0);
+	const bool rightToLeft = pango_layout_line_get_resolved_direction(laidOut) == PANGO_DIRECTION_RTL;
+	const int spare = area.w - setting.width();
+	const Align align = spare < 0 ? Align::start : style.align; // what is too long shows its start
+	double x = area.x;
+	if (align == Align::centre)
+		x += std::floor(spare / 2.0);
+	else if ((align == Align::end) != rightToLeft)
+		x = area.right() - std::ceil(setting.linePixels - 0.01);
+	const double baseline =
+	    std::round(area.y + (area.h - setting.ascent - setting.descent) / 2 + setting.ascent);
+
+	cairo_save(to);
+	cairo_set_source_rgb(to, style.color.r / 255.0, style.color.g / 255.0, style.color.b / 255.0);
+	cairo_translate(to, x, baseline);
+	cairo_scale(to, setting.squeeze, 1);
+	cairo_move_to(to, 0, 0);
+	pango_cairo_show_layout_line(to, laidOut);
+	cairo_restore(to);
+}
+
+} // namespace desk

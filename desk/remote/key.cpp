@@ -1,0 +1,67 @@
+#include "key.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace desk
+{
+namespace
+{
+
+// In the order of Key.
+constexpr const char *names[] = {
+	"up", "down", "left", "right", "pageup", "pagedown", "home", "end", "ok", "exit",
+	"red", "green", "yellow", "blue",
+	"0", "1", "2", "3", "4", "5", "6", "7", "8", "9",
+};
+constexpr size_t keyCount = sizeof names / sizeof *names;
+static_assert(keyCount == static_cast<size_t>(Key::digit9) + 1, "every key has its name");
+
+constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+
+// A wrong name comes from a command line or a fuzzer: what is quoted back must stay one short line.
+std::string quoted(std::string_view name)
+{
+	constexpr size_t most = 40;
+	std::string out = "\"";
+	for (const char c : name.substr(0, most))
+		out += c > ' ' && c < '\x7f' ? c : '?';
+	return out + (name.size() > most ? "...\"" : "\"");
+}
+
+} // namespace
+
+const char *keyName(Key key)
+{
+	return names[static_cast<size_t>(key)];
+}
+
+std::optional<Key> keyNamed(std::string_view name)
+{
+	for (size_t i = 0; i < keyCount; ++i)
+		if (name == names[i])
+			return static_cast<Key>(i);
+	return std::nullopt;
+}
+
+std::optional<std::vector<Key>> parseKeyScript(std::string_view script, std::string &error)
+{
+	std::vector<Key> keys;
+	for (size_t at = script.find_first_not_of(whiteSpace); at != script.npos;
+	     at = script.find_first_not_of(whiteSpace, at)) {
+		const size_t end = std::min(script.find_first_of(whiteSpace, at), script.size());
+		const std::string_view name = script.substr(at, end - at);
+		const auto key = keyNamed(name);
+		if (!key) {
+			error = "unknown key " + quoted(name) + "; the keys are";
+			for (const char *known : names)
+				error.append(" ").append(known);
+			return std::nullopt;
+		}
+		keys.push_back(*key);
+		at = end;
+	}
+	return keys;
+}
+
+} // namespace desk

@@ -1,0 +1,32 @@
+#ifndef DESK_REMOTE_KEY_H
+#define DESK_REMOTE_KEY_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace desk
+{
+
+/// The keys of the remote control.
+enum class Key
+{
+	up, down, left, right, pageup, pagedown, home, end, ok, exit,
+	red, green, yellow, blue,
+	digit0, digit1, digit2, digit3, digit4, digit5, digit6, digit7, digit8, digit9,
+};
+
+/// The key's name as key scripts, dumps and picture names write it: "pageup", "7".
+const char *keyName(Key key);
+
+/// The key of that name, nothing when there is none.
+std::optional<Key> keyNamed(std::string_view name);
+
+/// Reads a key script: names separated by blanks (any white space). On an unknown name returns
+/// nothing and leaves one line in `error` that names it and lists the keys there are.
+std::optional<std::vector<Key>> parseKeyScript(std::string_view script, std::string &error);
+
+} // namespace desk
+
+#endif

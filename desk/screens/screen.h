@@ -1,0 +1,51 @@
+#ifndef DESK_SCREENS_SCREEN_H
+#define DESK_SCREENS_SCREEN_H
+
+#include "canvas.h"
+#include "key.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace desk
+{
+
+/// Where a frame goes and where keys come from. All screens are equal behind this.
+class Screen
+{
+public:
+	virtual ~Screen() = default;
+
+	/// What to paint the next frame on, or null when this screen shows nothing.
+	virtual Canvas *canvas() = 0;
+
+	/// Shows what the canvas holds. The screen keeps that frame and repairs it by itself (exposure,
+	/// resizing) while it waits for a key.
+	virtual void present() = 0;
+
+	/// Sleeps until a key of the remote control is pressed. Nothing: there are no more keys, the
+	/// viewer has closed the screen.
+	virtual std::optional<Key> waitKey() = 0;
+
+	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that
+	/// was only reported. It goes to standard error, at once or when the screen is given back.
+	virtual void note(const std::string &line);
+
+	/// True when commands' own output would spoil this screen; their standard output and error are
+	/// then handed to note() line by line.
+	virtual bool ownsTerminal() const { return false; }
+};
+
+/// A screen that shows nothing and has no keys.
+std::unique_ptr<Screen> makeNoScreen();
+
+/// A window. On failure returns null and leaves one line in `error`.
+std::unique_ptr<Screen> makeWindowScreen(std::string &error);
+
+/// The terminal on standard input and output. On failure returns null and leaves one line in `error`.
+std::unique_ptr<Screen> makeTerminalScreen(std::string &error);
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,44 @@
+#ifndef DESK_TOOLKIT_LABEL_H
+#define DESK_TOOLKIT_LABEL_H
+
+#include "deco.h"
+#include "state.h"
+#include "visible_text.h"
+
+#include <optional>
+#include <string>
+
+namespace desk
+{
+
+/// The colour key of that name, nothing when it is none.
+std::optional<ColourKey> colourKey(const std::string &name);
+
+/// How a label draws itself, and what a button changes about it.
+class LabelBehaviour : public Behaviour
+{
+public:
+	void draw(const eWidget &widget, gPainter &painter) override;
+
+	/// Drawn as a button: one line, in the middle.
+	void makeButton(const Decoration &decoration)
+	{
+		look = &decoration;
+		face = Face::prose;
+		align = Align::centre;
+		oneLine = true;
+		bold = true;
+	}
+
+	const Decoration *look = nullptr;
+	std::optional<ColourKey> symbol;
+	Face face = Face::columns;
+	Align align = Align::start;
+	bool oneLine = false;
+	bool bold = false;
+	bool wraps = false; ///< breaks long lines instead of cutting them off
+};
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,156 @@
+#include "deco.h"
+#include "desk.h"
+#include "label.h"
+#include "state.h"
+#include "trace.h"
+
+#include <algorithm>
+
+using desk::Desk;
+using desk::Rect;
+using desk::Trace;
+
+namespace
+{
+
+/// Presses a button: its signal tells who wants to know.
+class ButtonBehaviour : public desk::LabelBehaviour
+{
+public:
+	bool press(eWidget &widget) override
+	{
+		static_cast<eButton &>(widget).selected.emit();
+		return true;
+	}
+};
+
+} // namespace
+
+namespace desk
+{
+
+std::optional<ColourKey> colourKey(const std::string &name)
+{
+	if (name == "red")
+		return ColourKey::red;
+	if (name == "green")
+		return ColourKey::green;
+	if (name == "yellow")
+		return ColourKey::yellow;
+	if (name == "blue")
+		return ColourKey::blue;
+	return std::nullopt;
+}
+
+void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
+{
+	const eWidget::State &state = eWidget::State::of(widget);
+	const Skin &skin = Desk::get().skin();
+	const bool focused = Desk::get().focus() == &widget;
+	const Rect area{painter.x, painter.y, state.width, state.height};
+
+	if (const std::optional<Fill> &back = focused && look->focused ? look->focused : look->background) {
+		Fill fill = *back;
+		fill.emphasis = focused ? Emphasis::current : Emphasis::none;
+		painter.canvas.fill(area, fill);
+	}
+
+	TextStyle style;
+	style.color = focused ? look->focusedText : look->text;
+	style.face = face;
+	style.align = align;
+	style.bold = bold;
+	style.rowHeight = Desk::get().fontSize();
+	style.emphasis = focused ? Emphasis::current : Emphasis::none;
+
+	int left = look->padding;
+	if (symbol) {
+		const Color colors[] = {skin.keyRed, skin.keyGreen, skin.keyYellow, skin.keyBlue};
+		const int height = std::min(style.rowHeight, state.height);
+		painter.canvas.keySymbol({area.x + left + 4, area.y + (area.h - height) / 2, 24, height}, *symbol,
+		                         colors[static_cast<int>(*symbol)]);
+		left += 32;
+	}
+	// What starts on the left may run up to the right edge.
+	const int right = align == Align::start ? 0 : look->padding;
+	const Rect inner{area.x + left, area.y, area.w - left - right, area.h};
+
+	const std::string wrapped = wraps ? wrapText(state.text, inner.w, style.rowHeight, bold) : std::string();
+	const std::string_view text = wraps ? std::string_view(wrapped) : std::string_view(state.text);
+	if (oneLine) {
+		painter.canvas.text(inner, text, style);
+		return;
+	}
+	// A row of text for every line, as far down as the label reaches.
+	size_t start = 0;
+	for (int y = 0; y < inner.h && start < text.size(); y += style.rowHeight) {
+		const size_t end = std::min(text.find('\n', start), text.size());
+		painter.canvas.text({inner.x, inner.y + y, inner.w, style.rowHeight}, text.substr(start, end - start), style);
+		start = end + 1;
+	}
+}
+
+} // namespace desk
+
+eDecoWidget::eDecoWidget(eWidget *parent, int takefocus, const char *name)
+    : eWidget(Trace::begin(parent), takefocus),
+      deco(new Deco{name ? name : "", &Desk::get().skin().decoration(name ? name : "")})
+{
+	Trace::constructed(this, "eDecoWidget", Trace::Ref{parent}, takefocus, name);
+}
+
+eDecoWidget::~eDecoWidget()
+{
+	State::destroy(*this, "eDecoWidget");
+	delete deco;
+}
+
+void eDecoWidget::loadDeco()
+{
+	Trace::get().call(this, "loadDeco");
+	deco->look = &Desk::get().skin().decoration(deco->name);
+}
+
+int eDecoWidget::eventFilter(const eWidgetEvent &event)
+{
+	return eWidget::eventFilter(event);
+}
+
+int eDecoWidget::setProperty(const eString &name, const eString &value)
+{
+	return eWidget::setProperty(name, value);
+}
+
+eLabel::eLabel(eWidget *parent, int flags, int takefocus, const char *name)
+    : eDecoWidget(Trace::begin(parent), takefocus, name)
+{
+	auto behaviour = std::make_unique<desk::LabelBehaviour>();
+	behaviour->look = deco->look;
+	state->behaviour = std::move(behaviour);
+	Trace::constructed(this, "eLabel", Trace::Ref{parent}, flags, takefocus, name);
+}
+
+eLabel::~eLabel()
+{
+	State::destroy(*this, "eLabel");
+}
+
+void eLabel::setShortcutPixmap(const eString &key)
+{
+	Trace::get().call(this, "setShortcutPixmap", key);
+	static_cast<desk::LabelBehaviour &>(*state->behaviour).symbol = desk::colourKey(key);
+}
+
+eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char *name)
+    : eLabel(Trace::begin(parent), 0, takefocus, name)
+{
+	auto behaviour = std::make_unique<ButtonBehaviour>();
+	behaviour->makeButton(*deco->look);
+	state->behaviour = std::move(behaviour);
+	Trace::constructed(this, "eButton", Trace::Ref{parent}, Trace::Ref{description}, takefocus, name);
+}
+
+eButton::~eButton()
+{
+	State::destroy(*this, "eButton");
+}

@@ -1,0 +1,53 @@
+#ifndef DESK_TOOLKIT_LIST_H
+#define DESK_TOOLKIT_LIST_H
+
+#include "elistbox.h"
+
+#include <vector>
+
+/// What the host keeps of a list box.
+///
+/// Nothing that a key press does depends on the number of entries.
+struct eListBoxBase::List
+{
+	explicit List(eListBoxBase &of) : box(of) {}
+
+	static List &of(const eListBoxBase &box) { return *box.list; }
+
+	const eListBoxEntry *currentEntry() const
+	{
+		return entries.empty() ? nullptr : entries[static_cast<size_t>(current)];
+	}
+
+	int count() const { return static_cast<int>(entries.size()); }
+
+	/// Whole rows that the box shows.
+	int rows() const;
+
+	/// Entries on the screen: from `top` on, `shown()` of them.
+	int shown() const;
+
+	/// Moves the selection, scrolls as needed and reports it.
+	void moveTo(int index);
+
+	/// Moves to the entry, if there is one of that index, and confirms it.
+	void choose(int index);
+
+	void confirm();
+	void leave();
+
+	/// Deletes all entries with their keys, without being called back by them.
+	void dispose();
+
+	/// Keeps `current` and `top` within the entries.
+	void settle();
+
+	eListBoxBase &box;
+	std::vector<eListBoxEntry *> entries;
+	int current = 0;
+	int top = 0;
+	int entryHeight = 1;
+	int flags = 0;
+};
+
+#endif

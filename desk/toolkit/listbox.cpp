@@ -1,0 +1,233 @@
+#include "elistbox.h"
+
+#include "deco.h"
+#include "desk.h"
+#include "list.h"
+#include "state.h"
+#include "trace.h"
+
+#include <algorithm>
+
+using desk::Desk;
+using desk::Fill;
+using desk::Key;
+using desk::Rect;
+using desk::Trace;
+
+namespace
+{
+
+constexpr int barWidth = 8; // of the scroll bar, in pixels
+
+} // namespace
+
+eListBoxBase::eListBoxBase(eWidget *parent, const eWidget *description, int takefocus, int entryHeight,
+                           const char *decoration)
+    : eDecoWidget(Trace::begin(parent), takefocus, decoration), list(new List(*this))
+{
+	list->entryHeight = std::max(1, entryHeight);
+	Trace::constructed(this, "eListBoxBase", Trace::Ref{parent}, Trace::Ref{description}, takefocus, entryHeight,
+	                   decoration);
+}
+
+eListBoxBase::~eListBoxBase()
+{
+	State::destroy(*this, "eListBoxBase");
+	list->dispose();
+	delete list;
+}
+
+void eListBoxBase::List::dispose()
+{
+	std::vector<eListBoxEntry *> going;
+	going.swap(entries);
+	current = top = 0;
+	for (eListBoxEntry *entry : going) {
+		entry->listbox = nullptr;
+		// The key of a text entry is a string of its own, which nobody else releases.
+		if (const eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry))
+			delete static_cast<eString *>(text->getKey());
+		Trace::get().forget(entry);
+		delete entry;
+	}
+}
+
+int eListBoxBase::List::rows() const
+{
+	return std::max(1, State::of(box).height / entryHeight);
+}
+
+int eListBoxBase::List::shown() const
+{
+	return std::clamp(count() - top, 0, rows());
+}
+
+void eListBoxBase::List::settle()
+{
+	current = std::clamp(current, 0, std::max(0, count() - 1));
+	top = std::clamp(top, 0, std::max(0, count() - rows()));
+	if (current < top)
+		top = current;
+	else if (current >= top + rows())
+		top = current - rows() + 1;
+}
+
+void eListBoxBase::List::moveTo(int index)
+{
+	const int before = current;
+	current = index;
+	settle();
+	if (current != before)
+		box.SendSelChanged(entries[static_cast<size_t>(current)]);
+}
+
+void eListBoxBase::List::choose(int index)
+{
+	if (index < 0 || index >= count())
+		return;
+	moveTo(index);
+	confirm();
+}
+
+void eListBoxBase::List::confirm()
+{
+	// An empty list has nothing to confirm; null would mean that the viewer leaves it.
+	if (!entries.empty())
+		box.SendSelected(entries[static_cast<size_t>(current)]);
+}
+
+void eListBoxBase::List::leave()
+{
+	box.SendSelected(nullptr);
+	State::of(State::window(box)).end(-1);
+}
+
+void eListBoxBase::setFlags(int flags)
+{
+	Trace::get().call(this, "setFlags", flags);
+	list->flags = flags;
+}
+
+void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
+{
+	Trace::get().call(this, "append", Trace::Ref{entry}, makeCurrent, atTop);
+	if (!entry)
+		return;
+	if (atTop)
+		list->entries.insert(list->entries.begin(), entry);
+	else
+		list->entries.push_back(entry);
+	if (makeCurrent)
+		list->current = atTop ? 0 : list->count() - 1;
+	else if (atTop && list->count() > 1)
+		++list->current; // it stays on the entry it was on
+	list->settle();
+}
+
+void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
+{
+	Trace::get().call(this, "remove", Trace::Ref{entry}, fromDestruction);
+	const auto place = std::find(list->entries.begin(), list->entries.end(), entry);
+	if (place != list->entries.end()) {
+		if (place - list->entries.begin() < list->current)
+			--list->current;
+		list->entries.erase(place);
+		list->settle();
+	}
+	Trace::get().forget(entry);
+}
+
+void eListBoxBase::gotFocus() {}
+void eListBoxBase::lostFocus() {}
+
+void eListBoxBase::recalcClientRect()
+{
+	eDecoWidget::recalcClientRect();
+	list->settle();
+}
+
+int eListBoxBase::eventHandler(const eWidgetEvent &event)
+{
+	const int count = list->count();
+	const int page = list->rows();
+	switch (event.key) {
+	case Key::up:
+		if (count)
+			list->moveTo(list->current > 0 ? list->current - 1 : count - 1);
+		return 1;
+	case Key::down:
+		if (count)
+			list->moveTo(list->current + 1 < count ? list->current + 1 : 0);
+		return 1;
+	case Key::pageup:
+		if (count) {
+			list->top -= page;
+			list->moveTo(list->current - page);
+		}
+		return 1;
+	case Key::pagedown:
+		if (count) {
+			list->top += page;
+			list->moveTo(list->current + page);
+		}
+		return 1;
+	case Key::home:
+		if (count)
+			list->moveTo(0);
+		return 1;
+	case Key::end:
+		if (count)
+			list->moveTo(count - 1);
+		return 1;
+	case Key::ok:
+		list->confirm();
+		return 1;
+	case Key::exit:
+		list->leave();
+		return 1;
+	default:
+		return eDecoWidget::eventHandler(event);
+	}
+}
+
+void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
+{
+	desk::Canvas &canvas = target->canvas;
+	const desk::Decoration &look = *deco->look;
+	const Rect area{target->x, target->y, state->width, state->height};
+	const desk::Color back = look.background ? look.background->top : Desk::get().skin().window.client;
+	if (look.background)
+		canvas.fill(area, *look.background);
+
+	const bool focused = Desk::get().focus() == this;
+	const bool scrolls = list->count() > list->rows();
+	const int rowWidth = state->width - (scrolls ? barWidth + 4 : 0);
+	const gColor currentBack = gPainter::index(focused ? look.current : look.currentUnfocused);
+	const gColor currentText = gPainter::index(look.currentText);
+	const gColor plainBack = gPainter::index(back);
+	const gColor plainText = gPainter::index(look.text);
+	for (int i = 0; i < list->shown(); ++i) {
+		const int index = list->top + i;
+		const int y = i * list->entryHeight;
+		const eRect row(0, y, rowWidth, y + list->entryHeight);
+		list->entries[static_cast<size_t>(index)]->redraw(target, row, currentBack, currentText, plainBack, plainText,
+		                                                  index == list->current);
+	}
+
+	if (scrolls) {
+		const Rect bar{area.right() - barWidth, area.y, barWidth, area.h};
+		canvas.fill(bar, Fill::plain(look.bar, barWidth / 2, desk::Emphasis::dim));
+		const int64_t count = list->count();
+		const int thumb = std::max<int>(list->entryHeight, static_cast<int>(area.h * int64_t{list->rows()} / count));
+		const int64_t way = area.h - thumb;
+		const int64_t last = count - list->rows(); // the highest top there is
+		const int y = static_cast<int>(way * list->top / last);
+		canvas.fill({bar.x, bar.y + y, bar.w, thumb},
+		            Fill::plain(look.barThumb, barWidth / 2, desk::Emphasis::current));
+	}
+}
+
+int eListBoxBase::setProperty(const eString &name, const eString &value)
+{
+	return eDecoWidget::setProperty(name, value);
+}

@@ -1,0 +1,36 @@
+#include "desk.h"
+#include "elistbox.h"
+#include "state.h"
+#include "trace.h"
+
+using desk::Desk;
+using desk::Trace;
+
+int eListBoxEntryText::getEntryHeight()
+{
+	const int height = Desk::get().fontSize();
+	Trace &trace = Trace::get();
+	if (trace.on())
+		trace.line("eListBoxEntryText.getEntryHeight() = " + std::to_string(height));
+	return height;
+}
+
+void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor currentBack, gColor currentText, gColor,
+                               gColor textColor, int isCurrent)
+{
+	const desk::Rect row = target->onScreen(area);
+	desk::TextStyle style;
+	style.color = gPainter::color(isCurrent ? currentText : textColor);
+	style.rowHeight = area.height();
+	if (isCurrent) {
+		style.emphasis = desk::Emphasis::current;
+		target->canvas.fill(row, desk::Fill::plain(gPainter::color(currentBack), 0, desk::Emphasis::current));
+	}
+	// A menu line is written for people. Other lines come from programs, in columns made with blanks.
+	int inset = Desk::get().skin().decoration("eListBox").padding;
+	if (dynamic_cast<const eListBoxEntryMenu *>(this)) {
+		style.face = desk::Face::prose;
+		inset += 10;
+	}
+	target->canvas.text({row.x + inset, row.y, row.w - inset, row.h}, text, style);
+}

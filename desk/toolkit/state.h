@@ -1,0 +1,109 @@
+#ifndef DESK_TOOLKIT_STATE_H
+#define DESK_TOOLKIT_STATE_H
+
+#include "canvas.h"
+#include "ewidget.h"
+#include "key.h"
+
+#include <memory>
+#include <vector>
+
+/// A key of the remote control; the toolkit has no other events so far.
+struct eWidgetEvent
+{
+	desk::Key key;
+};
+
+/// Draws for one widget. `x`, `y`: where the widget's own pixel (0, 0) stands on the screen.
+class gPainter
+{
+public:
+	gPainter(desk::Canvas &c, int left, int top) : canvas(c), x(left), y(top) {}
+
+	desk::Rect onScreen(const eRect &r) const { return {x + r.left, y + r.top, r.width(), r.height()}; }
+
+	/// The palette that gColor indexes.
+	static gColor index(desk::Color color);
+	static desk::Color color(gColor index);
+
+	desk::Canvas &canvas;
+	const int x, y;
+};
+
+namespace desk
+{
+
+/// What sets labels, buttons and message boxes apart. It lies behind the opaque state, so that
+/// these classes need no virtual operations of their own.
+class Behaviour
+{
+public:
+	virtual ~Behaviour() = default;
+
+	virtual void draw(const eWidget &, gPainter &) {}
+
+	/// The widget is pressed, by OK or by its colour key; false: it is nothing to press.
+	virtual bool press(eWidget &) { return false; }
+};
+
+} // namespace desk
+
+/// What the host keeps of every widget, and its way to the protected operations.
+struct eWidget::State
+{
+	eWidget *parent = nullptr;
+	std::vector<eWidget *> children;
+	int x = 0, y = 0;          ///< outer corner: on the screen, or in the parent's client area
+	int width = 0, height = 0; ///< outer size
+	bool visible = false;
+	bool takesFocus = false;
+	eString text;
+	eString shortcut;
+	eWidget *focus = nullptr; ///< windows: the child that has the focus while the window has the keys
+	bool running = false;     ///< windows: between the start and the end of exec()
+	bool ended = false;       ///< ... and something has ended it
+	int result = 0;
+	bool isMessageBox = false;
+	bool destroying = false; ///< the outermost destructor has begun
+	std::unique_ptr<desk::Behaviour> behaviour;
+
+	static State &of(const eWidget &widget) { return *widget.state; }
+
+	/// Ends the run of a window, once.
+	void end(int value)
+	{
+		if (!running || ended)
+			return;
+		ended = true;
+		result = value;
+	}
+
+	/// The window that a widget is in; itself when it has no parent.
+	static eWidget &window(eWidget &widget)
+	{
+		eWidget *top = &widget;
+		while (of(*top).parent)
+			top = of(*top).parent;
+		return *top;
+	}
+
+	static void place(eWidget &widget, int x, int y, int width, int height);
+
+	/// Every destructor of the hierarchy calls this first: the outermost one is traced, as the
+	/// destructor of `type`, and the others belong to it.
+	static void destroy(eWidget &widget, const char *type);
+
+	static int filter(eWidget &w, const eWidgetEvent &event) { return w.eventFilter(event); }
+	static int handle(eWidget &w, const eWidgetEvent &event) { return w.eventHandler(event); }
+	static void gotFocus(eWidget &w) { w.gotFocus(); }
+	static void lostFocus(eWidget &w) { w.lostFocus(); }
+	static void willShow(eWidget &w) { w.willShow(); }
+	static void willHide(eWidget &w) { w.willHide(); }
+	static void draw(eWidget &w, gPainter &painter, const eRect &area)
+	{
+		w.eraseBackground(&painter, area);
+		w.redrawWidget(&painter, area);
+	}
+};
+
+#endif

@@ -1,0 +1,203 @@
+#include "desk.h"
+#include "state.h"
+#include "trace.h"
+
+#include <algorithm>
+
+using desk::Desk;
+using desk::Trace;
+
+eWidget::eWidget(eWidget *parent, int takefocus) : state(new State)
+{
+	state->parent = parent;
+	state->takesFocus = takefocus != 0;
+	state->visible = parent != nullptr;
+	if (parent)
+		parent->state->children.push_back(this);
+	// Bare widgets are not made by plugins: what is derived traces itself.
+}
+
+eWidget::~eWidget()
+{
+	State::destroy(*this, "eWidget");
+
+	Desk::get().gone(*this);
+	while (!state->children.empty())
+		delete state->children.back();
+	if (state->parent) {
+		State &above = *state->parent->state;
+		above.children.erase(std::find(above.children.begin(), above.children.end(), this));
+		if (above.focus == this)
+			above.focus = nullptr;
+	}
+	Trace::get().forget(this);
+	--Trace::get().muted; // begun by the outermost destructor
+	delete state;
+}
+
+void eWidget::State::destroy(eWidget &widget, const char *type)
+{
+	State &state = of(widget);
+	if (state.destroying)
+		return;
+	state.destroying = true;
+	Trace &trace = Trace::get();
+	trace.call(&widget, (std::string("~") + type).c_str());
+	++trace.muted;
+}
+
+void eWidget::State::place(eWidget &widget, int x, int y, int width, int height)
+{
+	State &state = of(widget);
+	state.x = x;
+	state.y = y;
+	state.width = width;
+	state.height = height;
+	widget.recalcClientRect();
+}
+
+void eWidget::willShow() {}
+void eWidget::willHide() {}
+void eWidget::setPalette() {}
+
+int eWidget::eventFilter(const eWidgetEvent &)
+{
+	return 0;
+}
+
+int eWidget::keyDown(int)
+{
+	return 0;
+}
+
+int eWidget::keyUp(int)
+{
+	return 0;
+}
+
+void eWidget::gotFocus() {}
+void eWidget::lostFocus() {}
+
+void eWidget::recalcClientRect()
+{
+	clientrect = eRect(0, 0, state->width, state->height);
+}
+
+int eWidget::eventHandler(const eWidgetEvent &event)
+{
+	if (event.key == desk::Key::ok && state->behaviour && state->behaviour->press(*this))
+		return 1;
+	// The remote control's keys have no length here: each goes up as soon as it is down.
+	const int key = static_cast<int>(event.key);
+	const int down = keyDown(key);
+	const int up = keyUp(key);
+	return down || up;
+}
+
+void eWidget::redrawWidget(gPainter *target, const eRect &)
+{
+	if (state->behaviour)
+		state->behaviour->draw(*this, *target);
+}
+
+void eWidget::eraseBackground(gPainter *, const eRect &) {}
+
+int eWidget::setProperty(const eString &, const eString &)
+{
+	return -1;
+}
+
+void eWidget::setText(const eString &text)
+{
+	Trace::get().call(this, "setText", text);
+	state->text = text;
+}
+
+void eWidget::cmove(const ePoint &position)
+{
+	Trace::get().call(this, "cmove", position.x, position.y);
+	State::place(*this, position.x - clientrect.left, position.y - clientrect.top, state->width, state->height);
+}
+
+void eWidget::cresize(const eSize &size)
+{
+	Trace::get().call(this, "cresize", size.width, size.height);
+	const int frameWidth = state->width - clientrect.width();
+	const int frameHeight = state->height - clientrect.height();
+	State::place(*this, state->x, state->y, size.width + frameWidth, size.height + frameHeight);
+}
+
+void eWidget::move(const ePoint &position)
+{
+	Trace::get().call(this, "move", position.x, position.y);
+	State::place(*this, position.x, position.y, state->width, state->height);
+}
+
+void eWidget::resize(const eSize &size)
+{
+	Trace::get().call(this, "resize", size.width, size.height);
+	State::place(*this, state->x, state->y, size.width, size.height);
+}
+
+void eWidget::show()
+{
+	Trace::get().call(this, "show");
+	if (state->visible)
+		return;
+	willShow();
+	state->visible = true;
+	if (!state->parent)
+		Desk::get().shown(*this);
+}
+
+void eWidget::hide()
+{
+	Trace::get().call(this, "hide");
+	if (!state->visible)
+		return;
+	willHide();
+	state->visible = false;
+	if (!state->parent)
+		Desk::get().hidden(*this);
+}
+
+int eWidget::exec()
+{
+	Trace &trace = Trace::get();
+	trace.call(this, "exec");
+	state->running = true;
+	state->ended = false;
+	state->result = 0;
+	if (state->isMessageBox && Desk::get().answer())
+		state->end(*Desk::get().answer());
+	Desk::get().run(*this);
+	state->running = false;
+	if (trace.on())
+		trace.line(trace.name(this) + ".exec() = " + std::to_string(state->result));
+	return state->result;
+}
+
+void eWidget::accept()
+{
+	Trace::get().call(this, "accept");
+	state->end(0);
+}
+
+void eWidget::reject()
+{
+	Trace::get().call(this, "reject");
+	state->end(-1);
+}
+
+void eWidget::setFocus(eWidget *child)
+{
+	Trace::get().call(this, "setFocus", Trace::Ref{child});
+	state->focus = child;
+	Desk::get().updateFocus();
+}
+
+void eWidget::setShortcut(const eString &key)
+{
+	Trace::get().call(this, "setShortcut", key);
+	state->shortcut = key;
+}

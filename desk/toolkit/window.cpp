@@ -1,0 +1,155 @@
+#include "desk.h"
+#include "elistbox.h"
+#include "ewindow.h"
+#include "list.h"
+#include "state.h"
+#include "trace.h"
+
+#include <algorithm>
+
+using desk::Desk;
+using desk::Key;
+using desk::Rect;
+using desk::Trace;
+
+namespace
+{
+
+// The frame: a title bar above the client area, a rim on the other sides.
+constexpr int titleHeight = 30;
+constexpr int rim = 4;
+
+constexpr int helpHeight = 34;
+
+/// Draws what belongs to a menu besides its list: the help of the current entry, below.
+class MenuHelp : public desk::Behaviour
+{
+public:
+	explicit MenuHelp(const eListBoxBase &box) : list(box) {}
+
+	void draw(const eWidget &widget, gPainter &painter) override
+	{
+		const eRect &client = widget.getClientRect();
+		const Rect bar = painter.onScreen(
+		    eRect(client.left, client.bottom - helpHeight, client.right, client.bottom));
+		const desk::Skin &skin = Desk::get().skin();
+		painter.canvas.fill(bar, desk::Fill::plain(skin.helpBackground));
+		if (const eListBoxEntry *entry = eListBoxBase::List::of(list).currentEntry()) {
+			desk::TextStyle style;
+			style.color = skin.hintText;
+			style.face = desk::Face::prose;
+			style.rowHeight = Desk::get().fontSize();
+			// A whole row within the bar, so that a screen made of rows has one for it.
+			const int inset = (helpHeight - style.rowHeight) / 2;
+			painter.canvas.text({bar.x + 12, bar.y + inset, bar.w - 24, style.rowHeight},
+			                    entry->getHelpText(), style);
+		}
+	}
+
+private:
+	const eListBoxBase &list;
+};
+
+/// The next or the previous of a window's widgets that can have the focus.
+void moveFocus(eWidget &window, int direction)
+{
+	eWidget::State &state = eWidget::State::of(window);
+	std::vector<eWidget *> stops;
+	for (eWidget *child : state.children)
+		if (eWidget::State::of(*child).takesFocus && eWidget::State::of(*child).visible)
+			stops.push_back(child);
+	if (stops.empty())
+		return;
+	const auto here = std::find(stops.begin(), stops.end(), state.focus);
+	const size_t count = stops.size();
+	const size_t index = here == stops.end() ? 0 : static_cast<size_t>(here - stops.begin());
+	state.focus = stops[(index + (direction > 0 ? 1 : count - 1)) % count];
+	Desk::get().updateFocus();
+}
+
+bool isColour(Key key)
+{
+	return key == Key::red || key == Key::green || key == Key::yellow || key == Key::blue;
+}
+
+} // namespace
+
+eWindow::eWindow(int takefocus) : eWidget(Trace::begin(static_cast<eWidget *>(nullptr)), takefocus)
+{
+	State::place(*this, 0, 0, 2 * rim, titleHeight + rim);
+	Trace::constructed(this, "eWindow", takefocus);
+}
+
+eWindow::~eWindow()
+{
+	State::destroy(*this, "eWindow");
+}
+
+void eWindow::willShow() {}
+void eWindow::willHide() {}
+
+void eWindow::recalcClientRect()
+{
+	clientrect = eRect(rim, titleHeight, state->width - rim, state->height - rim);
+}
+
+int eWindow::eventHandler(const eWidgetEvent &event)
+{
+	switch (event.key) {
+	case Key::exit:
+		state->end(-1);
+		return 1;
+	case Key::left:
+	case Key::right:
+		moveFocus(*this, event.key == Key::right ? 1 : -1);
+		return 1;
+	default:
+		break;
+	}
+	if (isColour(event.key))
+		for (eWidget *child : state->children) {
+			State &below = State::of(*child);
+			if (below.visible && below.shortcut == desk::keyName(event.key) && below.behaviour &&
+			    below.behaviour->press(*child))
+				return 1;
+		}
+	return eWidget::eventHandler(event);
+}
+
+void eWindow::redrawWidget(gPainter *target, const eRect &area)
+{
+	eWidget::redrawWidget(target, area);
+}
+
+void eWindow::eraseBackground(gPainter *target, const eRect &)
+{
+	const Rect outer{target->x, target->y, state->width, state->height};
+	target->canvas.frame(outer, target->onScreen(clientrect), state->text, Desk::get().skin().window);
+}
+
+eSetupWindow::eSetupWindow(const char *title, int rows, int width)
+    : eListBoxWindow<eListBoxEntryMenu>(Trace::begin(0))
+{
+	state->text = title ? title : "";
+	const int listHeight = rows * eListBoxBase::List::of(list).entryHeight;
+	State::place(*this, 0, 0, width + 2 * rim, titleHeight + listHeight + helpHeight + rim);
+	State::place(list, 0, 0, width, listHeight);
+	state->behaviour = std::make_unique<MenuHelp>(list);
+	state->focus = &list;
+	Trace::constructed(this, "eSetupWindow", title, rows, width);
+}
+
+eSetupWindow::~eSetupWindow()
+{
+	State::destroy(*this, "eSetupWindow");
+}
+
+int eSetupWindow::eventHandler(const eWidgetEvent &event)
+{
+	// The entries tell their numbers in their help: the number is a short cut to the entry.
+	if (event.key >= Key::digit1 && event.key <= Key::digit9) {
+		eListBoxBase::List::of(list).choose(static_cast<int>(event.key) - static_cast<int>(Key::digit1));
+		return 1;
+	}
+	return eWindow::eventHandler(event);
+}
