@@ -1,0 +1,160 @@
+// The memory screen, call by call and by keys.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+using support::Json;
+using support::Play;
+using support::play;
+using support::Receiver;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+const std::string olderLayout = "        total:    used:    free:  shared: buffers:  cached:\n"
+                                "Mem:  63373312 61894656  1478656        0  2785280 29470720\n"
+                                "Swap:        0        0        0\n"
+                                "MemTotal:        61888 kB\n"
+                                "MemFree:           512 kB\n"
+                                "SwapCached:          0 kB\n";
+
+TEST(MemInfo, should_place_and_fill_two_labels)
+{
+	Receiver receiver;
+	receiver.meminfo(olderLayout);
+	const Play run = play(receiver.path(), "down ok exit exit");
+	EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
+	          (Lines{
+	              "#7 = eWindow(1)",
+	              R"(#7.setText("Memory info"))",
+	              "#7.cmove(225, 113)",
+	              "#7.cresize(270, 350)",
+	              R"(fopen("/proc/meminfo", "r") = stream)",
+	              "fclose(stream) = 0",
+	              R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
+	              R"(#8.setText("MemTotal:  \nMemFree:   \nSwapCached:\n"))",
+	              "#8.move(5, 5)",
+	              "#8.resize(150, 350)",
+	              R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
+	              R"(#9.setText("61888 KB\n512 KB\n0 KB\n"))",
+	              "#9.move(160, 5)",
+	              "#9.resize(100, 350)",
+	              "#7.show()",
+	              "#7.exec()",
+	          }));
+}
+
+TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
+{
+	Receiver receiver;
+	receiver.meminfo(olderLayout);
+	const Play run = play(receiver.path(), "down ok exit exit");
+	for (const std::string &line : run.trace) {
+		EXPECT_EQ(line.find("eSkin"), std::string::npos) << line;
+		EXPECT_EQ(line.find("setFocus"), std::string::npos) << line;
+	}
+	EXPECT_EQ(run.widget(2, "eLabel", 0)["focus"], false);
+	EXPECT_EQ(run.widget(2, "eLabel", 1)["focus"], false);
+}
+
+TEST(MemInfo, should_reach_five_pixels_below_its_client_area)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "down ok");
+	EXPECT_EQ(run.window(2)["client"], Json({225, 113, 270, 350}));
+	EXPECT_EQ(run.widget(2, "eLabel", 0)["rect"], Json({5, 5, 150, 350}));
+	EXPECT_EQ(run.widget(2, "eLabel", 1)["rect"], Json({160, 5, 100, 350}));
+}
+
+TEST(MemInfo, should_not_translate_its_title)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "down ok", {"--lang", "de"});
+	EXPECT_EQ(run.window(2)["title"], "Memory info");
+}
+
+TEST(MemInfo, should_read_anew_at_every_opening)
+{
+	Receiver receiver;
+	receiver.meminfo(olderLayout);
+	const Play run = play(receiver.path(), "down ok exit ok exit exit");
+	int opened = 0;
+	for (const std::string &line : run.trace)
+		opened += line.rfind("fopen(\"/proc/meminfo\"", 0) == 0;
+	EXPECT_EQ(opened, 2);
+}
+
+struct Source
+{
+	const char *name;
+	std::string content;
+};
+
+void PrintTo(const Source &source, std::ostream *out)
+{
+	*out << source.name;
+}
+
+class MemInfoSource : public ::testing::TestWithParam<Source>
+{
+};
+
+TEST_P(MemInfoSource, should_open_an_empty_screen)
+{
+	Receiver receiver;
+	receiver.meminfo(GetParam().content);
+	const Play run = play(receiver.path(), "down ok exit exit");
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.window(2)["class"], "eMemInfoDialog");
+	EXPECT_EQ(run.widget(2, "eLabel", 0)["text"], "");
+	EXPECT_EQ(run.widget(2, "eLabel", 1)["text"], "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Unusable, MemInfoSource,
+                         ::testing::Values(Source{"empty", ""}, Source{"one_byte", "M"}, Source{"nul", std::string(1, '\0')},
+                                           Source{"eight_pieces", support::repeat("MemTotal: 1 kB\n", 8)}),
+                         [](const auto &entry) { return entry.param.name; });
+
+TEST(MemInfo, should_open_empty_when_the_file_is_missing_or_a_folder)
+{
+	Receiver missing;
+	EXPECT_EQ(play(missing.path(), "down ok").widget(2, "eLabel")["text"], "");
+	Receiver folder;
+	folder.write("proc/meminfo/inside", "");
+	const Play run = play(folder.path(), "down ok");
+	EXPECT_EQ(run.widget(2, "eLabel")["text"], "");
+	EXPECT_EQ(run.outcome.status, 0);
+}
+
+TEST(MemInfo, should_show_binary_data_without_harm)
+{
+	std::string bytes;
+	for (int i = 0; i < 4096; ++i)
+		bytes += static_cast<char>((i * 151 + i / 256) & 0xff);
+	Receiver receiver;
+	receiver.meminfo(bytes);
+	support::TempFolder pictures;
+	const Play run = play(receiver.path(), "down ok exit exit", {"--pictures", pictures.path()});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.window(2)["class"], "eMemInfoDialog");
+	EXPECT_TRUE(support::exists(pictures / "02-ok.png"));
+}
+
+TEST(MemInfo, should_show_this_computers_memory_without_a_root)
+{
+	const Play run = play("", "down ok exit exit");
+	const std::string names = run.widget(2, "eLabel", 0)["text"];
+	const std::string values = run.widget(2, "eLabel", 1)["text"];
+	const std::string kernel = support::readFile("/proc/meminfo");
+	size_t pieces = 0; // of at most 29 characters, line ends included
+	for (const std::string &line : support::lines(kernel))
+		pieces += (line.size() + 1 + 28) / 29;
+	EXPECT_EQ(support::lines(names).size(), pieces - 8);
+	EXPECT_EQ(support::lines(values).size(), pieces - 8);
+	const std::string first = support::lines(names).at(0);
+	EXPECT_EQ(support::lines(kernel).at(8).rfind(first.substr(0, first.find(' ')), 0), 0u);
+}
+
+} // namespace

@@ -1,0 +1,146 @@
+// The service menu and its entry point, call by call and by keys.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+using support::Json;
+using support::Play;
+using support::play;
+using support::Receiver;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+const Lines built = {
+    R"(#1 = eSetupWindow("Vexlo service menu", 10, 400))",
+    R"(#1.cmove(170, 145))",
+    R"(eString.sprintf("(%d) %s") = "(1) show current processes in memory")",
+    R"(#2.append(#3, false, false))",
+    R"(eString.sprintf("(%d) %s") = "(2) show current used and free memory")",
+    R"(#2.append(#4, false, false))",
+    R"(eString.sprintf("(%d) %s") = "(3) show scan log")",
+    R"(#2.append(#5, false, false))",
+    R"(eString.sprintf("(%d) %s") = "(4) show system info")",
+    R"(#2.append(#6, false, false))",
+    R"(#1.show())",
+    R"(#1.exec())",
+};
+
+TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "exit");
+	Lines expected = built;
+	expected.insert(expected.end(), {"#1.exec() = -1", "#1.hide()", "#1.~eSetupWindow()"});
+	EXPECT_EQ(run.trace, expected);
+	EXPECT_EQ(run.outcome.status, 0);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n");
+	EXPECT_EQ(run.outcome.err, "");
+}
+
+TEST(Menu, should_stand_at_its_place_with_ten_rows_and_400_pixels)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "");
+	const Json &window = run.window(0);
+	EXPECT_EQ(window["class"], "eVexloMenu");
+	EXPECT_EQ(window["title"], "Vexlo service menu");
+	EXPECT_EQ(window["client"][0], 170);
+	EXPECT_EQ(window["client"][1], 145);
+	EXPECT_EQ(window["client"][2], 400);
+	const Json &list = run.widget(0, "eListBox<eListBoxEntryMenu>");
+	EXPECT_EQ(list["rect"], Json({0, 0, 400, 200}));
+	EXPECT_EQ(list["focus"], true);
+}
+
+TEST(Menu, should_hold_four_entries_with_their_numbered_help)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "down down down down up");
+	const char *list = "eListBox<eListBoxEntryMenu>";
+	EXPECT_EQ(run.widget(0, list)["rows"], Json({"process info", "memory info", "scan log", "system info"}));
+	EXPECT_EQ(run.widget(0, list)["count"], 4);
+	const Lines help = {"(1) show current processes in memory", "(2) show current used and free memory",
+	                    "(3) show scan log", "(4) show system info", "(1) show current processes in memory",
+	                    "(4) show system info"};
+	ASSERT_EQ(run.moments.size(), help.size());
+	for (size_t i = 0; i < help.size(); ++i)
+		EXPECT_EQ(run.widget(i, list)["help"], help[i]) << "after " << run.moments[i]["after"];
+}
+
+TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroyed)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "down ok exit exit");
+	EXPECT_EQ(run.traceBetween("#1.exec()", "#1.exec() = -1"),
+	          (Lines{
+	              "#1.exec()",
+	              "#1.hide()",
+	              "#7 = eWindow(1)",
+	              R"(#7.setText("Memory info"))",
+	              "#7.cmove(225, 113)",
+	              "#7.cresize(270, 350)",
+	              R"(fopen("/proc/meminfo", "r") = null)",
+	              R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
+	              R"(#8.setText(""))",
+	              "#8.move(5, 5)",
+	              "#8.resize(150, 350)",
+	              R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
+	              R"(#9.setText(""))",
+	              "#9.move(160, 5)",
+	              "#9.resize(100, 350)",
+	              "#7.show()",
+	              "#7.exec()",
+	              "#7.exec() = -1",
+	              "#7.hide()",
+	              "#1.show()",
+	              "#7.~eWindow()",
+	              "#1.exec() = -1",
+	          }));
+}
+
+TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)
+{
+	Receiver receiver;
+	receiver.ps("PID\n");
+	receiver.df("Filesystem\n");
+	const Lines screens = {"ePsDialog", "eMemInfoDialog", "eScanLogDialog", "eSysInfDialog"};
+	std::string keys;
+	for (size_t i = 0; i < screens.size(); ++i) {
+		const Play run = play(receiver.path(), keys + "ok exit exit");
+		ASSERT_EQ(run.moments.size(), i + 4);
+		EXPECT_EQ(run.moments[i + 1]["windows"].size(), 1u) << "the menu is hidden";
+		EXPECT_EQ(run.window(i + 1)["class"], screens[i]);
+		EXPECT_EQ(run.window(i + 2)["class"], "eVexloMenu");
+		EXPECT_EQ(run.widget(i + 2, "eListBox<eListBoxEntryMenu>")["count"], 4) << "it keeps its list";
+		EXPECT_EQ(run.widget(i + 2, "eListBox<eListBoxEntryMenu>")["current"], i);
+		EXPECT_EQ(run.moments[i + 3]["windows"].size(), 0u);
+		keys += "down ";
+	}
+}
+
+TEST(Menu, should_open_the_entry_of_a_digit)
+{
+	Receiver receiver;
+	receiver.ps("PID\n");
+	receiver.df("Filesystem\n");
+	const Play run = play(receiver.path(), "2 exit 4 exit 5 9 0 exit");
+	EXPECT_EQ(run.window(1)["class"], "eMemInfoDialog");
+	EXPECT_EQ(run.window(3)["class"], "eSysInfDialog");
+	for (size_t i : {4, 5, 6, 7})
+		EXPECT_EQ(run.window(i)["class"], "eVexloMenu");
+}
+
+TEST(Menu, should_be_shown_again_after_a_screen_that_was_accepted)
+{
+	Receiver receiver;
+	receiver.df("Filesystem\n");
+	const Play run = play(receiver.path(), "up ok green exit");
+	EXPECT_EQ(run.window(2)["class"], "eSysInfDialog");
+	EXPECT_EQ(run.window(3)["class"], "eVexloMenu");
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n");
+}
+
+} // namespace

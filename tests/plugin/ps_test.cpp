@@ -1,0 +1,399 @@
+// The process screen, call by call and by keys, on a receiver's output and on real processes.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+using support::Json;
+using support::Play;
+using support::play;
+using support::Receiver;
+using support::repeat;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+const char *const list = "eListBox<eListBoxEntryText>";
+
+const std::string twoProcesses = "  PID USER COMMAND\n"
+                                 "    1 root init\n"
+                                 "  123 root telnetd\n";
+
+Lines construction(int fontSize)
+{
+	const std::string font = std::to_string(fontSize);
+	return {
+	    "#7 = eWindow(1)",
+	    "eSkin.getActive()",
+	    R"(eSkin.queryValue("fontsize", 20) = )" + font,
+	    R"(#7.setText("Info"))",
+	    "#7.cmove(110, 63)",
+	    "#7.cresize(500, 450)",
+	    "eListBoxEntryText.getEntryHeight() = " + font,
+	    "#8 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
+	    "#8.setFlags(4)",
+	    "#8.move(5, " + std::to_string(fontSize + 10) + ")",
+	    "#8.resize(490, 410)",
+	    R"(system("ps >/var/tmp/ps.tmp"))",
+	    R"(eDebug("[write ps info]"))",
+	    R"(fopen("/var/tmp/ps.tmp", "r") = stream)",
+	    "fclose(stream) = 0",
+	    R"(remove("/var/tmp/ps.tmp"))",
+	    "#8.append(#9, false, false)",
+	    "#8.append(#10, false, false)",
+	    R"(#11 = eLabel(#7, 0, 0, "eLabel"))",
+	    R"(#11.setText("  PID USER COMMAND\n"))",
+	    "#11.move(5, 5)",
+	    "#11.resize(500, " + font + ")",
+	    "#7.setFocus(#8)",
+	    "#7.show()",
+	    "#7.exec()",
+	};
+}
+
+TEST(Ps, should_be_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_size)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 0)});
+	EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"), construction(20));
+}
+
+TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 30)});
+	EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"), construction(30));
+	EXPECT_EQ(run.widget(1, list)["rect"], Json({5, 40, 490, 410}));
+	EXPECT_EQ(run.widget(1, "eLabel")["rect"], Json({5, 5, 500, 30}));
+}
+
+TEST(Ps, should_list_the_processes_under_their_heading)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok exit exit", {"--lang", "de"});
+	EXPECT_EQ(run.window(1)["title"], "Info") << "whatever the language";
+	EXPECT_EQ(run.window(1)["client"], Json({110, 63, 500, 450}));
+	EXPECT_EQ(run.widget(1, "eLabel")["text"], "  PID USER COMMAND\n");
+	EXPECT_EQ(run.widget(1, list)["rows"], Json({"    1 root init\n", "  123 root telnetd\n"}));
+	EXPECT_EQ(run.widget(1, list)["focus"], true);
+	EXPECT_FALSE(support::exists("/var/tmp/ps.tmp"));
+}
+
+TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok exit exit");
+	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
+	          (Lines{"#7.exec()", "#7.reject()", "#7.setFocus(#8)", "#7.exec() = -1", "#7.hide()", "#1.show()",
+	                 "#7.~eWindow()"}));
+}
+
+TEST(Ps, should_ask_and_kill_on_yes)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok down ok ok exit");
+	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
+	          (Lines{
+	              "#7.exec()",
+	              R"(eString.sprintf("Kill %s pid?") = "Kill 123 pid?")",
+	              R"(#12 = eMessageBox("Kill 123 pid?", "kill pid", 76, 4, 0))",
+	              "#12.show()",
+	              "#12.exec()",
+	              "#12.exec() = 4",
+	              "#12.hide()",
+	              R"(eDebug("-----kill pid  - 123-----"))",
+	              R"(system("kill -9 123"))",
+	              "#7.accept()",
+	              "#7.setFocus(#8)",
+	              "#12.~eMessageBox()",
+	              "#7.exec() = 0",
+	              "#7.hide()",
+	              "#1.show()",
+	              "#7.~eWindow()",
+	          }));
+	EXPECT_NE(run.outcome.err.find("kill -9 123 (reported only"), std::string::npos) << run.outcome.err;
+}
+
+TEST(Ps, should_ask_in_a_box_above_itself)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok down ok");
+	ASSERT_EQ(run.moments[3]["windows"].size(), 2u);
+	EXPECT_EQ(run.moments[3]["windows"][0]["class"], "ePsDialog");
+	const Json &box = run.window(3);
+	EXPECT_EQ(box["class"], "eMessageBox");
+	EXPECT_EQ(box["title"], "kill pid");
+	EXPECT_EQ(run.widget(3, "eLabel")["text"], "Kill 123 pid?");
+	EXPECT_EQ(run.widget(3, "eButton", 0)["text"], "Yes");
+	EXPECT_EQ(run.widget(3, "eButton", 0)["focus"], true) << "yes is the default answer";
+	EXPECT_EQ(run.widget(3, "eButton", 1)["text"], "No");
+	EXPECT_EQ(run.moments[3]["windows"][0]["widgets"][0]["focus"], false) << "only one widget has the focus";
+}
+
+void expectSpared(const std::string &keys, const std::string &result)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok down ok " + keys + " exit exit");
+	EXPECT_EQ(run.traceBetween("#12.exec()", "#12.~eMessageBox()"),
+	          (Lines{"#12.exec()", "#12.exec() = " + result, "#12.hide()", "#7.setFocus(#8)", "#12.~eMessageBox()"}));
+	const size_t after = 3 + static_cast<size_t>(std::count(keys.begin(), keys.end(), ' ')) + 1;
+	EXPECT_EQ(run.window(after)["class"], "ePsDialog") << "it stays open";
+	EXPECT_EQ(run.widget(after, list)["focus"], true);
+	EXPECT_EQ(run.widget(after, list)["current"], 1);
+}
+
+TEST(Ps, should_stay_as_it_was_after_no)
+{
+	expectSpared("right ok", "8");
+}
+
+TEST(Ps, should_stay_as_it_was_when_the_box_is_left)
+{
+	expectSpared("exit", "-1");
+}
+
+TEST(Ps, should_translate_format_and_caption_of_the_question)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	const Play run = play(receiver.path(), "ok down ok", {"--lang", "de"});
+	const std::string question = run.widget(3, "eLabel")["text"];
+	EXPECT_NE(question.find("123"), std::string::npos) << question;
+	EXPECT_EQ(question.find("Kill"), std::string::npos) << question;
+	EXPECT_NE(run.window(3)["title"], "kill pid");
+}
+
+TEST(Ps, should_offer_nothing_when_there_is_only_a_heading)
+{
+	Receiver receiver;
+	receiver.ps("  PID USER COMMAND\n");
+	const Play run = play(receiver.path(), "ok ok down up pageup pagedown home end ok exit exit");
+	EXPECT_EQ(run.widget(2, list)["count"], 0);
+	EXPECT_EQ(run.widget(2, list)["current"], -1);
+	EXPECT_EQ(run.window(9)["class"], "ePsDialog") << "there is nothing to choose";
+	EXPECT_EQ(run.window(10)["class"], "eVexloMenu");
+	EXPECT_EQ(run.outcome.status, 0);
+}
+
+TEST(Ps, should_open_empty_when_ps_is_missing_or_prints_nothing)
+{
+	Receiver silent;
+	silent.ps("");
+	Play run = play(silent.path(), "ok exit exit");
+	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
+	EXPECT_EQ(run.widget(1, list)["count"], 0);
+
+	// A search path without any command but sh: the shell says that it finds no ps.
+	Receiver none;
+	run = play(none.path(), "ok exit exit", {}, {{"PATH", none / "bin"}});
+	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
+	EXPECT_EQ(run.widget(1, list)["count"], 0);
+	EXPECT_EQ(run.outcome.status, 0);
+	EXPECT_NE(run.outcome.err.find("ps"), std::string::npos) << "what the shell says is seen";
+}
+
+/// Something else stands where the temporary file should: the command cannot write, fopen fails.
+TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_same)
+{
+	Receiver receiver;
+	receiver.ps(twoProcesses);
+	ASSERT_EQ(symlink("/var/tmp/no-such-folder/ps.tmp", "/var/tmp/ps.tmp"), 0);
+	const Play run = play(receiver.path(), "ok exit exit");
+	EXPECT_EQ(run.traceBetween(R"(system("ps >/var/tmp/ps.tmp"))", "#7.setFocus(#8)"),
+	          (Lines{
+	              R"(system("ps >/var/tmp/ps.tmp"))",
+	              R"(eDebug("[write ps info]"))",
+	              R"(fopen("/var/tmp/ps.tmp", "r") = null)",
+	              "fclose(null) = -1",
+	              R"(remove("/var/tmp/ps.tmp"))",
+	              R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
+	              R"(#9.setText(""))",
+	              "#9.move(5, 5)",
+	              "#9.resize(500, 20)",
+	              "#7.setFocus(#8)",
+	          }));
+	struct stat status;
+	EXPECT_NE(lstat("/var/tmp/ps.tmp", &status), 0) << "even the link is gone";
+	unlink("/var/tmp/ps.tmp");
+	EXPECT_EQ(run.outcome.status, 0);
+}
+
+TEST(Ps, should_draw_whatever_bytes_a_process_name_holds)
+{
+	std::string bytes = "PID\n";
+	bytes += "7 \x1b[2J\x1b]0;title\x07 %s%n \xff\xfe\xc3( \xed\xa0\x80 \xe2\x80\xae reversed\r\n";
+	bytes += std::string("8 a\0b\n", 6);
+	for (int i = 1; i < 256; ++i)
+		if (i != '\n')
+			bytes += static_cast<char>(i);
+	bytes += '\n';
+	for (const int length : {1022, 1023, 2000, 5000})
+		bytes += "9 " + std::string(static_cast<size_t>(length) - 2, 'x') + '\n';
+	Receiver receiver;
+	receiver.ps(bytes);
+	support::TempFolder pictures;
+	const Play run = play(receiver.path(), "ok down pagedown exit exit", {"--pictures", pictures.path()});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	// 1022 characters and a line end are two reads, as are 1023; 2000 are two, 5000 five.
+	EXPECT_EQ(run.widget(1, list)["count"], 3 + 2 + 2 + 2 + 5);
+	EXPECT_EQ(run.widget(1, list)["rows"][1], "8 a") << "up to the first NUL";
+	EXPECT_TRUE(support::exists(pictures / "03-pagedown.png"));
+}
+
+TEST(Ps, should_scroll_through_ten_thousand_processes)
+{
+	std::string output = "PID\n";
+	for (int i = 1; i <= 10000; ++i)
+		output += std::to_string(i) + " sleep\n";
+	Receiver receiver;
+	receiver.ps(output);
+	const Play run = play(receiver.path(), "ok end home pagedown up down up up exit exit");
+	EXPECT_EQ(run.widget(1, list)["count"], 10000);
+	EXPECT_EQ(run.widget(1, list)["rows"].size(), 20u);
+	EXPECT_EQ(run.widget(2, list)["current"], 9999);
+	EXPECT_EQ(run.widget(2, list)["rows"].back(), "10000 sleep\n");
+	EXPECT_EQ(run.widget(3, list)["current"], 0);
+	EXPECT_EQ(run.widget(4, list)["current"], 20);
+	EXPECT_EQ(run.widget(4, list)["rows"][0], "21 sleep\n");
+}
+
+/// A process of the test's own.
+class Sleeper
+{
+public:
+	Sleeper() : id(fork())
+	{
+		if (id == 0) {
+			execlp("sleep", "sleep", "600", nullptr);
+			_exit(127);
+		}
+	}
+	~Sleeper()
+	{
+		if (id > 0) {
+			::kill(id, SIGKILL);
+			waitpid(id, nullptr, 0);
+		}
+	}
+	Sleeper(const Sleeper &) = delete;
+	Sleeper &operator=(const Sleeper &) = delete;
+
+	pid_t pid() const { return id; }
+	bool lives() const { return waitpid(id, nullptr, WNOHANG) == 0; }
+	/// Waits for its end; the signal that it died of.
+	int deathSignal()
+	{
+		int status = 0;
+		waitpid(id, &status, 0);
+		id = -1;
+		return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+	}
+
+private:
+	pid_t id;
+};
+
+/// A ps that prints only the lines of these processes, from the real table.
+void onlyThese(const Receiver &receiver, const std::vector<pid_t> &pids)
+{
+	std::string wanted;
+	for (const pid_t pid : pids)
+		wanted += (wanted.empty() ? "" : ",") + std::to_string(pid);
+	receiver.write("bin/ps", "#!/bin/sh\nexec /bin/ps -o pid,user,args -p " + wanted + "\n", true);
+}
+
+TEST(Ps, should_kill_the_chosen_process_and_no_other)
+{
+	Sleeper first, second, third;
+	Receiver receiver;
+	onlyThese(receiver, {first.pid(), second.pid(), third.pid()});
+	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
+	const Play run = play("", "ok down ok ok exit", {}, {{"PATH", path}});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.widget(3, "eLabel")["text"], "Kill " + std::to_string(second.pid()) + " pid?");
+	EXPECT_EQ(run.window(4)["class"], "eVexloMenu");
+	EXPECT_EQ(second.deathSignal(), SIGKILL);
+	EXPECT_TRUE(first.lives());
+	EXPECT_TRUE(third.lives());
+}
+
+TEST(Ps, should_spare_the_chosen_process_on_no)
+{
+	Sleeper sleeper;
+	Receiver receiver;
+	onlyThese(receiver, {sleeper.pid()});
+	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
+	const Play run = play("", "ok ok right ok exit exit", {}, {{"PATH", path}});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.window(4)["class"], "ePsDialog");
+	EXPECT_TRUE(sleeper.lives());
+}
+
+TEST(Ps, should_signal_nobody_with_a_root)
+{
+	Sleeper sleeper;
+	Receiver receiver;
+	onlyThese(receiver, {sleeper.pid()});
+	const Play run = play(receiver.path(), "ok ok ok exit");
+	const std::string command = "kill -9 " + std::to_string(sleeper.pid());
+	EXPECT_NE(std::find(run.trace.begin(), run.trace.end(), "system(\"" + command + "\")"), run.trace.end());
+	EXPECT_NE(run.outcome.err.find(command), std::string::npos);
+	EXPECT_TRUE(sleeper.lives());
+}
+
+/// Kills a process of the test's own in the list of all processes of this computer. The list is printed
+/// once, before, so that no process that starts or ends meanwhile can move another one into its line.
+void killInRealList(const std::vector<std::string> &program)
+{
+	Sleeper sleeper;
+	const std::string output = support::run(program).out;
+	const Lines processes = support::lines(output);
+	int row = 0;
+	size_t at = 1;
+	for (; at < processes.size() && std::atoi(processes[at].c_str()) != sleeper.pid(); ++at)
+		row += 1 + static_cast<int>(processes[at].size()) / 1022; // long lines take several rows
+	ASSERT_LT(at, processes.size()) << output;
+
+	Receiver commands;
+	commands.ps(output);
+	const std::map<std::string, std::string> environment = {{"PATH", (commands / "bin") + ":/usr/bin:/bin"}};
+	const std::string toQuestion = "ok " + repeat("down ", row) + "ok ";
+	const size_t asked = static_cast<size_t>(row) + 2;
+	const std::string question = "Kill " + std::to_string(sleeper.pid()) + " pid?";
+
+	// No one else's process may die of a mistake in this test: look first, answer in a second run.
+	const Play look = play("", toQuestion + "exit exit exit", {}, environment);
+	ASSERT_EQ(look.widget(asked, "eLabel")["text"], question);
+	ASSERT_TRUE(sleeper.lives());
+
+	const Play kill = play("", toQuestion + "ok exit", {}, environment);
+	EXPECT_EQ(kill.widget(asked, "eLabel")["text"], question);
+	EXPECT_EQ(kill.window(asked + 1)["class"], "eVexloMenu");
+	EXPECT_EQ(sleeper.deathSignal(), SIGKILL);
+}
+
+TEST(Ps, should_kill_in_the_list_of_the_full_ps)
+{
+	killInRealList({"ps", "-e"});
+}
+
+TEST(Ps, should_kill_in_the_list_of_busybox)
+{
+	killInRealList({"busybox", "ps"});
+}
+
+} // namespace

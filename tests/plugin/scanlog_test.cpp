@@ -1,0 +1,297 @@
+// The scan log screen, call by call and by keys.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+using support::Json;
+using support::Play;
+using support::play;
+using support::Receiver;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+const char *const list = "eListBox<eListBoxEntryText>";
+const std::string keys = "down down ok "; // to the screen; its moment is number 3
+constexpr size_t opened = 3;
+
+Lines construction(int fontSize, const Lines &reading, const std::string &summary, int label)
+{
+	const std::string font = std::to_string(fontSize), number = std::to_string(label);
+	Lines lines = {
+	    "#7 = eWindow(1)",
+	    "eSkin.getActive()",
+	    R"(eSkin.queryValue("fontsize", 20) = )" + font,
+	    R"(#7.setText("Info"))",
+	    "#7.cmove(60, 63)",
+	    "#7.cresize(600, 470)",
+	    R"(#8 = eButton(#7, null, 1, "eButton"))",
+	    "#8.move(10, 420)",
+	    "#8.resize(160, 40)",
+	    R"(#8.setShortcut("red"))",
+	    R"(#8.setShortcutPixmap("red"))",
+	    "#8.loadDeco()",
+	    R"(#8.setText("delete log"))",
+	    "eListBoxEntryText.getEntryHeight() = " + font,
+	    "#9 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
+	    "#9.setFlags(4)",
+	    "#9.move(5, 5)",
+	    "#9.resize(590, 410)",
+	};
+	lines.insert(lines.end(), reading.begin(), reading.end());
+	const Lines rest = {
+	    "#" + number + R"( = eLabel(#7, 0, 0, "eLabel"))",
+	    "#" + number + ".setText(\"" + summary + "\")",
+	    "#" + number + ".move(180, 430)",
+	    "#" + number + ".resize(600, " + font + ")",
+	    "#7.setFocus(#9)",
+	    "#7.show()",
+	    "#7.exec()",
+	};
+	lines.insert(lines.end(), rest.begin(), rest.end());
+	return lines;
+}
+
+const Lines twoLines = {
+    R"(fopen("/var/scaning.log", "r") = stream)",
+    "fclose(stream) = 0",
+    R"(eDebug("close file"))",
+    "#9.append(#10, false, false)",
+    "#9.append(#11, false, false)",
+};
+
+const Lines noFile = {
+    R"(fopen("/var/scaning.log", "r") = null)",
+    R"(eDebug("file \"/var/scaning.log\" not found"))",
+};
+
+TEST(ScanLog, should_be_laid_out_around_the_log)
+{
+	Receiver receiver;
+	receiver.scanLog("a\nb\n");
+	for (const int fontSize : {0, 20, 30}) {
+		const Play run = play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
+		          construction(fontSize ? fontSize : 20, twoLines, "size of /var/scaning.log : 4 bytes", 12));
+	}
+}
+
+TEST(ScanLog, should_be_laid_out_without_a_log)
+{
+	Receiver receiver;
+	for (const int fontSize : {20, 30}) {
+		const Play run = play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
+		          construction(fontSize, noFile, R"(file \"/var/scaning.log\" not found)", 10));
+	}
+}
+
+TEST(ScanLog, should_list_numbered_lines_with_the_list_in_focus)
+{
+	Receiver receiver;
+	receiver.scanLog("a\nb");
+	const Play run = play(receiver.path(), keys);
+	EXPECT_EQ(run.window(opened)["class"], "eScanLogDialog");
+	EXPECT_EQ(run.window(opened)["client"], Json({60, 63, 600, 470}));
+	EXPECT_EQ(run.widget(opened, list)["rows"], Json({"0 a\n", "1 b"}));
+	EXPECT_EQ(run.widget(opened, list)["focus"], true);
+	EXPECT_EQ(run.widget(opened, "eButton")["shortcut"], "red");
+	EXPECT_EQ(run.widget(opened, "eLabel")["rect"], Json({180, 430, 600, 20})) << "past the client area";
+}
+
+TEST(ScanLog, should_split_marker_lines)
+{
+	const std::string line = "0123456789 start at 01234567890123456789012345678901234567890123456789"
+	                         "abcdefghijklmnopqrstuvwxyzABCDE";
+	ASSERT_EQ(line.size(), 101u);
+	Receiver receiver;
+	receiver.scanLog(line + "\n");
+	const Play run = play(receiver.path(), keys);
+	EXPECT_EQ(run.widget(opened, list)["rows"], Json({"0 " + line.substr(1, 46), "0 " + line.substr(46, 46)}));
+}
+
+TEST(ScanLog, should_translate_the_button_and_neither_title_nor_summary)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	const Play run = play(receiver.path(), keys, {"--lang", "de"});
+	EXPECT_EQ(run.window(opened)["title"], "Info");
+	EXPECT_NE(run.widget(opened, "eButton")["text"], "delete log");
+	EXPECT_EQ(run.widget(opened, "eLabel")["text"], "size of /var/scaning.log : 2 bytes");
+}
+
+TEST(ScanLog, should_do_nothing_when_a_line_is_chosen)
+{
+	Receiver receiver;
+	receiver.scanLog("a\nb\n");
+	const Play run = play(receiver.path(), keys + "ok down ok");
+	EXPECT_EQ(run.window(opened + 3)["class"], "eScanLogDialog");
+	EXPECT_EQ(run.widget(opened + 3, list)["current"], 1);
+}
+
+TEST(ScanLog, should_ask_and_delete_on_yes)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	const Play run = play(receiver.path(), keys + "red ok ok exit exit");
+	ASSERT_EQ(run.moments[opened + 1]["windows"].size(), 2u);
+	EXPECT_EQ(run.window(opened + 1)["title"], "Warning");
+	EXPECT_EQ(run.widget(opened + 1, "eLabel")["text"], "Delete /var/scaning.log ?");
+	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
+	          (Lines{
+	              "#7.exec()",
+	              R"(eString.sprintf("Delete %s ?") = "Delete /var/scaning.log ?")",
+	              R"(#12 = eMessageBox("Delete /var/scaning.log ?", "Warning", 76, 4, 0))",
+	              "#12.show()",
+	              "#12.exec()",
+	              "#12.exec() = 4",
+	              R"(eString.sprintf("%s") = "/var/scaning.log")",
+	              R"(remove("/var/scaning.log"))",
+	              "#7.accept()",
+	              "#12.hide()",
+	              "#12.~eMessageBox()",
+	              "#7.exec() = 0",
+	              "#7.hide()",
+	              "#1.show()",
+	              "#7.~eWindow()",
+	          }));
+	EXPECT_FALSE(support::exists(receiver / "var/scaning.log"));
+	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
+	EXPECT_EQ(run.widget(opened + 3, "eLabel")["text"], "file \"/var/scaning.log\" not found");
+	EXPECT_EQ(run.widget(opened + 3, list)["count"], 0);
+}
+
+void expectKept(const std::string &answer, const std::string &result)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	const Play run = play(receiver.path(), keys + "red " + answer);
+	EXPECT_EQ(run.traceBetween("#12.exec()", "#12.~eMessageBox()"),
+	          (Lines{"#12.exec()", "#12.exec() = " + result, "#12.hide()", "#12.~eMessageBox()"}));
+	EXPECT_EQ(run.moments.back()["windows"].back()["class"], "eScanLogDialog");
+	EXPECT_EQ(run.widget(run.moments.size() - 1, list)["count"], 1);
+	EXPECT_EQ(support::readFile(receiver / "var/scaning.log"), "a\n");
+}
+
+TEST(ScanLog, should_keep_the_log_on_no)
+{
+	expectKept("right ok", "8");
+}
+
+TEST(ScanLog, should_keep_the_log_when_the_box_is_left)
+{
+	expectKept("exit", "-1");
+}
+
+TEST(ScanLog, should_ask_also_from_the_button_itself)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	const Play run = play(receiver.path(), keys + "right ok");
+	EXPECT_EQ(run.widget(opened + 1, "eButton")["focus"], true);
+	EXPECT_EQ(run.window(opened + 2)["class"], "eMessageBox");
+}
+
+TEST(ScanLog, should_ask_without_a_log_and_close_without_a_word)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), keys + "red ok exit");
+	EXPECT_EQ(run.window(opened + 1)["class"], "eMessageBox");
+	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
+	EXPECT_EQ(run.outcome.status, 0);
+}
+
+TEST(ScanLog, should_close_also_when_the_log_cannot_be_deleted)
+{
+	Receiver receiver;
+	receiver.write("var/scaning.log/inside", "");
+	const Play run = play(receiver.path(), keys + "red ok exit");
+	EXPECT_EQ(run.widget(opened, "eLabel")["text"].get<std::string>().rfind("size of /var/scaning.log : ", 0), 0u)
+	    << "a folder opens, and reads nothing";
+	EXPECT_EQ(run.widget(opened, list)["count"], 0);
+	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
+	EXPECT_TRUE(support::exists(receiver / "var/scaning.log/inside"));
+}
+
+TEST(ScanLog, should_translate_the_question_as_a_whole)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	const Play run = play(receiver.path(), keys + "red", {"--lang", "de"});
+	const std::string question = run.widget(opened + 1, "eLabel")["text"];
+	EXPECT_NE(question, "Delete /var/scaning.log ?");
+	EXPECT_NE(question.find("/var/scaning.log"), std::string::npos) << question;
+	EXPECT_NE(run.window(opened + 1)["title"], "Warning");
+}
+
+struct Log
+{
+	const char *name;
+	std::string content;
+	Json rows;
+};
+
+void PrintTo(const Log &log, std::ostream *out)
+{
+	*out << log.name;
+}
+
+class ScanLogContent : public ::testing::TestWithParam<Log>
+{
+};
+
+TEST_P(ScanLogContent, should_be_shown_and_measured)
+{
+	Receiver receiver;
+	receiver.scanLog(GetParam().content);
+	support::TempFolder pictures;
+	const Play run = play(receiver.path(), keys, {"--pictures", pictures.path()});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.widget(opened, list)["rows"], GetParam().rows);
+	EXPECT_EQ(run.widget(opened, "eLabel")["text"],
+	          "size of /var/scaning.log : " + std::to_string(GetParam().content.size()) + " bytes");
+	EXPECT_TRUE(support::exists(pictures / "03-ok.png"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Bytes, ScanLogContent,
+    ::testing::Values(Log{"empty", "", Json::array()}, Log{"one_byte", "x", {"0 x"}},
+                      Log{"crlf", "a\r\nb\r\n", {"0 a\r\n", "1 b\r\n"}},
+                      Log{"percent", "100 %s %n %d\n", {"0 100 %s %n %d\n"}},
+                      Log{"nul", std::string("a\0b\nc\n", 6), {"0 a", "1 c\n"}},
+                      Log{"length_1021", std::string(1020, 'x') + "\n", {"0 " + std::string(1020, 'x') + "\n"}},
+                      Log{"length_1022", std::string(1022, 'x') + "\n", {"0 " + std::string(1022, 'x'), "1 \n"}},
+                      Log{"length_1023", std::string(1023, 'x') + "\n", {"0 " + std::string(1022, 'x'), "1 x\n"}},
+                      Log{"marker_cut", std::string(1018, 'x') + "start at\n",
+                          {"0 " + std::string(1018, 'x') + "star", "1 t at\n"}}),
+    [](const auto &entry) { return entry.param.name; });
+
+TEST(ScanLog, should_draw_every_byte_value)
+{
+	std::string bytes;
+	for (int round = 0; round < 4; ++round)
+		for (int i = 0; i < 256; ++i)
+			bytes += static_cast<char>(i);
+	Receiver receiver;
+	receiver.scanLog(bytes);
+	support::TempFolder pictures;
+	const Play run = play(receiver.path(), keys + "exit exit", {"--pictures", pictures.path()});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_GT(run.widget(opened, list)["count"], 3);
+}
+
+TEST(ScanLog, should_not_mind_a_log_that_changes_while_it_is_shown)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	// The screen runs no command of its own: the log goes while the process screen is built.
+	receiver.write("bin/ps", "#!/bin/sh\nrm -f '" + (receiver / "var/scaning.log") + "'\necho PID\n", true);
+	const Play run = play(receiver.path(), keys + "exit up up ok exit down down ok");
+	EXPECT_EQ(run.widget(opened, list)["count"], 1);
+	EXPECT_EQ(run.moments.back()["windows"].back()["class"], "eScanLogDialog");
+	EXPECT_EQ(run.widget(run.moments.size() - 1, "eLabel")["text"], "file \"/var/scaning.log\" not found");
+}
+
+} // namespace

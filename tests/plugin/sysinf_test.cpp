@@ -1,0 +1,252 @@
+// The system info screen, call by call and by keys.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+using support::Json;
+using support::Play;
+using support::play;
+using support::Receiver;
+using support::repeat;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+constexpr size_t opened = 4; // the moment after "down down down ok"
+const std::string keys = "down down down ok ";
+
+const std::string onePartition = "dev:    size   erasesize  name\n"
+                                 "mtd0: 00020000 00004000 \"boot loader\"\n";
+const std::string threeMounts = "Filesystem                Size      Used Available Use% Mounted on\n"
+                                "/dev/root                 7.8M      3.1M      4.7M  40% /\n"
+                                "tmpfs                    30.2M      4.0K     30.2M   0% /tmp\n"
+                                "/dev/sda1               149.0G    112.6G     36.4G  76% /media/hdd\n";
+
+std::string text(const std::string &value)
+{
+	return Json(value).dump();
+}
+
+std::string padded(std::string value, size_t width)
+{
+	value.resize(std::max(width, value.size()), ' ');
+	return value;
+}
+
+std::string usageLine(const std::string &size, const std::string &used, const std::string &available,
+                      const std::string &use, const std::string &mount)
+{
+	return padded(size, 6) + "  " + padded(used, 6) + "  " + padded(available, 6) + "  " + padded(use, 4) + " " +
+	       padded(mount, 50) + "\n";
+}
+
+const std::string usageHeading = usageLine("Size", "Used", "Avail.", "Use%", "Mounted");
+
+Lines label(int number, const std::string &content, int x, int y, int width, int height)
+{
+	const std::string name = "#" + std::to_string(number);
+	const auto pair = [](int a, int b) { return "(" + std::to_string(a) + ", " + std::to_string(b) + ")"; };
+	return {name + R"( = eLabel(#7, 0, 0, "eLabel"))", name + ".setText(" + text(content) + ")",
+	        name + ".move" + pair(x, y), name + ".resize" + pair(width, height)};
+}
+
+void add(Lines &lines, const Lines &more)
+{
+	lines.insert(lines.end(), more.begin(), more.end());
+}
+
+Lines construction(int f)
+{
+	Lines lines = {
+	    "#7 = eWindow(1)",
+	    "eSkin.getActive()",
+	    R"(eSkin.queryValue("fontsize", 20) = )" + std::to_string(f),
+	    R"(#7.setText("Info"))",
+	    "#7.cmove(60, 70)",
+	    "#7.cresize(600, 450)",
+	    R"(#8 = eButton(#7, null, 1, "eButton"))",
+	    "#8.move(10, 400)",
+	    "#8.resize(160, 40)",
+	    R"(#8.setShortcut("green"))",
+	    R"(#8.setShortcutPixmap("green"))",
+	    "#8.loadDeco()",
+	    R"(#8.setText("OK"))",
+	    R"(fopen("/proc/mtd", "r") = stream)",
+	    "fclose(stream) = 0",
+	};
+	const int r1 = 2, r2 = 5;
+	add(lines, label(9, "MTD blocks:", 5, 5, 100, f));
+	add(lines, label(10, "dev:\nmtd0:\n", 5, f + 5, 70, f * r1));
+	add(lines, label(11, "size\n00020000\n", 70, f + 5, 100, f * r1));
+	add(lines, label(12, "erasesize\n00004000\n", 190, f + 5, 100, f * r1));
+	add(lines, label(13, "name\n\"boot loader\" \n", 300, f + 5, 350, f * r1));
+	add(lines, {R"(system("df -h >/var/tmp/df.tmp"))", R"(fopen("/var/tmp/df.tmp", "r") = stream)", "fclose(stream) = 0",
+	            R"(remove("/var/tmp/df.tmp"))"});
+	add(lines, label(14, "Mounts:\n\n", 5, f * r1 + 20, 240, f * r2));
+	add(lines, label(15,
+	                 padded("Filesystem", 35) + "\n" + padded("/dev/root", 35) + "\n" + padded("tmpfs", 35) + "\n" +
+	                     padded("/dev/sda1", 35) + "\n",
+	                 5, f * r1 + f + 25, 270, f * r2));
+	add(lines, label(16,
+	                 usageHeading + usageLine("7.8M", "3.1M", "4.7M", "40%", "/") +
+	                     usageLine("30.2M", "4.0K", "30.2M", "0%", "/tmp") +
+	                     usageLine("149.0G", "112.6G", "36.4G", "76%", "/media/hdd"),
+	                 280, f * r1 + f + 25, 500, f * r2));
+	add(lines, {"#7.show()", "#7.exec()"});
+	return lines;
+}
+
+TEST(SysInf, should_be_laid_out_by_the_font_size)
+{
+	Receiver receiver;
+	receiver.mtd(onePartition);
+	receiver.df(threeMounts);
+	for (const int fontSize : {0, 20, 16, 30}) {
+		const Play run = play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"), construction(fontSize ? fontSize : 20));
+	}
+}
+
+TEST(SysInf, should_overlap_and_overhang_as_laid_out)
+{
+	Receiver receiver;
+	receiver.mtd(onePartition);
+	receiver.df(threeMounts);
+	const Play run = play(receiver.path(), keys);
+	EXPECT_EQ(run.window(opened)["client"], Json({60, 70, 600, 450}));
+	const auto rect = [&](size_t nth) { return run.widget(opened, "eLabel", nth)["rect"]; };
+	EXPECT_EQ(rect(1), Json({5, 25, 70, 40}));
+	EXPECT_EQ(rect(2), Json({70, 25, 100, 40}));
+	EXPECT_EQ(rect(4), Json({300, 25, 350, 40}));
+	EXPECT_EQ(rect(5), Json({5, 60, 240, 100}));
+	EXPECT_EQ(rect(6), Json({5, 85, 270, 100}));
+	EXPECT_EQ(rect(7), Json({280, 85, 500, 100}));
+}
+
+TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
+{
+	Receiver receiver;
+	receiver.df(threeMounts);
+	for (const char *way : {"ok", "green"}) {
+		const Play run = play(receiver.path(), keys + way + " exit");
+		EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
+		          (Lines{"#7.exec()", "#7.accept()", "#7.exec() = 0", "#7.hide()", "#1.show()", "#7.~eWindow()"}))
+		    << way;
+	}
+	const Play left = play(receiver.path(), keys + "exit exit");
+	EXPECT_EQ(left.traceBetween("#7.exec()", "#7.~eWindow()"),
+	          (Lines{"#7.exec()", "#7.exec() = -1", "#7.hide()", "#1.show()", "#7.~eWindow()"}));
+}
+
+TEST(SysInf, should_give_the_button_the_focus_and_the_green_key)
+{
+	Receiver receiver;
+	receiver.df(threeMounts);
+	const Play run = play(receiver.path(), keys);
+	const Json &button = run.widget(opened, "eButton");
+	EXPECT_EQ(button["focus"], true);
+	EXPECT_EQ(button["shortcut"], "green");
+	EXPECT_EQ(button["text"], "OK");
+	EXPECT_EQ(button["rect"], Json({10, 400, 160, 40}));
+}
+
+TEST(SysInf, should_translate_nothing_but_the_button)
+{
+	Receiver receiver;
+	receiver.df(threeMounts);
+	const Play plain = play(receiver.path(), keys);
+	const Play arabic = play(receiver.path(), keys, {"--lang", "ar"});
+	for (size_t i = 0; i < 8; ++i)
+		EXPECT_EQ(arabic.widget(opened, "eLabel", i)["text"], plain.widget(opened, "eLabel", i)["text"]);
+	EXPECT_EQ(arabic.window(opened)["title"], "Info");
+	EXPECT_NE(arabic.widget(opened, "eButton")["text"], "OK");
+}
+
+TEST(SysInf, should_show_headings_only_when_there_is_nothing_to_read)
+{
+	Receiver receiver;
+	receiver.df("");
+	const Play run = play(receiver.path(), keys);
+	const char *const texts[] = {"MTD blocks:", "dev:\n", "size\n", "erasesize\n", "name\n", "Mounts:\n\n"};
+	for (size_t i = 0; i < 6; ++i)
+		EXPECT_EQ(run.widget(opened, "eLabel", i)["text"], texts[i]);
+	EXPECT_EQ(run.widget(opened, "eLabel", 6)["text"], padded("Filesystem", 35) + "\n");
+	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
+	EXPECT_EQ(run.widget(opened, "eLabel", 5)["rect"], Json({5, 40, 240, 40}));
+	EXPECT_FALSE(support::exists("/var/tmp/df.tmp"));
+}
+
+TEST(SysInf, should_open_when_df_is_missing_or_fails)
+{
+	Receiver missing;
+	Play run = play(missing.path(), keys + "exit exit", {}, {{"PATH", missing / "bin"}});
+	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
+	EXPECT_EQ(run.outcome.status, 0);
+
+	Receiver failing;
+	failing.write("bin/df", "#!/bin/sh\necho 'df: /media/net: Permission denied' >&2\necho heading\nexit 1\n", true);
+	run = play(failing.path(), keys + "exit exit");
+	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
+	EXPECT_EQ(run.outcome.status, 0);
+}
+
+TEST(SysInf, should_remove_the_file_also_when_it_could_not_be_written)
+{
+	Receiver receiver;
+	receiver.df(threeMounts);
+	ASSERT_EQ(symlink("/var/tmp/no-such-folder/df.tmp", "/var/tmp/df.tmp"), 0);
+	const Play run = play(receiver.path(), keys + "exit exit");
+	const Lines reading = run.traceBetween(R"(system("df -h >/var/tmp/df.tmp"))", R"(remove("/var/tmp/df.tmp"))");
+	EXPECT_EQ(reading, (Lines{R"(system("df -h >/var/tmp/df.tmp"))", R"(fopen("/var/tmp/df.tmp", "r") = null)",
+	                          R"(remove("/var/tmp/df.tmp"))"}));
+	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
+	unlink("/var/tmp/df.tmp");
+}
+
+TEST(SysInf, should_end_when_the_partition_list_cannot_be_read)
+{
+	Receiver receiver;
+	receiver.df(threeMounts);
+	receiver.write("proc/mtd/inside", "");
+	const Play run = play(receiver.path(), keys + "exit exit");
+	EXPECT_EQ(run.widget(opened, "eLabel", 1)["text"], "dev:\n");
+	EXPECT_EQ(run.outcome.status, 0);
+}
+
+TEST(SysInf, should_show_long_words_whole_in_their_own_columns)
+{
+	const std::string device(60, 'd'), longDevice(300, 'e'), mount(200, 'm');
+	Receiver receiver;
+	receiver.df("heading\n" + device + " 1023.9G 1 2 3% " + mount + "\n" + longDevice + " 1 2 3 4% /\n");
+	const Play run = play(receiver.path(), keys);
+	EXPECT_EQ(run.widget(opened, "eLabel", 6)["text"],
+	          padded("Filesystem", 35) + "\n" + device + "\n" + longDevice + "\n");
+	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading + usageLine("1023.9G", "1", "2", "3%", mount) +
+	                                                       usageLine("1", "2", "3", "4%", "/"));
+}
+
+TEST(SysInf, should_not_break_with_forty_mounts_and_bad_bytes)
+{
+	Receiver receiver;
+	receiver.mtd("heading\n" + repeat("mtd1: 80000000 00020000 \"\xff\xfe\x1b[2J\"\n", 30));
+	receiver.df("heading\n" + repeat("/dev/x\xff 1G 1G 1G 1% /m\x1b\n", 40) + std::string("a\0b\n", 4));
+	support::TempFolder pictures;
+	const Play run = play(receiver.path(), keys + "ok exit", {"--pictures", pictures.path()});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.widget(opened, "eLabel", 7)["rect"], Json({280, 20 * 31 + 45, 500, 20 * 43}));
+	EXPECT_EQ(run.window(opened + 1)["class"], "eVexloMenu");
+}
+
+TEST(SysInf, should_show_this_computers_mounts_without_a_root)
+{
+	const Play run = play("", keys + "exit exit");
+	const Lines shown = support::lines(run.widget(opened, "eLabel", 7)["text"]);
+	const Lines printed = support::lines(support::run({"df", "-h"}).out);
+	EXPECT_EQ(shown.size(), printed.size()) << "a row for every line";
+}
+
+} // namespace
