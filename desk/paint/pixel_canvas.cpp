@@ -176,7 +176,8 @@ void PixelCanvas::text(const Rect &area, std::string_view line, const TextStyle 
 	cairo_new_path(s->cairo);
 	cairo_rectangle(s->cairo, area.x, area.y, area.w, area.h);
 	cairo_clip(s->cairo);
-	drawLine(s->cairo, area, visibleText(line), style);
+	// Made visible, a text has no fewer bytes; a letter cut in two here lies beyond what is drawn.
+	drawLine(s->cairo, area, visibleText(line.substr(0, mostBytesWithin(area.w) + 64)), style);
 	cairo_restore(s->cairo);
 }
 

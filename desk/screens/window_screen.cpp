@@ -4,10 +4,12 @@
 #include "visible_text.h"
 
 #include <SDL.h>
+#include <X11/Xlib.h>
 #include <cairo.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 namespace desk
@@ -141,27 +143,44 @@ private:
 
 std::unique_ptr<Screen> makeWindowScreen(std::string &error)
 {
+	const auto failed = [&](const std::string &why) {
+		error = visibleText("cannot open a window: " + why +
+		                    "; set DISPLAY or use --screen terminal or --screen none");
+		SDL_Quit();
+		return nullptr;
+	};
+	const auto value = [](const char *name) {
+		const char *set = getenv(name);
+		return std::string(set ? set : "");
+	};
+	const std::string display = value("DISPLAY"), wayland = value("WAYLAND_DISPLAY");
+	// Asked without a display, some of SDL's drivers take the machine's console, others complain by
+	// themselves. Whoever names a driver gets that one.
+	if (value("SDL_VIDEODRIVER").empty()) {
+		if (display.empty() && wayland.empty())
+			return failed("there is no display");
+		SDL_SetHint(SDL_HINT_VIDEODRIVER, wayland.empty()   ? "x11"
+		                                  : display.empty() ? "wayland"
+		                                                    : "x11,wayland");
+	}
 	SDL_SetMainReady();
 	SDL_SetHint(SDL_HINT_APP_NAME, "deskhost");
 	SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
 	SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
-	// Of the other drivers some take the console of a machine that has no display.
-	SDL_SetHint(SDL_HINT_VIDEODRIVER, "x11,wayland");
-	SDL_Window *window = nullptr;
-	if (SDL_Init(SDL_INIT_VIDEO) == 0) {
-		// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
-		if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
-			SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
-		window = SDL_CreateWindow("Receiver - arrows, Enter, Esc, F1-F4 (red green yellow blue)",
-		                          SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, screenWidth, screenHeight,
-		                          SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
-	}
-	if (!window || !SDL_GetWindowSurface(window)) {
-		error = visibleText(std::string("cannot open a window: ") + SDL_GetError() +
-		                    "; set DISPLAY or use --screen terminal or --screen none");
-		SDL_Quit();
-		return nullptr;
-	}
+	// SDL wakes its own wait by a message to the window, on a second connection, and the last one may reach
+	// the display after the window is gone. For that Xlib would end the program, were this not set before
+	// SDL remembers what was set.
+	XSetErrorHandler([](Display *, XErrorEvent *) { return 0; });
+	if (SDL_Init(SDL_INIT_VIDEO) != 0)
+		return failed("display \"" + (display.empty() ? wayland : display) + "\": " + SDL_GetError());
+	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
+	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
+		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+	SDL_Window *window = SDL_CreateWindow(
+	    "Receiver - arrows, Enter, Esc, F1-F4 (red green yellow blue)", SDL_WINDOWPOS_UNDEFINED,
+	    SDL_WINDOWPOS_UNDEFINED, screenWidth, screenHeight, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+	if (!window || !SDL_GetWindowSurface(window))
+		return failed(SDL_GetError());
 	SDL_SetWindowMinimumSize(window, screenWidth / 2, screenHeight / 2);
 	SDL_StopTextInput(); // keys, not letters: no input method is wanted
 	return std::make_unique<WindowScreen>(window);

@@ -1,0 +1,253 @@
+#include "visible_text.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+using namespace desk;
+using namespace std::string_literals;
+
+const std::string mark = "\xEF\xBF\xBD"; // U+FFFD
+
+std::string marks(int count)
+{
+	std::string text;
+	while (count-- > 0)
+		text += mark;
+	return text;
+}
+
+std::string utf8(uint32_t c)
+{
+	const auto byte = [](uint32_t value) { return static_cast<char>(value); };
+	if (c < 0x80)
+		return {byte(c)};
+	if (c < 0x800)
+		return {byte(0xC0 | c >> 6), byte(0x80 | (c & 0x3F))};
+	if (c < 0x10000)
+		return {byte(0xE0 | c >> 12), byte(0x80 | (c >> 6 & 0x3F)), byte(0x80 | (c & 0x3F))};
+	return {byte(0xF0 | c >> 18), byte(0x80 | (c >> 12 & 0x3F)), byte(0x80 | (c >> 6 & 0x3F)),
+	        byte(0x80 | (c & 0x3F))};
+}
+
+TEST(VisibleText, LeavesOrdinaryTextAsItIs)
+{
+	for (const char *text : {"", "plain ASCII ~", "Größe, żółć, Ελληνικά, Русский, العربية, 日本語",
+	                         "\xF0\x9F\x98\x80", "e\xCC\x81", "50% {} \\n"})
+		EXPECT_EQ(visibleText(text), text);
+}
+
+TEST(VisibleText, ShowsEveryControlAsItsPicture)
+{
+	for (uint32_t c = 0; c < 0x20; ++c)
+		EXPECT_EQ(visibleText("a"s + static_cast<char>(c) + "b"), "a" + utf8(0x2400 + c) + "b") << c;
+	EXPECT_EQ(visibleText("a\x7F"), "a" + utf8(0x2421));
+	EXPECT_EQ(visibleText("\x1b[31m"), utf8(0x241B) + "[31m");
+}
+
+TEST(VisibleText, MarksEveryC1Control)
+{
+	for (uint32_t c = 0x80; c < 0xA0; ++c)
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << c;
+	EXPECT_EQ(visibleText(utf8(0xA0)), utf8(0xA0));
+}
+
+TEST(VisibleText, MarksSeparatorsAndBidirectionalFormattingOnceEach)
+{
+	for (uint32_t c = 0x2028; c <= 0x202E; ++c)
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
+	for (uint32_t c = 0x2066; c <= 0x2069; ++c)
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
+	// Marks of direction only help, and end with their letter.
+	for (uint32_t c : {0x200Eu, 0x200Fu, 0x2027u, 0x202Fu, 0x2065u, 0x206Au})
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + utf8(c) + "b") << std::hex << c;
+}
+
+TEST(VisibleText, MarksASurrogateOnce)
+{
+	for (uint32_t c : {0xD800u, 0xDABCu, 0xDBFFu, 0xDC00u, 0xDFFFu})
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
+	EXPECT_EQ(visibleText(utf8(0xD83D) + utf8(0xDE00)), marks(2));
+	EXPECT_EQ(visibleText(utf8(0xD7FF) + utf8(0xE000)), utf8(0xD7FF) + utf8(0xE000));
+}
+
+TEST(VisibleText, MarksEveryByteThatIsNoUtf8)
+{
+	EXPECT_EQ(visibleText("a\xFE\xFF" "b"), "a" + marks(2) + "b");
+	for (int lead = 0x80; lead < 0x100; ++lead)
+		EXPECT_EQ(visibleText(std::string(1, static_cast<char>(lead))), mark) << lead;
+	for (int lead = 0xF5; lead < 0x100; ++lead)
+		EXPECT_EQ(visibleText(std::string(1, static_cast<char>(lead)) + "\x80\x80\x80"), marks(4)) << lead;
+}
+
+TEST(VisibleText, MarksEveryByteOfAnOverlongForm)
+{
+	EXPECT_EQ(visibleText("\xC0\x80"), marks(2));
+	EXPECT_EQ(visibleText("\xC1\xBF"), marks(2));
+	EXPECT_EQ(visibleText("\xE0\x9F\xBF"), marks(3));
+	EXPECT_EQ(visibleText("\xF0\x8F\xBF\xBF"), marks(4));
+	EXPECT_EQ(visibleText("\xE0\xA0\x80"), "\xE0\xA0\x80");
+	EXPECT_EQ(visibleText("\xF0\x90\x80\x80"), "\xF0\x90\x80\x80");
+}
+
+TEST(VisibleText, MarksWhatLiesBeyondUnicode)
+{
+	EXPECT_EQ(visibleText("\xF4\x8F\xBF\xBD"), "\xF4\x8F\xBF\xBD");
+	EXPECT_EQ(visibleText("\xF4\x90\x80\x80"), marks(4));
+}
+
+TEST(VisibleText, MarksEveryByteOfATruncatedSequence)
+{
+	for (const std::string &whole : {utf8(0xE9), utf8(0x20AC), utf8(0x1F600)})
+		for (size_t length = 1; length < whole.size(); ++length) {
+			const std::string cut = whole.substr(0, length);
+			EXPECT_EQ(visibleText(cut), marks(static_cast<int>(length)));
+			EXPECT_EQ(visibleText(cut + "a"), marks(static_cast<int>(length)) + "a");
+			EXPECT_EQ(visibleText(cut + whole), marks(static_cast<int>(length)) + whole);
+		}
+}
+
+TEST(VisibleText, LeavesOutOneLineEndAtTheEnd)
+{
+	EXPECT_EQ(visibleText("line\n"), "line");
+	EXPECT_EQ(visibleText("line\n\n"), "line" + utf8(0x240A));
+	EXPECT_EQ(visibleText("line\r\n"), "line" + utf8(0x240D));
+	EXPECT_EQ(visibleText("two\nlines"), "two" + utf8(0x240A) + "lines");
+	EXPECT_EQ(visibleText("\n"), "");
+}
+
+TEST(VisibleText, IsNeverChangedByASecondTime)
+{
+	std::mt19937 random(1);
+	std::uniform_int_distribution<int> byte(0, 255), length(0, 40);
+	for (int i = 0; i < 20000; ++i) {
+		std::string bytes;
+		for (int n = length(random); n > 0; --n)
+			bytes += static_cast<char>(byte(random));
+		const std::string once = visibleText(bytes);
+		ASSERT_EQ(visibleText(once), once);
+		for (const char c : once)
+			ASSERT_TRUE(static_cast<unsigned char>(c) >= 0x20 && c != 0x7F);
+	}
+}
+
+TEST(TextColumns, CountNarrowWideAndCombiningCharacters)
+{
+	EXPECT_EQ(textColumns(""), 0);
+	EXPECT_EQ(textColumns("abc"), 3);
+	EXPECT_EQ(textColumns("żółć"), 4);
+	EXPECT_EQ(textColumns("e\xCC\x81"), 1);
+	EXPECT_EQ(textColumns("日本"), 4);
+	EXPECT_EQ(textColumns("\xE2\x80\x8D"), 0); // the joiner
+	EXPECT_EQ(textColumns("عربي"), 4);
+	EXPECT_EQ(textColumns(visibleText("\x1b\xff\t")), 3);
+}
+
+TEST(TextWidth, IsNeverLessThanTheCellsOfATerminal)
+{
+	EXPECT_GE(textWidth("iiiiiiiiii", 20, false), 80);
+	EXPECT_GE(textWidth("日本", 8, false), 32);
+	EXPECT_GT(textWidth("WWWWWWWWWW", 20, false), 80);
+	EXPECT_GT(textWidth("WWWWWWWWWW", 30, false), textWidth("WWWWWWWWWW", 20, false));
+	EXPECT_GE(textWidth("WWWWWWWWWW", 20, true), textWidth("WWWWWWWWWW", 20, false));
+	EXPECT_EQ(textWidth("", 20, false), 0);
+}
+
+/// Every line of `wrapped` fits, but for one that is a single character.
+void expectFits(const std::string &wrapped, int width)
+{
+	size_t start = 0;
+	while (start <= wrapped.size()) {
+		const size_t end = std::min(wrapped.find('\n', start), wrapped.size());
+		const std::string line = wrapped.substr(start, end - start);
+		EXPECT_TRUE(textColumns(line) <= 1 || textWidth(line, 20, false) <= width) << line;
+		start = end + 1;
+	}
+}
+
+std::string without(std::string text, const std::string &characters)
+{
+	text.erase(std::remove_if(text.begin(), text.end(),
+	                          [&](char c) { return characters.find(c) != characters.npos; }),
+	           text.end());
+	return text;
+}
+
+TEST(WrapText, LeavesShortLinesAndLineEndsAsTheyAre)
+{
+	EXPECT_EQ(wrapText("", 300, 20, false), "");
+	EXPECT_EQ(wrapText("Kill 77 pid?", 300, 20, false), "Kill 77 pid?");
+	EXPECT_EQ(wrapText("one\ntwo\n\nfour", 300, 20, false), "one\ntwo\n\nfour");
+	EXPECT_EQ(wrapText("  indented", 300, 20, false), "  indented");
+}
+
+TEST(WrapText, BreaksAtBlanks)
+{
+	const std::string text = "Delete the whole log of the last scan of all the channels that there are?";
+	const std::string wrapped = wrapText(text, 200, 20, false);
+	expectFits(wrapped, 200);
+	EXPECT_NE(wrapped, text);
+	std::string joined = wrapped;
+	std::replace(joined.begin(), joined.end(), '\n', ' ');
+	EXPECT_EQ(joined, text);
+}
+
+TEST(WrapText, MakesNoLineOfBlanksBeyondTheEdge)
+{
+	EXPECT_EQ(wrapText("word" + std::string(200, ' '), 100, 20, false), "word");
+	EXPECT_EQ(wrapText("word" + std::string(200, ' ') + "next", 100, 20, false), "word\nnext");
+}
+
+TEST(WrapText, BreaksALongWordWithin)
+{
+	const std::string word(300, 'w');
+	const std::string wrapped = wrapText("a " + word + " b", 200, 20, false);
+	expectFits(wrapped, 200);
+	EXPECT_EQ(without(wrapped, " \n"), "a" + word + "b");
+}
+
+TEST(WrapText, KeepsMarksWithTheirLetters)
+{
+	std::string word;
+	for (int i = 0; i < 100; ++i)
+		word += "e\xCC\x81";
+	const std::string wrapped = wrapText(word, 100, 20, false);
+	expectFits(wrapped, 100);
+	EXPECT_EQ(without(wrapped, "\n"), word);
+	EXPECT_EQ(wrapped.find("\n\xCC"), wrapped.npos);
+}
+
+TEST(WrapText, BreaksRightToLeftTextInItsOrderOfReading)
+{
+	const std::string text = "هل تريد حذف سجل البحث كله عن القنوات من هذا الجهاز الآن أم لا؟";
+	const std::string wrapped = wrapText(text, 200, 20, false);
+	expectFits(wrapped, 200);
+	std::string joined = wrapped;
+	std::replace(joined.begin(), joined.end(), '\n', ' ');
+	EXPECT_EQ(joined, text);
+}
+
+TEST(WrapText, GivesEveryCharacterALineWhenThereIsNoRoom)
+{
+	for (int width : {0, -5, 1, 7})
+		EXPECT_EQ(wrapText("abc d", width, 20, false), "a\nb\nc\nd") << width;
+}
+
+TEST(WrapText, TakesAnyBytes)
+{
+	std::mt19937 random(2);
+	std::uniform_int_distribution<int> byte(0, 255), length(0, 120), width(-10, 300), row(-5, 60);
+	for (int i = 0; i < 200; ++i) {
+		std::string bytes;
+		for (int n = length(random); n > 0; --n)
+			bytes += static_cast<char>(byte(random));
+		const std::string wrapped = wrapText(bytes, width(random), row(random), i % 2 == 0);
+		for (const char c : wrapped)
+			ASSERT_TRUE(c == '\n' || static_cast<unsigned char>(c) >= 0x20);
+	}
+	EXPECT_NE(wrapText(std::string(100000, 'x'), 400, 20, false), "");
+}
+
+} // namespace

@@ -1,0 +1,86 @@
+#include "key.h"
+
+#include <gtest/gtest.h>
+#include <set>
+
+namespace {
+
+using namespace desk;
+using Keys = std::vector<Key>;
+
+std::string mistakeIn(std::string_view script)
+{
+	std::string error;
+	EXPECT_FALSE(parseKeyScript(script, error)) << script;
+	EXPECT_EQ(error.find('\n'), error.npos) << error;
+	return error;
+}
+
+Keys keysOf(std::string_view script)
+{
+	std::string error;
+	const auto keys = parseKeyScript(script, error);
+	EXPECT_TRUE(keys) << error;
+	EXPECT_EQ(error, "");
+	return keys.value_or(Keys());
+}
+
+TEST(RemoteKeys, HaveTheNamesThatScriptsUse)
+{
+	const char *const names[] = {"up", "down", "left", "right", "pageup", "pagedown", "home", "end",
+	                             "ok", "exit", "red", "green", "yellow", "blue",
+	                             "0", "1", "2", "3", "4", "5", "6", "7", "8", "9"};
+	int next = 0;
+	for (const char *name : names) {
+		const auto key = static_cast<Key>(next++);
+		EXPECT_STREQ(keyName(key), name);
+		EXPECT_EQ(keyNamed(name), key);
+	}
+	EXPECT_EQ(static_cast<Key>(next - 1), Key::digit9);
+}
+
+TEST(RemoteKeys, HaveNoOtherNames)
+{
+	for (const char *name : {"", "OK", "Ok", "ok ", " ok", "okay", "o", "10", "-1", "page up", "digit1",
+	                         "menu"})
+		EXPECT_FALSE(keyNamed(name)) << name;
+	EXPECT_FALSE(keyNamed(std::string_view("ok\0", 3)));
+}
+
+TEST(KeyScripts, AreNamesBetweenAnyWhiteSpace)
+{
+	EXPECT_EQ(keysOf("down ok exit"), (Keys{Key::down, Key::ok, Key::exit}));
+	EXPECT_EQ(keysOf("  down\n\tok \r\n exit\v\f"), (Keys{Key::down, Key::ok, Key::exit}));
+	EXPECT_EQ(keysOf("7"), Keys{Key::digit7});
+}
+
+TEST(KeyScripts, MayBeEmpty)
+{
+	EXPECT_EQ(keysOf(""), Keys{});
+	EXPECT_EQ(keysOf(" \n\t "), Keys{});
+}
+
+TEST(KeyScripts, MayBeLong)
+{
+	std::string script;
+	for (int i = 0; i < 100000; ++i)
+		script += "down ";
+	EXPECT_EQ(keysOf(script).size(), 100000u);
+}
+
+TEST(KeyScripts, NameTheUnknownKeyAndListTheKnownOnes)
+{
+	EXPECT_EQ(mistakeIn("down okay exit"),
+	          "unknown key \"okay\"; the keys are up down left right pageup pagedown home end ok exit "
+	          "red green yellow blue 0 1 2 3 4 5 6 7 8 9");
+	EXPECT_EQ(mistakeIn("down,ok").substr(0, 21), "unknown key \"down,ok\"");
+}
+
+TEST(KeyScripts, QuoteNastyBytesHarmlesslyAndBriefly)
+{
+	using namespace std::string_view_literals;
+	EXPECT_EQ(mistakeIn("\x1b[2J\x07\xff\0x"sv).substr(0, 24), "unknown key \"?[2J???x\"; ");
+	EXPECT_LT(mistakeIn(std::string(100000, 'x')).size(), 200u);
+}
+
+} // namespace

@@ -1,0 +1,34 @@
+// Opens a window, paints it green with a red corner, and prints the name of every key that arrives.
+// After "red" it paints a blue frame without presenting it, after "green" it presents that.
+
+#include "screen.h"
+
+#include <cstdio>
+
+int main()
+{
+	std::string error;
+	const auto screen = desk::makeWindowScreen(error);
+	if (!screen) {
+		std::fprintf(stderr, "%s\n", error.c_str());
+		return 1;
+	}
+	const auto paint = [&](desk::Color color) {
+		screen->canvas()->fill({0, 0, desk::screenWidth, desk::screenHeight}, desk::Fill::plain(color));
+		screen->canvas()->fill({0, 0, 100, 100}, desk::Fill::plain({255, 0, 0}));
+	};
+	paint({0, 255, 0});
+	screen->present();
+	std::puts("ready");
+	std::fflush(stdout);
+	while (const auto key = screen->waitKey()) {
+		if (key == desk::Key::red)
+			paint({0, 0, 255});
+		if (key == desk::Key::green)
+			screen->present();
+		std::puts(desk::keyName(*key));
+		std::fflush(stdout);
+	}
+	std::puts(screen->waitKey() ? "a key after the end" : "closed");
+	return 0;
+}
