@@ -3,14 +3,13 @@
 #include "formatted.h"
 #include "ps_snapshot.h"
 #include "translation.h"
+#include "widgets.h"
 
 ePsDialog::ePsDialog() : eWindow(1)
 {
-	const int fontSize = eSkin::getActive()->queryValue("fontsize", 20);
+	const int fontSize = rowHeight();
 
-	setText("Info"); // the same in every language
-	cmove(ePoint(110, 63));
-	cresize(eSize(500, 450));
+	frame(*this, "Info", ePoint(110, 63), eSize(500, 450));
 
 	processList = new eListBox<eListBoxEntryText>(this);
 	processList->setFlags(4);
@@ -22,10 +21,7 @@ ePsDialog::ePsDialog() : eWindow(1)
 		new eListBoxEntryText(processList, row.text.c_str(), new eString(row.pid));
 
 	// Reaches 5 pixels past the client area: laid out so.
-	eLabel *header = new eLabel(this, 0, 0, "eLabel");
-	header->setText(snapshot.header);
-	header->move(ePoint(5, 5));
-	header->resize(eSize(500, fontSize));
+	addLabel(*this, snapshot.header.c_str(), ePoint(5, 5), eSize(500, fontSize));
 
 	processList->selected.connect(SigC::slot(*this, &ePsDialog::selectedItem));
 	setFocus(processList);

@@ -14,8 +14,6 @@ public:
 	void exit();
 
 private:
-	void addLabel(const eString &text, const ePoint &position, const eSize &size);
-
 	eButton *okButton;
 };
 

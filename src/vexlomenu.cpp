@@ -11,22 +11,22 @@ eVexloMenu::eVexloMenu() : eSetupWindow(translate("Vexlo service menu"), 10, 400
 {
 	cmove(ePoint(170, 145));
 
-	addEntry(1, translate("process info"), translate("show current processes in memory"),
-	         &eVexloMenu::processinfo);
-	addEntry(2, translate("memory info"), translate("show current used and free memory"),
-	         &eVexloMenu::meminfo);
-	addEntry(3, translate("scan log"), translate("show scan log"), &eVexloMenu::scanlog);
-	addEntry(4, translate("system info"), translate("show system info"), &eVexloMenu::sysinf);
+	addEntry({1, translate("process info"), translate("show current processes in memory"),
+	          &eVexloMenu::processinfo});
+	addEntry({2, translate("memory info"), translate("show current used and free memory"),
+	          &eVexloMenu::meminfo});
+	addEntry({3, translate("scan log"), translate("show scan log"), &eVexloMenu::scanlog});
+	addEntry({4, translate("system info"), translate("show system info"), &eVexloMenu::sysinf});
 }
 
 eVexloMenu::~eVexloMenu() = default;
 
-void eVexloMenu::addEntry(int number, const char *label, const char *help, void (eVexloMenu::*action)())
+void eVexloMenu::addEntry(const Line &line)
 {
 	// Belongs to the list, and has connected itself to it.
 	eListBoxEntryMenu *entry =
-	    new eListBoxEntryMenu(&list, label, formatted("(%d) %s", number, help));
-	entry->selected.connect(SigC::slot(*this, action));
+	    new eListBoxEntryMenu(&list, line.label, formatted("(%d) %s", line.number, line.help));
+	entry->selected.connect(SigC::slot(*this, line.action));
 }
 
 template <class Dialog> void eVexloMenu::open()

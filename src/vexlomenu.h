@@ -18,7 +18,14 @@ public:
 	void sysinf();
 
 private:
-	void addEntry(int number, const char *label, const char *help, void (eVexloMenu::*action)());
+	struct Line
+	{
+		int number; ///< shown in the help
+		const char *label, *help;
+		void (eVexloMenu::*action)();
+	};
+
+	void addEntry(const Line &line);
 	template <class Dialog> void open();
 };
 

@@ -36,10 +36,8 @@ MemInfoColumns parseMemInfo(FILE *stream)
 MemInfoColumns readMemInfo()
 {
 	FILE *const stream = fopen("/proc/meminfo", "r");
-	if (!stream)
-		return {};
-
-	MemInfoColumns columns = parseMemInfo(stream);
-	fclose(stream);
+	MemInfoColumns columns = stream ? parseMemInfo(stream) : MemInfoColumns();
+	if (stream)
+		fclose(stream);
 	return columns;
 }

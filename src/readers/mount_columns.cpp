@@ -25,7 +25,7 @@ void addRow(MountColumns &columns, const char *device, const char *size, const c
 MountColumns headings()
 {
 	constexpr int spareRow = 1;
-	MountColumns columns = {"", "", spareRow};
+	MountColumns columns = {{}, {}, spareRow};
 	addRow(columns, "Filesystem", "Size", "Used", "Avail.", "Use%", "Mounted");
 	return columns;
 }

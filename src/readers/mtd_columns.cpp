@@ -9,7 +9,13 @@ constexpr int lineLimit = 1023;
 
 MtdColumns headings()
 {
-	return {"dev:\n", "size\n", "erasesize\n", "name\n", 1};
+	MtdColumns columns;
+	columns.dev = "dev:\n";
+	columns.size = "size\n";
+	columns.erasesize = "erasesize\n";
+	columns.name = "name\n";
+	columns.rows = 1;
+	return columns;
 }
 
 } // namespace
@@ -43,10 +49,8 @@ MtdColumns parseMtdColumns(FILE *stream)
 MtdColumns readMtdColumns()
 {
 	FILE *const stream = fopen("/proc/mtd", "r");
-	if (!stream)
-		return headings();
-
-	MtdColumns columns = parseMtdColumns(stream);
-	fclose(stream);
+	MtdColumns columns = stream ? parseMtdColumns(stream) : headings();
+	if (stream)
+		fclose(stream);
 	return columns;
 }

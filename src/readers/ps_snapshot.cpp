@@ -28,9 +28,9 @@ PsSnapshot parsePsSnapshot(FILE *stream)
 			first = false;
 			continue;
 		}
-		char number[16];
-		snprintf(number, sizeof number, "%d", pid);
-		snapshot.rows.push_back({translate(line), number});
+		PsEntry &row = snapshot.rows.emplace_back();
+		row.text = translate(line);
+		appendFormatted(row.pid, "%d", pid);
 	}
 	return snapshot;
 }

@@ -17,12 +17,18 @@ constexpr std::size_t pieceLength = 46;
 constexpr std::size_t firstPiece = 1;
 constexpr std::size_t secondPiece = 46;
 
-// Both strings are made to size: a log may have a million lines.
 void addEntry(ScanLogContents &contents, int number, const char *text, const char *line)
 {
-	char numbered[lineSize + 16];
-	const int length = snprintf(numbered, sizeof numbered, "%d %s", number, text);
-	contents.entries.push_back({std::string(numbered, static_cast<std::size_t>(length)), line});
+	ScanLogEntry &entry = contents.entries.emplace_back();
+	appendFormatted(entry.text, "%d %s", number, text);
+	entry.line = line;
+}
+
+ScanLogContents notFound(const char *path)
+{
+	ScanLogContents contents = {{}, {}, false};
+	appendFormatted(contents.summary, "file \"%s\" not found", path);
+	return contents;
 }
 
 } // namespace
@@ -38,7 +44,7 @@ long filesize(FILE *stream)
 
 ScanLogContents parseScanLog(FILE *stream, const char *path)
 {
-	ScanLogContents contents = {{}, "", true};
+	ScanLogContents contents = {{}, {}, true};
 	// Cleared once only: the second piece of a short line shows what longer ones left behind.
 	char line[lineSize] = "";
 	char piece[lineSize] = "";
@@ -61,15 +67,12 @@ ScanLogContents parseScanLog(FILE *stream, const char *path)
 ScanLogContents readScanLog(const char *path)
 {
 	FILE *const stream = fopen(path, "r");
-	if (!stream) {
-		ScanLogContents contents = {{}, "", false};
-		appendFormatted(contents.summary, "file \"%s\" not found", path);
-		eDebug("file \"%s\" not found", path);
-		return contents;
+	ScanLogContents contents = stream ? parseScanLog(stream, path) : notFound(path);
+	if (stream) {
+		fclose(stream);
+		eDebug("close file");
+	} else {
+		eDebug("%s", contents.summary.c_str());
 	}
-
-	ScanLogContents contents = parseScanLog(stream, path);
-	fclose(stream);
-	eDebug("close file");
 	return contents;
 }

@@ -24,11 +24,13 @@ public:
 	/// Options of the host's; the plugin's lists all use 4.
 	void setFlags(int flags);
 
-	/// Adds an entry, at the end unless `atTop`; `makeCurrent` moves the selection to it. Called while
-	/// the entry is under construction: the list box only keeps the pointer.
+	/// Adds an entry, at the end unless `atTop`; `makeCurrent` moves the selection to it, without a
+	/// report. Called while the entry is under construction: the list box only keeps the pointer. Null
+	/// is ignored.
 	void append(eListBoxEntry *entry, bool makeCurrent, bool atTop);
 
-	/// Takes an entry out, without deleting it. An entry that is not in the list is no error.
+	/// Takes an entry out, without deleting it; it belongs to the caller from then on. An entry that is
+	/// not in the list is no error. `fromDestruction` is the host's, false here.
 	void remove(eListBoxEntry *entry, bool fromDestruction);
 
 	struct List;
@@ -43,10 +45,11 @@ protected:
 
 	/// The viewer confirms `entry`; null: the viewer leaves the list without one.
 	virtual void SendSelected(eListBoxEntry *entry) = 0;
-	/// The selection moves to `entry`; null when the list has become empty.
+	/// The selection moves to `entry`, by a key or because the current entry was taken out; null when
+	/// that was the last one.
 	virtual void SendSelChanged(eListBoxEntry *entry) = 0;
 
-	List *list;
+	List *list; ///< the host's, never null
 };
 
 /// One line of a list box.
@@ -102,7 +105,9 @@ public:
 		keyIgnored = 1, ///< not at all: the texts decide
 	};
 
-	/// `label` null counts as empty. `data` is the key: the entry does not look behind it.
+	/// `label` is copied; null counts as empty. `data` is the key, null for none: the entry does not look
+	/// behind it and does not release it. A host may release keys with their list box, and then takes
+	/// each for an eString made with `new`.
 	explicit eListBoxEntryText(eListBoxBase *box, const char *label = nullptr, void *data = nullptr,
 	                           const eString &help = eString())
 	    : eListBoxEntry(box, help, 3), text(label ? label : ""), key(data)
@@ -195,6 +200,7 @@ public:
 class eSetupWindow : public eListBoxWindow<eListBoxEntryMenu>
 {
 public:
+	/// `title` is copied; null counts as empty.
 	eSetupWindow(const char *title, int rows, int width);
 	~eSetupWindow() override;
 

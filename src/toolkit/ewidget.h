@@ -67,6 +67,7 @@ protected:
 
 public:
 	/// A window's title, the text of a label or button: bytes of any kind, several lines in a label.
+	/// The text is copied.
 	void setText(const eString &text);
 
 	/// Place and size a window by its client area, in pixels of the screen.
@@ -78,6 +79,8 @@ public:
 	void move(const ePoint &position);
 	void resize(const eSize &size);
 
+	/// Make the widget visible or invisible; again, nothing happens. A window that is shown stands above
+	/// all others. Neither starts or ends an exec().
 	void show();
 	void hide();
 
@@ -89,10 +92,12 @@ public:
 	void accept();
 	void reject();
 
-	/// Gives the focus to `child`, one of this window's.
+	/// Gives the focus to `child`, one of this window's, also before the window runs. Null: the host
+	/// chooses the first child that can have it. The widget of another window is ignored.
 	void setFocus(eWidget *child);
 
-	/// Binds a colour key ("red", "green", "yellow", "blue") to this widget, wherever the focus is.
+	/// Binds a colour key ("red", "green", "yellow", "blue") to this widget, wherever in its window the
+	/// focus is. A name that is none of these binds nothing.
 	void setShortcut(const eString &key);
 
 	/// The area that children are placed in, in this widget's own pixels. For a window it is what
@@ -103,8 +108,8 @@ public:
 	struct State;
 
 protected:
-	eRect clientrect;
-	State *state;
+	eRect clientrect; ///< set by recalcClientRect(): see getClientRect()
+	State *state;     ///< the host's, never null
 };
 
 /// A widget with a decoration of the skin's.
@@ -124,18 +129,19 @@ protected:
 	int eventFilter(const eWidgetEvent &event) override;
 	int setProperty(const eString &name, const eString &value) override;
 
-	Deco *deco;
+	Deco *deco; ///< the host's, never null
 };
 
 /// One or more lines of text, one row of the skin's "fontsize" each.
 class eLabel : public eDecoWidget
 {
 public:
-	/// `flags` 0 is the plain label; `deco` as in eDecoWidget.
+	/// `flags` 0 is the plain label, the host defines others; `deco` as in eDecoWidget.
 	eLabel(eWidget *parent, int flags, int takefocus, const char *deco);
 	~eLabel() override;
 
-	/// Shows the symbol of a colour key, named as in setShortcut(), in front of the text.
+	/// Shows the symbol of a colour key, named as in setShortcut(), in front of the text; of another
+	/// name, none. Binds nothing by itself.
 	void setShortcutPixmap(const eString &key);
 };
 

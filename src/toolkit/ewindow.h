@@ -34,8 +34,10 @@ public:
 		no = 8,
 	};
 
-	/// `flags`: the answers offered and, by higher bits, an icon. `preset`: the answer that has the
-	/// focus first. exec() then returns the answer chosen, or -1 when the box is left without one.
+	/// `text` is the question, `caption` the title; both are copied. `flags`: the answers offered and, by
+	/// higher bits, an icon. `preset`: the answer that has the focus first. `last` is the host's, 0 here.
+	/// exec() then returns the answer chosen, or -1 when the box is left without one, as it must be
+	/// when it offers none.
 	eMessageBox(eString text, eString caption, int flags, int preset, int last);
 	~eMessageBox() override;
 };

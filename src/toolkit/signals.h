@@ -15,9 +15,10 @@
 
 #else
 
-#include <sigc++/functors/mem_fun.h>
+#include <cstring>
 #include <sigc++/signal.h>
 #include <sigc++/trackable.h>
+#include <type_traits>
 
 namespace SigC
 {
@@ -58,32 +59,129 @@ class Object : public virtual ObjectBase, public sigc::trackable
 
 using Connection = sigc::connection;
 
-template <class R> using Slot0 = sigc::slot<R()>;
-template <class R, class P1> using Slot1 = sigc::slot<R(P1)>;
+/// What slot() makes: a member operation with the object that it is called on.
+template <class T, class Operation> struct Member
+{
+	T &object;
+	Operation operation;
+};
+
+/// The same without its types, as a functor of one argument: the address of what the signal passes.
+/// The library generates its machinery once for each type of functor and signal; with one type for
+/// all of them the plugin holds it once.
+template <class R> class Call
+{
+public:
+	/// P1: the signal's argument; void: it has none.
+	template <class P1, class T, class Operation> static Call to(const Member<T, Operation> &member)
+	{
+		static_assert(sizeof member.operation == sizeof operation, "not a pointer to a member operation");
+		Call call;
+		call.target = &member.object;
+		call.object = &member.object;
+		std::memcpy(call.operation, &member.operation, sizeof operation);
+		call.run = &runAs<P1, T, Operation>;
+		return call;
+	}
+
+	R operator()(void *argument) const { return run(*this, argument); }
+
+	const sigc::trackable &lifetime() const { return *target; }
+
+private:
+	template <class P1, class T, class Operation> static R runAs(const Call &call, void *argument)
+	{
+		T &object = *static_cast<T *>(call.object);
+		Operation operation;
+		std::memcpy(&operation, call.operation, sizeof operation);
+		if constexpr (std::is_void_v<P1>)
+			return (object.*operation)();
+		else
+			return (object.*operation)(*static_cast<P1 *>(argument));
+	}
+
+	const sigc::trackable *target = nullptr;
+	void *object = nullptr;
+	unsigned char operation[sizeof(void (Object::*)())] = {};
+	R (*run)(const Call &, void *) = nullptr; ///< runAs() of the types that `object` and `operation` have
+};
+
+/// Something to call without an argument, or with one of type P1, for as long as its object lives.
+template <class R> class Slot0
+{
+public:
+	template <class T, class Operation>
+	Slot0(const Member<T, Operation> &member) : call(Call<R>::template to<void>(member))
+	{
+	}
+
+private:
+	template <class> friend class Signal0;
+
+	Call<R> call;
+};
+
+template <class R, class P1> class Slot1
+{
+public:
+	template <class T, class Operation>
+	Slot1(const Member<T, Operation> &member) : call(Call<R>::template to<P1>(member))
+	{
+	}
+
+private:
+	template <class, class> friend class Signal1;
+
+	Call<R> call;
+};
 
 /// A signal without an argument. `connect` adds a slot, `emit` or a call runs the slots in the order
 /// of their connection; destroying the signal ends its connections.
-template <class R> class Signal0 : public sigc::signal<R()>
+template <class R> class Signal0
 {
+public:
+	Connection connect(const Slot0<R> &slot) { return signal.connect(slot.call); }
+	R emit() const { return signal.emit(nullptr); }
+	R operator()() const { return emit(); }
+
+private:
+	sigc::signal<R(void *)> signal;
 };
 
 /// A signal with one argument of type P1.
-template <class R, class P1> class Signal1 : public sigc::signal<R(P1)>
+template <class R, class P1> class Signal1
 {
+public:
+	Connection connect(const Slot1<R, P1> &slot) { return signal.connect(slot.call); }
+	R emit(P1 argument) const { return signal.emit(&argument); }
+	R operator()(P1 argument) const { return emit(argument); }
+
+private:
+	sigc::signal<R(void *)> signal;
 };
 
 /// A slot that calls `operation` on `object`, for as long as `object` lives.
-template <class T, class Base, class R> auto slot(T &object, R (Base::*operation)())
+template <class T, class Base, class R> Member<T, R (Base::*)()> slot(T &object, R (Base::*operation)())
 {
-	return sigc::mem_fun(object, operation);
+	return {object, operation};
 }
 
-template <class T, class Base, class R, class P1> auto slot(T &object, R (Base::*operation)(P1))
+template <class T, class Base, class R, class P1>
+Member<T, R (Base::*)(P1)> slot(T &object, R (Base::*operation)(P1))
 {
-	return sigc::mem_fun(object, operation);
+	return {object, operation};
 }
 
 } // namespace SigC
+
+/// Tells the library whose end ends a slot.
+template <class R> struct sigc::visitor<SigC::Call<R>>
+{
+	template <class Action> static void do_visit_each(const Action &action, const SigC::Call<R> &call)
+	{
+		action(call.lifetime());
+	}
+};
 
 #endif
 

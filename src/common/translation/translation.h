@@ -9,6 +9,9 @@
 /// belongs to the catalogue (or to the caller, when it is `id`).
 __attribute__((format_arg(1))) inline const char *translate(const char *id)
 {
+	// The empty message is the catalogue's own header, which is no translation of anything.
+	if (!*id)
+		return id;
 	const char *text = dcgettext(nullptr, id, LC_MESSAGES);
 	return text ? text : "";
 }

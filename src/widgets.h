@@ -1,0 +1,20 @@
+#ifndef VEXLO_WIDGETS_H
+#define VEXLO_WIDGETS_H
+
+#include "toolkit.h"
+
+// What every screen is made of, so that each says only what is its own.
+
+/// Height in pixels of one text row in the active skin.
+int rowHeight();
+
+/// Titles a window and places its client area on the screen.
+void frame(eWindow &window, const char *title, ePoint position, eSize size);
+
+/// A plain label in the client area of `window`, which owns it.
+void addLabel(eWindow &window, const char *text, ePoint position, eSize size);
+
+/// A button at the lower left of `window`, which owns it; `colour` is the key that presses it.
+eButton *addButton(eWindow &window, const char *colour, const char *text);
+
+#endif
