@@ -120,19 +120,14 @@ std::unique_ptr<Screen> openScreen(const std::string &name, std::string &error)
 	return makeNoScreen();
 }
 
-int play(const Options &options, const std::vector<Key> &keys, std::string &returned)
+std::string play(Plugin &plugin, const std::vector<Key> &keys)
 {
-	std::string error;
-	const std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
-	if (!plugin)
-		return fail(statusNotLoaded, error);
 	Desk &desk = Desk::get();
 	desk.press(keys);
 	desk.beginPlay();
-	const int result = plugin->exec();
+	const int result = plugin.exec();
 	desk.endPlay();
-	returned += "plugin_exec returned " + std::to_string(result) + '\n';
-	return 0;
+	return "plugin_exec returned " + std::to_string(result) + '\n';
 }
 
 } // namespace
@@ -172,6 +167,10 @@ int runApp(int argc, char **argv)
 	cli.add_option("--plays", options.plays, "Load, run and unload the plugin N times in one process")
 	    ->type_name("N")
 	    ->check(CLI::Range(1, 1000000000));
+	// An empty name is a variable that was not set, not a wish.
+	for (CLI::Option *option : cli.get_options())
+		if (option->get_items_expected_max() > 0 && option->get_name() != "--keys")
+			option->check([](const std::string &value) { return value.empty() ? "a name is missing" : ""; }, "");
 	cli.footer("On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
 	           "blue), digits.\n\n"
 	           "Exit status: 0 the plugin ran to its end, 1 it cannot be loaded, 2 bad arguments.");
@@ -206,7 +205,8 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments, error);
 
 	// Loading comes before the screen, so that a plugin that cannot be loaded flashes nothing up.
-	if (!Plugin::load(options.plugin, error))
+	std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
+	if (!plugin)
 		return fail(statusNotLoaded, error);
 	std::unique_ptr<Screen> screen = openScreen(options.screen.empty() ? likelyScreen() : options.screen, error);
 	if (!screen)
@@ -217,19 +217,26 @@ int runApp(int argc, char **argv)
 	desk.setRecorder(&recorder);
 	desk.setScreen(std::move(screen));
 
-	std::string returned;
-	int status = 0;
-	for (int i = 0; i < options.plays && status == 0; ++i)
-		status = play(options, *keys, returned);
+	std::string returned = play(*plugin, *keys);
+	plugin.reset();
+	for (int i = 1; i < options.plays; ++i) {
+		plugin = Plugin::load(options.plugin, error);
+		if (!plugin)
+			break;
+		returned += play(*plugin, *keys);
+		plugin.reset();
+	}
 	desk.setScreen(nullptr); // gives the terminal back before anything is printed on it
 	desk.setRecorder(nullptr);
 	std::fputs(returned.c_str(), stdout);
 
+	if (!error.empty()) // the plugin has gone between two plays
+		return fail(statusNotLoaded, error);
 	if (!recorder.close(error))
 		return fail(statusBadArguments, error);
 	if (!Trace::get().close())
 		return fail(statusBadArguments, "cannot write all of the trace to '" + options.trace + "'; is the disk full?");
-	return status;
+	return 0;
 }
 
 } // namespace desk

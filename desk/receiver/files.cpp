@@ -5,10 +5,10 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <link.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -27,11 +27,21 @@ template <class Function> Function *next(const char *name)
 	return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
 }
 
-bool isKill(const char *command)
+/// Whether `kill` stands in the command as a word, at whatever path: better a command too few than a
+/// process of this computer.
+bool kills(const std::string &command)
 {
-	while (*command == ' ' || *command == '\t')
-		++command;
-	return std::strncmp(command, "kill", 4) == 0 && std::strchr(" \t;&|\n", command[4]);
+	const auto isWord = [&](size_t at) {
+		const unsigned char c = at < command.size() ? static_cast<unsigned char>(command[at]) : 0;
+		return std::isalnum(c) || c == '_' || c == '-' || c == '.';
+	};
+	for (size_t at = command.find("kill"); at != std::string::npos; at = command.find("kill", at + 1)) {
+		const bool all = command.compare(at, 7, "killall") == 0;
+		const bool starts = at == 0 || !isWord(at - 1) || command[at - 1] == 'p';
+		if (starts && (all || !isWord(at + 4)))
+			return true;
+	}
+	return false;
 }
 
 /// Runs a command and hands what it prints to the screen's notes, line by line.
@@ -100,38 +110,23 @@ bool Files::setRoot(const std::string &folder, std::string &error)
 	return true;
 }
 
-void Files::setPlugin(void *handle)
+void Files::pluginStarts(void *handle)
 {
-	clearPlugin();
-	link_map *map = nullptr;
-	if (dlinfo(handle, RTLD_DI_LINKMAP, &map) != 0)
-		return;
-	struct Search
-	{
-		ElfW(Addr) base;
-		Files *files;
-	} search{map->l_addr, this};
-	dl_iterate_phdr(
-	    [](dl_phdr_info *info, size_t, void *data) {
-		    const Search &wanted = *static_cast<Search *>(data);
-		    if (info->dlpi_addr != wanted.base)
-			    return 0;
-		    for (int i = 0; i < info->dlpi_phnum; ++i) {
-			    const ElfW(Phdr) &segment = info->dlpi_phdr[i];
-			    if (segment.p_type != PT_LOAD || !(segment.p_flags & PF_X))
-				    continue;
-			    const char *first = reinterpret_cast<const char *>(info->dlpi_addr + segment.p_vaddr);
-			    wanted.files->begin = first;
-			    wanted.files->end = first + segment.p_memsz;
-		    }
-		    return 1;
-	    },
-	    &search);
+	// The loader's own data tell where; a symbol that every plugin has leads to the same place.
+	Dl_info info;
+	void *entry = dlsym(handle, "plugin_exec");
+	plugin = entry && dladdr(entry, &info) ? info.dli_fbase : handle;
 }
 
-void Files::clearPlugin()
+bool Files::fromPlugin(const void *caller) const
 {
-	begin = end = nullptr;
+	if (!pluginRuns())
+		return false;
+	static const int inProgram = 0;
+	Dl_info program, from;
+	if (!dladdr(caller, &from) || !dladdr(&inProgram, &program))
+		return true; // code without a home is not a library's
+	return from.dli_fbase == plugin || from.dli_fbase == program.dli_fbase;
 }
 
 std::string Files::resolve(const char *path) const
@@ -145,7 +140,7 @@ std::string Files::resolve(const char *path) const
 
 int Files::run(const char *command) const
 {
-	if (!root.empty() && isKill(command)) {
+	if (!root.empty() && kills(command)) {
 		Desk::get().screen().note(std::string(command) + " (reported only: with --root nobody is signalled)");
 		return 0;
 	}
@@ -159,7 +154,7 @@ int Files::run(const char *command) const
 using desk::Files;
 using desk::Trace;
 
-// The return address tells who calls: other libraries in this process open files as well.
+// The return address tells who calls: libraries in this process open files as well.
 extern "C" {
 
 __attribute__((visibility("default"))) FILE *fopen(const char *path, const char *mode)
@@ -173,6 +168,9 @@ __attribute__((visibility("default"))) FILE *fopen(const char *path, const char 
 		trace.line(trace.form("fopen", path, mode) + (stream ? " = stream" : " = null"));
 	return stream;
 }
+
+// What fopen is called where files may be larger than the machine's long.
+__attribute__((visibility("default"), alias("fopen"))) FILE *fopen64(const char *path, const char *mode);
 
 __attribute__((visibility("default"))) int fclose(FILE *stream)
 {
@@ -202,7 +200,7 @@ __attribute__((visibility("default"))) int remove(const char *path) noexcept
 __attribute__((visibility("default"))) int system(const char *command)
 {
 	static const auto real = desk::next<int(const char *)>("system");
-	if (!Files::get().fromPlugin(__builtin_return_address(0)))
+	if (!Files::get().pluginRuns()) // nothing else here runs commands
 		return real(command);
 	Trace &trace = Trace::get();
 	if (trace.on())

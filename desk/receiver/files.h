@@ -8,24 +8,27 @@ namespace desk
 
 /// The receiver's files and commands, as the plugin sees them.
 ///
-/// The program exports its own fopen, fclose, remove and system. A call from the plugin is traced
-/// and, with a root folder, led to that folder; a call from anywhere else goes to libc untouched.
+/// The program exports its own fopen, fclose, remove and system. While the plugin runs, its calls are
+/// traced and, with a root folder, led to that folder; the calls of other libraries go to libc untouched.
 class Files
 {
 public:
 	static Files &get();
 
 	/// Serves /proc/meminfo, /proc/mtd and /var/scaning.log from `folder`, lets commands find
-	/// `folder`/bin first, and only reports kills. On failure returns false and leaves one line in `error`.
+	/// `folder`/bin first, and only reports commands that kill, wherever in a command the word stands.
+	/// On failure returns false and leaves one line in `error`.
 	bool setRoot(const std::string &folder, std::string &error);
 
-	/// Tells which code is the plugin's: the addresses that the loaded object `handle` spans.
-	void setPlugin(void *handle);
+	/// Around each call of the plugin's entry; `handle` is what dlopen gave.
+	void pluginStarts(void *handle);
+	void pluginEnds() { plugin = nullptr; }
 
-	/// No plugin is loaded.
-	void clearPlugin();
+	bool pluginRuns() const { return plugin != nullptr; }
 
-	bool fromPlugin(const void *caller) const { return caller >= begin && caller < end; }
+	/// Whether a call that returns to `caller` is the plugin's. It may return to this program as well: a
+	/// slot that ends in the call jumps there, and the program opens no files of its own meanwhile.
+	bool fromPlugin(const void *caller) const;
 
 	/// Where the plugin's `path` really lies.
 	std::string resolve(const char *path) const;
@@ -34,9 +37,8 @@ public:
 	int run(const char *command) const;
 
 private:
-	std::string root; ///< empty: this computer is the receiver
-	const void *begin = nullptr;
-	const void *end = nullptr;
+	std::string root;             ///< empty: this computer is the receiver
+	const void *plugin = nullptr; ///< where it is loaded, while it runs
 };
 
 } // namespace desk

@@ -54,19 +54,20 @@ std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error
 		dlclose(handle);
 		return nullptr;
 	}
-	Files::get().setPlugin(handle);
 	return std::unique_ptr<Plugin>(new Plugin(handle, reinterpret_cast<int (*)()>(symbol)));
 }
 
 Plugin::~Plugin()
 {
-	Files::get().clearPlugin();
 	dlclose(handle);
 }
 
 int Plugin::exec()
 {
-	return entry();
+	Files::get().pluginStarts(handle);
+	const int result = entry();
+	Files::get().pluginEnds();
+	return result;
 }
 
 } // namespace desk

@@ -59,16 +59,6 @@ public:
 		const void *object;
 	};
 
-	/// While one lives, nothing is traced.
-	class Mute
-	{
-	public:
-		Mute() { ++get().muted; }
-		~Mute() { --get().muted; }
-		Mute(const Mute &) = delete;
-		Mute &operator=(const Mute &) = delete;
-	};
-
 	/// Brackets a constructor or destructor, so that only the outermost one of an object is traced.
 	/// A constructor calls begin() where it makes the arguments of its base.
 	template <class T> static T begin(T argument)

@@ -19,7 +19,7 @@ namespace
 
 using State = eWidget::State;
 
-constexpr int patience = 1000; // exits that nothing answers before the plugin counts as stuck
+constexpr int patience = 1000; // exits in one play before the plugin counts as stuck
 
 std::vector<Color> &palette()
 {
@@ -111,7 +111,7 @@ void Desk::beginPlay()
 {
 	due = "start";
 	leaving = false;
-	exitsInVain = 0;
+	exits = 0;
 }
 
 void Desk::endPlay()
@@ -147,7 +147,19 @@ void Desk::gone(eWidget &widget)
 	visible.erase(std::remove(visible.begin(), visible.end(), &widget), visible.end());
 	running.erase(std::remove(running.begin(), running.end(), &widget), running.end());
 	if (focused == &widget)
-		focused = nullptr;
+		focused = nullptr; // it is too late to tell it
+	updateFocus();
+}
+
+bool Desk::runs(const eWidget &window) const
+{
+	return std::find(running.begin(), running.end(), &window) != running.end();
+}
+
+void Desk::leave(eWidget &window)
+{
+	if (runs(window))
+		State::of(window).end(leftResult);
 }
 
 void Desk::updateFocus()
@@ -156,7 +168,7 @@ void Desk::updateFocus()
 	if (!running.empty()) {
 		eWidget *window = running.back();
 		State &state = State::of(*window);
-		if (!state.focus)
+		if (!state.focus || !State::of(*state.focus).visible)
 			state.focus = firstStop(state);
 		next = state.focus ? state.focus : window;
 	}
@@ -170,16 +182,16 @@ void Desk::updateFocus()
 		State::gotFocus(*next);
 }
 
-void Desk::run(eWidget &window)
+bool Desk::run(eWidget &window)
 {
 	running.push_back(&window);
 	updateFocus();
-	const State &state = State::of(window);
-	while (!state.ended)
+	while (runs(window) && !State::of(window).ended)
 		dispatch(nextKey());
-	exitsInVain = 0;
-	running.pop_back();
+	const bool alive = runs(window);
+	running.erase(std::remove(running.begin(), running.end(), &window), running.end());
 	updateFocus();
+	return alive;
 }
 
 Key Desk::nextKey()
@@ -198,7 +210,7 @@ Key Desk::nextKey()
 		}
 		leaving = true;
 	}
-	if (++exitsInVain > patience) {
+	if (++exits > patience) {
 		activeScreen.reset(); // gives the terminal back
 		std::fprintf(stderr,
 		             "deskhost: the plugin does not return although 'exit' was pressed %d times; "
@@ -229,7 +241,7 @@ void Desk::dispatch(Key key)
 	eWidget &first = focused ? *focused : window;
 	if (State::filter(first, event) || State::handle(first, event))
 		return;
-	if (&first != &window && !State::filter(window, event))
+	if (&first != &window && runs(window) && !State::filter(window, event))
 		State::handle(window, event);
 }
 

@@ -45,6 +45,9 @@ public:
 	void setAnswer(std::optional<int> answer) { forcedAnswer = answer; }
 	std::optional<int> answer() const { return forcedAnswer; }
 
+	/// What exec() returns for a window that the viewer has left; hosts differ in that as well.
+	void setLeft(int value) { leftResult = value; }
+
 	/// The height in pixels of one row of text.
 	int fontSize() const { return activeSkin.value("fontsize").value_or(20); }
 
@@ -52,7 +55,8 @@ public:
 	void shown(eWidget &window);
 	void hidden(eWidget &window);
 	void gone(eWidget &widget);
-	void run(eWidget &window); ///< the modal loop: returns when the window's run has ended
+	bool run(eWidget &window);   ///< the modal loop, to the end of the window's run; false: it is destroyed
+	void leave(eWidget &window); ///< ends the window's run, if it still runs: the viewer has left it
 	void updateFocus();
 	eWidget *focus() const { return focused; }
 
@@ -63,20 +67,22 @@ private:
 	Key nextKey();
 	void settle();
 	void dispatch(Key key);
+	bool runs(const eWidget &window) const;
 
 	Skin activeSkin;
 	std::unique_ptr<Screen> activeScreen;
 	Recorder *activeRecorder = nullptr;
 	std::optional<int> forcedAnswer;
+	int leftResult = -1;
 
 	std::vector<eWidget *> visible; ///< top-level windows, from bottom to top
 	std::vector<eWidget *> running; ///< windows in exec(), the innermost last
 	eWidget *focused = nullptr;     ///< the one widget that has the focus
 
 	std::deque<Key> script;
-	bool leaving = false;            ///< nobody presses keys any more: exit until the plugin returns
-	int exitsInVain = 0;
-	std::optional<std::string> due;  ///< the moment that is not recorded yet
+	bool leaving = false;           ///< nobody presses keys any more: exit until the plugin returns
+	int exits = 0;                  ///< pressed because of that, in this play
+	std::optional<std::string> due; ///< the moment that is not recorded yet
 };
 
 } // namespace desk

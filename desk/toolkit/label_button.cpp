@@ -81,11 +81,13 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 		painter.canvas.text(inner, text, style);
 		return;
 	}
-	// A row of text for every line, as far down as the label reaches.
+	// A row of text for every line, as far down as the label and the screen reach.
+	const int bottom = std::min(inner.bottom(), screenHeight);
 	size_t start = 0;
-	for (int y = 0; y < inner.h && start < text.size(); y += style.rowHeight) {
+	for (int y = inner.y; y < bottom && start < text.size(); y += style.rowHeight) {
 		const size_t end = std::min(text.find('\n', start), text.size());
-		painter.canvas.text({inner.x, inner.y + y, inner.w, style.rowHeight}, text.substr(start, end - start), style);
+		if (y + style.rowHeight > 0)
+			painter.canvas.text({inner.x, y, inner.w, style.rowHeight}, text.substr(start, end - start), style);
 		start = end + 1;
 	}
 }

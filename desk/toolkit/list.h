@@ -5,6 +5,14 @@
 
 #include <vector>
 
+namespace desk
+{
+
+/// How much further in than the lines of other lists those of a menu begin, in pixels.
+constexpr int menuInset = 10;
+
+} // namespace desk
+
 /// What the host keeps of a list box.
 ///
 /// Nothing that a key press does depends on the number of entries.
@@ -47,7 +55,6 @@ struct eListBoxBase::List
 	int current = 0;
 	int top = 0;
 	int entryHeight = 1;
-	int flags = 0;
 };
 
 #endif

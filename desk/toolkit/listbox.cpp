@@ -98,14 +98,16 @@ void eListBoxBase::List::confirm()
 
 void eListBoxBase::List::leave()
 {
+	// Whoever hears of it may end the window, or delete the list.
+	eWidget &window = State::window(box);
 	box.SendSelected(nullptr);
-	State::of(State::window(box)).end(-1);
+	Desk::get().leave(window);
 }
 
 void eListBoxBase::setFlags(int flags)
 {
+	// Options of other hosts': this one's lists have none.
 	Trace::get().call(this, "setFlags", flags);
-	list->flags = flags;
 }
 
 void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
@@ -128,13 +130,18 @@ void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
 {
 	Trace::get().call(this, "remove", Trace::Ref{entry}, fromDestruction);
 	const auto place = std::find(list->entries.begin(), list->entries.end(), entry);
-	if (place != list->entries.end()) {
-		if (place - list->entries.begin() < list->current)
-			--list->current;
-		list->entries.erase(place);
-		list->settle();
-	}
+	if (place == list->entries.end())
+		return;
+	const int index = static_cast<int>(place - list->entries.begin());
+	const bool wasCurrent = index == list->current;
+	if (index < list->current)
+		--list->current;
+	list->entries.erase(place);
+	list->settle();
+	entry->listbox = nullptr; // it outlives the list now, perhaps
 	Trace::get().forget(entry);
+	if (wasCurrent)
+		SendSelChanged(list->entries.empty() ? nullptr : list->entries[static_cast<size_t>(list->current)]);
 }
 
 void eListBoxBase::gotFocus() {}

@@ -1,5 +1,6 @@
 #include "desk.h"
 #include "elistbox.h"
+#include "list.h"
 #include "state.h"
 #include "trace.h"
 
@@ -28,9 +29,11 @@ void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor curre
 	}
 	// A menu line is written for people. Other lines come from programs, in columns made with blanks.
 	int inset = Desk::get().skin().decoration("eListBox").padding;
+	int right = 0; // columns may run up to the edge
 	if (dynamic_cast<const eListBoxEntryMenu *>(this)) {
 		style.face = desk::Face::prose;
-		inset += 10;
+		inset += desk::menuInset;
+		right = inset; // where a text begins that runs from right to left
 	}
-	target->canvas.text({row.x + inset, row.y, row.w - inset, row.h}, text, style);
+	target->canvas.text({row.x + inset, row.y, row.w - inset - right, row.h}, text, style);
 }

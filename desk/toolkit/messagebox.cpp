@@ -1,11 +1,10 @@
 #include "deco.h"
 #include "desk.h"
 #include "ewindow.h"
+#include "host_text.h"
 #include "label.h"
 #include "state.h"
 #include "trace.h"
-
-#include "translation.h"
 
 #include <algorithm>
 
@@ -50,8 +49,10 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 	const int textWidth = clientWidth - 2 * margin;
 	const std::string wrapped = desk::wrapText(text, textWidth, row, false);
 	const int rows = 1 + static_cast<int>(std::count(wrapped.begin(), wrapped.end(), '\n'));
-	// No higher than the screen, however long the question.
-	const int textHeight = std::min(rows, 14) * row;
+	// No higher than the screen, however long the question and large the font.
+	const int frame = state->height - clientrect.height();
+	const int room = desk::screenHeight - frame - 3 * margin - buttonHeight;
+	const int textHeight = std::min(rows, std::max(1, room / row)) * row;
 
 	eLabel *question = new eLabel(this, 0, 0, "eLabel");
 	auto behaviour = std::make_unique<desk::LabelBehaviour>();
@@ -68,7 +69,7 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 	{
 		int value;
 		const char *text;
-	} answers[] = {{yes, translate("Yes")}, {no, translate("No")}};
+	} answers[] = {{yes, desk::hostText("Yes")}, {no, desk::hostText("No")}};
 	const auto offered = [&](int value) { return (flags & value) != 0; };
 	const int count = static_cast<int>(offered(yes)) + static_cast<int>(offered(no));
 	const int buttonsTop = margin + textHeight + margin;

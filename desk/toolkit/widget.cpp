@@ -21,15 +21,16 @@ eWidget::~eWidget()
 {
 	State::destroy(*this, "eWidget");
 
-	Desk::get().gone(*this);
 	while (!state->children.empty())
 		delete state->children.back();
 	if (state->parent) {
-		State &above = *state->parent->state;
-		above.children.erase(std::find(above.children.begin(), above.children.end(), this));
-		if (above.focus == this)
-			above.focus = nullptr;
+		std::vector<eWidget *> &siblings = state->parent->state->children;
+		siblings.erase(std::find(siblings.begin(), siblings.end(), this));
 	}
+	for (eWidget *above = state->parent; above; above = above->state->parent)
+		if (above->state->focus == this)
+			above->state->focus = nullptr;
+	Desk::get().gone(*this);
 	Trace::get().forget(this);
 	--Trace::get().muted; // begun by the outermost destructor
 	delete state;
@@ -157,7 +158,9 @@ void eWidget::hide()
 		return;
 	willHide();
 	state->visible = false;
-	if (!state->parent)
+	if (state->parent)
+		Desk::get().updateFocus();
+	else
 		Desk::get().hidden(*this);
 }
 
@@ -170,7 +173,8 @@ int eWidget::exec()
 	state->result = 0;
 	if (state->isMessageBox && Desk::get().answer())
 		state->end(*Desk::get().answer());
-	Desk::get().run(*this);
+	if (!Desk::get().run(*this))
+		return -1; // the window has been destroyed by what it ran
 	state->running = false;
 	if (trace.on())
 		trace.line(trace.name(this) + ".exec() = " + std::to_string(state->result));
@@ -192,6 +196,8 @@ void eWidget::reject()
 void eWidget::setFocus(eWidget *child)
 {
 	Trace::get().call(this, "setFocus", Trace::Ref{child});
+	if (child && &State::window(*child) != &State::window(*this))
+		return;
 	state->focus = child;
 	Desk::get().updateFocus();
 }

@@ -41,7 +41,8 @@ public:
 			style.rowHeight = Desk::get().fontSize();
 			// A whole row within the bar, so that a screen made of rows has one for it.
 			const int inset = (helpHeight - style.rowHeight) / 2;
-			painter.canvas.text({bar.x + 12, bar.y + inset, bar.w - 24, style.rowHeight},
+			const int margin = skin.decoration("eListBox").padding + desk::menuInset; // below the entries' texts
+			painter.canvas.text({bar.x + margin, bar.y + inset, bar.w - 2 * margin, style.rowHeight},
 			                    entry->getHelpText(), style);
 		}
 	}
@@ -97,7 +98,7 @@ int eWindow::eventHandler(const eWidgetEvent &event)
 {
 	switch (event.key) {
 	case Key::exit:
-		state->end(-1);
+		Desk::get().leave(*this);
 		return 1;
 	case Key::left:
 	case Key::right:

@@ -1,0 +1,377 @@
+// The desk host as a command: what it is given, what it answers, and what it leaves behind.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+using support::Json;
+using support::Outcome;
+using support::Play;
+using support::play;
+using support::Receiver;
+using support::TempFolder;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+Outcome deskhost(Lines options, const std::map<std::string, std::string> &environment = {})
+{
+	options.insert(options.begin(), support::deskhostPath());
+	return support::run(options, environment);
+}
+
+/// One line that names the thing, on standard error, and nothing on standard output.
+void expectRefused(const Outcome &outcome, int status, const std::string &named)
+{
+	EXPECT_EQ(outcome.status, status);
+	EXPECT_EQ(outcome.out, "");
+	EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+	EXPECT_EQ(outcome.err.rfind("deskhost: ", 0), 0u) << outcome.err;
+	EXPECT_NE(outcome.err.find(named), std::string::npos) << outcome.err;
+}
+
+std::string testPlugin(const std::string &name)
+{
+	return std::string(TEST_PLUGINS) + "/" + name;
+}
+
+TEST(App, should_explain_itself)
+{
+	const Outcome help = deskhost({"--help"});
+	EXPECT_EQ(help.status, 0);
+	for (const char *option : {"--plugin", "--screen", "--keys", "--pictures", "--dump", "--trace", "--root", "--skin",
+	                           "--lang", "--plays"})
+		EXPECT_NE(help.out.find(option), std::string::npos) << option;
+	EXPECT_EQ(deskhost({"--version"}).out.rfind("deskhost ", 0), 0u);
+}
+
+TEST(App, should_refuse_arguments_that_it_does_not_know)
+{
+	expectRefused(deskhost({"--sceen", "none"}), 2, "--sceen");
+	expectRefused(deskhost({"--screen", "hologram"}), 2, "hologram");
+	expectRefused(deskhost({"--plays", "0"}), 2, "0");
+	expectRefused(deskhost({"--plays", "many"}), 2, "many");
+	expectRefused(deskhost({"--keys", "down sideways ok"}), 2, "sideways");
+	expectRefused(deskhost({"--lang", "tlh"}), 2, "tlh");
+	expectRefused(deskhost({"--lang", "../de"}), 2, "../de");
+}
+
+TEST(App, should_refuse_empty_names)
+{
+	for (const char *option : {"--plugin", "--root", "--skin", "--pictures", "--dump", "--trace", "--lang", "--screen"})
+		expectRefused(deskhost({option, ""}), 2, option);
+}
+
+TEST(App, should_refuse_files_that_it_cannot_use)
+{
+	TempFolder folder;
+	const std::string file = folder.write("file", "text");
+	const std::string missing = folder / "missing/deeper";
+	expectRefused(deskhost({"--root", missing}), 2, missing);
+	expectRefused(deskhost({"--root", file}), 2, file);
+	expectRefused(deskhost({"--skin", missing}), 2, missing);
+	expectRefused(deskhost({"--skin", folder.path()}), 2, folder.path());
+	expectRefused(deskhost({"--skin", folder.write("bad.toml", "[values\n")}), 2, "bad.toml");
+	expectRefused(deskhost({"--pictures", file}), 2, file);
+	expectRefused(deskhost({"--pictures", file + "/below"}), 2, file);
+	expectRefused(deskhost({"--dump", missing}), 2, missing);
+	expectRefused(deskhost({"--trace", missing}), 2, missing);
+}
+
+TEST(App, should_refuse_a_screen_that_it_cannot_open)
+{
+	expectRefused(deskhost({"--screen", "window"},
+	                       {{"DISPLAY", ":987"}, {"WAYLAND_DISPLAY", ""}, {"XDG_RUNTIME_DIR", "/nowhere"}, {"SDL_VIDEODRIVER", "x11"}}),
+	              2, "window");
+	expectRefused(deskhost({"--screen", "window"},
+	                       {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"XDG_RUNTIME_DIR", ""}, {"SDL_VIDEODRIVER", ""}}),
+	              2, "window");
+	expectRefused(deskhost({"--screen", "terminal"}), 2, "terminal");
+}
+
+TEST(App, should_tell_why_a_plugin_cannot_be_loaded)
+{
+	TempFolder folder;
+	expectRefused(deskhost({"--plugin", folder / "missing.so.0"}), 1, folder / "missing.so.0");
+	expectRefused(deskhost({"--plugin", folder.path()}), 1, folder.path());
+	const std::string text = folder.write("text.so.0", "no plugin at all");
+	expectRefused(deskhost({"--plugin", text}), 1, text);
+	const std::string empty = folder.write("empty.so.0", "");
+	expectRefused(deskhost({"--plugin", empty}), 1, empty);
+	expectRefused(deskhost({"--plugin", testPlugin("no_entry.so.0")}), 1, "plugin_exec");
+	expectRefused(deskhost({"--plugin", testPlugin("unresolved.so.0")}), 1, "eSomethingElse");
+	expectRefused(deskhost({"--plugin", "missing.so.0"}), 1, "missing.so.0");
+}
+
+TEST(App, should_say_that_it_ran_what_a_plugin_returned)
+{
+	const Outcome outcome = deskhost({"--screen", "none", "--plugin", testPlugin("result.so.0")});
+	EXPECT_EQ(outcome.out, "plugin_exec returned 4711\n");
+	EXPECT_EQ(outcome.status, 0);
+}
+
+TEST(App, should_give_up_on_a_plugin_that_never_returns)
+{
+	const Outcome outcome = deskhost({"--screen", "none", "--plugin", testPlugin("stuck.so.0")});
+	EXPECT_EQ(outcome.status, 1);
+	EXPECT_NE(outcome.err.find("does not return"), std::string::npos) << outcome.err;
+}
+
+TEST(App, should_choose_no_screen_without_display_and_terminal)
+{
+	const Outcome outcome = deskhost({"--keys", "exit"}, {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
+	EXPECT_EQ(outcome.out, "plugin_exec returned -1\n");
+}
+
+TEST(App, should_press_exit_until_the_plugin_returns)
+{
+	Receiver receiver;
+	receiver.ps("PID\n1 init\n");
+	for (const char *keys : {"", "ok", "ok ok", "down ok"}) {
+		const Play run = play(receiver.path(), keys);
+		EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n") << keys;
+		EXPECT_EQ(run.outcome.status, 0);
+	}
+}
+
+TEST(App, should_tell_which_keys_were_never_pressed)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "exit ok down");
+	EXPECT_EQ(run.outcome.status, 0);
+	EXPECT_NE(run.outcome.err.find("ok down"), std::string::npos) << run.outcome.err;
+}
+
+TEST(App, should_play_as_often_as_told)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "down exit", {"--plays", "3"});
+	EXPECT_EQ(run.outcome.out, support::repeat("plugin_exec returned -1\n", 3));
+	ASSERT_EQ(run.moments.size(), 9u);
+	for (size_t i = 0; i < 9; i += 3) {
+		EXPECT_EQ(run.moments[i]["after"], "start");
+		EXPECT_EQ(run.widget(i, "eListBox<eListBoxEntryMenu>")["current"], 0) << "nothing survives a play";
+		EXPECT_EQ(run.moments[i + 2]["after"], "exit");
+	}
+}
+
+TEST(App, should_write_a_picture_and_a_line_for_the_start_and_every_key)
+{
+	Receiver receiver;
+	TempFolder pictures;
+	const Play run = play(receiver.path(), "down\tok\n exit pagedown 7 exit", {"--pictures", pictures / "new/folder"});
+	const Lines names = {"start", "down", "ok", "exit", "pagedown", "7", "exit"};
+	ASSERT_EQ(run.moments.size(), names.size());
+	for (size_t i = 0; i < names.size(); ++i) {
+		EXPECT_EQ(run.moments[i]["after"], names[i]);
+		const std::string png = support::readFile(pictures / ("new/folder/0" + std::to_string(i) + "-" + names[i] + ".png"));
+		ASSERT_EQ(png.substr(0, 4), "\x89PNG") << names[i];
+		EXPECT_EQ(png.substr(16, 8), std::string("\0\0\x02\xd0\0\0\x02\x40", 8)) << "720 x 576";
+	}
+	EXPECT_EQ(run.moments.back()["windows"].size(), 0u);
+}
+
+TEST(App, should_describe_windows_and_widgets_with_their_fixed_names)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	const Play run = play(receiver.path(), "3");
+	const auto keysOf = [](const Json &object) {
+		Lines names;
+		for (const auto &item : object.items())
+			names.push_back(item.key());
+		return names;
+	};
+	EXPECT_EQ(keysOf(run.moments[1]), (Lines{"after", "windows"}));
+	EXPECT_EQ(keysOf(run.window(1)), (Lines{"class", "title", "client", "widgets"}));
+	EXPECT_EQ(keysOf(run.widget(1, "eButton")), (Lines{"class", "rect", "text", "focus", "shortcut"}));
+	EXPECT_EQ(keysOf(run.widget(1, "eListBox<eListBoxEntryText>")),
+	          (Lines{"class", "rect", "text", "focus", "shortcut", "count", "current", "rows", "help"}));
+}
+
+TEST(App, should_trace_the_same_keys_on_the_same_root_alike)
+{
+	Receiver receiver;
+	receiver.ps("PID\n1 init\n2 other\n");
+	receiver.df("Filesystem\n/dev/root 1 2 3 4% /\n");
+	receiver.scanLog("a\nb\n");
+	const std::string keys = "ok ok exit exit down ok exit down ok red right ok exit down ok ok up up up ok down ok ok exit";
+	const Play first = play(receiver.path(), keys);
+	const Play second = play(receiver.path(), keys);
+	EXPECT_GT(first.trace.size(), 100u);
+	EXPECT_EQ(first.trace, second.trace);
+}
+
+TEST(App, should_show_the_texts_of_the_asked_language)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "", {"--lang", "de_AT.UTF-8"});
+	EXPECT_NE(run.window(0)["title"], "Vexlo service menu");
+	const Json &list = run.widget(0, "eListBox<eListBoxEntryMenu>");
+	EXPECT_EQ(list["help"].get<std::string>().rfind("(1) ", 0), 0u) << "the number is no text";
+	EXPECT_NE(list["help"], "(1) show current processes in memory");
+}
+
+TEST(App, should_number_the_help_in_every_language)
+{
+	Receiver receiver;
+	const Play english = play(receiver.path(), "down down down");
+	for (const std::string &language : support::lines(support::readFile(support::sourcePath("po/LINGUAS")))) {
+		const Play run = play(receiver.path(), "down down down", {"--lang", language});
+		const char *type = "eListBox<eListBoxEntryMenu>";
+		EXPECT_NE(run.window(0)["title"], english.window(0)["title"]) << language;
+		EXPECT_NE(run.widget(0, type)["rows"], english.widget(0, type)["rows"]) << language;
+		for (size_t i = 0; i < 4; ++i) {
+			const std::string help = run.widget(i, type)["help"];
+			EXPECT_EQ(help.rfind("(" + std::to_string(i + 1) + ") ", 0), 0u) << language << ": " << help;
+		}
+	}
+}
+
+TEST(App, should_not_take_the_language_of_the_desk)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "", {}, {{"LANG", "de_DE.UTF-8"}, {"LANGUAGE", "de"}, {"LC_ALL", "C.UTF-8"}});
+	EXPECT_EQ(run.window(0)["title"], "Vexlo service menu") << "the same keys, the same screens";
+}
+
+TEST(App, should_report_a_dump_that_no_longer_fits)
+{
+	Receiver receiver;
+	const Outcome outcome = deskhost({"--screen", "none", "--root", receiver.path(), "--dump", "/dev/full"});
+	EXPECT_EQ(outcome.status, 2);
+	EXPECT_NE(outcome.err.find("/dev/full"), std::string::npos) << outcome.err;
+	const Outcome traced = deskhost({"--screen", "none", "--root", receiver.path(), "--trace", "/dev/full"});
+	EXPECT_EQ(traced.status, 2);
+	EXPECT_NE(traced.err.find("/dev/full"), std::string::npos) << traced.err;
+}
+
+TEST(App, should_serve_only_the_receivers_own_files_from_the_root)
+{
+	// What the root lacks is missing, whatever this computer has.
+	Receiver receiver;
+	const Play run = play(receiver.path(), "2");
+	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
+	EXPECT_TRUE(support::exists("/proc/meminfo"));
+}
+
+TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
+{
+	const Lines options = {"--plugin", testPlugin("widgets.so.0")};
+	// Down twice, delete the third entry; up from the first wraps; page and end; then leave.
+	Play run = play("", "down down ok home up pageup pagedown end exit", options);
+	const char *list = "eListBox<eListBoxEntryText>";
+	EXPECT_EQ(run.widget(0, list)["rows"], Json({"one", "two", "three", "four", "five"}));
+	EXPECT_EQ(run.widget(2, "eLabel")["text"], "three") << "the selection reports that it moves";
+	EXPECT_EQ(run.widget(3, list)["rows"], Json({"one", "two", "four", "five", "six"}));
+	EXPECT_EQ(run.widget(5, list)["current"], 5) << "up from the first entry is the last one";
+	EXPECT_EQ(run.widget(6, list)["current"], 0);
+	EXPECT_EQ(run.widget(7, list)["current"], 5);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n") << "the first end of a run is its end";
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+
+	// A question with one answer only, left; a label that is deleted while a signal runs.
+	run = play("", "yellow exit right ok ok left exit", options);
+	ASSERT_EQ(run.moments[1]["windows"].size(), 2u);
+	EXPECT_EQ(run.window(1)["widgets"].size(), 2u) << "the question and its one answer";
+	EXPECT_EQ(run.widget(1, "eButton")["focus"], true);
+	EXPECT_EQ(run.widget(2, "eLabel")["text"], "gone");
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+}
+
+TEST(App, should_harm_nobody_with_a_root_however_the_plugin_calls)
+{
+	Receiver receiver;
+	receiver.meminfo("the receiver's\n");
+	receiver.scanLog("a\n");
+	const Play run = play(receiver.path(), "red blue green yellow exit", {"--plugin", testPlugin("tail_calls.so.0")});
+	const auto has = [&](const std::string &line) {
+		return std::find(run.trace.begin(), run.trace.end(), line) != run.trace.end();
+	};
+	EXPECT_TRUE(has(R"(system("kill -9 123456789"))"));
+	EXPECT_TRUE(has(R"(system("true; exec /bin/kill -9 123456789"))"));
+	EXPECT_TRUE(has(R"(remove("/var/scaning.log"))"));
+	EXPECT_TRUE(has(R"(fopen("/proc/meminfo", "r") = stream)"));
+	EXPECT_TRUE(has(R"(eDebug("read the receiver's\n"))"));
+	EXPECT_FALSE(support::exists(receiver / "var/scaning.log"));
+	size_t reported = 0;
+	for (const std::string &line : support::lines(run.outcome.err))
+		reported += line.find("reported only") != std::string::npos;
+	EXPECT_EQ(reported, 2u) << run.outcome.err;
+}
+
+TEST(App, should_spend_nothing_on_lines_that_are_not_on_the_screen)
+{
+	// A hundred thousand mounts: what cannot be seen is not laid out, or this would take minutes.
+	Receiver receiver;
+	receiver.df(support::repeat("/dev/x 1 2 3 4% /\n", 100000));
+	TempFolder pictures;
+	const Play run = play(receiver.path(), "4 up down left right exit exit", {"--pictures", pictures.path()});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.moments.size(), 8u);
+}
+
+TEST(Toolkit, should_keep_questions_on_the_screen_whatever_the_font_size)
+{
+	Receiver receiver;
+	receiver.scanLog("a\n");
+	for (const int fontSize : {1, 60, 200}) {
+		const Play run = play(receiver.path(), "3 red", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const Json &client = run.window(2)["client"];
+		EXPECT_GE(client[1], 0) << fontSize;
+		EXPECT_LE(client[1].get<int>() + client[3].get<int>(), 576) << fontSize;
+	}
+}
+
+TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
+{
+	const Lines options = {"--plugin", testPlugin("lifetimes.so.0")};
+	const auto focused = [](const Json &window) {
+		int count = 0;
+		for (const Json &widget : window["widgets"])
+			count += widget["focus"] == true;
+		return count;
+	};
+
+	Play run = play("", "exit exit", options);
+	EXPECT_EQ(run.moments[0]["windows"][0]["widgets"].size(), 6u);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n") << "the list has gone while it was left";
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+
+	// The focus goes to a widget two levels down, which is deleted with what it stands in.
+	run = play("", "ok red down exit", options);
+	EXPECT_EQ(focused(run.window(1)), 0) << "it is deeper than the description goes";
+	EXPECT_EQ(focused(run.window(2)), 1);
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+
+	run = play("", "yellow exit", options);
+	EXPECT_EQ(focused(run.window(1)), 1) << "not on what is hidden";
+
+	run = play("", "green", options);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 77\n") << "the window has gone while it ran";
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+}
+
+TEST(Toolkit, should_report_the_entry_that_becomes_current_when_one_is_taken_out)
+{
+	const Play run = play("", "ok home ok exit", {"--plugin", testPlugin("widgets.so.0")});
+	EXPECT_EQ(run.widget(1, "eLabel")["text"], "two");
+	EXPECT_EQ(run.widget(3, "eLabel")["text"], "three");
+}
+
+TEST(Toolkit, should_empty_a_list_entry_by_entry)
+{
+	const Play run = play("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});
+	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["count"], 0);
+	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["current"], -1);
+	EXPECT_EQ(run.widget(7, "eLabel")["text"], "none");
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n");
+}
+
+} // namespace

@@ -1,0 +1,91 @@
+// A plugin that destroys things while they are in use: a list from its own signal, the widget that has
+// the focus, a window from its own handler; and that keeps an entry longer than its list.
+#include "toolkit.h"
+
+namespace
+{
+
+class Page : public eWindow
+{
+public:
+	explicit Page(Page **self) : eWindow(1), kept(self)
+	{
+		cmove(ePoint(50, 50));
+		cresize(eSize(300, 200));
+		list = new eListBox<eListBoxEntryText>(this);
+		list->selected.connect(SigC::slot(*this, &Page::chosen));
+		removed = new eListBoxEntryText(list, "removed");
+		new eListBoxEntryText(list, "left");
+		list->remove(removed, false);
+		frame = new eWidget(this);
+		inner = new eButton(frame, nullptr, 1, "eButton");
+		inner->selected.connect(SigC::slot(*this, &Page::deleteFrame));
+		inner->setShortcut("blue"); // not this window's own child: no short cut of it
+		other = new eButton(this, nullptr, 1, "eButton");
+		add("red", &Page::deleteFrame);
+		add("green", &Page::destroyItself);
+		add("yellow", &Page::hideFocus);
+		setFocus(list);
+	}
+
+	void chosen(eListBoxEntryText *entry)
+	{
+		if (entry) {
+			setFocus(inner);
+			return;
+		}
+		delete list;
+		list = nullptr;
+		delete removed; // its list is gone, and it knows
+		removed = nullptr;
+	}
+
+	void deleteFrame()
+	{
+		delete frame;
+		frame = nullptr;
+	}
+
+	void hideFocus()
+	{
+		setFocus(other);
+		other->hide();
+	}
+
+	void destroyItself()
+	{
+		Page **self = kept;
+		delete this;
+		*self = nullptr;
+	}
+
+private:
+	void add(const char *key, void (Page::*operation)())
+	{
+		eButton *button = new eButton(this, nullptr, 0, "eButton");
+		button->setShortcut(key);
+		button->selected.connect(SigC::slot(*this, operation));
+	}
+
+	Page **kept;
+	eListBox<eListBoxEntryText> *list;
+	eListBoxEntryText *removed;
+	eWidget *frame;
+	eButton *inner;
+	eButton *other;
+};
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) int plugin_exec()
+{
+	Page *page = new Page(&page);
+	eWindow stranger(1);
+	eButton *strange = new eButton(&stranger, nullptr, 1, "eButton");
+	page->setFocus(strange); // not its own: ignored
+	page->show();
+	const int result = page->exec();
+	const bool destroyed = page == nullptr;
+	delete page;
+	return destroyed ? 77 : result;
+}

@@ -1,0 +1,5 @@
+// A plugin that shows nothing and returns a number of its own.
+extern "C" __attribute__((visibility("default"))) int plugin_exec()
+{
+	return 4711;
+}

@@ -1,0 +1,11 @@
+// A plugin that opens its window again whenever the viewer leaves it.
+#include "toolkit.h"
+
+extern "C" __attribute__((visibility("default"))) int plugin_exec()
+{
+	eWindow window(1);
+	window.show();
+	for (;;)
+		if (window.exec() == 0)
+			return 0;
+}
