@@ -1,0 +1,501 @@
+#include "cell_canvas.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <random>
+
+using namespace desk;
+
+namespace
+{
+
+constexpr Color black{0, 0, 0}, white{255, 255, 255}, red{255, 0, 0}, blue{0, 0, 255}, grey{128, 128, 128};
+
+const Cell &cellAt(CellCanvas &canvas, int row, int column)
+{
+	return canvas.cells()[static_cast<size_t>(row * cellColumns + column)];
+}
+
+/// A row's characters; lines are '-', '|' and '+'. Without the blanks at its end.
+std::string rowText(CellCanvas &canvas, int row)
+{
+	std::string text;
+	for (int column = 0; column < cellColumns; ++column) {
+		const Cell &cell = cellAt(canvas, row, column);
+		switch (cell.rule) {
+		case Cell::Rule::none: text += cell.glyph; break;
+		case Cell::Rule::horizontal: text += '-'; break;
+		case Cell::Rule::vertical: text += '|'; break;
+		default: text += '+';
+		}
+	}
+	text.erase(text.find_last_not_of(' ') + 1);
+	return text;
+}
+
+std::string allText(CellCanvas &canvas)
+{
+	std::string text;
+	for (int row = 0; row < cellRows; ++row)
+		text += rowText(canvas, row) + '\n';
+	return text;
+}
+
+TextStyle style(int rowHeight = 20, Face face = Face::columns, Align align = Align::start)
+{
+	TextStyle s;
+	s.color = white;
+	s.face = face;
+	s.rowHeight = rowHeight;
+	s.align = align;
+	return s;
+}
+
+void backdrop(CellCanvas &canvas)
+{
+	canvas.fill({0, 0, screenWidth, screenHeight}, Fill::plain(black));
+}
+
+TEST(CellCanvas, ALineStandsInTheRowThatItsMiddleIsIn)
+{
+	CellCanvas canvas;
+	canvas.text({16, 0, 400, 20}, "first", style());
+	canvas.text({16, 25, 400, 20}, "second", style());
+	canvas.text({16, 55, 400, 40}, "fourth", style());
+	EXPECT_EQ(rowText(canvas, 0), "  first");
+	EXPECT_EQ(rowText(canvas, 1), "  second");
+	EXPECT_EQ(rowText(canvas, 2), "");
+	EXPECT_EQ(rowText(canvas, 3), "  fourth");
+}
+
+TEST(CellCanvas, RowsOfTheDefaultHeightAreConsecutiveWhereverTheyStart)
+{
+	for (int y = 0; y < 40; ++y) {
+		CellCanvas canvas;
+		for (int i = 0; i < 20; ++i)
+			canvas.text({0, y + 20 * i, 400, 20}, "line " + std::to_string(i), style());
+		const int first = (y + 10) / 20;
+		for (int i = 0; i < 20; ++i)
+			ASSERT_EQ(rowText(canvas, first + i), "line " + std::to_string(i)) << "y " << y;
+	}
+}
+
+TEST(CellCanvas, TheLastRowIsOneThoughItIsNotWholeOnTheScreen)
+{
+	CellCanvas canvas;
+	canvas.text({0, 560, 400, 20}, "down here", style());
+	EXPECT_EQ(rowText(canvas, 28), "down here");
+}
+
+TEST(CellCanvas, TheFirstColumnIsTheNearest)
+{
+	CellCanvas canvas;
+	canvas.text({3, 0, 400, 20}, "a", style());
+	canvas.text({4, 20, 400, 20}, "b", style());
+	canvas.text({12, 40, 400, 20}, "c", style());
+	EXPECT_EQ(rowText(canvas, 0), "a");
+	EXPECT_EQ(rowText(canvas, 1), " b");
+	EXPECT_EQ(rowText(canvas, 2), "  c");
+}
+
+TEST(CellCanvas, TextIsAlignedInItsArea)
+{
+	CellCanvas canvas;
+	canvas.text({0, 0, 80, 20}, "abcd", style(20, Face::prose, Align::centre));
+	canvas.text({0, 20, 80, 20}, "abcd", style(20, Face::prose, Align::end));
+	canvas.text({0, 40, 16, 20}, "abcd", style(20, Face::columns, Align::centre));
+	EXPECT_EQ(rowText(canvas, 0), "   abcd");
+	EXPECT_EQ(rowText(canvas, 1), "      abcd");
+	EXPECT_EQ(rowText(canvas, 2), "ab");
+}
+
+TEST(CellCanvas, TextIsCutAtItsAreaAndAtTheClip)
+{
+	CellCanvas canvas;
+	canvas.text({0, 0, 40, 20}, "0123456789", style());
+	canvas.pushClip({16, 0, 400, 400});
+	canvas.pushClip({0, 0, 48, 400});
+	canvas.text({0, 20, 400, 20}, "0123456789", style());
+	canvas.text({0, 392, 400, 20}, "its middle is outside", style());
+	canvas.popClip();
+	canvas.text({0, 40, 400, 20}, "0123456789", style());
+	canvas.popClip();
+	canvas.popClip(); // one too many does no harm
+	canvas.text({0, 60, 400, 20}, "0123456789", style());
+	EXPECT_EQ(rowText(canvas, 0), "01234");
+	EXPECT_EQ(rowText(canvas, 1), "  2345");
+	EXPECT_EQ(rowText(canvas, 2), "  23456789");
+	EXPECT_EQ(rowText(canvas, 3), "0123456789");
+	EXPECT_EQ(rowText(canvas, 20), "");
+}
+
+TEST(CellCanvas, WideCharactersTakeTwoCellsAndAreNeverSplit)
+{
+	CellCanvas canvas;
+	canvas.text({0, 0, 400, 20}, "a\xE6\x97\xA5z", style());
+	EXPECT_EQ(cellAt(canvas, 0, 1).glyph, "\xE6\x97\xA5");
+	EXPECT_EQ(cellAt(canvas, 0, 2).glyph, "");
+	EXPECT_EQ(cellAt(canvas, 0, 3).glyph, "z");
+
+	canvas.text({0, 20, 16, 20}, "a\xE6\x97\xA5", style());
+	EXPECT_EQ(rowText(canvas, 1), "a");
+	canvas.pushClip({16, 0, 400, 400});
+	canvas.text({0, 40, 400, 20}, "a\xE6\x97\xA5z", style());
+	canvas.popClip();
+	EXPECT_EQ(rowText(canvas, 2), "   z");
+
+	canvas.text({0, 60, 400, 20}, "\xE6\x97\xA5\xE6\x97\xA5", style());
+	canvas.fill({8, 60, 16, 20}, Fill::plain(blue)); // the halves in the middle
+	EXPECT_EQ(rowText(canvas, 3), "");
+}
+
+TEST(CellCanvas, CombiningCharactersShareTheCellOfTheirBase)
+{
+	CellCanvas canvas;
+	canvas.text({0, 0, 400, 20}, "e\xCC\x81x", style());
+	EXPECT_EQ(cellAt(canvas, 0, 0).glyph, "e\xCC\x81");
+	EXPECT_EQ(cellAt(canvas, 0, 1).glyph, "x");
+	canvas.text({0, 20, 400, 20}, "\xCC\x81x", style());
+	EXPECT_EQ(cellAt(canvas, 1, 0).glyph, "\xE2\x97\x8C\xCC\x81");
+	std::string pile = "e";
+	for (int i = 0; i < 500; ++i)
+		pile += "\xCC\x81";
+	canvas.text({0, 40, 400, 20}, pile + "x", style());
+	EXPECT_EQ(cellAt(canvas, 2, 0).glyph, pile.substr(0, 9));
+	EXPECT_EQ(cellAt(canvas, 2, 1).glyph, "x");
+}
+
+TEST(CellCanvas, NastyBytesBecomeVisibleMarks)
+{
+	CellCanvas canvas;
+	canvas.text({0, 0, 400, 20}, std::string_view("a\0b\033[2J\xFF\n", 9), style());
+	EXPECT_EQ(rowText(canvas, 0), "a\xE2\x90\x80"
+	                              "b\xE2\x90\x9B[2J\xEF\xBF\xBD");
+	canvas.text({0, 20, 400, 20}, std::string(1000000, 'x'), style());
+	EXPECT_EQ(rowText(canvas, 1), std::string(50, 'x'));
+}
+
+TEST(CellCanvas, AFillGoesToTheNearestCellEdges)
+{
+	CellCanvas canvas;
+	backdrop(canvas);
+	canvas.fill({5, 11, 30, 38}, Fill::plain(blue)); // columns 0.6 to 4.4, rows 0.55 to 2.45
+	for (int row = 0; row < 5; ++row)
+		for (int column = 0; column < 8; ++column)
+			EXPECT_EQ(cellAt(canvas, row, column).ground == blue, row == 1 && column >= 1 && column < 4)
+				<< row << ' ' << column;
+}
+
+TEST(CellCanvas, AThinBarIsAColumnAndAHairlineIsNothing)
+{
+	CellCanvas canvas;
+	backdrop(canvas);
+	canvas.fill({85, 0, 6, 200}, Fill::plain(blue));
+	canvas.fill({200, 0, 2, 200}, Fill::plain(red));
+	EXPECT_EQ(cellAt(canvas, 3, 11).ground, blue);
+	for (int column = 0; column < cellColumns; ++column)
+		EXPECT_NE(cellAt(canvas, 3, column).ground, red);
+}
+
+TEST(CellCanvas, TheScrollBarsPartsAreKnown)
+{
+	CellCanvas canvas;
+	backdrop(canvas);
+	canvas.fill({80, 0, 8, 200}, Fill::plain(grey, 4, Emphasis::dim));
+	canvas.fill({80, 40, 8, 7}, Fill::plain(white, 4, Emphasis::current));
+	EXPECT_EQ(cellAt(canvas, 0, 10).bar, Cell::Bar::track);
+	EXPECT_EQ(cellAt(canvas, 2, 10).bar, Cell::Bar::thumb);
+	EXPECT_EQ(cellAt(canvas, 3, 10).bar, Cell::Bar::track);
+	EXPECT_FALSE(cellAt(canvas, 2, 10).current);
+}
+
+TEST(CellCanvas, AFillCoversTheTextsWhoseMiddleItCovers)
+{
+	CellCanvas canvas;
+	canvas.text({0, 0, 400, 20}, "abcdef", style());
+	canvas.fill({16, 0, 16, 20}, Fill::plain(blue));
+	EXPECT_EQ(rowText(canvas, 0), "ab  ef");
+	canvas.text({0, 30, 400, 20}, "grazed", style());
+	canvas.fill({0, 20, 400, 18}, Fill::plain(blue));
+	EXPECT_EQ(rowText(canvas, 2), "grazed");
+}
+
+TEST(CellCanvas, TextStandsOnWhatIsBeneathAndItsBlanksHideNothing)
+{
+	CellCanvas canvas;
+	canvas.fill({0, 0, 400, 20}, Fill::plain(blue));
+	canvas.text({0, 0, 400, 20}, "one     three", style());
+	canvas.text({0, 0, 400, 20}, "    two      ", style());
+	EXPECT_EQ(rowText(canvas, 0), "one two three");
+	EXPECT_EQ(cellAt(canvas, 0, 4).ground, blue);
+	EXPECT_EQ(cellAt(canvas, 0, 4).text, white);
+}
+
+TEST(CellCanvas, TheCurrentEntryIsMarkedOverItsWholeWidth)
+{
+	CellCanvas canvas;
+	canvas.fill({0, 0, 400, 400}, Fill::plain(grey));
+	canvas.fill({0, 20, 400, 20}, Fill::plain(blue, 0, Emphasis::current));
+	canvas.text({0, 20, 400, 20}, "entry", style());
+	for (int column = 0; column < 50; ++column) {
+		EXPECT_TRUE(cellAt(canvas, 1, column).current);
+		EXPECT_EQ(cellAt(canvas, 1, column).below, grey);
+	}
+	EXPECT_FALSE(cellAt(canvas, 0, 0).current);
+	EXPECT_FALSE(cellAt(canvas, 2, 0).current);
+}
+
+TEST(CellCanvas, OfRowsThatAreTooCloseTheRightOneIsMarked)
+{
+	for (int height = 12; height <= 36; ++height)
+		for (int current = 0; current < 12; ++current) {
+			CellCanvas canvas;
+			backdrop(canvas);
+			for (int i = 0; i < 12; ++i) {
+				const Rect row{0, 43 + i * height, 400, height};
+				if (i == current)
+					canvas.fill(row, Fill::plain(blue, 0, Emphasis::current));
+				canvas.text(row, "entry " + std::to_string(i) + ".", style(height));
+			}
+			std::string marked;
+			for (int row = 0; row < cellRows; ++row)
+				if (cellAt(canvas, row, 45).current)
+					marked += rowText(canvas, row);
+			EXPECT_EQ(marked, "entry " + std::to_string(current) + ".") << "height " << height;
+		}
+}
+
+TEST(CellCanvas, AButtonIsARowHigh)
+{
+	CellCanvas canvas;
+	backdrop(canvas);
+	canvas.fill({80, 70, 160, 40}, Fill::plain(blue));
+	canvas.text({80, 70, 160, 40}, "OK", style(20, Face::prose, Align::centre));
+	int rows = 0;
+	for (int row = 0; row < cellRows; ++row)
+		rows += cellAt(canvas, row, 12).ground == blue;
+	EXPECT_EQ(rows, 1);
+	EXPECT_EQ(rowText(canvas, 4), std::string(19, ' ') + "OK");
+}
+
+TEST(CellCanvas, AFrameIsDrawnAroundItsClientArea)
+{
+	CellCanvas canvas;
+	backdrop(canvas);
+	FrameStyle frame;
+	frame.client = blue;
+	frame.border = red;
+	frame.titleText = white;
+	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "Info", frame);
+	EXPECT_EQ(rowText(canvas, 2), "         + Info ----+");
+	for (int row = 3; row < 7; ++row)
+		EXPECT_EQ(rowText(canvas, row), "         |          |");
+	EXPECT_EQ(rowText(canvas, 7), "         +----------+");
+	EXPECT_EQ(cellAt(canvas, 3, 10).ground, blue);
+	EXPECT_EQ(cellAt(canvas, 3, 9).text, red);
+	EXPECT_TRUE(cellAt(canvas, 2, 11).bold);
+}
+
+TEST(CellCanvas, ALongTitleIsCutAndAnEmptyOneIsALine)
+{
+	CellCanvas canvas;
+	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "A title that is long", FrameStyle());
+	EXPECT_EQ(rowText(canvas, 2), "         + A title  +");
+	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "", FrameStyle());
+	EXPECT_EQ(rowText(canvas, 2), "         +----------+");
+}
+
+TEST(CellCanvas, AWindowCoversWhatIsBeneath)
+{
+	CellCanvas canvas;
+	backdrop(canvas);
+	for (int i = 0; i < 12; ++i)
+		canvas.text({0, i * 20, 400, 20}, std::string(40, static_cast<char>('a' + i)), style());
+	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "Info", FrameStyle());
+	EXPECT_EQ(rowText(canvas, 1), std::string(40, 'b'));
+	EXPECT_EQ(rowText(canvas, 2), "ccccccccc+ Info ----+" + std::string(19, 'c'));
+	EXPECT_EQ(rowText(canvas, 5), "fffffffff|          |" + std::string(19, 'f'));
+	EXPECT_EQ(rowText(canvas, 8), std::string(40, 'i'));
+}
+
+TEST(CellCanvas, AWindowAtTheEdgeLosesOnlyTheLinesBeyond)
+{
+	CellCanvas canvas;
+	canvas.frame({0, 0, 720, 576}, {0, 30, 720, 546}, "Whole", FrameStyle());
+	canvas.text({0, 30, 720, 20}, "first", style());
+	canvas.text({0, 556, 720, 20}, "last", style());
+	EXPECT_EQ(rowText(canvas, 1).substr(0, 12), " Whole -----");
+	EXPECT_EQ(rowText(canvas, 2), "first");
+	EXPECT_EQ(rowText(canvas, 28), "last");
+}
+
+TEST(CellCanvas, TextStaysInsideOfItsWindow)
+{
+	for (int y = 50; y < 90; ++y) {
+		CellCanvas canvas;
+		backdrop(canvas);
+		canvas.frame({76, y - 30, 408, 234}, {80, y, 400, 200}, "", FrameStyle());
+		canvas.pushClip({80, y, 400, 200});
+		for (int i = 0; i < 12; ++i)
+			canvas.text({85, y - 7 + i * 20, 400, 20}, "line", style());
+		canvas.popClip();
+		int lines = 0;
+		for (int row = 0; row < cellRows; ++row) {
+			const std::string text = rowText(canvas, row);
+			if (text.find("line") == std::string::npos)
+				continue;
+			++lines;
+			EXPECT_EQ(text[9], '|') << text;
+			EXPECT_EQ(text.back(), '|') << text;
+		}
+		EXPECT_GE(lines, 10);
+	}
+}
+
+TEST(CellCanvas, AColourKeyIsItsInitialOnItsColour)
+{
+	CellCanvas canvas;
+	backdrop(canvas);
+	canvas.keySymbol({80, 63, 24, 20}, ColourKey::green, {0, 200, 0});
+	canvas.text({112, 63, 100, 20}, "OK", style());
+	EXPECT_EQ(rowText(canvas, 3), "          [G] OK");
+	EXPECT_EQ(cellAt(canvas, 3, 10).ground, (Color{0, 200, 0}));
+	EXPECT_EQ(cellAt(canvas, 3, 11).text, black);
+	canvas.keySymbol({80, 83, 12, 20}, ColourKey::blue, blue);
+	EXPECT_EQ(rowText(canvas, 4), "          B");
+}
+
+TEST(CellCanvas, OverlappingTextsAreBothShown)
+{
+	CellCanvas canvas;
+	canvas.text({0, 60, 400, 20}, "MTD blocks:", style());
+	canvas.text({0, 65, 400, 20}, "Mounts:", style());
+	canvas.text({24, 62, 400, 20}, "other", style());
+	const std::string text = allText(canvas);
+	for (const char *each : {"MTD blocks:", "Mounts:", "other"})
+		EXPECT_NE(text.find(each), std::string::npos) << text;
+}
+
+TEST(CellCanvas, SmallLettersMayReachBeyondTheirAreaWhereThereIsRoom)
+{
+	CellCanvas canvas;
+	// 20 letters of 6.4 pixels fit into 128 pixels, 20 cells do not.
+	canvas.text({0, 0, 128, 16}, "abcdefghij klmnopqrs", style(16));
+	EXPECT_EQ(rowText(canvas, 0), "abcdefghij klmnopqrs");
+	canvas.text({0, 100, 128, 16}, "abcdefghij klmnopqrs", style(16));
+	canvas.text({128, 100, 128, 16}, "next", style(16));
+	const std::string text = allText(canvas);
+	EXPECT_NE(text.find("klmnopqrs", text.find("next") > 40 ? 40 : 0), std::string::npos) << text;
+	EXPECT_NE(text.find("next"), std::string::npos) << text;
+}
+
+TEST(CellCanvas, TheEndOfALineGoesWithItsBeginning)
+{
+	CellCanvas canvas;
+	for (int i = 0; i < 8; ++i)
+		canvas.text({0, i * 16, 128, 16}, "line " + std::to_string(i) + " and its end", style(16));
+	for (int i = 0; i < 8; ++i)
+		EXPECT_EQ(rowText(canvas, i), "line " + std::to_string(i) + " and its end");
+}
+
+TEST(CellCanvas, RepeatedPaintingNeedsNoMoreTime)
+{
+	CellCanvas canvas;
+	std::string first;
+	for (int i = 0; i < 2000; ++i) {
+		canvas.fill({0, 0, 400, 400}, Fill::plain(black));
+		for (int row = 0; row < 20; ++row)
+			canvas.text({0, row * 20, 400, 20}, "row " + std::to_string(row), style());
+		if (i == 0)
+			first = allText(canvas);
+	}
+	EXPECT_EQ(allText(canvas), first);
+}
+
+TEST(CellCanvas, NoNumbersAreTooStrange)
+{
+	std::mt19937 random(1);
+	const auto pick = [&](int from, int to) { return std::uniform_int_distribution<int>(from, to)(random); };
+	const auto rect = [&] {
+		const int reach = std::array{10, 100, 1000, 100000}[static_cast<size_t>(pick(0, 3))];
+		return Rect{pick(-reach, reach), pick(-reach, reach), pick(-5, reach), pick(-5, reach)};
+	};
+	const std::string texts[] = {"",
+	                             " ",
+	                             "word",
+	                             "two words",
+	                             "\xE6\x97\xA5\xE6\x9C\xAC x",
+	                             std::string(3000, 'l'),
+	                             "\xCC\x81\xCC\x81",
+	                             "\xFF\xFE\x00"};
+	CellCanvas canvas;
+	for (int i = 0; i < 20000; ++i) {
+		const std::string &text = texts[static_cast<size_t>(pick(0, 7))];
+		TextStyle any =
+			style(pick(-1, 40), pick(0, 1) ? Face::prose : Face::columns, static_cast<Align>(pick(0, 2)));
+		any.emphasis = static_cast<Emphasis>(pick(0, 2));
+		switch (pick(0, 6)) {
+		case 0: canvas.pushClip(rect()); break;
+		case 1: canvas.popClip(); break;
+		case 2: canvas.fill(rect(), Fill::plain(blue, 0, static_cast<Emphasis>(pick(0, 2)))); break;
+		case 3: canvas.frame(rect(), rect(), text, FrameStyle()); break;
+		case 4: canvas.keySymbol(rect(), static_cast<ColourKey>(pick(0, 3)), red); break;
+		default: canvas.text(rect(), text, any);
+		}
+		if (i % 50 == 0) {
+			ASSERT_EQ(canvas.cells().size(), static_cast<size_t>(cellRows * cellColumns));
+			while (pick(0, 3))
+				canvas.popClip();
+			backdrop(canvas);
+		}
+	}
+}
+
+// Whatever labels there are, as long as there are cells enough: every word of theirs is somewhere.
+TEST(CellCanvas, NoTextIsLost)
+{
+	for (unsigned seed = 0; seed < 3000; ++seed) {
+		std::mt19937 random(seed);
+		const auto pick = [&](int from, int to) {
+			return std::uniform_int_distribution<int>(from, to)(random);
+		};
+		const int rowHeight = std::array{16, 20, 30}[static_cast<size_t>(pick(0, 2))];
+		const bool window = pick(0, 1);
+		CellCanvas canvas;
+		backdrop(canvas);
+		Rect client{0, 0, screenWidth, screenHeight};
+		if (window) {
+			client = {pick(8, 120), pick(30, 100), 580, 440};
+			canvas.frame({client.x - 4, client.y - 30, client.w + 8, client.h + 34}, client, "window",
+			             FrameStyle());
+		}
+		canvas.pushClip(client);
+		std::vector<std::string> words;
+		const int labels = pick(1, 6);
+		for (int i = 0; i < labels; ++i) {
+			const int rows = pick(1, std::min(10, client.h / rowHeight));
+			const int most = pick(1, 3); // words a line
+			const int x = client.x + pick(0, client.w - 260);
+			const int y = client.y + pick(0, client.h - rows * rowHeight);
+			for (int row = 0; row < rows; ++row) {
+				std::string line;
+				for (int w = 0; w < most; ++w) {
+					words.push_back("w" + std::to_string(1000 + words.size()));
+					line += (line.empty() ? "" : std::string(static_cast<size_t>(pick(1, 3)), ' ')) +
+					        words.back();
+				}
+				const int width = (static_cast<int>(line.size()) * rowHeight * 2 + 4) / 5;
+				canvas.text({x, y + row * rowHeight, width, rowHeight}, line, style(rowHeight));
+			}
+		}
+		canvas.popClip();
+		const std::string text = allText(canvas);
+		for (const std::string &word : words)
+			ASSERT_NE(text.find(word), std::string::npos)
+				<< word << " of " << words.size() << ", seed " << seed << ", rows of " << rowHeight << '\n'
+				<< text;
+	}
+}
+
+} // namespace

@@ -1,0 +1,196 @@
+// A person in front of a terminal, the desk host in it and the plugin in that.
+
+#include "support.h"
+#include "tmux.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+namespace
+{
+
+const std::string helpLine = "Arrows j k move";
+
+std::string host(const std::string &options = {})
+{
+	return support::deskhostPath() + " --plugin " + support::pluginPath() + " " + options;
+}
+
+class HostInTerminal : public testing::Test
+{
+protected:
+	HostInTerminal()
+	{
+		receiver.ps("  PID USER     COMMAND\n    1 root     init\n   63 root     syslogd\n");
+		receiver.df("Filesystem Size Used Available Use% Mounted on\n/dev/root 11.0M 10.6M 400.0k 96% /\n");
+		receiver.mtd("dev:    size   erasesize  name\nmtd0: 00040000 00020000 \"boot loader\"\n");
+		receiver.meminfo("        total:    used:    free:  shared: buffers:  cached:\n"
+		                 "Mem:  63373312 61894656  1478656        0  2785280 29470720\n"
+		                 "Swap:        0        0        0\n"
+		                 "MemTotal:        61888 kB\nMemFree:          1444 kB\n");
+		receiver.scanLog("first line\nsecond line\n");
+	}
+
+	/// Opens the menu.
+	void open(const Tmux &terminal, const std::string &options = {}) const
+	{
+		terminal.start(host("--root " + receiver.path() + " " + options));
+		ASSERT_TRUE(terminal.shows("Vexlo service menu"));
+		ASSERT_TRUE(terminal.shows(helpLine));
+	}
+
+	support::Receiver receiver;
+};
+
+TEST_F(HostInTerminal, AllFourScreensCanBeReadAndLeft)
+{
+	Tmux terminal(90, 30);
+	open(terminal);
+	EXPECT_TRUE(terminal.shows("(1) show current processes in memory"));
+
+	terminal.press("Enter");
+	EXPECT_TRUE(terminal.shows("PID USER     COMMAND"));
+	EXPECT_TRUE(terminal.shows("63 root     syslogd"));
+	terminal.press("Escape");
+
+	EXPECT_TRUE(terminal.shows("Vexlo service menu"));
+	terminal.press("j");
+	EXPECT_TRUE(terminal.shows("(2) show current used and free memory"));
+	terminal.press("Enter");
+	EXPECT_TRUE(terminal.shows("Memory info"));
+	EXPECT_TRUE(terminal.shows("MemTotal:          61888 KB"));
+	terminal.press("q");
+
+	EXPECT_TRUE(terminal.shows("Vexlo service menu"));
+	terminal.press("3");
+	EXPECT_TRUE(terminal.shows("1 second line"));
+	EXPECT_TRUE(terminal.shows("[R]"));
+	terminal.press("q");
+
+	EXPECT_TRUE(terminal.shows("Vexlo service menu"));
+	terminal.press("4");
+	EXPECT_TRUE(terminal.shows("MTD blocks:"));
+	EXPECT_TRUE(terminal.shows("mtd0:   00040000"));
+	EXPECT_TRUE(terminal.shows("/dev/root"));
+	terminal.press("F2");
+
+	EXPECT_TRUE(terminal.shows("Vexlo service menu"));
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("plugin_exec returned "));
+	EXPECT_TRUE(terminal.shows("status=0 $"));
+	EXPECT_EQ(terminal.state(), "0 1 0");
+}
+
+TEST_F(HostInTerminal, ALogIsDeletedWhenTheViewerSaysYes)
+{
+	Tmux terminal(90, 30);
+	open(terminal);
+	terminal.press("3");
+	ASSERT_TRUE(terminal.shows("0 first line"));
+	terminal.press("r");
+	ASSERT_TRUE(terminal.shows("Delete /var/scaning.log ?"));
+	terminal.press("Escape");
+	ASSERT_TRUE(terminal.losesSight("Delete /var/scaning.log ?"));
+	EXPECT_TRUE(support::exists(receiver / "var/scaning.log"));
+	terminal.press("F1");
+	ASSERT_TRUE(terminal.shows("Delete /var/scaning.log ?"));
+	terminal.press("Enter");
+	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
+	EXPECT_FALSE(support::exists(receiver / "var/scaning.log"));
+	terminal.press("Enter");
+	EXPECT_TRUE(terminal.losesSight("Vexlo service menu"));
+	EXPECT_EQ(terminal.screen().find("first line"), std::string::npos);
+}
+
+TEST_F(HostInTerminal, AProcessIsKilledAndNoOther)
+{
+	Tmux terminal(90, 30);
+	terminal.enter("sleep 4321 & echo $! >" + terminal.folder() + "/victim; sleep 4322 & echo $! >" +
+	               terminal.folder() + "/bystander; echo rea''dy");
+	ASSERT_TRUE(terminal.shows("ready"));
+	const std::string victim = support::lines(fileContent(terminal.folder() + "/victim")).at(0);
+	const std::string bystander = support::lines(fileContent(terminal.folder() + "/bystander")).at(0);
+	const auto state = [](const std::string &process) {
+		const std::string stat = fileContent("/proc/" + process + "/stat");
+		return stat.empty() ? 'X' : stat[stat.rfind(')') + 2];
+	};
+
+	terminal.start(host()); // on this computer
+	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
+	terminal.press("Enter");
+	ASSERT_TRUE(terminal.shows(victim));
+	const std::vector<std::string> rows = support::lines(terminal.screen());
+	size_t first = 0, wanted = 0;
+	for (size_t i = 0; i < rows.size(); ++i) {
+		if (first == 0 && i > 4 && rows[i].find("sh") != std::string::npos)
+			first = i;
+		if (rows[i].find(victim) != std::string::npos)
+			wanted = i;
+	}
+	ASSERT_GT(first, 0u);
+	ASSERT_GE(wanted, first);
+	for (size_t i = first; i < wanted; ++i)
+		terminal.press("j");
+	terminal.press("Enter");
+	ASSERT_TRUE(terminal.shows("Kill " + victim + " pid?"));
+	terminal.press("Right");
+	terminal.press("Enter"); // no
+	ASSERT_TRUE(terminal.losesSight("Kill " + victim + " pid?"));
+	EXPECT_EQ(state(victim), 'S');
+	terminal.press("Enter");
+	ASSERT_TRUE(terminal.shows("Kill " + victim + " pid?"));
+	terminal.press("Enter"); // yes
+	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
+	for (int i = 0; i < 500 && state(victim) == 'S'; ++i)
+		std::this_thread::sleep_for(std::chrono::milliseconds(20));
+	EXPECT_TRUE(state(victim) == 'Z' || state(victim) == 'X') << state(victim);
+	EXPECT_EQ(state(bystander), 'S');
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("plugin_exec returned "));
+}
+
+TEST_F(HostInTerminal, CommandsDoNotTearTheScreen)
+{
+	receiver.write("bin/df", "#!/bin/sh\nprintf '\\033[2J\\033[HOUT OF ORDER\\n' >&2\nstty -echo </dev/tty\n",
+	               true);
+	Tmux terminal(90, 30);
+	open(terminal);
+	terminal.press("4");
+	ASSERT_TRUE(terminal.shows("Mounts:"));
+	EXPECT_EQ(terminal.screen().find("OUT OF ORDER"), std::string::npos);
+	terminal.press("q");
+	ASSERT_TRUE(terminal.shows("(4) show system info"));
+	EXPECT_EQ(terminal.screen().find("OUT OF ORDER"), std::string::npos);
+	terminal.press("q");
+	ASSERT_TRUE(terminal.shows("plugin_exec returned "));
+	EXPECT_TRUE(terminal.shows("OUT OF ORDER")); // kept until now
+}
+
+TEST_F(HostInTerminal, ResizingAndCtrlCLeaveAllInOrder)
+{
+	Tmux terminal(90, 30);
+	open(terminal);
+	terminal.press("2");
+	ASSERT_TRUE(terminal.shows("MemTotal:"));
+	terminal.resize(70, 20);
+	ASSERT_TRUE(terminal.shows("this screen needs 90 x 30"));
+	terminal.resize(120, 40);
+	ASSERT_TRUE(terminal.shows("MemTotal:"));
+	terminal.press("C-c");
+	ASSERT_TRUE(terminal.shows("status=130 $"));
+	EXPECT_EQ(terminal.state(), "0 1 0");
+}
+
+TEST_F(HostInTerminal, ATerminalThatCannotBeUsedIsOneClearLine)
+{
+	Tmux terminal(150, 30, "dumb");
+	terminal.start(host());
+	EXPECT_TRUE(terminal.shows("deskhost: cannot use the terminal: TERM=dumb cannot move the cursor; "
+	                           "set TERM to what the terminal is, or use --screen none"));
+	EXPECT_TRUE(terminal.shows("status=2 $"));
+}
+
+} // namespace

@@ -1,0 +1,557 @@
+#include "tmux.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <regex>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+const std::string demo = TERMINAL_DEMO;
+const std::string helpLine = "Arrows j k move";
+
+std::string row(const std::string &screen, size_t number)
+{
+	size_t start = 0;
+	for (size_t i = 0; i < number && start != std::string::npos; ++i)
+		start = screen.find('\n', start) + 1;
+	return screen.substr(start, screen.find('\n', start) - start);
+}
+
+std::string mode(const Tmux &terminal, const std::string &name)
+{
+	terminal.enter("clear; stty -g >" + terminal.folder() + "/" + name + "; echo sa''ved " + name + ".");
+	terminal.shows("saved " + name + ".");
+	return fileContent(terminal.folder() + "/" + name);
+}
+
+/// Starts the demonstration, has it end in some way, and sees that the terminal is as before.
+template <class End> void expectRestored(int status, const End &end, const std::string &also = "")
+{
+	Tmux terminal(90, 30);
+	const std::string before = mode(terminal, "before");
+	const int process = terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	EXPECT_EQ(terminal.state(), "1 0 1");
+	end(terminal, process);
+	ASSERT_TRUE(terminal.shows("status=" + std::to_string(status)));
+	EXPECT_EQ(terminal.state(), "0 1 0");
+	const std::string screen = terminal.screen();
+	EXPECT_EQ(screen.find(helpLine), std::string::npos);
+	EXPECT_NE(screen.find(also), std::string::npos) << screen;
+	EXPECT_EQ(mode(terminal, "after"), before);
+	terminal.enter("echo the shell li''ves");
+	EXPECT_TRUE(terminal.shows("the shell lives"));
+}
+
+TEST(TerminalScreen, KeysOfEveryKindArrive)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	const char *const keys[][2] = {
+		{"Down", "down"},   {"Up", "up"},         {"Left", "left"},
+		{"Right", "right"}, {"PageUp", "pageup"}, {"PageDown", "pagedown"},
+		{"Home", "home"},   {"End", "end"},       {"Enter", "ok"},
+		{"F1", "red"},      {"F2", "green"},      {"F3", "yellow"},
+		{"F4", "blue"},     {"j", "down"},        {"k", "up"},
+		{"h", "left"},      {"l", "right"},       {"r", "red"},
+		{"g", "green"},     {"y", "yellow"},      {"b", "blue"},
+		{"4", "4"},
+	};
+	std::string all;
+	for (const auto &[key, name] : keys) {
+		terminal.press(key);
+		ASSERT_TRUE(terminal.shows(std::string("last key: ") + name + " "));
+		all += std::string(" ") + name;
+	}
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("status=0"));
+	std::string said = terminal.screen();
+	said = said.substr(said.find("keys:"));
+	said.erase(std::remove(said.begin(), said.end(), '\n'), said.end());
+	EXPECT_EQ(said.substr(0, said.find("status")), "keys:" + all + " exit");
+}
+
+TEST(TerminalScreen, KeysThatOtherTerminalsSendArriveToo)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	const std::pair<std::string, const char *> keys[] = {
+		{"\033[B", "down"},   {"\033OA", "up"},   {"\033[7~", "home"}, {"\033OF", "end"},
+		{"\033[H", "home"},   {"\033[8~", "end"}, {"\033[11~", "red"}, {"\033[[B", "green"},
+		{"\033OR", "yellow"}, {"\033OM", "ok"},
+	};
+	for (const auto &[bytes, name] : keys) {
+		terminal.send({bytes.begin(), bytes.end()});
+		ASSERT_TRUE(terminal.shows(std::string("last key: ") + name + " "));
+	}
+}
+
+TEST(TerminalScreen, EscIsExit)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	terminal.press("Escape");
+	EXPECT_TRUE(terminal.shows("keys: exit"));
+	EXPECT_TRUE(terminal.shows("status=0"));
+}
+
+TEST(TerminalScreen, UnknownKeysDoNothing)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	for (const std::string bytes :
+	     {"\033[99~", "\033[1;7Z", "\033Oz", "x", "\xC3\xA4", "\xFF", "\t", "\001", "\177"})
+		terminal.send({bytes.begin(), bytes.end()});
+	terminal.press("F12");
+	terminal.press("Down");
+	ASSERT_TRUE(terminal.shows("last key: down"));
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("keys: down exit\n"));
+}
+
+TEST(TerminalScreen, AScreenIsDrawnWithLinesAndHelp)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	const std::string screen = terminal.screen();
+	EXPECT_NE(screen.find("\u250C Demonstration \u2500\u2500"), std::string::npos) << screen;
+	EXPECT_NE(screen.find("\u2502 entry 18 "), std::string::npos) << screen;
+	EXPECT_NE(screen.find("wide \u65E5\u672C, combining e\u0301, box \u2500, euro \u20AC"), std::string::npos)
+		<< screen;
+	EXPECT_NE(screen.find("control \u241B[31m and \u2401 and \uFFFD"), std::string::npos) << screen;
+	EXPECT_NE(screen.find("[R] delete log"), std::string::npos) << screen;
+	EXPECT_EQ(row(screen, 29),
+	          " Arrows j k move  PgUp PgDn Home End page  Enter ok  Esc q back  F1-F4 r g y b colour keys");
+	terminal.press("8");
+	ASSERT_TRUE(terminal.shows("\u250C kill pid \u2500"));
+	EXPECT_TRUE(terminal.shows("\u2502 ent\u2502"));
+	terminal.press("8");
+	ASSERT_TRUE(terminal.losesSight("kill pid"));
+	EXPECT_TRUE(terminal.shows("\u2502 entry 9 "));
+}
+
+TEST(TerminalScreen, ATerminalThatIsTooSmallSaysSoAndGoesOnWhenItIsLarger)
+{
+	Tmux terminal(60, 20);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows("The terminal is 60 x 20; this screen needs 90 x 30."));
+	EXPECT_EQ(terminal.screen().find("Demonstration"), std::string::npos);
+	terminal.press("Down"); // nobody can see what that would do
+	terminal.resize(90, 29);
+	ASSERT_TRUE(terminal.shows("The terminal is 90 x 29"));
+	terminal.resize(90, 30);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	ASSERT_TRUE(terminal.shows(helpLine));
+	terminal.resize(9, 4);
+	ASSERT_TRUE(terminal.losesSight("Demonstration"));
+	EXPECT_TRUE(terminal.shows("The"));
+	terminal.resize(90, 30);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	terminal.resize(50, 10);
+	ASSERT_TRUE(terminal.shows("The terminal is 50 x 10"));
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("keys: exit"));
+}
+
+TEST(TerminalScreen, ALargerTerminalHasTheScreenInItsMiddle)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	terminal.resize(110, 40);
+	ASSERT_TRUE(terminal.shows(std::string(10, ' ') + " Arrows j k move"));
+	const std::string screen = terminal.screen();
+	EXPECT_EQ(row(screen, 34).find("Arrows"), 11u) << screen;
+}
+
+TEST(TerminalScreen, TheEndGivesTheTerminalBack)
+{
+	expectRestored(0, [](const Tmux &terminal, int) { terminal.press("q"); });
+}
+
+TEST(TerminalScreen, ExitInTheMiddleGivesTheTerminalBack)
+{
+	expectRestored(7, [](const Tmux &terminal, int) { terminal.press("3"); });
+}
+
+TEST(TerminalScreen, CtrlCGivesTheTerminalBack)
+{
+	expectRestored(130, [](const Tmux &terminal, int) { terminal.press("C-c"); });
+}
+
+TEST(TerminalScreen, CtrlCEndsWhatIsBusyToo)
+{
+	expectRestored(130, [](const Tmux &terminal, int) {
+		terminal.press("9");
+		terminal.shows("last key: busy");
+		terminal.press("C-c");
+	});
+}
+
+TEST(TerminalScreen, SigtermGivesTheTerminalBack)
+{
+	expectRestored(143, [](const Tmux &, int process) { kill(process, SIGTERM); });
+}
+
+TEST(TerminalScreen, SighupGivesTheTerminalBack)
+{
+	expectRestored(129, [](const Tmux &, int process) { kill(process, SIGHUP); });
+}
+
+TEST(TerminalScreen, ACrashGivesTheTerminalBack)
+{
+	expectRestored(139, [](const Tmux &terminal, int) { terminal.press("5"); });
+}
+
+TEST(TerminalScreen, AnAbortGivesTheTerminalBack)
+{
+	expectRestored(134, [](const Tmux &terminal, int) { terminal.press("6"); });
+}
+
+TEST(TerminalScreen, AFullStackGivesTheTerminalBack)
+{
+	expectRestored(139, [](const Tmux &terminal, int) { terminal.press("7"); });
+}
+
+TEST(TerminalScreen, NotesAreShownWhenTheTerminalIsGivenBack)
+{
+	const auto note = [](const Tmux &terminal) {
+		terminal.press("1");
+		terminal.shows("last key: 1");
+		EXPECT_EQ(terminal.screen().find("a note"), std::string::npos);
+	};
+	expectRestored(
+		0,
+		[&](const Tmux &terminal, int) {
+			note(terminal);
+			terminal.press("q");
+		},
+		"a note \u241B[31m in red\n");
+	expectRestored(
+		139,
+		[&](const Tmux &terminal, int) {
+			note(terminal);
+			terminal.press("5");
+		},
+		"a note");
+	expectRestored(
+		143,
+		[&](const Tmux &terminal, int process) {
+			note(terminal);
+			kill(process, SIGTERM);
+		},
+		"a note");
+}
+
+TEST(TerminalScreen, NotesAreBounded)
+{
+	Tmux terminal(90, 30);
+	const std::string file = terminal.folder() + "/notes";
+	// Everything that is written to the terminal, as the terminal gets it.
+	terminal.start("script -qc " + demo + " " + file);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	terminal.press("2");
+	ASSERT_TRUE(terminal.shows("last key: 2"));
+	terminal.press("q");
+	ASSERT_TRUE(terminal.shows("status=0"));
+	const std::string notes = fileContent(file);
+	EXPECT_NE(notes.find("deskhost: earlier lines left out: 200\r\nnote 200.\r\nnote 201.\r\n"),
+	          std::string::npos);
+	EXPECT_NE(notes.find("note 1198.\r\nnote 1199.\r\n"), std::string::npos);
+	EXPECT_EQ(notes.find("note 199."), std::string::npos);
+}
+
+TEST(TerminalScreen, NotesGoAtOnceToAStandardErrorElsewhere)
+{
+	Tmux terminal(90, 30);
+	const std::string file = terminal.folder() + "/notes";
+	terminal.start(demo + " 2>" + file);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	terminal.press("1");
+	ASSERT_TRUE(terminal.shows("last key: 1"));
+	EXPECT_EQ(fileContent(file), "a note \u241B[31m in red\n");
+}
+
+TEST(TerminalScreen, StoppingGivesTheTerminalBackUntilTheProgramGoesOn)
+{
+	Tmux terminal(90, 30);
+	const std::string before = mode(terminal, "before");
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	for (const std::string key : {"down", "up"}) {
+		terminal.press("C-z");
+		ASSERT_TRUE(terminal.shows("Stopped"));
+		EXPECT_EQ(terminal.state(), "0 1 0");
+		EXPECT_EQ(mode(terminal, "stopped-" + key), before);
+		terminal.enter("clear; fg");
+		ASSERT_TRUE(terminal.shows(helpLine));
+		EXPECT_EQ(terminal.state(), "1 0 1");
+		terminal.press(key);
+		ASSERT_TRUE(terminal.shows("last key: " + key));
+	}
+	terminal.press("C-z");
+	ASSERT_TRUE(terminal.shows("Stopped"));
+	terminal.resize(100, 32); // nobody tells a stopped program; it sees for itself
+	terminal.enter("clear; fg");
+	ASSERT_TRUE(terminal.shows(std::string(5, ' ') + " Arrows j k move"));
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("keys: down up exit"));
+	EXPECT_EQ(mode(terminal, "after"), before);
+}
+
+TEST(TerminalScreen, AStopByAnotherSignalIsRepaired)
+{
+	Tmux terminal(90, 30);
+	const int process = terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	kill(process, SIGSTOP);
+	// The program has had no chance to give the terminal back; Enter sends what is no line end now.
+	terminal.type("clear; echo in bet''ween");
+	terminal.press("C-j");
+	ASSERT_TRUE(terminal.shows("in between"));
+	terminal.type("fg");
+	terminal.press("C-j");
+	ASSERT_TRUE(terminal.shows(helpLine));
+	EXPECT_EQ(terminal.screen().find("in between"), std::string::npos);
+	terminal.press("Down");
+	EXPECT_TRUE(terminal.shows("last key: down"));
+}
+
+TEST(TerminalScreen, CtrlLRepairsWhatOthersWrote)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	const std::string whole = terminal.screen();
+	terminal.scribble("\033[12;1Ha message to all users");
+	ASSERT_TRUE(terminal.shows("a message to all users"));
+	terminal.press("C-l");
+	ASSERT_TRUE(terminal.losesSight("a message to all users"));
+	ASSERT_TRUE(terminal.shows(helpLine));
+	EXPECT_EQ(terminal.screen(), whole);
+}
+
+TEST(TerminalScreen, CommandsAndTheirModesDoNoHarm)
+{
+	Tmux terminal(90, 30);
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	terminal.press("0");
+	ASSERT_TRUE(terminal.shows("last key: command 0"));
+	terminal.press("Down");
+	EXPECT_TRUE(terminal.shows("last key: down"));
+}
+
+TEST(TerminalScreen, TerminalsThatCannotBeUsedGetOneClearLine)
+{
+	const struct
+	{
+		const char *terminal, *command, *says;
+	} cases[] = {
+		{"dumb", "",
+	     "TERM=dumb cannot move the cursor; set TERM to what the terminal is, or use --screen none"},
+		{"nosuch", "",
+	     "TERM=nosuch is not known here; set TERM to what the terminal is, or use --screen none"},
+		{"unknown", "",
+	     "TERM=unknown is not known here; set TERM to what the terminal is, or use --screen none"},
+		{"", "", "TERM is not set; set it to the terminal's name, or use --screen none"},
+		{"tmux", " </dev/null", "standard input is not one; start it from a terminal, or use --screen none"},
+		{"tmux", " >/dev/null",
+	     "standard output is not one; leave out the redirection, or use --screen none"},
+	};
+	for (const auto &each : cases) {
+		Tmux terminal(150, 30, each.terminal);
+		terminal.start(demo + each.command);
+		EXPECT_TRUE(
+			terminal.shows(std::string("demo: cannot use the terminal: ") + each.says + "\nstatus=1 $"));
+	}
+}
+
+TEST(TerminalScreen, TheLocaleCNeedsNoOtherCharacters)
+{
+	for (const char *type : {"tmux", "screen", "linux", "xterm", "vt100"}) {
+		Tmux terminal(90, 30, type, {{"LC_ALL", "C"}});
+		terminal.start(demo);
+		ASSERT_TRUE(terminal.shows(helpLine)) << type;
+		const std::string screen = terminal.screen();
+		EXPECT_NE(screen.find("wide ? ? , combining ?, box ?, euro ?"), std::string::npos) << screen;
+		EXPECT_NE(screen.find("control ?[31m and ? and ?"), std::string::npos) << screen;
+		EXPECT_NE(screen.find(" Demonstration "), std::string::npos) << screen;
+	}
+}
+
+TEST(TerminalScreen, ColoursAreWhatTheTerminalHas)
+{
+	using Variables = std::map<std::string, std::string>;
+	const struct
+	{
+		const char *terminal;
+		Variables variables;
+		const char *current; ///< how the current entry is drawn
+		bool colours;
+	} cases[] = {
+		{"tmux-256color", {{"COLORTERM", "truecolor"}}, "48;2;30;110;200m", true},
+		{"xterm-256color", {{"COLORTERM", "24bit"}}, "48;2;30;110;200m", true},
+		{"screen", {{"COLORTERM", "truecolor"}}, "48;2;30;110;200m", true},
+		{"screen-256color", {{"COLORTERM", "truecolor"}, {"STY", "1.screen"}}, "48;5;26m", true},
+		{"tmux-256color", {}, "48;5;26m", true},
+		{"xterm", {}, "\033[44m", true},
+		{"linux", {}, "\033[44m", true},
+		{"vt100", {}, "\033[7m", false},
+		{"vt100", {{"COLORTERM", "truecolor"}}, "\033[7m", false},
+		{"tmux-256color", {{"NO_COLOR", "1"}, {"COLORTERM", "truecolor"}}, "\033[7m", false},
+	};
+	for (const auto &each : cases) {
+		Tmux terminal(90, 30, each.terminal, each.variables);
+		terminal.start(demo);
+		ASSERT_TRUE(terminal.shows(helpLine)) << each.terminal;
+		const std::string screen = terminal.colouredScreen();
+		const std::string line = row(screen, 5);
+		EXPECT_NE(line.find("entry 0"), std::string::npos) << line;
+		EXPECT_NE(line.find(each.current), std::string::npos) << each.terminal << ": " << line;
+		const std::string next = row(screen, 6);
+		EXPECT_EQ(next.substr(0, next.find("entry")).find(each.current), std::string::npos) << next;
+		const bool coloured = std::regex_search(screen, std::regex("\033\\[([0-9;]*;)?[34][0-8][;m]"));
+		EXPECT_EQ(coloured, each.colours) << each.terminal;
+	}
+}
+
+TEST(TerminalScreen, WaitingForKeysTakesNoTime)
+{
+	Tmux terminal(90, 30);
+	const int process = terminal.start(demo);
+	ASSERT_TRUE(terminal.shows(helpLine));
+	const auto ticks = [&] {
+		const std::string stat = fileContent("/proc/" + std::to_string(process) + "/stat");
+		unsigned long user = 0, system = 0, switches = 0;
+		sscanf(stat.c_str() + stat.rfind(')'), ") %*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %lu %lu", &user,
+		       &system);
+		const std::string status = fileContent("/proc/" + std::to_string(process) + "/status");
+		sscanf(status.c_str() + status.find("\nvoluntary"), "\nvoluntary_ctxt_switches: %lu", &switches);
+		return std::pair(user + system, switches);
+	};
+	const auto before = ticks();
+	ASSERT_GT(before.second, 0u);
+	std::this_thread::sleep_for(std::chrono::seconds(2));
+	EXPECT_EQ(ticks(), before);
+}
+
+/// A terminal that nothing draws: what is written to it can be counted.
+class Line
+{
+public:
+	explicit Line(bool ignoreHangup = false)
+	{
+		winsize size = {30, 90, 0, 0};
+		process = forkpty(&line, nullptr, nullptr, &size);
+		if (process == 0) {
+			setenv("TERM", "xterm-256color", 1);
+			setenv("LC_ALL", "C.UTF-8", 1);
+			unsetenv("COLORTERM");
+			if (ignoreHangup)
+				signal(SIGHUP, SIG_IGN);
+			execl(demo.c_str(), demo.c_str(), nullptr);
+			_exit(127);
+		}
+	}
+	~Line()
+	{
+		hangUp();
+		if (process > 0) {
+			kill(process, SIGKILL);
+			waitpid(process, nullptr, 0);
+		}
+	}
+
+	/// What comes until `text` has come and then nothing more for a while.
+	std::string readUntil(const std::string &text)
+	{
+		std::string got;
+		for (;;) {
+			pollfd input{line, POLLIN, 0};
+			const bool seen = got.find(text) != std::string::npos;
+			if (poll(&input, 1, seen ? 500 : 30000) <= 0)
+				return got;
+			char piece[4096];
+			const ssize_t n = read(line, piece, sizeof piece);
+			if (n <= 0)
+				return got;
+			got.append(piece, static_cast<size_t>(n));
+		}
+	}
+	void type(const std::string &text)
+	{
+		ASSERT_EQ(write(line, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+	}
+	void hangUp()
+	{
+		if (line >= 0)
+			close(line);
+		line = -1;
+	}
+	int end()
+	{
+		int status = -1;
+		waitpid(process, &status, 0);
+		process = 0;
+		return status;
+	}
+
+private:
+	int line = -1;
+	pid_t process = 0;
+};
+
+TEST(TerminalScreen, AKeySendsOnlyWhatChanges)
+{
+	Line line;
+	const std::string whole = line.readUntil("F1-F4");
+	EXPECT_GT(whole.size(), 2000u);
+	line.type("j"); // the note of the key, two entries and the scroll bar
+	const std::string change = line.readUntil("down");
+	EXPECT_NE(change.find("down"), std::string::npos);
+	EXPECT_LT(change.size(), 300u) << change;
+	RecordProperty("bytes_whole", static_cast<int>(whole.size()));
+	RecordProperty("bytes_key", static_cast<int>(change.size()));
+	printf("the first screen: %zu bytes, a key: %zu bytes\n", whole.size(), change.size());
+}
+
+TEST(TerminalScreen, AHangUpEndsTheProgram)
+{
+	Line line;
+	line.readUntil("F1-F4");
+	line.hangUp();
+	const int status = line.end();
+	EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGHUP) << status;
+}
+
+TEST(TerminalScreen, AHangUpThatIsIgnoredIsTheEndOfTheKeys)
+{
+	Line line(true);
+	line.readUntil("F1-F4");
+	line.hangUp();
+	const int status = line.end();
+	EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+
+} // namespace

@@ -1,0 +1,174 @@
+#include "tmux.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+namespace
+{
+
+constexpr auto patience = std::chrono::seconds(30);
+constexpr auto glance = std::chrono::milliseconds(20);
+
+std::string shellWord(const std::string &text)
+{
+	std::string out = "'";
+	for (const char c : text)
+		out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+	return out + "'";
+}
+
+} // namespace
+
+std::string fileContent(const std::string &path)
+{
+	std::ifstream file(path);
+	return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+Tmux::Tmux(int columns, int rows, const std::string &terminal,
+           const std::map<std::string, std::string> &environment)
+{
+	char name[] = "/tmp/terminal-test-XXXXXX";
+	directory = mkdtemp(name);
+	std::map<std::string, std::string> variables = {{"PATH", getenv("PATH")},
+	                                                {"HOME", directory},
+	                                                {"LC_ALL", "C.UTF-8"},
+	                                                {"TERM", terminal},
+	                                                {"PS1", "status=$? $ "}};
+	for (const char *kept : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"})
+		if (const char *value = getenv(kept))
+			variables[kept] = value;
+	// Crashes are to end as they do without a sanitizer.
+	variables["ASAN_OPTIONS"] += ":handle_segv=0:handle_abort=0:use_sigaltstack=0";
+	for (const auto &[variable, value] : environment)
+		variables[variable] = value;
+	std::string shell = "exec env -i";
+	for (const auto &[variable, value] : variables)
+		if (!value.empty())
+			shell += " " + variable + "=" + shellWord(value);
+	tmux({"start-server", ";", "set", "-g", "status", "off", ";", "set", "-g", "escape-time", "0", ";",
+	      "new-session", "-d", "-x", std::to_string(columns), "-y", std::to_string(rows), shell + " sh"});
+	EXPECT_TRUE(shows("status=0 $"));
+}
+
+Tmux::~Tmux()
+{
+	tmux({"kill-server"});
+	const std::string remove = "rm -rf " + shellWord(directory);
+	EXPECT_EQ(system(remove.c_str()), 0);
+}
+
+std::string Tmux::tmux(const std::vector<std::string> &arguments) const
+{
+	std::string command = "env -u TMUX LC_ALL=C.UTF-8 " TMUX_PROGRAM " -S " +
+	                      shellWord(directory + "/socket") + " -f /dev/null";
+	for (const std::string &argument : arguments)
+		command += argument == ";" ? " \\;" : " " + shellWord(argument);
+	command += " 2>/dev/null";
+	std::string output;
+	if (FILE *pipe = popen(command.c_str(), "r")) {
+		char piece[4096];
+		while (const size_t n = fread(piece, 1, sizeof piece, pipe))
+			output.append(piece, n);
+		pclose(pipe);
+	}
+	return output;
+}
+
+void Tmux::type(const std::string &text) const
+{
+	tmux({"send-keys", "-l", "--", text});
+}
+
+void Tmux::enter(const std::string &line) const
+{
+	type(line);
+	press("Enter");
+}
+
+void Tmux::press(const std::string &key) const
+{
+	tmux({"send-keys", key});
+}
+
+void Tmux::send(const std::vector<unsigned char> &bytes) const
+{
+	std::vector<std::string> arguments = {"send-keys", "-H"};
+	for (const unsigned char byte : bytes) {
+		char hex[3];
+		snprintf(hex, sizeof hex, "%02x", byte);
+		arguments.emplace_back(hex);
+	}
+	tmux(arguments);
+}
+
+void Tmux::resize(int columns, int rows) const
+{
+	tmux({"resize-window", "-x", std::to_string(columns), "-y", std::to_string(rows)});
+}
+
+void Tmux::scribble(const std::string &text) const
+{
+	std::string device = tmux({"display-message", "-p", "#{pane_tty}"});
+	device.erase(device.find_last_not_of('\n') + 1);
+	std::ofstream(device) << text << std::flush;
+}
+
+std::string Tmux::screen() const
+{
+	return tmux({"capture-pane", "-p"});
+}
+
+std::string Tmux::colouredScreen() const
+{
+	return tmux({"capture-pane", "-p", "-e"});
+}
+
+std::string Tmux::state() const
+{
+	std::string flags =
+		tmux({"display-message", "-p", "#{alternate_on} #{cursor_flag} #{keypad_cursor_flag}"});
+	flags.erase(flags.find_last_not_of('\n') + 1);
+	return flags;
+}
+
+bool Tmux::until(const std::string &text, bool there) const
+{
+	const auto end = std::chrono::steady_clock::now() + patience;
+	do {
+		if ((screen().find(text) != std::string::npos) == there)
+			return true;
+		std::this_thread::sleep_for(glance);
+	} while (std::chrono::steady_clock::now() < end);
+	ADD_FAILURE() << (there ? "does not show: " : "still shows: ") << text << '\n' << screen();
+	return false;
+}
+
+bool Tmux::shows(const std::string &text) const
+{
+	return until(text, true);
+}
+
+bool Tmux::losesSight(const std::string &text) const
+{
+	return until(text, false);
+}
+
+int Tmux::start(const std::string &command) const
+{
+	const std::string pidFile = directory + "/pid";
+	remove(pidFile.c_str());
+	std::ofstream(directory + "/run") << "echo $$ >" << pidFile << ".new; mv " << pidFile << ".new "
+									  << pidFile << "; exec " << command << '\n';
+	enter("clear; sh " + directory + "/run");
+	const auto end = std::chrono::steady_clock::now() + patience;
+	while (fileContent(pidFile).empty() && std::chrono::steady_clock::now() < end)
+		std::this_thread::sleep_for(glance);
+	return atoi(fileContent(pidFile).c_str());
+}
