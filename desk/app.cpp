@@ -135,7 +135,7 @@ std::string play(Plugin &plugin, const std::vector<Key> &keys)
 int runApp(int argc, char **argv)
 {
 	Options options;
-	options.plugin = find({"vexlomenu.so.0", "../lib/vexlomenu/vexlomenu.so.0"});
+	options.plugin = find({"vexlomenu.so.0", DESK_INSTALLED_PLUGIN});
 	options.skin = find({"skins/default.toml", "../share/deskhost/skins/default.toml"});
 
 	CLI::App cli("Runs a receiver's service plugin on a desk computer: draws its screens and takes the keyboard\n"

@@ -11,10 +11,7 @@ ePsDialog::ePsDialog() : eWindow(1)
 
 	frame(*this, "Info", ePoint(110, 63), eSize(500, 450));
 
-	processList = new eListBox<eListBoxEntryText>(this);
-	processList->setFlags(4);
-	processList->move(ePoint(5, fontSize + 10));
-	processList->resize(eSize(490, getClientRect().height() - 40));
+	processList = addList(*this, ePoint(5, fontSize + 10), eSize(490, getClientRect().height() - 40));
 
 	const PsSnapshot snapshot = takePsSnapshot();
 	for (const PsEntry &row : snapshot.rows)

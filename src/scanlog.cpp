@@ -19,10 +19,7 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 
 	deleteButton = addButton(*this, "red", translate("delete log"));
 
-	logList = new eListBox<eListBoxEntryText>(this);
-	logList->setFlags(4);
-	logList->move(ePoint(5, 5));
-	logList->resize(eSize(590, clientHeight - 60));
+	logList = addList(*this, ePoint(5, 5), eSize(590, clientHeight - 60));
 
 	ScanLogContents log = readScanLog(ff_scan);
 	for (ScanLogEntry &entry : log.entries) {

@@ -25,9 +25,19 @@ eButton *addButton(eWindow &window, const char *colour, const char *text)
 	eButton *button = new eButton(&window, nullptr, 1, "eButton");
 	button->move(ePoint(10, window.getClientRect().height() - 50));
 	button->resize(eSize(160, 40));
-	button->setShortcut(colour);
-	button->setShortcutPixmap(colour);
+	const eString key = colour;
+	button->setShortcut(key);
+	button->setShortcutPixmap(key);
 	button->loadDeco();
 	button->setText(text);
 	return button;
+}
+
+eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size)
+{
+	eListBox<eListBoxEntryText> *list = new eListBox<eListBoxEntryText>(&window);
+	list->setFlags(4);
+	list->move(position);
+	list->resize(size);
+	return list;
 }

@@ -17,4 +17,7 @@ void addLabel(eWindow &window, const char *text, ePoint position, eSize size);
 /// A button at the lower left of `window`, which owns it; `colour` is the key that presses it.
 eButton *addButton(eWindow &window, const char *colour, const char *text);
 
+/// A list of text lines in the client area of `window`, which owns it.
+eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size);
+
 #endif

@@ -4,31 +4,38 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 /// Appends to `text` what printf would write; no limit on the length. Arguments must not
 /// point into `text`.
 __attribute__((format(printf, 2, 3))) inline void appendFormatted(std::string &text, const char *format, ...)
 {
-	char buffer[256];
+	char *made = nullptr;
 	va_list arguments;
 	va_start(arguments, format);
-	const int length = std::vsnprintf(buffer, sizeof buffer, format, arguments);
+	const int length = vasprintf(&made, format, arguments);
 	va_end(arguments);
 	if (length < 0)
 		return;
-	const std::size_t wanted = static_cast<std::size_t>(length);
-	if (wanted < sizeof buffer) {
-		text.append(buffer, wanted);
-		return;
-	}
+	text.append(made, static_cast<std::size_t>(length));
+	free(made);
+}
 
-	const std::size_t before = text.size();
-	text.resize(before + wanted);
-	va_start(arguments, format);
-	// The terminator falls on the string's own.
-	std::vsnprintf(&text[before], wanted + 1, format, arguments);
-	va_end(arguments);
+/// Appends `value` in decimal. For what has a number in every line: printf would take longer than
+/// all else of a line.
+inline void appendNumber(std::string &text, int value)
+{
+	char digits[16];
+	char *const end = digits + sizeof digits;
+	char *first = end;
+	unsigned rest = value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+	do
+		*--first = static_cast<char>('0' + rest % 10);
+	while ((rest /= 10) > 0);
+	if (value < 0)
+		*--first = '-';
+	text.append(first, static_cast<std::size_t>(end - first));
 }
 
 #endif

@@ -30,7 +30,7 @@ PsSnapshot parsePsSnapshot(FILE *stream)
 		}
 		PsEntry &row = snapshot.rows.emplace_back();
 		row.text = translate(line);
-		appendFormatted(row.pid, "%d", pid);
+		appendNumber(row.pid, pid);
 	}
 	return snapshot;
 }

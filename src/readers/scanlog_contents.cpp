@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -17,10 +18,12 @@ constexpr std::size_t pieceLength = 46;
 constexpr std::size_t firstPiece = 1;
 constexpr std::size_t secondPiece = 46;
 
-void addEntry(ScanLogContents &contents, int number, const char *text, const char *line)
+void addEntry(ScanLogContents &contents, int number, std::string_view text, std::string_view line)
 {
 	ScanLogEntry &entry = contents.entries.emplace_back();
-	appendFormatted(entry.text, "%d %s", number, text);
+	appendNumber(entry.text, number);
+	entry.text.append(" ", 1);
+	entry.text += text;
 	entry.line = line;
 }
 
@@ -47,18 +50,15 @@ ScanLogContents parseScanLog(FILE *stream, const char *path)
 	ScanLogContents contents = {{}, {}, true};
 	// Cleared once only: the second piece of a short line shows what longer ones left behind.
 	char line[lineSize] = "";
-	char piece[lineSize] = "";
 
 	for (int number = 0; fgets(line, lineLimit, stream); ++number) {
+		const std::string_view whole = line;
 		if (!strstr(line, "start at")) {
-			addEntry(contents, number, line, line);
+			addEntry(contents, number, whole, whole);
 			continue;
 		}
-		for (const std::size_t start : {firstPiece, secondPiece}) {
-			strncat(piece, line + start, pieceLength);
-			addEntry(contents, number, piece, line);
-			piece[0] = '\0';
-		}
+		for (const std::size_t start : {firstPiece, secondPiece})
+			addEntry(contents, number, {line + start, strnlen(line + start, pieceLength)}, whole);
 	}
 	appendFormatted(contents.summary, "size of %s : %ld bytes", path, filesize(stream));
 	return contents;

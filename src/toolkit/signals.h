@@ -66,10 +66,9 @@ template <class T, class Operation> struct Member
 	Operation operation;
 };
 
-/// The same without its types, as a functor of one argument: the address of what the signal passes.
-/// The library generates its machinery once for each type of functor and signal; with one type for
-/// all of them the plugin holds it once.
-template <class R> class Call
+/// The same without its types: a call with the address of what the signal passes, for as long as the
+/// object lives.
+class Call
 {
 public:
 	/// P1: the signal's argument; void: it has none.
@@ -84,80 +83,99 @@ public:
 		return call;
 	}
 
-	R operator()(void *argument) const { return run(*this, argument); }
+	void operator()(void *argument) const { run(*this, argument); }
 
+	/// What ends the call when it ends.
 	const sigc::trackable &lifetime() const { return *target; }
 
 private:
-	template <class P1, class T, class Operation> static R runAs(const Call &call, void *argument)
+	template <class P1, class T, class Operation> static void runAs(const Call &call, void *argument)
 	{
 		T &object = *static_cast<T *>(call.object);
 		Operation operation;
 		std::memcpy(&operation, call.operation, sizeof operation);
 		if constexpr (std::is_void_v<P1>)
-			return (object.*operation)();
+			(object.*operation)();
 		else
-			return (object.*operation)(*static_cast<P1 *>(argument));
+			(object.*operation)(*static_cast<P1 *>(argument));
 	}
 
 	const sigc::trackable *target = nullptr;
 	void *object = nullptr;
 	unsigned char operation[sizeof(void (Object::*)())] = {};
-	R (*run)(const Call &, void *) = nullptr; ///< runAs() of the types that `object` and `operation` have
+	void (*run)(const Call &, void *) = nullptr; ///< runAs() of the types that `object` and `operation` have
+};
+
+/// What all signals have in common. It is the host's, as the 1.x library is, so that the machinery
+/// of signals is not in every plugin as well.
+class __attribute__((visibility("default"))) SignalBase
+{
+public:
+	SignalBase(const SignalBase &) = delete;
+	SignalBase &operator=(const SignalBase &) = delete;
+
+protected:
+	SignalBase();
+	~SignalBase();
+
+	Connection add(const Call &call);
+
+	/// Runs the calls with the address of the argument, null for none.
+	void run(void *argument) const;
+
+private:
+	sigc::signal<void(void *)> calls;
 };
 
 /// Something to call without an argument, or with one of type P1, for as long as its object lives.
+/// Like the toolkit's signals, it returns nothing: R is void.
 template <class R> class Slot0
 {
 public:
 	template <class T, class Operation>
-	Slot0(const Member<T, Operation> &member) : call(Call<R>::template to<void>(member))
+	Slot0(const Member<T, Operation> &member) : call(Call::to<void>(member))
 	{
+		static_assert(std::is_void_v<R>);
 	}
 
 private:
 	template <class> friend class Signal0;
 
-	Call<R> call;
+	Call call;
 };
 
 template <class R, class P1> class Slot1
 {
 public:
 	template <class T, class Operation>
-	Slot1(const Member<T, Operation> &member) : call(Call<R>::template to<P1>(member))
+	Slot1(const Member<T, Operation> &member) : call(Call::to<P1>(member))
 	{
+		static_assert(std::is_void_v<R>);
 	}
 
 private:
 	template <class, class> friend class Signal1;
 
-	Call<R> call;
+	Call call;
 };
 
 /// A signal without an argument. `connect` adds a slot, `emit` or a call runs the slots in the order
 /// of their connection; destroying the signal ends its connections.
-template <class R> class Signal0
+template <class R> class Signal0 : public SignalBase
 {
 public:
-	Connection connect(const Slot0<R> &slot) { return signal.connect(slot.call); }
-	R emit() const { return signal.emit(nullptr); }
-	R operator()() const { return emit(); }
-
-private:
-	sigc::signal<R(void *)> signal;
+	Connection connect(const Slot0<R> &slot) { return add(slot.call); }
+	void emit() const { run(nullptr); }
+	void operator()() const { emit(); }
 };
 
 /// A signal with one argument of type P1.
-template <class R, class P1> class Signal1
+template <class R, class P1> class Signal1 : public SignalBase
 {
 public:
-	Connection connect(const Slot1<R, P1> &slot) { return signal.connect(slot.call); }
-	R emit(P1 argument) const { return signal.emit(&argument); }
-	R operator()(P1 argument) const { return emit(argument); }
-
-private:
-	sigc::signal<R(void *)> signal;
+	Connection connect(const Slot1<R, P1> &slot) { return add(slot.call); }
+	void emit(P1 argument) const { run(&argument); }
+	void operator()(P1 argument) const { emit(argument); }
 };
 
 /// A slot that calls `operation` on `object`, for as long as `object` lives.
@@ -173,15 +191,6 @@ Member<T, R (Base::*)(P1)> slot(T &object, R (Base::*operation)(P1))
 }
 
 } // namespace SigC
-
-/// Tells the library whose end ends a slot.
-template <class R> struct sigc::visitor<SigC::Call<R>>
-{
-	template <class Action> static void do_visit_each(const Action &action, const SigC::Call<R> &call)
-	{
-		action(call.lifetime());
-	}
-};
 
 #endif
 

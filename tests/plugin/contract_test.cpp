@@ -10,6 +10,7 @@
 #include <cxxabi.h>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -49,14 +50,21 @@ public:
 			symbols[name] = {address, std::stoull(size, nullptr, 0)};
 			names[address].insert(name);
 		}
+		const std::map<uint64_t, uint64_t> words = relocatedWords(path);
 		for (const std::string &line : readelf("-r", path)) {
-			// offset  info  type  value  name + addend, or: offset  info  type  addend
-			std::istringstream words(line);
+			// offset  info  type  value  name + addend, or: offset  info  type  addend, or, packed: offset
+			std::istringstream columns(line);
 			std::string offset, info, type, a, name, plus, addend;
-			if (!(words >> offset >> info >> type >> a) || type.rfind("R_", 0) != 0)
+			columns >> offset >> info >> type >> a;
+			if (info.empty() && offset.size() == 2 * sizeof(void *)) {
+				const auto word = words.find(std::stoull(offset, nullptr, 16));
+				if (word != words.end() && names.count(word->second))
+					targets[word->first] = names[word->second];
+			}
+			if (type.rfind("R_", 0) != 0)
 				continue;
 			const uint64_t place = std::stoull(offset, nullptr, 16);
-			if (words >> name >> plus >> addend) {
+			if (columns >> name >> plus >> addend) {
 				targets[place] = {name.substr(0, name.find('@'))};
 			} else {
 				const uint64_t address = std::stoull(a, nullptr, 16);
@@ -124,6 +132,31 @@ public:
 	}
 
 private:
+	/// The words of the section that holds the tables: address to content. A packed relocation says
+	/// where a pointer stands; what it points to stands there.
+	static std::map<uint64_t, uint64_t> relocatedWords(const std::string &path)
+	{
+		std::map<uint64_t, uint64_t> result;
+		const std::string bytes = support::readFile(path);
+		for (const std::string &line : readelf("-S", path)) {
+			const size_t section = line.find("] .data.rel.ro");
+			if (section == std::string::npos)
+				continue;
+			std::istringstream columns(line.substr(section + 2));
+			std::string name, type, address, offset, size;
+			columns >> name >> type >> address >> offset >> size;
+			const uint64_t start = std::stoull(address, nullptr, 16);
+			const uint64_t length = std::stoull(size, nullptr, 16);
+			const uint64_t from = std::stoull(offset, nullptr, 16);
+			for (uint64_t at = 0; at + sizeof(uint64_t) <= length; at += sizeof(uint64_t)) {
+				uint64_t word = 0;
+				std::memcpy(&word, bytes.data() + from + at, sizeof word);
+				result[start + at] = word;
+			}
+		}
+		return result;
+	}
+
 	std::map<std::string, std::pair<uint64_t, uint64_t>> symbols; ///< name: address, size
 	std::map<uint64_t, std::set<std::string>> names;
 	std::map<uint64_t, std::set<std::string>> targets; ///< address of a pointer: what it points to

@@ -28,6 +28,8 @@ public:
 		setFocus(list);
 	}
 
+	~Page() override { delete removed; }
+
 	void chosen(eListBoxEntryText *entry)
 	{
 		if (entry) {

@@ -1,0 +1,548 @@
+// Every source of the plugin's information with every fault: all screens open, show what is left,
+// and the menu comes back.
+//
+// faults_test --list prints the table for the documentation.
+
+#include "models.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+
+using support::Json;
+using support::Play;
+using support::play;
+using support::Receiver;
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+enum class Kind
+{
+	file,
+	command,
+	varTmp
+};
+
+struct Source
+{
+	const char *name;
+	const char *title;
+	Kind kind;
+	const char *path; ///< below the receiver's folder
+	const char *temporary; ///< commands: where their output goes
+};
+
+constexpr Source sources[] = {
+	{"meminfo", "`/proc/meminfo`", Kind::file, "proc/meminfo", nullptr},
+	{"mtd", "`/proc/mtd`", Kind::file, "proc/mtd", nullptr},
+	{"scanlog", "the scan log", Kind::file, "var/scaning.log", nullptr},
+	{"ps", "`ps`", Kind::command, "bin/ps", "/var/tmp/ps.tmp"},
+	{"df", "`df`", Kind::command, "bin/df", "/var/tmp/df.tmp"},
+	{"var_tmp", "`/var/tmp`", Kind::varTmp, nullptr, nullptr},
+};
+
+const Source &source(const std::string &name)
+{
+	for (const Source &one : sources)
+		if (name == one.name)
+			return one;
+	throw std::logic_error("no source " + name);
+}
+
+// What each source holds or prints in health: longer than what a full disk takes.
+const std::map<std::string, std::string> healthy = {
+	{"meminfo",
+	 "MemTotal:      62092 kB\nMemFree:        4404 kB\nMemShared:         0 kB\n"
+	 "Buffers:         480 kB\nCached:        26120 kB\nSwapCached:        0 kB\n"
+	 "Active:        13836 kB\nInactive:      21372 kB\nHighTotal:         0 kB\n"
+	 "HighFree:          0 kB\nLowTotal:      62092 kB\nSwapTotal:         0 kB\n"},
+	{"mtd",
+	 "dev:    size   erasesize  name\n"
+	 "mtd0: 007c0000 00020000 \"root\"\n"
+	 "mtd1: 00020000 00020000 \"boot loader\"\n"
+	 "mtd2: 00800000 00020000 \"whole flash\"\n"},
+	{"scanlog", "scan of 19.2 east\ntransponder 1\nstart at 21:14:07\n  found 24 services\nend\n"},
+	{"ps",
+	 "  PID USER COMMAND\n    1 root init\n   17 root with many arguments " + std::string(200, 'x') +
+		 "\n   18 root another one " + std::string(300, 'y') + "\n  123 root last\n"},
+	{"df",
+	 "Filesystem                Size      Used Available Use% Mounted on\n"
+	 "/dev/root                 7.8M      3.1M      4.7M  40% /\n"
+	 "tmpfs                    30.2M      4.0K     30.2M   0% /tmp\n"
+	 "/dev/sda1               149.0G    112.6G     36.4G  76% /media/hdd\n"
+	 "/dev/" + std::string(300, 'd') + " 1.0G 0 1.0G 0% /mnt/" + std::string(200, 'm') + "\n"
+	 "none                      9.0T         0      9.0T   0% /mnt/last\n"},
+};
+
+constexpr size_t diskBlock = 512; // the shell's unit of ulimit -f
+
+/// A receiver of whose sources one is about to be spoilt, and what then still reaches the plugin.
+struct Setting
+{
+	Receiver receiver;
+	std::string varTmp = receiver / "private/tmp";
+	std::map<std::string, std::string> environment;
+	bool dropRights = false; ///< for the superuser: go without the right to open everything
+
+	std::map<std::string, std::optional<std::string>> bytes; ///< nothing: it does not open
+	long logSize = 0;
+
+	Setting()
+	{
+		fs::create_directories(varTmp);
+		for (const auto &[name, content] : healthy) {
+			bytes[name] = content;
+			if (source(name).kind == Kind::file)
+				receiver.write(source(name).path, content);
+			else
+				print(source(name), content);
+		}
+		logSize = static_cast<long>(healthy.at("scanlog").size());
+		// Nothing but the receiver's own commands is there to be found.
+		environment["PATH"] = "/nonexistent";
+		environment["LD_PRELOAD"] = TEST_DISK_FAULTS;
+		environment["DISK_FAULTS_VAR_TMP"] = varTmp;
+		const char *options = std::getenv("ASAN_OPTIONS");
+		environment["ASAN_OPTIONS"] =
+			(options ? std::string(options) + ':' : "") + "verify_asan_link_order=0";
+	}
+
+	std::string place(const Source &of) const { return receiver / of.path; }
+
+	/// The command becomes a shell script.
+	void script(const Source &command, const std::string &lines) const
+	{
+		receiver.write(command.path, "#!/bin/sh\n" + lines, true);
+	}
+
+	/// The command prints `content`; `before` and `after` are lines of its script.
+	void print(const Source &command, const std::string &content, const std::string &before = "",
+		const std::string &after = "") const
+	{
+		const std::string output = receiver.write(std::string("output/") + command.name, content);
+		script(command, before + "/bin/cat '" + output + "'\n" + after);
+	}
+
+	/// Reading breaks off in the middle of the last line.
+	void breakReading(const Source &of, const std::string &path)
+	{
+		const std::string content = healthy.at(of.name);
+		const size_t lastLine = content.rfind('\n', content.size() - 2) + 1;
+		std::string &paths = environment["DISK_FAULTS_BREAK"];
+		paths += (paths.empty() ? "" : ":") + path;
+		// The same for every path: so it suits the shortest.
+		std::string &after = environment["DISK_FAULTS_AFTER"];
+		const size_t middle = lastLine + 5;
+		const size_t most = after.empty() ? middle : std::min<size_t>(std::stoul(after), middle);
+		after = std::to_string(most);
+		for (auto &[name, left] : bytes) {
+			const Source &one = source(name);
+			if (paths.find(one.temporary ? one.temporary : place(one)) != paths.npos)
+				left = healthy.at(name).substr(0, healthy.at(name).rfind('\n', most) + 1);
+		}
+	}
+};
+
+void remove(const Setting &setting, const Source &of)
+{
+	fs::remove(setting.place(of));
+}
+
+/// Of one kind of source with one fault: what is done, as the documentation words it.
+struct Cell
+{
+	const char *what; ///< without `arrange`: why there is nothing to do
+	void (*arrange)(Setting &, const Source &) = nullptr;
+};
+
+struct Fault
+{
+	const char *name;
+	const char *title;
+	Cell file, command, varTmp;
+
+	const Cell &cell(Kind kind) const
+	{
+		return kind == Kind::file ? file : kind == Kind::command ? command : varTmp;
+	}
+};
+
+const Cell noCommand = {"no command makes it"};
+const Cell runsNothing = {"it runs nothing"};
+
+const Fault faults[] = {
+	{"missing", "missing",
+	 {"there is no such file",
+	  [](Setting &setting, const Source &file) {
+		  remove(setting, file);
+		  setting.bytes[file.name] = std::nullopt;
+	  }},
+	 {"its output is gone before it is read",
+	  [](Setting &setting, const Source &command) {
+		  const std::string name = fs::path(command.temporary).filename();
+		  const std::string removing = "/bin/rm '" + setting.varTmp + "/" + name + "'\n";
+		  setting.print(command, healthy.at(command.name), "", removing);
+		  setting.bytes[command.name] = std::nullopt;
+	  }},
+	 {"there is no such folder",
+	  [](Setting &setting, const Source &) {
+		  fs::remove(setting.varTmp);
+		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
+	  }}},
+
+	{"no_rights", "no rights",
+	 {"nobody may read it",
+	  [](Setting &setting, const Source &file) {
+		  chmod(setting.place(file).c_str(), 0);
+		  setting.dropRights = true;
+		  setting.bytes[file.name] = std::nullopt;
+	  }},
+	 {"nobody may execute it",
+	  [](Setting &setting, const Source &command) {
+		  chmod(setting.place(command).c_str(), 0644);
+		  setting.bytes[command.name] = "";
+	  }},
+	 {"files that nobody may open are in the place of both files in it",
+	  [](Setting &setting, const Source &) {
+		  for (const char *name : {"ps.tmp", "df.tmp"})
+			  chmod(setting.receiver.write(std::string("private/tmp/") + name, "left over\n").c_str(), 0);
+		  setting.dropRights = true;
+		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
+	  }}},
+
+	{"folder", "folder",
+	 {"a folder is in its place",
+	  [](Setting &setting, const Source &file) {
+		  remove(setting, file);
+		  fs::create_directory(setting.place(file));
+		  setting.bytes[file.name] = "";
+		  // Where a folder ends, its file system decides.
+		  FILE *folder = fopen(setting.place(file).c_str(), "r");
+		  ASSERT_NE(folder, nullptr);
+		  fseek(folder, 0, SEEK_END);
+		  if (std::string(file.name) == "scanlog")
+			  setting.logSize = ftell(folder);
+		  fclose(folder);
+	  }},
+	 {"a folder is in its place",
+	  [](Setting &setting, const Source &command) {
+		  remove(setting, command);
+		  fs::create_directory(setting.place(command));
+		  setting.bytes[command.name] = "";
+	  }},
+	 {"folders are in the place of both files in it",
+	  [](Setting &setting, const Source &) {
+		  fs::create_directory(setting.varTmp + "/ps.tmp");
+		  fs::create_directory(setting.varTmp + "/df.tmp");
+		  setting.bytes["ps"] = setting.bytes["df"] = "";
+	  }}},
+
+	{"empty", "empty",
+	 {"it has no byte",
+	  [](Setting &setting, const Source &file) {
+		  setting.receiver.write(file.path, "");
+		  setting.bytes[file.name] = "";
+		  if (std::string(file.name) == "scanlog")
+			  setting.logSize = 0;
+	  }},
+	 {"an executable file without a byte",
+	  [](Setting &setting, const Source &command) {
+		  setting.receiver.write(command.path, "", true);
+		  setting.bytes[command.name] = "";
+	  }},
+	 {"so it is in health"}},
+
+	{"read_error", "read error part-way",
+	 {"EIO in the middle of the last line",
+	  [](Setting &setting, const Source &file) { setting.breakReading(file, setting.place(file)); }},
+	 {"EIO in the middle of the last line of its output",
+	  [](Setting &setting, const Source &command) { setting.breakReading(command, command.temporary); }},
+	 {"EIO in both files in it",
+	  [](Setting &setting, const Source &) {
+		  for (const char *name : {"ps", "df"})
+			  setting.breakReading(source(name), source(name).temporary);
+	  }}},
+
+	{"full_disk", "full disk while the command writes",
+	 noCommand,
+	 {"only its first 512 bytes can be written",
+	  [](Setting &setting, const Source &command) {
+		  setting.print(command, healthy.at(command.name), "trap '' XFSZ\nulimit -f 1\n");
+		  setting.bytes[command.name] = healthy.at(command.name).substr(0, diskBlock);
+	  }},
+	 {"not a byte of either command can be written",
+	  [](Setting &setting, const Source &) {
+		  for (const char *name : {"ps", "df"}) {
+			  setting.print(source(name), healthy.at(name), "trap '' XFSZ\nulimit -f 0\n");
+			  setting.bytes[name] = "";
+		  }
+	  }}},
+
+	{"fails", "a command that fails",
+	 noCommand,
+	 {"it prints two lines, an error, and ends with status 1",
+	  [](Setting &setting, const Source &command) {
+		  const std::string &all = healthy.at(command.name);
+		  const std::string two = all.substr(0, all.find('\n', all.find('\n') + 1) + 1);
+		  setting.print(command, two, "", "echo it went wrong >&2\nexit 1\n");
+		  setting.bytes[command.name] = two;
+	  }},
+	 runsNothing},
+
+	{"megabytes", "prints megabytes",
+	 {"it is over two megabytes long",
+	  [](Setting &setting, const Source &file) {
+		  const std::string &one = healthy.at(file.name);
+		  const std::string all = support::repeat(one, static_cast<int>((2 << 20) / one.size()) + 1);
+		  setting.receiver.write(file.path, all);
+		  setting.bytes[file.name] = all;
+		  if (std::string(file.name) == "scanlog")
+			  setting.logSize = static_cast<long>(all.size());
+	  }},
+	 {"over two megabytes",
+	  [](Setting &setting, const Source &command) {
+		  const std::string &one = healthy.at(command.name);
+		  const std::string all = support::repeat(one, static_cast<int>((2 << 20) / one.size()) + 1);
+		  setting.print(command, all);
+		  setting.bytes[command.name] = all;
+	  }},
+	 runsNothing},
+
+	{"nothing", "prints nothing",
+	 noCommand,
+	 {"it ends well without a word",
+	  [](Setting &setting, const Source &command) {
+		  setting.script(command, "exit 0\n");
+		  setting.bytes[command.name] = "";
+	  }},
+	 runsNothing},
+
+	{"no_command", "does not exist",
+	 noCommand,
+	 {"the PATH has no such command",
+	  [](Setting &setting, const Source &command) {
+		  remove(setting, command);
+		  setting.bytes[command.name] = "";
+	  }},
+	 runsNothing},
+};
+
+// The moments of the one play that opens every screen.
+const char *const keys = "ok exit down ok exit down ok exit down ok green exit";
+constexpr size_t processes = 1, memory = 4, scanLog = 7, systemInfo = 10, afterwards = 12;
+constexpr size_t menus[] = {0, 2, 3, 5, 6, 8, 9, 11};
+
+const char *const list = "eListBox<eListBoxEntryText>";
+
+std::string label(const Play &run, size_t moment, size_t nth)
+{
+	const Json &widget = run.widget(moment, "eLabel", nth);
+	return widget.value("text", "there is no such label");
+}
+
+/// Compares without printing megabytes.
+void expectText(const std::string &shown, const std::string &wanted, const char *what)
+{
+	if (shown == wanted)
+		return;
+	const size_t at = static_cast<size_t>(
+		std::mismatch(shown.begin(), shown.end(), wanted.begin(), wanted.end()).first - shown.begin());
+	ADD_FAILURE() << what << " is wrong from byte " << at << " on: \"" << shown.substr(at, 200)
+	              << "\" instead of \"" << wanted.substr(at, 200) << '"';
+}
+
+template <class Entries> void expectList(const Play &run, size_t moment, const Entries &wanted)
+{
+	const Json &box = run.widget(moment, list);
+	EXPECT_EQ(box.at("count"), wanted.size());
+	const Json &rows = box.at("rows");
+	ASSERT_GE(rows.size(), std::min<size_t>(wanted.size(), 15)) << "the first rows are on the screen";
+	ASSERT_LE(rows.size(), wanted.size());
+	for (size_t row = 0; row < rows.size(); ++row)
+		expectText(rows[row].template get<std::string>(), wanted[row].text, "a row");
+}
+
+void expectScreens(const Play &run, const Setting &setting)
+{
+	const auto bytes = [&](const char *name) { return setting.bytes.at(name).value_or(""); };
+
+	EXPECT_EQ(run.window(processes).at("class"), "ePsDialog");
+	const PsSnapshot ps = modelPs(bytes("ps"));
+	expectText(label(run, processes, 0), ps.header, "the heading of the process list");
+	expectList(run, processes, ps.rows);
+
+	EXPECT_EQ(run.window(memory).at("class"), "eMemInfoDialog");
+	const MemInfoColumns meminfo = modelMemInfo(bytes("meminfo"));
+	expectText(label(run, memory, 0), meminfo.names, "the column of names");
+	expectText(label(run, memory, 1), meminfo.values, "the column of values");
+
+	EXPECT_EQ(run.window(scanLog).at("class"), "eScanLogDialog");
+	ScanLogContents log = modelScanLog(bytes("scanlog"), "/var/scaning.log");
+	log.summary = setting.bytes.at("scanlog")
+		? "size of /var/scaning.log : " + std::to_string(setting.logSize) + " bytes"
+		: "file \"/var/scaning.log\" not found";
+	expectText(label(run, scanLog, 0), log.summary, "the line under the scan log");
+	expectList(run, scanLog, log.entries);
+
+	EXPECT_EQ(run.window(systemInfo).at("class"), "eSysInfDialog");
+	const MtdColumns mtd = modelMtd(bytes("mtd"));
+	const MountColumns mounts = modelMounts(bytes("df"));
+	const std::string wanted[] = {"MTD blocks:", mtd.dev, mtd.size, mtd.erasesize, mtd.name, "Mounts:\n\n",
+		mounts.filesystem, mounts.usage};
+	for (size_t i = 0; i < std::size(wanted); ++i)
+		expectText(label(run, systemInfo, i), wanted[i], "a label of the system info");
+}
+
+Play playAll(const Setting &setting)
+{
+	if (setting.dropRights && geteuid() == 0) {
+		// A program that is started from now on has not the superuser's right to open everything.
+		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE), 0) << std::strerror(errno);
+		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH), 0) << std::strerror(errno);
+	}
+	// Whatever a play leaves running becomes this process's child.
+	EXPECT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+	const Play run = play(setting.receiver.path(), keys, {}, setting.environment);
+	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left";
+	EXPECT_EQ(errno, ECHILD);
+	return run;
+}
+
+void expectGoodEnd(const Play &run, const Setting &setting)
+{
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n");
+	for (const size_t moment : menus) {
+		ASSERT_EQ(run.moments[moment].at("windows").size(), 1u);
+		EXPECT_EQ(run.window(moment).at("class"), "eVexloMenu") << "after key number " << moment;
+	}
+	EXPECT_TRUE(run.moments[afterwards].at("windows").empty());
+	if (fs::exists(setting.varTmp)) {
+		EXPECT_TRUE(fs::is_empty(setting.varTmp)) << "something is left in /var/tmp";
+	}
+}
+
+struct Case
+{
+	const Source *source;
+	const Fault *fault;
+
+	friend std::ostream &operator<<(std::ostream &out, const Case &one)
+	{
+		return out << one.source->title << ", " << one.fault->title << ": "
+				   << one.fault->cell(one.source->kind).what;
+	}
+};
+
+std::vector<Case> cases()
+{
+	std::vector<Case> all;
+	for (const Source &one : sources)
+		for (const Fault &fault : faults)
+			if (fault.cell(one.kind).arrange)
+				all.push_back({&one, &fault});
+	return all;
+}
+
+/// The table as the documentation has it.
+std::string table()
+{
+	const auto titles = [](Kind kind) {
+		std::string text;
+		for (const Source &one : sources)
+			if (one.kind == kind)
+				text += (text.empty() ? "" : ", ") + std::string(one.title);
+		return text;
+	};
+	const auto text = [](const Cell &cell) {
+		const std::string what = cell.what;
+		return cell.arrange ? what : "— (" + what + ')';
+	};
+	std::string lines = "| fault | " + titles(Kind::file) + " | " + titles(Kind::command) + " | " +
+		titles(Kind::varTmp) + " |\n|---|---|---|---|\n";
+	for (const Fault &fault : faults)
+		lines += "| " + std::string(fault.title) + " | " + text(fault.file) + " | " + text(fault.command) +
+			" | " + text(fault.varTmp) + " |\n";
+	const size_t count = std::size(sources) * std::size(faults);
+	const size_t played = cases().size();
+	return lines + "\n" + std::to_string(std::size(sources)) + " sources and " +
+		std::to_string(std::size(faults)) + " faults make " + std::to_string(count) + " pairs: " +
+		std::to_string(played) + " are plays of all four screens, " + std::to_string(count - played) +
+		" cannot be (—).\n";
+}
+
+class Faults : public testing::TestWithParam<Case>
+{
+};
+
+TEST_P(Faults, should_leave_every_screen_to_be_opened_and_left)
+{
+	Setting setting;
+	const auto &[spoilt, fault] = GetParam();
+	fault->cell(spoilt->kind).arrange(setting, *spoilt);
+	const Play run = playAll(setting);
+	ASSERT_EQ(run.moments.size(), afterwards + 1) << run.outcome.err;
+	expectScreens(run, setting);
+	expectGoodEnd(run, setting);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Faults, testing::ValuesIn(cases()), [](const auto &tested) {
+	return std::string(tested.param.source->name) + "_" + tested.param.fault->name;
+});
+
+TEST(Health, should_show_everything_where_nothing_is_wrong)
+{
+	Setting setting;
+	const std::string seen = setting.receiver / "seen";
+	setting.print(source("ps"), healthy.at("ps"), "echo '" + setting.varTmp + "'/* >'" + seen + "'\n");
+	const Play run = playAll(setting);
+	ASSERT_EQ(run.moments.size(), afterwards + 1) << run.outcome.err;
+	expectScreens(run, setting);
+	expectGoodEnd(run, setting);
+
+	// What the other plays take from the models, and where they keep their files.
+	EXPECT_EQ(support::readFile(seen), setting.varTmp + "/ps.tmp\n");
+	EXPECT_EQ(label(run, processes, 0), "  PID USER COMMAND\n");
+	EXPECT_EQ(run.widget(processes, list)["count"], 4);
+	EXPECT_EQ(run.widget(processes, list)["rows"][0], "    1 root init\n");
+	EXPECT_EQ(label(run, memory, 0), "HighTotal: \nHighFree:  \nLowTotal:  \nSwapTotal: \n");
+	EXPECT_EQ(label(run, memory, 1), "0 KB\n0 KB\n62092 KB\n0 KB\n");
+	EXPECT_EQ(run.widget(scanLog, list)["rows"],
+		Json({"0 scan of 19.2 east\n", "1 transponder 1\n", "2 tart at 21:14:07\n", "2 ",
+			"3   found 24 services\n", "4 end\n"}));
+	EXPECT_EQ(label(run, scanLog, 0), "size of /var/scaning.log : 74 bytes");
+	EXPECT_EQ(label(run, systemInfo, 1), "dev:\nmtd0:\nmtd1:\nmtd2:\n");
+}
+
+TEST(Table, should_be_in_the_documentation)
+{
+	EXPECT_NE(support::readFile(support::sourcePath("docs/testing.md")).find(table()), std::string::npos)
+		<< "docs/testing.md needs what faults_test --list prints:\n"
+		<< table();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+	testing::InitGoogleTest(&argc, argv);
+	if (argc == 2 && std::string(argv[1]) == "--list") {
+		std::cout << table();
+		return 0;
+	}
+	return RUN_ALL_TESTS();
+}

@@ -1,0 +1,45 @@
+// Skin files: a usable skin or one clear line, whatever the bytes.
+
+#include "skin.h"
+#include "target.h"
+
+#include <algorithm>
+
+namespace
+{
+
+bool isOneCleanLine(const std::string &text)
+{
+	return std::none_of(text.begin(), text.end(), [](char c) {
+		const unsigned char byte = static_cast<unsigned char>(c);
+		return byte < ' ' || byte == 0x7f;
+	});
+}
+
+void requireUsable(const desk::Decoration &look)
+{
+	fuzz::require(look.padding >= 0 && look.padding <= 200, "a padding is out of bounds");
+	for (const auto &fill : {look.background, look.focused})
+		fuzz::require(!fill || (fill->radius >= 0 && fill->radius <= 100), "a radius is out of bounds");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+	std::string error;
+	const auto skin = desk::Skin::parse(fuzz::text(data, size), "fuzzed\n.toml", error);
+	if (!skin) {
+		fuzz::require(!error.empty() && isOneCleanLine(error), "the error is no clean line");
+		fuzz::require(error.find("fuzzed") != std::string::npos, "the error does not name the file");
+		return 0;
+	}
+	fuzz::require(error.empty(), "there is an error although the skin was taken");
+	if (const auto fontSize = skin->value("fontsize"))
+		fuzz::require(*fontSize >= 1 && *fontSize <= 200, "the font size is out of bounds");
+	const int radius = skin->window.radius;
+	fuzz::require(radius >= 0 && radius <= 100, "the window's radius is out of bounds");
+	for (const char *name : {"eLabel", "eButton", "eListBox", "no such"})
+		requireUsable(skin->decoration(name));
+	return 0;
+}

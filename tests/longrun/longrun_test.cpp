@@ -1,0 +1,307 @@
+// What a receiver that is never switched off sees: the same screens, opened over and over, and the
+// plugin loaded and unloaded. Nothing may grow, and nothing may be left.
+
+#include "app.h"
+#include "desk.h"
+#include "files.h"
+#include "plugin.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <malloc.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#if defined(__SANITIZE_ADDRESS__)
+// GCC brings the function without its header.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
+#endif
+
+using desk::Desk;
+using desk::Files;
+using desk::Key;
+using desk::Plugin;
+using support::Receiver;
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr size_t openings = VEXLO_OPENINGS;
+constexpr int loads = VEXLO_LOADS;
+constexpr int plays = VEXLO_PLAYS;
+constexpr size_t warmUp = 10;
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr size_t slack = 0;
+#else
+// malloc counts a block 16 bytes larger when what is left beside it is too small for another one.
+// One block lost in every round would be a hundred times this.
+constexpr size_t slack = 128;
+#endif
+
+/// Bytes that are allocated and not freed.
+size_t memoryInUse()
+{
+#if defined(__SANITIZE_ADDRESS__)
+	return __sanitizer_get_current_allocated_bytes();
+#else
+	const struct mallinfo2 info = mallinfo2();
+	return info.uordblks + info.hblkhd;
+#endif
+}
+
+size_t openFiles()
+{
+	const fs::directory_iterator files("/proc/self/fd");
+	return static_cast<size_t>(std::distance(begin(files), end(files))) - 1; // the iterator's own
+}
+
+/// What a process holds at one moment.
+struct Standing
+{
+	size_t memory = memoryInUse();
+	size_t files = openFiles();
+
+	/// Nothing has been gained or lost.
+	friend bool operator==(const Standing &a, const Standing &b)
+	{
+		const auto [less, more] = std::minmax(a.memory, b.memory);
+		return more - less <= slack && a.files == b.files;
+	}
+	friend std::ostream &operator<<(std::ostream &out, const Standing &standing)
+	{
+		return out << standing.memory << " bytes and " << standing.files << " files";
+	}
+};
+
+/// Whatever runs below this process ends up as its child; so nothing may be left when it looks.
+void adoptOrphans()
+{
+	ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+}
+
+void expectNothingLeft()
+{
+	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left, running or not waited for";
+	EXPECT_EQ(errno, ECHILD);
+	for (const char *file : {"/var/tmp/ps.tmp", "/var/tmp/df.tmp"})
+		EXPECT_FALSE(support::exists(file)) << file;
+}
+
+/// A receiver whose commands cost little but are real.
+struct SmallReceiver : Receiver
+{
+	SmallReceiver()
+	{
+		meminfo(support::readFile(support::sourcePath("samples/receiver/proc/meminfo")));
+		mtd(support::readFile(support::sourcePath("samples/receiver/proc/mtd")));
+		scanLog(support::readFile(support::sourcePath("samples/receiver/var/scaning.log")));
+		write("bin/ps", "#!/bin/sh\necho '  PID USER COMMAND\n    1 root init\n  123 root telnetd'\n", true);
+		write("bin/df",
+			"#!/bin/sh\n"
+			"echo 'Filesystem Size Used Available Use% Mounted on\n/dev/root 7.8M 3.1M 4.7M 40% /'\n",
+			true);
+	}
+};
+
+/// A viewer who opens the current entry and leaves it again, so many times, and then the menu. How
+/// the process stands is looked at whenever the menu is back.
+class Viewer : public desk::Screen
+{
+public:
+	// What it keeps must not grow while it looks.
+	explicit Viewer(size_t rounds) : left(rounds)
+	{
+		standings.reserve(rounds + 1);
+		dialogs.reserve(2);
+	}
+
+	desk::Canvas *canvas() override { return nullptr; }
+	void present() override {}
+	void note(const std::string &) override {}
+
+	std::optional<Key> waitKey() override
+	{
+		inside = !inside;
+		if (!inside) {
+			if (++opened == 1 || left == 0)
+				dialogs.push_back(Desk::get().describe().back().at("class"));
+			return Key::exit;
+		}
+		standings.push_back(Standing());
+		if (left == 0)
+			return Key::exit;
+		--left;
+		return Key::ok;
+	}
+
+	std::vector<Standing> standings;
+	size_t opened = 0;
+	std::vector<std::string> dialogs; ///< which the first and the last opening showed
+
+private:
+	size_t left;
+	bool inside = false;
+};
+
+struct Entry
+{
+	const char *name;
+	int number;
+	const char *dialog;
+
+	friend std::ostream &operator<<(std::ostream &out, const Entry &entry) { return out << entry.name; }
+};
+
+class Openings : public testing::TestWithParam<Entry>
+{
+};
+
+TEST_P(Openings, should_leave_the_process_as_it_was)
+{
+	adoptOrphans();
+	const SmallReceiver receiver;
+	std::string error;
+	ASSERT_TRUE(Files::get().setRoot(receiver.path(), error)) << error;
+
+	Viewer *viewer = new Viewer(openings);
+	Desk &desk = Desk::get();
+	desk.setScreen(std::unique_ptr<desk::Screen>(viewer));
+	const std::unique_ptr<Plugin> plugin = Plugin::load(support::pluginPath(), error);
+	ASSERT_TRUE(plugin) << error;
+	desk.press(std::vector<Key>(static_cast<size_t>(GetParam().number), Key::down));
+	desk.beginPlay();
+	EXPECT_EQ(plugin->exec(), -1);
+	desk.endPlay();
+
+	EXPECT_EQ(viewer->opened, openings);
+	EXPECT_EQ(viewer->dialogs, std::vector<std::string>(2, GetParam().dialog));
+	ASSERT_EQ(viewer->standings.size(), openings + 1);
+	const Standing &first = viewer->standings[warmUp];
+	const auto other = std::find_if(viewer->standings.begin() + warmUp, viewer->standings.end(),
+		[&](const Standing &one) { return !(one == first); });
+	if (other != viewer->standings.end()) {
+		ADD_FAILURE() << "after " << warmUp << " openings " << first << " were in use, after "
+		              << other - viewer->standings.begin() << " " << *other << ", after " << openings << ' '
+		              << viewer->standings.back();
+	}
+	expectNothingLeft();
+	printf("%zu openings: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", openings,
+		first.memory, first.files, warmUp, viewer->standings.back().memory, viewer->standings.back().files);
+	desk.setScreen(nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Openings,
+	testing::Values(Entry{"process_info", 0, "ePsDialog"}, Entry{"memory_info", 1, "eMemInfoDialog"},
+		Entry{"scan_log", 2, "eScanLogDialog"}, Entry{"system_info", 3, "eSysInfDialog"}),
+	[](const auto &tested) { return std::string(tested.param.name); });
+
+/// Whether any piece of the plugin is mapped.
+bool isMapped()
+{
+	std::ifstream maps("/proc/self/maps");
+	const std::string name = fs::path(support::pluginPath()).filename();
+	for (std::string line; std::getline(maps, line);)
+		if (line.find(name) != line.npos)
+			return true;
+	return false;
+}
+
+TEST(Loading, should_leave_nothing_of_the_plugin_behind)
+{
+	Desk &desk = Desk::get();
+	desk.setScreen(std::make_unique<Viewer>(0));
+	std::optional<Standing> first;
+	for (int load = 1; load <= loads; ++load) {
+		std::string error;
+		std::unique_ptr<Plugin> plugin = Plugin::load(support::pluginPath(), error);
+		ASSERT_TRUE(plugin) << error;
+		ASSERT_TRUE(isMapped());
+		desk.press({Key::exit});
+		desk.beginPlay();
+		ASSERT_EQ(plugin->exec(), -1);
+		desk.endPlay();
+		plugin.reset();
+		ASSERT_EQ(dlopen(support::pluginPath().c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr)
+			<< "after load " << load;
+		ASSERT_FALSE(isMapped()) << "after load " << load;
+		if (load == static_cast<int>(warmUp))
+			first.emplace();
+	}
+	const Standing last;
+	EXPECT_EQ(last, *first);
+	printf("%d loads: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", loads,
+		first->memory, first->files, warmUp, last.memory, last.files);
+	desk.setScreen(nullptr);
+}
+
+/// How a process stands that has run the desk host with --plays `times`, all screens opened in each.
+Standing afterPlays(int times, const std::string &root)
+{
+	int ends[2];
+	EXPECT_EQ(pipe(ends), 0);
+	const pid_t child = fork();
+	if (child == 0) {
+		const int quiet = ::open("/dev/null", O_RDWR);
+		dup2(quiet, STDOUT_FILENO);
+		dup2(quiet, STDERR_FILENO);
+		close(quiet);
+		const std::string number = std::to_string(times), plugin = support::pluginPath(),
+						  skin = support::sourcePath("desk/skins/default.toml");
+		const char *arguments[] = {"deskhost", "--screen", "none", "--root", root.c_str(), "--plugin",
+			plugin.c_str(), "--skin", skin.c_str(), "--plays", number.c_str(), "--keys",
+			"ok exit down ok exit down ok exit down ok green exit", nullptr};
+		const int count = static_cast<int>(std::size(arguments)) - 1;
+		const int status = desk::runApp(count, const_cast<char **>(arguments));
+		const Standing standing;
+		const bool told = write(ends[1], &standing, sizeof standing) == static_cast<ssize_t>(sizeof standing);
+		_exit(told ? status : 99);
+	}
+	close(ends[1]);
+	Standing standing;
+	EXPECT_EQ(read(ends[0], &standing, sizeof standing), static_cast<ssize_t>(sizeof standing));
+	close(ends[0]);
+	int status = -1;
+	EXPECT_EQ(waitpid(child, &status, 0), child);
+	EXPECT_EQ(status, 0);
+	return standing;
+}
+
+TEST(Plays, should_end_with_the_same_memory_however_many_there_were)
+{
+	adoptOrphans();
+	const SmallReceiver receiver;
+	const Standing few = afterPlays(static_cast<int>(warmUp), receiver.path());
+	const Standing many = afterPlays(plays, receiver.path());
+	EXPECT_EQ(many, few);
+	expectNothingLeft();
+	printf("--plays: %zu bytes and %zu files in use after %zu, %zu and %zu after %d\n", few.memory, few.files,
+		warmUp, many.memory, many.files, plays);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+	// Memory that malloc keeps at hand counts as in use; so it is to keep none, which it must know
+	// from the start.
+	if (!std::getenv("GLIBC_TUNABLES")) {
+		setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0", 1);
+		execv("/proc/self/exe", argv);
+		return 1;
+	}
+	testing::InitGoogleTest(&argc, argv);
+	return RUN_ALL_TESTS();
+}

@@ -1,0 +1,20 @@
+#!/bin/sh
+# Holds the plugin, as a receiver would get it, to its limits. Arguments: the plugin, strip, size.
+set -eu
+
+stripped=$(mktemp)
+trap 'rm -f "$stripped"' EXIT
+"$2" -o "$stripped" "$1"
+bytes=$(wc -c <"$stripped")
+text=$("$3" "$stripped" | awk 'NR == 2 { print $1 }')
+
+status=0
+check()
+{
+	echo "$1: $2 bytes, limit $3"
+	[ "$2" -le "$3" ] || { echo "$1 is too large; ./bench tells what it is spent on"; status=1; }
+}
+check 'the stripped file' "$bytes" 40960
+# All that is loaded and never written, tables for the loader included.
+check 'its text' "$text" 26623
+exit $status
