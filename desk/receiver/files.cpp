@@ -27,6 +27,14 @@ template <class Function> Function *next(const char *name)
 	return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
 }
 
+/// The loaded object that an address lies in, null for none. Unlike dladdr it searches no symbols,
+/// which would take longer than most of what the plugin calls.
+const void *objectOf(const void *address)
+{
+	dl_find_object found;
+	return _dl_find_object(const_cast<void *>(address), &found) == 0 ? found.dlfo_link_map : nullptr;
+}
+
 /// Whether `kill` stands in the command as a word, at whatever path: better a command too few than a
 /// process of this computer.
 bool kills(const std::string &command)
@@ -112,10 +120,9 @@ bool Files::setRoot(const std::string &folder, std::string &error)
 
 void Files::pluginStarts(void *handle)
 {
-	// The loader's own data tell where; a symbol that every plugin has leads to the same place.
-	Dl_info info;
-	void *entry = dlsym(handle, "plugin_exec");
-	plugin = entry && dladdr(entry, &info) ? info.dli_fbase : handle;
+	plugin = objectOf(dlsym(handle, "plugin_exec"));
+	if (!plugin)
+		plugin = handle;
 }
 
 bool Files::fromPlugin(const void *caller) const
@@ -123,10 +130,9 @@ bool Files::fromPlugin(const void *caller) const
 	if (!pluginRuns())
 		return false;
 	static const int inProgram = 0;
-	Dl_info program, from;
-	if (!dladdr(caller, &from) || !dladdr(&inProgram, &program))
-		return true; // code without a home is not a library's
-	return from.dli_fbase == plugin || from.dli_fbase == program.dli_fbase;
+	static const void *const program = objectOf(&inProgram);
+	const void *from = objectOf(caller);
+	return !from || from == plugin || from == program; // code without a home is not a library's
 }
 
 std::string Files::resolve(const char *path) const
