@@ -3,7 +3,7 @@
 include(CheckLinkerFlag)
 
 option(VEXLO_PACK_RELOCATIONS
-       "Pack the plugin's relative relocations; a receiver's C library older than glibc 2.36 cannot load that" ON)
+       "Pack the plugin's relative relocations, which a C library older than glibc 2.36 cannot load" ON)
 
 # No exception leaves or passes the plugin, and no object of it lives longer than a call: it needs
 # neither unwind tables nor the compiler's start files.

@@ -83,7 +83,9 @@ std::string likelyScreen()
 bool setLanguage(const std::string &lang, std::string &error)
 {
 	const fs::path catalogues = find({"../po", "../share/locale"});
-	const auto file = [&](const std::string &name) { return catalogues / name / "LC_MESSAGES" / "vexlomenu.mo"; };
+	const auto file = [&](const std::string &name) {
+		return catalogues / name / "LC_MESSAGES" / "vexlomenu.mo";
+	};
 
 	std::error_code failed;
 	std::string known;
@@ -138,42 +140,50 @@ int runApp(int argc, char **argv)
 	options.plugin = find({"vexlomenu.so.0", DESK_INSTALLED_PLUGIN});
 	options.skin = find({"skins/default.toml", "../share/deskhost/skins/default.toml"});
 
-	CLI::App cli("Runs a receiver's service plugin on a desk computer: draws its screens and takes the keyboard\n"
-	             "(or a script) as the remote control.",
-	             "deskhost");
+	CLI::App cli(
+		"Runs a receiver's service plugin on a desk computer: draws its screens and takes the keyboard\n"
+		"(or a script) as the remote control.",
+		"deskhost");
 	cli.set_version_flag("--version", "deskhost " DESK_VERSION);
 	cli.add_option("--plugin", options.plugin, "The plugin to load; by default the one built beside deskhost")
-	    ->type_name("PATH");
-	cli.add_option("--screen", options.screen,
-	               "window, terminal or none; by default a window where a display is, else the terminal, else none")
-	    ->type_name("WHERE")
-	    ->check(CLI::IsMember({"window", "terminal", "none"}));
-	cli.add_option("--keys", options.keys,
-	               "Press these keys first, one after another: up down left right pageup pagedown home end ok exit\n"
-	               "red green yellow blue 0-9. With --screen none, exit follows until the plugin returns")
-	    ->type_name("KEYS");
+		->type_name("PATH");
+	cli.add_option(
+		   "--screen", options.screen,
+		   "window, terminal or none; by default a window where a display is, else the terminal, else none")
+		->type_name("WHERE")
+		->check(CLI::IsMember({"window", "terminal", "none"}));
+	cli.add_option(
+		   "--keys", options.keys,
+		   "Press these keys first, one after another: up down left right pageup pagedown home end ok exit\n"
+		   "red green yellow blue 0-9. With --screen none, exit follows until the plugin returns")
+		->type_name("KEYS");
 	cli.add_option("--pictures", options.pictures,
 	               "Write a PNG of the screen at the start and after every key: 00-start.png, 01-ok.png, ...")
-	    ->type_name("DIR");
+		->type_name("DIR");
 	cli.add_option("--dump", options.dump, "Write what is on the screen at the same moments, as JSON lines")
-	    ->type_name("FILE");
-	cli.add_option("--trace", options.trace, "Write every call that the plugin makes to its host, a line each")
-	    ->type_name("FILE");
+		->type_name("FILE");
+	cli.add_option("--trace", options.trace,
+	               "Write every call that the plugin makes to its host, a line each")
+		->type_name("FILE");
 	cli.add_option("--root", options.root,
-	               "Serve the receiver's files from this folder and find commands in its bin; kills are only reported")
-	    ->type_name("DIR");
+	               "Serve the receiver's files from this folder and find commands in its bin; kills are only "
+	               "reported")
+		->type_name("DIR");
 	cli.add_option("--skin", options.skin, "The look: a skin file")->type_name("FILE");
-	cli.add_option("--lang", options.lang, "The language of the plugin's texts, such as de")->type_name("LANG");
+	cli.add_option("--lang", options.lang, "The language of the plugin's texts, such as de")
+		->type_name("LANG");
 	cli.add_option("--plays", options.plays, "Load, run and unload the plugin N times in one process")
-	    ->type_name("N")
-	    ->check(CLI::Range(1, 1000000000));
+		->type_name("N")
+		->check(CLI::Range(1, 1000000000));
 	// An empty name is a variable that was not set, not a wish.
 	for (CLI::Option *option : cli.get_options())
 		if (option->get_items_expected_max() > 0 && option->get_name() != "--keys")
-			option->check([](const std::string &value) { return value.empty() ? "a name is missing" : ""; }, "");
-	cli.footer("On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
-	           "blue), digits.\n\n"
-	           "Exit status: 0 the plugin ran to its end, 1 it cannot be loaded, 2 bad arguments.");
+			option->check([](const std::string &value) { return value.empty() ? "a name is missing" : ""; },
+			              "");
+	cli.footer(
+		"On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
+		"blue), digits.\n\n"
+		"Exit status: 0 the plugin ran to its end, 1 it cannot be loaded, 2 bad arguments.");
 	try {
 		cli.parse(argc, argv);
 	} catch (const CLI::ParseError &problem) {
@@ -208,7 +218,8 @@ int runApp(int argc, char **argv)
 	std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
 	if (!plugin)
 		return fail(statusNotLoaded, error);
-	std::unique_ptr<Screen> screen = openScreen(options.screen.empty() ? likelyScreen() : options.screen, error);
+	std::unique_ptr<Screen> screen =
+		openScreen(options.screen.empty() ? likelyScreen() : options.screen, error);
 	if (!screen)
 		return fail(statusBadArguments, error);
 
@@ -235,7 +246,8 @@ int runApp(int argc, char **argv)
 	if (!recorder.close(error))
 		return fail(statusBadArguments, error);
 	if (!Trace::get().close())
-		return fail(statusBadArguments, "cannot write all of the trace to '" + options.trace + "'; is the disk full?");
+		return fail(statusBadArguments,
+		            "cannot write all of the trace to '" + options.trace + "'; is the disk full?");
 	return 0;
 }
 

@@ -13,8 +13,8 @@ eVexloMenu::eVexloMenu() : eSetupWindow(translate("Vexlo service menu"), 10, 400
 
 	addEntry({1, translate("process info"), translate("show current processes in memory"),
 	          &eVexloMenu::processinfo});
-	addEntry({2, translate("memory info"), translate("show current used and free memory"),
-	          &eVexloMenu::meminfo});
+	addEntry(
+		{2, translate("memory info"), translate("show current used and free memory"), &eVexloMenu::meminfo});
 	addEntry({3, translate("scan log"), translate("show scan log"), &eVexloMenu::scanlog});
 	addEntry({4, translate("system info"), translate("show system info"), &eVexloMenu::sysinf});
 }
@@ -25,7 +25,7 @@ void eVexloMenu::addEntry(const Line &line)
 {
 	// Belongs to the list, and has connected itself to it.
 	eListBoxEntryMenu *entry =
-	    new eListBoxEntryMenu(&list, line.label, formatted("(%d) %s", line.number, line.help));
+		new eListBoxEntryMenu(&list, line.label, formatted("(%d) %s", line.number, line.help));
 	entry->selected.connect(SigC::slot(*this, line.action));
 }
 

@@ -41,9 +41,9 @@ enum class Emphasis
 /// How an area is filled. Canvases without the means leave out the gradient and the corners.
 struct Fill
 {
-	Color top;                 ///< colour at the upper edge
-	Color bottom;              ///< colour at the lower edge; the same as `top` for a plain area
-	int radius = 0;            ///< of the corners, in pixels
+	Color top;      ///< colour at the upper edge
+	Color bottom;   ///< colour at the lower edge; the same as `top` for a plain area
+	int radius = 0; ///< of the corners, in pixels
 	Emphasis emphasis = Emphasis::none;
 
 	static Fill plain(Color c, int radius = 0, Emphasis e = Emphasis::none) { return {c, c, radius, e}; }
@@ -79,8 +79,8 @@ struct FrameStyle
 	Color border;
 	Color titleTop, titleBottom; ///< the title bar
 	Color titleText;
-	Color client;                ///< the window's own background
-	int radius = 0;              ///< of the corners, in pixels
+	Color client;   ///< the window's own background
+	int radius = 0; ///< of the corners, in pixels
 };
 
 enum class ColourKey

@@ -70,8 +70,7 @@ cairo_status_t writeTo(void *file, const unsigned char *data, unsigned int lengt
 
 struct PixelCanvas::State
 {
-	cairo_surface_t *surface =
-	    cairo_image_surface_create(CAIRO_FORMAT_RGB24, screenWidth, screenHeight);
+	cairo_surface_t *surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, screenWidth, screenHeight);
 	cairo_t *cairo = cairo_create(surface);
 	size_t clips = 0;
 

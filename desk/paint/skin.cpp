@@ -249,13 +249,13 @@ private:
 			const char *entry;
 			Color Decoration::*color;
 		} colors[] = {
-		    {"text", &Decoration::text},
-		    {"focused_text", &Decoration::focusedText},
-		    {"current", &Decoration::current},
-		    {"current_text", &Decoration::currentText},
-		    {"current_unfocused", &Decoration::currentUnfocused},
-		    {"bar", &Decoration::bar},
-		    {"bar_thumb", &Decoration::barThumb},
+			{"text", &Decoration::text},
+			{"focused_text", &Decoration::focusedText},
+			{"current", &Decoration::current},
+			{"current_text", &Decoration::currentText},
+			{"current_unfocused", &Decoration::currentUnfocused},
+			{"bar", &Decoration::bar},
+			{"bar_thumb", &Decoration::barThumb},
 		};
 		const auto known = skin.decorations.find(std::string(name));
 		Decoration look = known != skin.decorations.end() ? known->second : skin.plain;

@@ -14,15 +14,15 @@ namespace desk
 /// How a decorated widget is drawn; one per name, such as "eLabel".
 struct Decoration
 {
-	std::optional<Fill> background;   ///< none: the parent shows through
-	std::optional<Fill> focused;      ///< background while the widget has the focus; none: as without
+	std::optional<Fill> background; ///< none: the parent shows through
+	std::optional<Fill> focused;    ///< background while the widget has the focus; none: as without
 	Color text;
 	Color focusedText;
-	Color current;                    ///< list boxes: background of the current entry ...
-	Color currentText;                ///< ... and its text
-	Color currentUnfocused;           ///< ... and its background while the list lacks the focus
-	Color bar, barThumb;              ///< list boxes: the scroll bar
-	int padding = 0;                  ///< pixels between the edge and the text, left and right
+	Color current;          ///< list boxes: background of the current entry ...
+	Color currentText;      ///< ... and its text
+	Color currentUnfocused; ///< ... and its background while the list lacks the focus
+	Color bar, barThumb;    ///< list boxes: the scroll bar
+	int padding = 0;        ///< pixels between the edge and the text, left and right
 };
 
 /// The look of the screen: a palette, the windows and the decorations, read from a TOML file.
@@ -43,9 +43,9 @@ public:
 	/// The decoration of that name; an unknown name gets the plainest one.
 	const Decoration &decoration(const std::string &name) const;
 
-	Fill backdrop;                    ///< behind all windows, in place of the television picture
+	Fill backdrop; ///< behind all windows, in place of the television picture
 	FrameStyle window;
-	Color hintText;                   ///< secondary text: help of the current menu entry
+	Color hintText; ///< secondary text: help of the current menu entry
 	Color helpBackground;
 	Color keyRed, keyGreen, keyYellow, keyBlue;
 

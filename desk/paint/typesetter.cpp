@@ -95,7 +95,7 @@ void Setting::setLine(std::string_view line)
 			continue;
 		const auto code = static_cast<guint>(static_cast<uint8_t>(line[at + 2]) - 0x80);
 		PangoAttribute *shape =
-		    pango_attr_shape_new_with_data(&box, &box, GUINT_TO_POINTER(code), nullptr, nullptr);
+			pango_attr_shape_new_with_data(&box, &box, GUINT_TO_POINTER(code), nullptr, nullptr);
 		shape->start_index = static_cast<guint>(at);
 		shape->end_index = static_cast<guint>(at + 3);
 		pango_attr_list_insert(attributes, shape);
@@ -287,7 +287,7 @@ void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextSt
 	else if ((align == Align::end) != rightToLeft)
 		x = area.right() - std::ceil(setting.linePixels - 0.01);
 	const double baseline =
-	    std::round(area.y + (area.h - setting.ascent - setting.descent) / 2 + setting.ascent);
+		std::round(area.y + (area.h - setting.ascent - setting.descent) / 2 + setting.ascent);
 
 	cairo_save(to);
 	cairo_set_source_rgb(to, style.color.r / 255.0, style.color.g / 255.0, style.color.b / 255.0);

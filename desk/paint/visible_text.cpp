@@ -105,8 +105,7 @@ void wrapLine(std::string_view line, int width, int rowHeight, bool bold, std::s
 		else if (!current.empty()) {
 			flush();
 			line.remove_prefix(blanks);
-		} else
-		{
+		} else {
 			line.remove_prefix(blanks);
 			const size_t length = fittingLength(line.substr(0, wordEnd - blanks), width, rowHeight, bold);
 			current = line.substr(0, length);

@@ -24,7 +24,8 @@ bool Recorder::openPictures(const std::string &folder, std::string &error)
 	const bool exists = std::filesystem::is_directory(folder, failed);
 	if (!exists || access(folder.c_str(), W_OK | X_OK) != 0) {
 		const char *why = exists ? std::strerror(errno) : "it is no folder and cannot be made one";
-		error = "cannot write pictures to '" + folder + "': " + why + "; name a writable folder with --pictures";
+		error =
+			"cannot write pictures to '" + folder + "': " + why + "; name a writable folder with --pictures";
 		return false;
 	}
 	pictures = folder;
@@ -36,7 +37,8 @@ bool Recorder::openDump(const std::string &file, std::string &error)
 	dump = std::fopen(file.c_str(), "w");
 	dumpPath = file;
 	if (!dump)
-		error = "cannot write the dump to '" + file + "': " + std::strerror(errno) + "; name another file with --dump";
+		error = "cannot write the dump to '" + file + "': " + std::strerror(errno) +
+		        "; name another file with --dump";
 	return dump != nullptr;
 }
 
@@ -47,7 +49,8 @@ void Recorder::moment(const std::string &after, const std::function<nlohmann::or
 		nlohmann::ordered_json object;
 		object["after"] = after;
 		object["windows"] = describe();
-		const std::string line = object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+		const std::string line =
+			object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 		if (std::fprintf(dump, "%s\n", line.c_str()) < 0 || std::fflush(dump) != 0)
 			if (failure.empty())
 				failure = "cannot write the dump to '" + dumpPath + "': " + std::strerror(errno);

@@ -19,7 +19,8 @@ bool Trace::open(const std::string &path, std::string &error)
 	close();
 	file = std::fopen(path.c_str(), "w");
 	if (!file) {
-		error = "cannot write the trace to '" + path + "': " + std::strerror(errno) + "; name another file with --trace";
+		error = "cannot write the trace to '" + path + "': " + std::strerror(errno) +
+		        "; name another file with --trace";
 		return false;
 	}
 	failed = false;

@@ -66,7 +66,8 @@ public:
 		++get().muted;
 		return argument;
 	}
-	template <class... Args> static void constructed(const void *object, const char *type, const Args &...args)
+	template <class... Args>
+	static void constructed(const void *object, const char *type, const Args &...args)
 	{
 		Trace &trace = get();
 		--trace.muted;

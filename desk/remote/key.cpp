@@ -10,9 +10,8 @@ namespace
 
 // In the order of Key.
 constexpr const char *names[] = {
-	"up", "down", "left", "right", "pageup", "pagedown", "home", "end", "ok", "exit",
-	"red", "green", "yellow", "blue",
-	"0", "1", "2", "3", "4", "5", "6", "7", "8", "9",
+	"up",     "down", "left", "right", "pageup", "pagedown", "home", "end", "ok", "exit", "red", "green",
+	"yellow", "blue", "0",    "1",     "2",      "3",        "4",    "5",   "6",  "7",    "8",   "9",
 };
 constexpr size_t keyCount = sizeof names / sizeof *names;
 static_assert(keyCount == static_cast<size_t>(Key::digit9) + 1, "every key has its name");

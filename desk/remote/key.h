@@ -12,9 +12,30 @@ namespace desk
 /// The keys of the remote control.
 enum class Key
 {
-	up, down, left, right, pageup, pagedown, home, end, ok, exit,
-	red, green, yellow, blue,
-	digit0, digit1, digit2, digit3, digit4, digit5, digit6, digit7, digit8, digit9,
+	up,
+	down,
+	left,
+	right,
+	pageup,
+	pagedown,
+	home,
+	end,
+	ok,
+	exit,
+	red,
+	green,
+	yellow,
+	blue,
+	digit0,
+	digit1,
+	digit2,
+	digit3,
+	digit4,
+	digit5,
+	digit6,
+	digit7,
+	digit8,
+	digit9,
 };
 
 /// The key's name as key scripts, dumps and picture names write it: "pageup", "7".

@@ -147,9 +147,12 @@ int colourNumber(Color color, ColourDepth depth)
 	case ColourDepth::direct:
 		// The numbers below 8 are still the eight old colours.
 		return std::max((color.r * 256 + color.g) * 256 + color.b, color.r + color.g + color.b ? 8 : 16);
-	case ColourDepth::indexed: return nearestIndexed(color);
-	case ColourDepth::sixteen: return nearestAnsi(color, true);
-	default: return nearestAnsi(color, false);
+	case ColourDepth::indexed:
+		return nearestIndexed(color);
+	case ColourDepth::sixteen:
+		return nearestAnsi(color, true);
+	default:
+		return nearestAnsi(color, false);
 	}
 }
 

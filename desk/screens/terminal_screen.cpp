@@ -65,20 +65,34 @@ const struct
 std::optional<Key> keyOfCode(wint_t code)
 {
 	switch (code) {
-	case KEY_UP: return Key::up;
-	case KEY_DOWN: return Key::down;
-	case KEY_LEFT: return Key::left;
-	case KEY_RIGHT: return Key::right;
-	case KEY_PPAGE: return Key::pageup;
-	case KEY_NPAGE: return Key::pagedown;
-	case KEY_HOME: return Key::home;
-	case KEY_END: return Key::end;
-	case KEY_ENTER: return Key::ok;
-	case KEY_F(1): return Key::red;
-	case KEY_F(2): return Key::green;
-	case KEY_F(3): return Key::yellow;
-	case KEY_F(4): return Key::blue;
-	default: return std::nullopt;
+	case KEY_UP:
+		return Key::up;
+	case KEY_DOWN:
+		return Key::down;
+	case KEY_LEFT:
+		return Key::left;
+	case KEY_RIGHT:
+		return Key::right;
+	case KEY_PPAGE:
+		return Key::pageup;
+	case KEY_NPAGE:
+		return Key::pagedown;
+	case KEY_HOME:
+		return Key::home;
+	case KEY_END:
+		return Key::end;
+	case KEY_ENTER:
+		return Key::ok;
+	case KEY_F(1):
+		return Key::red;
+	case KEY_F(2):
+		return Key::green;
+	case KEY_F(3):
+		return Key::yellow;
+	case KEY_F(4):
+		return Key::blue;
+	default:
+		return std::nullopt;
 	}
 }
 
@@ -87,19 +101,30 @@ std::optional<Key> keyOfCharacter(wint_t character)
 	if (character >= '0' && character <= '9')
 		return static_cast<Key>(static_cast<int>(Key::digit0) + static_cast<int>(character - '0'));
 	switch (character) {
-	case 'k': return Key::up;
-	case 'j': return Key::down;
-	case 'h': return Key::left;
-	case 'l': return Key::right;
+	case 'k':
+		return Key::up;
+	case 'j':
+		return Key::down;
+	case 'h':
+		return Key::left;
+	case 'l':
+		return Key::right;
 	case '\r':
-	case '\n': return Key::ok;
+	case '\n':
+		return Key::ok;
 	case 033:
-	case 'q': return Key::exit;
-	case 'r': return Key::red;
-	case 'g': return Key::green;
-	case 'y': return Key::yellow;
-	case 'b': return Key::blue;
-	default: return std::nullopt;
+	case 'q':
+		return Key::exit;
+	case 'r':
+		return Key::red;
+	case 'g':
+		return Key::green;
+	case 'y':
+		return Key::yellow;
+	case 'b':
+		return Key::blue;
+	default:
+		return std::nullopt;
 	}
 }
 
@@ -165,13 +190,20 @@ bool localized(std::string_view glyph, int span, std::wstring &out)
 const cchar_t *ruleCharacter(Cell::Rule rule)
 {
 	switch (rule) {
-	case Cell::Rule::horizontal: return WACS_HLINE;
-	case Cell::Rule::vertical: return WACS_VLINE;
-	case Cell::Rule::topLeft: return WACS_ULCORNER;
-	case Cell::Rule::topRight: return WACS_URCORNER;
-	case Cell::Rule::bottomLeft: return WACS_LLCORNER;
-	case Cell::Rule::bottomRight: return WACS_LRCORNER;
-	default: return nullptr;
+	case Cell::Rule::horizontal:
+		return WACS_HLINE;
+	case Cell::Rule::vertical:
+		return WACS_VLINE;
+	case Cell::Rule::topLeft:
+		return WACS_ULCORNER;
+	case Cell::Rule::topRight:
+		return WACS_URCORNER;
+	case Cell::Rule::bottomLeft:
+		return WACS_LLCORNER;
+	case Cell::Rule::bottomRight:
+		return WACS_LRCORNER;
+	default:
+		return nullptr;
 	}
 }
 
@@ -451,13 +483,16 @@ std::optional<Key> TerminalScreen::waitKey()
 		// A frame may have been left half sent because keys were waiting.
 		refresh();
 		switch (hold.wait()) {
-		case TerminalHold::Wake::input: break;
+		case TerminalHold::Wake::input:
+			break;
 		case TerminalHold::Wake::resized:
 		case TerminalHold::Wake::continued:
 			fitSize();
 			redraw();
 			break;
-		case TerminalHold::Wake::closed: closed = true; break;
+		case TerminalHold::Wake::closed:
+			closed = true;
+			break;
 		}
 	}
 	return std::nullopt;

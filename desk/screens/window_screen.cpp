@@ -24,24 +24,40 @@ std::optional<Key> keyOf(const SDL_Keysym &pressed)
 		return std::nullopt;
 	// By place, not by letter: on some keyboards the digits are shifted.
 	switch (pressed.scancode) {
-	case SDL_SCANCODE_UP: return Key::up;
-	case SDL_SCANCODE_DOWN: return Key::down;
-	case SDL_SCANCODE_LEFT: return Key::left;
-	case SDL_SCANCODE_RIGHT: return Key::right;
-	case SDL_SCANCODE_PAGEUP: return Key::pageup;
-	case SDL_SCANCODE_PAGEDOWN: return Key::pagedown;
-	case SDL_SCANCODE_HOME: return Key::home;
-	case SDL_SCANCODE_END: return Key::end;
+	case SDL_SCANCODE_UP:
+		return Key::up;
+	case SDL_SCANCODE_DOWN:
+		return Key::down;
+	case SDL_SCANCODE_LEFT:
+		return Key::left;
+	case SDL_SCANCODE_RIGHT:
+		return Key::right;
+	case SDL_SCANCODE_PAGEUP:
+		return Key::pageup;
+	case SDL_SCANCODE_PAGEDOWN:
+		return Key::pagedown;
+	case SDL_SCANCODE_HOME:
+		return Key::home;
+	case SDL_SCANCODE_END:
+		return Key::end;
 	case SDL_SCANCODE_RETURN:
-	case SDL_SCANCODE_KP_ENTER: return Key::ok;
-	case SDL_SCANCODE_ESCAPE: return Key::exit;
-	case SDL_SCANCODE_F1: return Key::red;
-	case SDL_SCANCODE_F2: return Key::green;
-	case SDL_SCANCODE_F3: return Key::yellow;
-	case SDL_SCANCODE_F4: return Key::blue;
+	case SDL_SCANCODE_KP_ENTER:
+		return Key::ok;
+	case SDL_SCANCODE_ESCAPE:
+		return Key::exit;
+	case SDL_SCANCODE_F1:
+		return Key::red;
+	case SDL_SCANCODE_F2:
+		return Key::green;
+	case SDL_SCANCODE_F3:
+		return Key::yellow;
+	case SDL_SCANCODE_F4:
+		return Key::blue;
 	case SDL_SCANCODE_0:
-	case SDL_SCANCODE_KP_0: return Key::digit0;
-	default: break;
+	case SDL_SCANCODE_KP_0:
+		return Key::digit0;
+	default:
+		break;
 	}
 	const auto digit = [&](SDL_Scancode one) -> std::optional<Key> {
 		if (pressed.scancode < one || pressed.scancode >= one + 9)
@@ -96,7 +112,8 @@ public:
 			case SDL_QUIT: // the window's own button, or a signal that ends programs
 				closed = true;
 				break;
-			default: break;
+			default:
+				break;
 			}
 		}
 		closed = true;
@@ -125,8 +142,8 @@ private:
 		cairo_surface_flush(scaled);
 		// The display's own pixels may be of any kind: the copy converts them.
 		SDL_Surface *source = SDL_CreateRGBSurfaceWithFormatFrom(
-		    cairo_image_surface_get_data(scaled), target->w, target->h, 32,
-		    cairo_image_surface_get_stride(scaled), SDL_PIXELFORMAT_RGB888);
+			cairo_image_surface_get_data(scaled), target->w, target->h, 32,
+			cairo_image_surface_get_stride(scaled), SDL_PIXELFORMAT_RGB888);
 		if (source && SDL_BlitSurface(source, nullptr, target, nullptr) == 0)
 			SDL_UpdateWindowSurface(window);
 		SDL_FreeSurface(source);
@@ -176,9 +193,9 @@ std::unique_ptr<Screen> makeWindowScreen(std::string &error)
 	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
 	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
 		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
-	SDL_Window *window = SDL_CreateWindow(
-	    "Receiver - arrows, Enter, Esc, F1-F4 (red green yellow blue)", SDL_WINDOWPOS_UNDEFINED,
-	    SDL_WINDOWPOS_UNDEFINED, screenWidth, screenHeight, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+	SDL_Window *window = SDL_CreateWindow("Receiver - arrows, Enter, Esc, F1-F4 (red green yellow blue)",
+	                                      SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, screenWidth,
+	                                      screenHeight, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
 	if (!window || !SDL_GetWindowSurface(window))
 		return failed(SDL_GetError());
 	SDL_SetWindowMinimumSize(window, screenWidth / 2, screenHeight / 2);

@@ -230,7 +230,7 @@ void Desk::settle()
 	}
 	if (due && activeRecorder && activeRecorder->on())
 		activeRecorder->moment(
-		    *due, [this] { return describe(); }, [this](Canvas &canvas) { paint(canvas); });
+			*due, [this] { return describe(); }, [this](Canvas &canvas) { paint(canvas); });
 	due.reset();
 }
 

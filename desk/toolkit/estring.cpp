@@ -12,7 +12,8 @@ eString &eString::sprintf(char *format, ...)
 
 	desk::Trace &trace = desk::Trace::get();
 	if (trace.on())
-		trace.line(trace.form("eString.sprintf", static_cast<const char *>(format)) + " = " + desk::Trace::quoted(text));
+		trace.line(trace.form("eString.sprintf", static_cast<const char *>(format)) + " = " +
+		           desk::Trace::quoted(text));
 	swap(text);
 	return *this;
 }

@@ -87,7 +87,8 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 	for (int y = inner.y; y < bottom && start < text.size(); y += style.rowHeight) {
 		const size_t end = std::min(text.find('\n', start), text.size());
 		if (y + style.rowHeight > 0)
-			painter.canvas.text({inner.x, y, inner.w, style.rowHeight}, text.substr(start, end - start), style);
+			painter.canvas.text({inner.x, y, inner.w, style.rowHeight}, text.substr(start, end - start),
+			                    style);
 		start = end + 1;
 	}
 }
@@ -95,8 +96,8 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 } // namespace desk
 
 eDecoWidget::eDecoWidget(eWidget *parent, int takefocus, const char *name)
-    : eWidget(Trace::begin(parent), takefocus),
-      deco(new Deco{name ? name : "", &Desk::get().skin().decoration(name ? name : "")})
+	: eWidget(Trace::begin(parent), takefocus),
+	  deco(new Deco{name ? name : "", &Desk::get().skin().decoration(name ? name : "")})
 {
 	Trace::constructed(this, "eDecoWidget", Trace::Ref{parent}, takefocus, name);
 }
@@ -124,7 +125,7 @@ int eDecoWidget::setProperty(const eString &name, const eString &value)
 }
 
 eLabel::eLabel(eWidget *parent, int flags, int takefocus, const char *name)
-    : eDecoWidget(Trace::begin(parent), takefocus, name)
+	: eDecoWidget(Trace::begin(parent), takefocus, name)
 {
 	auto behaviour = std::make_unique<desk::LabelBehaviour>();
 	behaviour->look = deco->look;
@@ -144,7 +145,7 @@ void eLabel::setShortcutPixmap(const eString &key)
 }
 
 eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char *name)
-    : eLabel(Trace::begin(parent), 0, takefocus, name)
+	: eLabel(Trace::begin(parent), 0, takefocus, name)
 {
 	auto behaviour = std::make_unique<ButtonBehaviour>();
 	behaviour->makeButton(*deco->look);

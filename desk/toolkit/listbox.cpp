@@ -23,11 +23,11 @@ constexpr int barWidth = 8; // of the scroll bar, in pixels
 
 eListBoxBase::eListBoxBase(eWidget *parent, const eWidget *description, int takefocus, int entryHeight,
                            const char *decoration)
-    : eDecoWidget(Trace::begin(parent), takefocus, decoration), list(new List(*this))
+	: eDecoWidget(Trace::begin(parent), takefocus, decoration), list(new List(*this))
 {
 	list->entryHeight = std::max(1, entryHeight);
-	Trace::constructed(this, "eListBoxBase", Trace::Ref{parent}, Trace::Ref{description}, takefocus, entryHeight,
-	                   decoration);
+	Trace::constructed(this, "eListBoxBase", Trace::Ref{parent}, Trace::Ref{description}, takefocus,
+	                   entryHeight, decoration);
 }
 
 eListBoxBase::~eListBoxBase()
@@ -217,15 +217,16 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 		const int index = list->top + i;
 		const int y = i * list->entryHeight;
 		const eRect row(0, y, rowWidth, y + list->entryHeight);
-		list->entries[static_cast<size_t>(index)]->redraw(target, row, currentBack, currentText, plainBack, plainText,
-		                                                  index == list->current);
+		list->entries[static_cast<size_t>(index)]->redraw(target, row, currentBack, currentText, plainBack,
+		                                                  plainText, index == list->current);
 	}
 
 	if (scrolls) {
 		const Rect bar{area.right() - barWidth, area.y, barWidth, area.h};
 		canvas.fill(bar, Fill::plain(look.bar, barWidth / 2, desk::Emphasis::dim));
 		const int64_t count = list->count();
-		const int thumb = std::max<int>(list->entryHeight, static_cast<int>(area.h * int64_t{list->rows()} / count));
+		const int thumb =
+			std::max<int>(list->entryHeight, static_cast<int>(area.h * int64_t{list->rows()} / count));
 		const int64_t way = area.h - thumb;
 		const int64_t last = count - list->rows(); // the highest top there is
 		const int y = static_cast<int>(way * list->top / last);

@@ -16,8 +16,8 @@ int eListBoxEntryText::getEntryHeight()
 	return height;
 }
 
-void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor currentBack, gColor currentText, gColor,
-                               gColor textColor, int isCurrent)
+void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor currentBack, gColor currentText,
+                               gColor, gColor textColor, int isCurrent)
 {
 	const desk::Rect row = target->onScreen(area);
 	desk::TextStyle style;

@@ -40,7 +40,7 @@ private:
 } // namespace
 
 eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, int last)
-    : eWindow(Trace::begin(1))
+	: eWindow(Trace::begin(1))
 {
 	state->text = caption;
 	state->isMessageBox = true;

@@ -117,7 +117,8 @@ void eWidget::setText(const eString &text)
 void eWidget::cmove(const ePoint &position)
 {
 	Trace::get().call(this, "cmove", position.x, position.y);
-	State::place(*this, position.x - clientrect.left, position.y - clientrect.top, state->width, state->height);
+	State::place(*this, position.x - clientrect.left, position.y - clientrect.top, state->width,
+	             state->height);
 }
 
 void eWidget::cresize(const eSize &size)

@@ -30,8 +30,8 @@ public:
 	void draw(const eWidget &widget, gPainter &painter) override
 	{
 		const eRect &client = widget.getClientRect();
-		const Rect bar = painter.onScreen(
-		    eRect(client.left, client.bottom - helpHeight, client.right, client.bottom));
+		const Rect bar =
+			painter.onScreen(eRect(client.left, client.bottom - helpHeight, client.right, client.bottom));
 		const desk::Skin &skin = Desk::get().skin();
 		painter.canvas.fill(bar, desk::Fill::plain(skin.helpBackground));
 		if (const eListBoxEntry *entry = eListBoxBase::List::of(list).currentEntry()) {
@@ -41,7 +41,8 @@ public:
 			style.rowHeight = Desk::get().fontSize();
 			// A whole row within the bar, so that a screen made of rows has one for it.
 			const int inset = (helpHeight - style.rowHeight) / 2;
-			const int margin = skin.decoration("eListBox").padding + desk::menuInset; // below the entries' texts
+			const int margin =
+				skin.decoration("eListBox").padding + desk::menuInset; // below the entries' texts
 			painter.canvas.text({bar.x + margin, bar.y + inset, bar.w - 2 * margin, style.rowHeight},
 			                    entry->getHelpText(), style);
 		}
@@ -129,7 +130,7 @@ void eWindow::eraseBackground(gPainter *target, const eRect &)
 }
 
 eSetupWindow::eSetupWindow(const char *title, int rows, int width)
-    : eListBoxWindow<eListBoxEntryMenu>(Trace::begin(0))
+	: eListBoxWindow<eListBoxEntryMenu>(Trace::begin(0))
 {
 	state->text = title ? title : "";
 	const int listHeight = rows * eListBoxBase::List::of(list).entryHeight;

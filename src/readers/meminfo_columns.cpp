@@ -2,7 +2,8 @@
 
 #include "column_text.h"
 
-namespace {
+namespace
+{
 
 // A piece holds up to 29 characters: a whole line of a quantity, or a part of a line of the
 // summary table that older kernels print first. That table makes eight pieces.

@@ -6,7 +6,8 @@
 
 /// The kernel's memory summary as two columns of text with the same number of lines,
 /// both empty when there was nothing to show.
-struct MemInfoColumns {
+struct MemInfoColumns
+{
 	std::string names;  ///< first word of each piece of /proc/meminfo, padded to 11 characters
 	std::string values; ///< the number beside it, in kilobytes: "512 KB"
 };

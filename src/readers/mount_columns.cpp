@@ -4,20 +4,21 @@
 
 #include <cstdlib>
 
-namespace {
+namespace
+{
 
 constexpr int lineSize = 1024;
 constexpr int lineLimit = 1023;
 
 void addRow(MountColumns &columns, const char *device, const char *size, const char *used,
-	const char *available, const char *percent, const char *mountPoint)
+            const char *available, const char *percent, const char *mountPoint)
 {
 	appendFormatted(columns.filesystem, "%-35s\n", device);
 #pragma GCC diagnostic push
 // The format is given as it is; beside the '-' its zeros do nothing.
 #pragma GCC diagnostic ignored "-Wformat"
 	appendFormatted(columns.usage, "%-06s  %-06s  %-06s  %-04s %-50s\n", size, used, available, percent,
-		mountPoint);
+	                mountPoint);
 #pragma GCC diagnostic pop
 	++columns.rows;
 }

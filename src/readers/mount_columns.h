@@ -6,7 +6,8 @@
 
 /// What `df -h` says of the mounted file systems, as two columns of text. Each column has a
 /// heading and then a line for every line of the command's output.
-struct MountColumns {
+struct MountColumns
+{
 	std::string filesystem; ///< first word of each line: the device, padded to 35 characters
 	std::string usage;      ///< words two to six: size, used, available, per cent, mount point
 	int rows;               ///< lines per column, and one to spare: at least 2

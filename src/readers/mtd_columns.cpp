@@ -2,7 +2,8 @@
 
 #include "column_text.h"
 
-namespace {
+namespace
+{
 
 constexpr int lineSize = 1024;
 constexpr int lineLimit = 1023;

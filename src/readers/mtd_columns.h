@@ -6,7 +6,8 @@
 
 /// The kernel's list of flash partitions, a text per column. Each column has `rows` lines,
 /// a heading first, and every line ends with a newline.
-struct MtdColumns {
+struct MtdColumns
+{
 	std::string dev;       ///< "mtd%d:", the partition's number
 	std::string size;      ///< bytes, eight hexadecimal digits
 	std::string erasesize; ///< bytes of an erase block, eight hexadecimal digits

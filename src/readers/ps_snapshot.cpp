@@ -6,7 +6,8 @@
 
 #include <cstdlib>
 
-namespace {
+namespace
+{
 
 constexpr int lineSize = 1024;
 constexpr int lineLimit = 1023;

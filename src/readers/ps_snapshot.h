@@ -6,13 +6,15 @@
 #include <vector>
 
 /// One row of the process list.
-struct PsEntry {
+struct PsEntry
+{
 	std::string text; ///< the line that `ps` printed, line end included, translated
 	std::string pid;  ///< the number that the line begins with, else that of the row above; decimal
 };
 
 /// The processes that ran at one moment, in the order in which `ps` listed them.
-struct PsSnapshot {
+struct PsSnapshot
+{
 	std::string header; ///< the first line of the output, line end included; empty without output
 	std::vector<PsEntry> rows;
 };

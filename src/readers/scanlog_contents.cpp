@@ -7,7 +7,8 @@
 #include <cstring>
 #include <string_view>
 
-namespace {
+namespace
+{
 
 constexpr int lineSize = 1024;
 constexpr int lineLimit = 1023;

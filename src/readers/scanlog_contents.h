@@ -6,13 +6,15 @@
 #include <vector>
 
 /// One row of the scan log's list.
-struct ScanLogEntry {
+struct ScanLogEntry
+{
 	std::string text; ///< line number from 0, a blank, and the line or a piece of it
 	std::string line; ///< the whole line as read from the log, line end included
 };
 
 /// What the scan log held at one moment.
-struct ScanLogContents {
+struct ScanLogContents
+{
 	std::vector<ScanLogEntry> entries; ///< in the order of the file; two for a line that says "start at"
 	std::string summary;               ///< the file's size in bytes, or that it was not found
 	bool found;                        ///< whether the file opened

@@ -60,7 +60,7 @@ class eListBoxEntry : public virtual SigC::Object
 public:
 	/// `box` may be null; otherwise the entry goes to its end, and belongs to it.
 	explicit eListBoxEntry(eListBoxBase *box, const eString &help = eString(), int attribute = 0)
-	    : listbox(box), helptext(help.empty() ? eString(" ") : help), attr(attribute)
+		: listbox(box), helptext(help.empty() ? eString(" ") : help), attr(attribute)
 	{
 		if (listbox)
 			listbox->append(this, false, false);
@@ -110,9 +110,8 @@ public:
 	/// each for an eString made with `new`.
 	explicit eListBoxEntryText(eListBoxBase *box, const char *label = nullptr, void *data = nullptr,
 	                           const eString &help = eString())
-	    : eListBoxEntry(box, help, 3), text(label ? label : ""), key(data)
-	{
-	}
+		: eListBoxEntry(box, help, 3), text(label ? label : ""), key(data)
+	{}
 
 	/// By key address unless the key type says otherwise, then by the bytes of the text.
 	bool operator<(const eListBoxEntry &entry) const override
@@ -147,10 +146,10 @@ template <class T> class eListBox : public eListBoxBase
 {
 public:
 	explicit eListBox(eWidget *parent, const eWidget *description = nullptr, int takefocus = 1,
-	                  int entryHeight = eListBoxEntryText::getEntryHeight(), const char *decoration = "eListBox")
-	    : eListBoxBase(parent, description, takefocus, entryHeight, decoration)
-	{
-	}
+	                  int entryHeight = eListBoxEntryText::getEntryHeight(),
+	                  const char *decoration = "eListBox")
+		: eListBoxBase(parent, description, takefocus, entryHeight, decoration)
+	{}
 
 	/// The viewer confirms an entry; null: the viewer leaves the list.
 	SigC::Signal1<void, T *> selected;
@@ -167,7 +166,7 @@ class eListBoxEntryMenu : public eListBoxEntryText
 {
 public:
 	eListBoxEntryMenu(eListBox<eListBoxEntryMenu> *box, const char *label, const eString &help = eString())
-	    : eListBoxEntryText(box, label, nullptr, help)
+		: eListBoxEntryText(box, label, nullptr, help)
 	{
 		if (box)
 			box->selected.connect(SigC::slot(*this, &eListBoxEntryMenu::LBSelected));

@@ -11,7 +11,10 @@ class eString : public std::string
 {
 public:
 	eString() = default;
-	eString(const char *text) { assign(text); } // a call of the library's; its constructor is compiled in here
+	eString(const char *text)
+	{
+		assign(text);
+	} // a call of the library's; its constructor is compiled in here
 	eString(const std::string &text) : std::string(text) {}
 	eString(std::string &&text) noexcept : std::string(std::move(text)) {}
 

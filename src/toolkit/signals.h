@@ -102,7 +102,7 @@ private:
 
 	const sigc::trackable *target = nullptr;
 	void *object = nullptr;
-	unsigned char operation[sizeof(void (Object::*)())] = {};
+	unsigned char operation[sizeof(void(Object::*)())] = {};
 	void (*run)(const Call &, void *) = nullptr; ///< runAs() of the types that `object` and `operation` have
 };
 
@@ -132,8 +132,8 @@ private:
 template <class R> class Slot0
 {
 public:
-	template <class T, class Operation>
-	Slot0(const Member<T, Operation> &member) : call(Call::to<void>(member))
+	template <class T, class Operation> Slot0(const Member<T, Operation> &member)
+		: call(Call::to<void>(member))
 	{
 		static_assert(std::is_void_v<R>);
 	}
@@ -147,8 +147,7 @@ private:
 template <class R, class P1> class Slot1
 {
 public:
-	template <class T, class Operation>
-	Slot1(const Member<T, Operation> &member) : call(Call::to<P1>(member))
+	template <class T, class Operation> Slot1(const Member<T, Operation> &member) : call(Call::to<P1>(member))
 	{
 		static_assert(std::is_void_v<R>);
 	}

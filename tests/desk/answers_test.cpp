@@ -103,7 +103,7 @@ TEST(Result, should_not_depend_on_what_a_screen_returned)
 
 INSTANTIATE_TEST_SUITE_P(OfHosts, Answer, ::testing::Values(4, 8, -1, 0, 1, 2, 5, 12, 64, 76, -2, 1000000),
                          [](const auto &entry) {
-	                         return (entry.param < 0 ? "minus_" : "") + std::to_string(std::abs(entry.param));
-                         });
+							 return (entry.param < 0 ? "minus_" : "") + std::to_string(std::abs(entry.param));
+						 });
 
 } // namespace

@@ -45,8 +45,8 @@ TEST(App, should_explain_itself)
 {
 	const Outcome help = deskhost({"--help"});
 	EXPECT_EQ(help.status, 0);
-	for (const char *option : {"--plugin", "--screen", "--keys", "--pictures", "--dump", "--trace", "--root", "--skin",
-	                           "--lang", "--plays"})
+	for (const char *option : {"--plugin", "--screen", "--keys", "--pictures", "--dump", "--trace", "--root",
+	                           "--skin", "--lang", "--plays"})
 		EXPECT_NE(help.out.find(option), std::string::npos) << option;
 	EXPECT_EQ(deskhost({"--version"}).out.rfind("deskhost ", 0), 0u);
 }
@@ -64,7 +64,8 @@ TEST(App, should_refuse_arguments_that_it_does_not_know)
 
 TEST(App, should_refuse_empty_names)
 {
-	for (const char *option : {"--plugin", "--root", "--skin", "--pictures", "--dump", "--trace", "--lang", "--screen"})
+	for (const char *option :
+	     {"--plugin", "--root", "--skin", "--pictures", "--dump", "--trace", "--lang", "--screen"})
 		expectRefused(deskhost({option, ""}), 2, option);
 }
 
@@ -86,12 +87,16 @@ TEST(App, should_refuse_files_that_it_cannot_use)
 
 TEST(App, should_refuse_a_screen_that_it_cannot_open)
 {
-	expectRefused(deskhost({"--screen", "window"},
-	                       {{"DISPLAY", ":987"}, {"WAYLAND_DISPLAY", ""}, {"XDG_RUNTIME_DIR", "/nowhere"}, {"SDL_VIDEODRIVER", "x11"}}),
+	expectRefused(deskhost({"--screen", "window"}, {{"DISPLAY", ":987"},
+	                                                {"WAYLAND_DISPLAY", ""},
+	                                                {"XDG_RUNTIME_DIR", "/nowhere"},
+	                                                {"SDL_VIDEODRIVER", "x11"}}),
 	              2, "window");
-	expectRefused(deskhost({"--screen", "window"},
-	                       {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"XDG_RUNTIME_DIR", ""}, {"SDL_VIDEODRIVER", ""}}),
-	              2, "window");
+	expectRefused(
+		deskhost(
+			{"--screen", "window"},
+			{{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"XDG_RUNTIME_DIR", ""}, {"SDL_VIDEODRIVER", ""}}),
+		2, "window");
 	expectRefused(deskhost({"--screen", "terminal"}), 2, "terminal");
 }
 
@@ -165,12 +170,14 @@ TEST(App, should_write_a_picture_and_a_line_for_the_start_and_every_key)
 {
 	Receiver receiver;
 	TempFolder pictures;
-	const Play run = play(receiver.path(), "down\tok\n exit pagedown 7 exit", {"--pictures", pictures / "new/folder"});
+	const Play run =
+		play(receiver.path(), "down\tok\n exit pagedown 7 exit", {"--pictures", pictures / "new/folder"});
 	const Lines names = {"start", "down", "ok", "exit", "pagedown", "7", "exit"};
 	ASSERT_EQ(run.moments.size(), names.size());
 	for (size_t i = 0; i < names.size(); ++i) {
 		EXPECT_EQ(run.moments[i]["after"], names[i]);
-		const std::string png = support::readFile(pictures / ("new/folder/0" + std::to_string(i) + "-" + names[i] + ".png"));
+		const std::string png =
+			support::readFile(pictures / ("new/folder/0" + std::to_string(i) + "-" + names[i] + ".png"));
 		ASSERT_EQ(png.substr(0, 4), "\x89PNG") << names[i];
 		EXPECT_EQ(png.substr(16, 8), std::string("\0\0\x02\xd0\0\0\x02\x40", 8)) << "720 x 576";
 	}
@@ -201,7 +208,8 @@ TEST(App, should_trace_the_same_keys_on_the_same_root_alike)
 	receiver.ps("PID\n1 init\n2 other\n");
 	receiver.df("Filesystem\n/dev/root 1 2 3 4% /\n");
 	receiver.scanLog("a\nb\n");
-	const std::string keys = "ok ok exit exit down ok exit down ok red right ok exit down ok ok up up up ok down ok ok exit";
+	const std::string keys =
+		"ok ok exit exit down ok exit down ok red right ok exit down ok ok up up up ok down ok ok exit";
 	const Play first = play(receiver.path(), keys);
 	const Play second = play(receiver.path(), keys);
 	EXPECT_GT(first.trace.size(), 100u);
@@ -237,7 +245,8 @@ TEST(App, should_number_the_help_in_every_language)
 TEST(App, should_not_take_the_language_of_the_desk)
 {
 	Receiver receiver;
-	const Play run = play(receiver.path(), "", {}, {{"LANG", "de_DE.UTF-8"}, {"LANGUAGE", "de"}, {"LC_ALL", "C.UTF-8"}});
+	const Play run =
+		play(receiver.path(), "", {}, {{"LANG", "de_DE.UTF-8"}, {"LANGUAGE", "de"}, {"LC_ALL", "C.UTF-8"}});
 	EXPECT_EQ(run.window(0)["title"], "Vexlo service menu") << "the same keys, the same screens";
 }
 
@@ -290,7 +299,8 @@ TEST(App, should_harm_nobody_with_a_root_however_the_plugin_calls)
 	Receiver receiver;
 	receiver.meminfo("the receiver's\n");
 	receiver.scanLog("a\n");
-	const Play run = play(receiver.path(), "red blue green yellow exit", {"--plugin", testPlugin("tail_calls.so.0")});
+	const Play run =
+		play(receiver.path(), "red blue green yellow exit", {"--plugin", testPlugin("tail_calls.so.0")});
 	const auto has = [&](const std::string &line) {
 		return std::find(run.trace.begin(), run.trace.end(), line) != run.trace.end();
 	};
@@ -367,7 +377,8 @@ TEST(Toolkit, should_report_the_entry_that_becomes_current_when_one_is_taken_out
 
 TEST(Toolkit, should_empty_a_list_entry_by_entry)
 {
-	const Play run = play("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});
+	const Play run =
+		play("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});
 	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["count"], 0);
 	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["current"], -1);
 	EXPECT_EQ(run.widget(7, "eLabel")["text"], "none");

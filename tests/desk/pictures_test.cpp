@@ -23,7 +23,7 @@ struct Pixels
 Pixels readPng(const std::string &path)
 {
 	const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t *)> surface(
-	    cairo_image_surface_create_from_png(path.c_str()), cairo_surface_destroy);
+		cairo_image_surface_create_from_png(path.c_str()), cairo_surface_destroy);
 	EXPECT_EQ(cairo_surface_status(surface.get()), CAIRO_STATUS_SUCCESS) << path;
 	Pixels pixels;
 	pixels.width = cairo_image_surface_get_width(surface.get());
@@ -76,7 +76,8 @@ TEST(Pictures, should_be_those_of_the_documentation)
 		if (worst > 6) {
 			const std::string kept = support::buildPath("wrong-" + name);
 			fs::copy_file(entry.path(), kept, fs::copy_options::overwrite_existing);
-			ADD_FAILURE() << name << " differs by " << worst << "; it is kept as " << kept << ", beside " << reference;
+			ADD_FAILURE() << name << " differs by " << worst << "; it is kept as " << kept << ", beside "
+						  << reference;
 		}
 		++compared;
 	}

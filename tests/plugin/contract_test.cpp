@@ -7,10 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cxxabi.h>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <cxxabi.h>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -187,18 +187,20 @@ bool isOperation(const std::set<std::string> &names, const std::string &wanted)
 	});
 }
 
-void expectSlots(const Object &object, const std::string &mangledClass, const std::vector<std::string> &expected)
+void expectSlots(const Object &object, const std::string &mangledClass,
+                 const std::vector<std::string> &expected)
 {
 	const auto slots = object.slots(mangledClass);
 	EXPECT_EQ(slots.size(), expected.size()) << mangledClass;
 	for (size_t i = 0; i < std::min(slots.size(), expected.size()); ++i)
-		EXPECT_TRUE(isOperation(slots[i], expected[i])) << mangledClass << " has in slot " << i << " not "
-		                                                << expected[i] << " but "
-		                                                << ::testing::PrintToString(slots[i]);
+		EXPECT_TRUE(isOperation(slots[i], expected[i]))
+			<< mangledClass << " has in slot " << i << " not " << expected[i] << " but "
+			<< ::testing::PrintToString(slots[i]);
 }
 
 /// eWidget's operations, in slot order, as a class overrides them: name of the operation to its class.
-std::vector<std::string> widgetSlots(const std::string &destructor, const std::map<std::string, std::string> &overrides)
+std::vector<std::string> widgetSlots(const std::string &destructor,
+                                     const std::map<std::string, std::string> &overrides)
 {
 	std::vector<std::string> result = {destructor, destructor};
 	for (const char *name :
@@ -211,8 +213,8 @@ std::vector<std::string> widgetSlots(const std::string &destructor, const std::m
 }
 
 const std::map<std::string, std::string> windowOverrides = {
-    {"willShow", "eWindow"},     {"willHide", "eWindow"},     {"recalcClientRect", "eWindow"},
-    {"eventHandler", "eWindow"}, {"redrawWidget", "eWindow"}, {"eraseBackground", "eWindow"}};
+	{"willShow", "eWindow"},     {"willHide", "eWindow"},     {"recalcClientRect", "eWindow"},
+	{"eventHandler", "eWindow"}, {"redrawWidget", "eWindow"}, {"eraseBackground", "eWindow"}};
 
 const std::map<std::string, std::string> menuOverrides = [] {
 	auto overrides = windowOverrides;
@@ -224,9 +226,9 @@ const std::map<std::string, std::string> decoOverrides = {{"eventFilter", "eDeco
                                                           {"setProperty", "eDecoWidget"}};
 
 const std::map<std::string, std::string> listOverrides = {
-    {"eventFilter", "eDecoWidget"},       {"gotFocus", "eListBoxBase"},     {"lostFocus", "eListBoxBase"},
-    {"recalcClientRect", "eListBoxBase"}, {"eventHandler", "eListBoxBase"}, {"redrawWidget", "eListBoxBase"},
-    {"setProperty", "eListBoxBase"}};
+	{"eventFilter", "eDecoWidget"},       {"gotFocus", "eListBoxBase"},     {"lostFocus", "eListBoxBase"},
+	{"recalcClientRect", "eListBoxBase"}, {"eventHandler", "eListBoxBase"}, {"redrawWidget", "eListBoxBase"},
+	{"setProperty", "eListBoxBase"}};
 
 std::vector<std::string> listSlots(const std::string &type)
 {
@@ -300,8 +302,10 @@ TEST(Plugin, windows_keep_the_order_of_the_virtual_operations)
 {
 	expectSlots(plugin(), "10eVexloMenu", widgetSlots("eVexloMenu::~eVexloMenu", menuOverrides));
 	expectSlots(plugin(), "9ePsDialog", widgetSlots("ePsDialog::~ePsDialog", windowOverrides));
-	expectSlots(plugin(), "14eMemInfoDialog", widgetSlots("eMemInfoDialog::~eMemInfoDialog", windowOverrides));
-	expectSlots(plugin(), "14eScanLogDialog", widgetSlots("eScanLogDialog::~eScanLogDialog", windowOverrides));
+	expectSlots(plugin(), "14eMemInfoDialog",
+	            widgetSlots("eMemInfoDialog::~eMemInfoDialog", windowOverrides));
+	expectSlots(plugin(), "14eScanLogDialog",
+	            widgetSlots("eScanLogDialog::~eScanLogDialog", windowOverrides));
 	expectSlots(plugin(), "13eSysInfDialog", widgetSlots("eSysInfDialog::~eSysInfDialog", windowOverrides));
 }
 
@@ -342,8 +346,9 @@ TEST(Signals, counted_object_keeps_the_order_of_its_virtual_operations)
 	object->reference();
 	delete object;
 	expectSlots(Object(std::filesystem::read_symlink("/proc/self/exe")), "N4SigC10ObjectBaseE",
-	            {"SigC::ObjectBase::reference", "SigC::ObjectBase::unreference", "SigC::ObjectBase::set_manage",
-	             "SigC::ObjectBase::~ObjectBase", "SigC::ObjectBase::~ObjectBase"});
+	            {"SigC::ObjectBase::reference", "SigC::ObjectBase::unreference",
+	             "SigC::ObjectBase::set_manage", "SigC::ObjectBase::~ObjectBase",
+	             "SigC::ObjectBase::~ObjectBase"});
 }
 
 TEST(ClassTree, is_the_hosts)
@@ -360,13 +365,15 @@ TEST(ClassTree, is_the_hosts)
 	EXPECT_EQ(host().typeReferences("13eListBoxEntry"), object);
 	EXPECT_EQ(host().typeReferences("7eWindow"), std::set<std::string>{"7eWidget"});
 	EXPECT_EQ(host().typeReferences("11eMessageBox"), window);
-	EXPECT_EQ(host().typeReferences("12eSetupWindow"), std::set<std::string>{"14eListBoxWindowI17eListBoxEntryMenuE"});
+	EXPECT_EQ(host().typeReferences("12eSetupWindow"),
+	          std::set<std::string>{"14eListBoxWindowI17eListBoxEntryMenuE"});
 	EXPECT_EQ(host().typeReferences("14eListBoxWindowI17eListBoxEntryMenuE"), window);
 	EXPECT_EQ(host().typeReferences("11eDecoWidget"), std::set<std::string>{"7eWidget"});
 	EXPECT_EQ(host().typeReferences("6eLabel"), std::set<std::string>{"11eDecoWidget"});
 	EXPECT_EQ(host().typeReferences("7eButton"), std::set<std::string>{"6eLabel"});
 	EXPECT_EQ(host().typeReferences("12eListBoxBase"), std::set<std::string>{"11eDecoWidget"});
-	EXPECT_EQ(host().typeReferences("8eListBoxI17eListBoxEntryMenuE"), std::set<std::string>{"12eListBoxBase"});
+	EXPECT_EQ(host().typeReferences("8eListBoxI17eListBoxEntryMenuE"),
+	          std::set<std::string>{"12eListBoxBase"});
 	EXPECT_EQ(host().typeReferences("17eListBoxEntryText"), std::set<std::string>{"13eListBoxEntry"});
 	EXPECT_EQ(plugin().typeReferences("17eListBoxEntryMenu"), std::set<std::string>{"17eListBoxEntryText"});
 	EXPECT_TRUE(host().typeReferences("N4SigC6ObjectE").count("N4SigC10ObjectBaseE"));

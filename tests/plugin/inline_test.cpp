@@ -63,7 +63,8 @@ TEST(Entry, should_append_itself_at_the_end_of_its_list)
 	Box *box = new Box(&window);
 	const Entry *first = new Entry(box);
 	const Entry *second = new Entry(box);
-	EXPECT_EQ(box->kept().entries, (std::vector<eListBoxEntry *>{const_cast<Entry *>(first), const_cast<Entry *>(second)}));
+	EXPECT_EQ(box->kept().entries,
+	          (std::vector<eListBoxEntry *>{const_cast<Entry *>(first), const_cast<Entry *>(second)}));
 	EXPECT_EQ(box->kept().current, 0);
 }
 
@@ -152,7 +153,8 @@ TEST(ListBox, should_emit_the_choice_in_the_order_of_connection)
 	box->selected.connect(SigC::slot(listener, &Listener::again));
 	box->SendSelected(entry);
 	box->SendSelected(nullptr);
-	EXPECT_EQ(listener.order, (std::vector<std::pair<int, eListBoxEntry *>>{{1, entry}, {2, entry}, {1, nullptr}, {2, nullptr}}));
+	EXPECT_EQ(listener.order, (std::vector<std::pair<int, eListBoxEntry *>>{
+								  {1, entry}, {2, entry}, {1, nullptr}, {2, nullptr}}));
 }
 
 TEST(ListBox, should_emit_the_move_on_a_signal_of_its_own)

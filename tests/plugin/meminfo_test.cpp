@@ -14,11 +14,11 @@ namespace
 {
 
 const std::string olderLayout = "        total:    used:    free:  shared: buffers:  cached:\n"
-                                "Mem:  63373312 61894656  1478656        0  2785280 29470720\n"
-                                "Swap:        0        0        0\n"
-                                "MemTotal:        61888 kB\n"
-                                "MemFree:           512 kB\n"
-                                "SwapCached:          0 kB\n";
+								"Mem:  63373312 61894656  1478656        0  2785280 29470720\n"
+								"Swap:        0        0        0\n"
+								"MemTotal:        61888 kB\n"
+								"MemFree:           512 kB\n"
+								"SwapCached:          0 kB\n";
 
 TEST(MemInfo, should_place_and_fill_two_labels)
 {
@@ -27,23 +27,23 @@ TEST(MemInfo, should_place_and_fill_two_labels)
 	const Play run = play(receiver.path(), "down ok exit exit");
 	EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
 	          (Lines{
-	              "#7 = eWindow(1)",
-	              R"(#7.setText("Memory info"))",
-	              "#7.cmove(225, 113)",
-	              "#7.cresize(270, 350)",
-	              R"(fopen("/proc/meminfo", "r") = stream)",
-	              "fclose(stream) = 0",
-	              R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
-	              R"(#8.setText("MemTotal:  \nMemFree:   \nSwapCached:\n"))",
-	              "#8.move(5, 5)",
-	              "#8.resize(150, 350)",
-	              R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
-	              R"(#9.setText("61888 KB\n512 KB\n0 KB\n"))",
-	              "#9.move(160, 5)",
-	              "#9.resize(100, 350)",
-	              "#7.show()",
-	              "#7.exec()",
-	          }));
+				  "#7 = eWindow(1)",
+				  R"(#7.setText("Memory info"))",
+				  "#7.cmove(225, 113)",
+				  "#7.cresize(270, 350)",
+				  R"(fopen("/proc/meminfo", "r") = stream)",
+				  "fclose(stream) = 0",
+				  R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
+				  R"(#8.setText("MemTotal:  \nMemFree:   \nSwapCached:\n"))",
+				  "#8.move(5, 5)",
+				  "#8.resize(150, 350)",
+				  R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
+				  R"(#9.setText("61888 KB\n512 KB\n0 KB\n"))",
+				  "#9.move(160, 5)",
+				  "#9.resize(100, 350)",
+				  "#7.show()",
+				  "#7.exec()",
+			  }));
 }
 
 TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
@@ -113,7 +113,8 @@ TEST_P(MemInfoSource, should_open_an_empty_screen)
 }
 
 INSTANTIATE_TEST_SUITE_P(Unusable, MemInfoSource,
-                         ::testing::Values(Source{"empty", ""}, Source{"one_byte", "M"}, Source{"nul", std::string(1, '\0')},
+                         ::testing::Values(Source{"empty", ""}, Source{"one_byte", "M"},
+                                           Source{"nul", std::string(1, '\0')},
                                            Source{"eight_pieces", support::repeat("MemTotal: 1 kB\n", 8)}),
                          [](const auto &entry) { return entry.param.name; });
 

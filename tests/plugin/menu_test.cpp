@@ -14,18 +14,18 @@ namespace
 {
 
 const Lines built = {
-    R"(#1 = eSetupWindow("Vexlo service menu", 10, 400))",
-    R"(#1.cmove(170, 145))",
-    R"(eString.sprintf("(%d) %s") = "(1) show current processes in memory")",
-    R"(#2.append(#3, false, false))",
-    R"(eString.sprintf("(%d) %s") = "(2) show current used and free memory")",
-    R"(#2.append(#4, false, false))",
-    R"(eString.sprintf("(%d) %s") = "(3) show scan log")",
-    R"(#2.append(#5, false, false))",
-    R"(eString.sprintf("(%d) %s") = "(4) show system info")",
-    R"(#2.append(#6, false, false))",
-    R"(#1.show())",
-    R"(#1.exec())",
+	R"(#1 = eSetupWindow("Vexlo service menu", 10, 400))",
+	R"(#1.cmove(170, 145))",
+	R"(eString.sprintf("(%d) %s") = "(1) show current processes in memory")",
+	R"(#2.append(#3, false, false))",
+	R"(eString.sprintf("(%d) %s") = "(2) show current used and free memory")",
+	R"(#2.append(#4, false, false))",
+	R"(eString.sprintf("(%d) %s") = "(3) show scan log")",
+	R"(#2.append(#5, false, false))",
+	R"(eString.sprintf("(%d) %s") = "(4) show system info")",
+	R"(#2.append(#6, false, false))",
+	R"(#1.show())",
+	R"(#1.exec())",
 };
 
 TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
@@ -62,8 +62,11 @@ TEST(Menu, should_hold_four_entries_with_their_numbered_help)
 	const char *list = "eListBox<eListBoxEntryMenu>";
 	EXPECT_EQ(run.widget(0, list)["rows"], Json({"process info", "memory info", "scan log", "system info"}));
 	EXPECT_EQ(run.widget(0, list)["count"], 4);
-	const Lines help = {"(1) show current processes in memory", "(2) show current used and free memory",
-	                    "(3) show scan log", "(4) show system info", "(1) show current processes in memory",
+	const Lines help = {"(1) show current processes in memory",
+	                    "(2) show current used and free memory",
+	                    "(3) show scan log",
+	                    "(4) show system info",
+	                    "(1) show current processes in memory",
 	                    "(4) show system info"};
 	ASSERT_EQ(run.moments.size(), help.size());
 	for (size_t i = 0; i < help.size(); ++i)
@@ -74,31 +77,30 @@ TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroye
 {
 	Receiver receiver;
 	const Play run = play(receiver.path(), "down ok exit exit");
-	EXPECT_EQ(run.traceBetween("#1.exec()", "#1.exec() = -1"),
-	          (Lines{
-	              "#1.exec()",
-	              "#1.hide()",
-	              "#7 = eWindow(1)",
-	              R"(#7.setText("Memory info"))",
-	              "#7.cmove(225, 113)",
-	              "#7.cresize(270, 350)",
-	              R"(fopen("/proc/meminfo", "r") = null)",
-	              R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
-	              R"(#8.setText(""))",
-	              "#8.move(5, 5)",
-	              "#8.resize(150, 350)",
-	              R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
-	              R"(#9.setText(""))",
-	              "#9.move(160, 5)",
-	              "#9.resize(100, 350)",
-	              "#7.show()",
-	              "#7.exec()",
-	              "#7.exec() = -1",
-	              "#7.hide()",
-	              "#1.show()",
-	              "#7.~eWindow()",
-	              "#1.exec() = -1",
-	          }));
+	EXPECT_EQ(run.traceBetween("#1.exec()", "#1.exec() = -1"), (Lines{
+																   "#1.exec()",
+																   "#1.hide()",
+																   "#7 = eWindow(1)",
+																   R"(#7.setText("Memory info"))",
+																   "#7.cmove(225, 113)",
+																   "#7.cresize(270, 350)",
+																   R"(fopen("/proc/meminfo", "r") = null)",
+																   R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
+																   R"(#8.setText(""))",
+																   "#8.move(5, 5)",
+																   "#8.resize(150, 350)",
+																   R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
+																   R"(#9.setText(""))",
+																   "#9.move(160, 5)",
+																   "#9.resize(100, 350)",
+																   "#7.show()",
+																   "#7.exec()",
+																   "#7.exec() = -1",
+																   "#7.hide()",
+																   "#1.show()",
+																   "#7.~eWindow()",
+																   "#1.exec() = -1",
+															   }));
 }
 
 TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)

@@ -23,38 +23,38 @@ namespace
 const char *const list = "eListBox<eListBoxEntryText>";
 
 const std::string twoProcesses = "  PID USER COMMAND\n"
-                                 "    1 root init\n"
-                                 "  123 root telnetd\n";
+								 "    1 root init\n"
+								 "  123 root telnetd\n";
 
 Lines construction(int fontSize)
 {
 	const std::string font = std::to_string(fontSize);
 	return {
-	    "#7 = eWindow(1)",
-	    "eSkin.getActive()",
-	    R"(eSkin.queryValue("fontsize", 20) = )" + font,
-	    R"(#7.setText("Info"))",
-	    "#7.cmove(110, 63)",
-	    "#7.cresize(500, 450)",
-	    "eListBoxEntryText.getEntryHeight() = " + font,
-	    "#8 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
-	    "#8.setFlags(4)",
-	    "#8.move(5, " + std::to_string(fontSize + 10) + ")",
-	    "#8.resize(490, 410)",
-	    R"(system("ps >/var/tmp/ps.tmp"))",
-	    R"(eDebug("[write ps info]"))",
-	    R"(fopen("/var/tmp/ps.tmp", "r") = stream)",
-	    "fclose(stream) = 0",
-	    R"(remove("/var/tmp/ps.tmp"))",
-	    "#8.append(#9, false, false)",
-	    "#8.append(#10, false, false)",
-	    R"(#11 = eLabel(#7, 0, 0, "eLabel"))",
-	    R"(#11.setText("  PID USER COMMAND\n"))",
-	    "#11.move(5, 5)",
-	    "#11.resize(500, " + font + ")",
-	    "#7.setFocus(#8)",
-	    "#7.show()",
-	    "#7.exec()",
+		"#7 = eWindow(1)",
+		"eSkin.getActive()",
+		R"(eSkin.queryValue("fontsize", 20) = )" + font,
+		R"(#7.setText("Info"))",
+		"#7.cmove(110, 63)",
+		"#7.cresize(500, 450)",
+		"eListBoxEntryText.getEntryHeight() = " + font,
+		"#8 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
+		"#8.setFlags(4)",
+		"#8.move(5, " + std::to_string(fontSize + 10) + ")",
+		"#8.resize(490, 410)",
+		R"(system("ps >/var/tmp/ps.tmp"))",
+		R"(eDebug("[write ps info]"))",
+		R"(fopen("/var/tmp/ps.tmp", "r") = stream)",
+		"fclose(stream) = 0",
+		R"(remove("/var/tmp/ps.tmp"))",
+		"#8.append(#9, false, false)",
+		"#8.append(#10, false, false)",
+		R"(#11 = eLabel(#7, 0, 0, "eLabel"))",
+		R"(#11.setText("  PID USER COMMAND\n"))",
+		"#11.move(5, 5)",
+		"#11.resize(500, " + font + ")",
+		"#7.setFocus(#8)",
+		"#7.show()",
+		"#7.exec()",
 	};
 }
 
@@ -95,8 +95,8 @@ TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit");
 	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
-	          (Lines{"#7.exec()", "#7.reject()", "#7.setFocus(#8)", "#7.exec() = -1", "#7.hide()", "#1.show()",
-	                 "#7.~eWindow()"}));
+	          (Lines{"#7.exec()", "#7.reject()", "#7.setFocus(#8)", "#7.exec() = -1", "#7.hide()",
+	                 "#1.show()", "#7.~eWindow()"}));
 }
 
 TEST(Ps, should_ask_and_kill_on_yes)
@@ -106,23 +106,23 @@ TEST(Ps, should_ask_and_kill_on_yes)
 	const Play run = play(receiver.path(), "ok down ok ok exit");
 	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
 	          (Lines{
-	              "#7.exec()",
-	              R"(eString.sprintf("Kill %s pid?") = "Kill 123 pid?")",
-	              R"(#12 = eMessageBox("Kill 123 pid?", "kill pid", 76, 4, 0))",
-	              "#12.show()",
-	              "#12.exec()",
-	              "#12.exec() = 4",
-	              "#12.hide()",
-	              R"(eDebug("-----kill pid  - 123-----"))",
-	              R"(system("kill -9 123"))",
-	              "#7.accept()",
-	              "#7.setFocus(#8)",
-	              "#12.~eMessageBox()",
-	              "#7.exec() = 0",
-	              "#7.hide()",
-	              "#1.show()",
-	              "#7.~eWindow()",
-	          }));
+				  "#7.exec()",
+				  R"(eString.sprintf("Kill %s pid?") = "Kill 123 pid?")",
+				  R"(#12 = eMessageBox("Kill 123 pid?", "kill pid", 76, 4, 0))",
+				  "#12.show()",
+				  "#12.exec()",
+				  "#12.exec() = 4",
+				  "#12.hide()",
+				  R"(eDebug("-----kill pid  - 123-----"))",
+				  R"(system("kill -9 123"))",
+				  "#7.accept()",
+				  "#7.setFocus(#8)",
+				  "#12.~eMessageBox()",
+				  "#7.exec() = 0",
+				  "#7.hide()",
+				  "#1.show()",
+				  "#7.~eWindow()",
+			  }));
 	EXPECT_NE(run.outcome.err.find("kill -9 123 (reported only"), std::string::npos) << run.outcome.err;
 }
 
@@ -149,7 +149,8 @@ void expectSpared(const std::string &keys, const std::string &result)
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok down ok " + keys + " exit exit");
 	EXPECT_EQ(run.traceBetween("#12.exec()", "#12.~eMessageBox()"),
-	          (Lines{"#12.exec()", "#12.exec() = " + result, "#12.hide()", "#7.setFocus(#8)", "#12.~eMessageBox()"}));
+	          (Lines{"#12.exec()", "#12.exec() = " + result, "#12.hide()", "#7.setFocus(#8)",
+	                 "#12.~eMessageBox()"}));
 	const size_t after = 3 + static_cast<size_t>(std::count(keys.begin(), keys.end(), ' ')) + 1;
 	EXPECT_EQ(run.window(after)["class"], "ePsDialog") << "it stays open";
 	EXPECT_EQ(run.widget(after, list)["focus"], true);
@@ -215,17 +216,17 @@ TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_sam
 	const Play run = play(receiver.path(), "ok exit exit");
 	EXPECT_EQ(run.traceBetween(R"(system("ps >/var/tmp/ps.tmp"))", "#7.setFocus(#8)"),
 	          (Lines{
-	              R"(system("ps >/var/tmp/ps.tmp"))",
-	              R"(eDebug("[write ps info]"))",
-	              R"(fopen("/var/tmp/ps.tmp", "r") = null)",
-	              "fclose(null) = -1",
-	              R"(remove("/var/tmp/ps.tmp"))",
-	              R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
-	              R"(#9.setText(""))",
-	              "#9.move(5, 5)",
-	              "#9.resize(500, 20)",
-	              "#7.setFocus(#8)",
-	          }));
+				  R"(system("ps >/var/tmp/ps.tmp"))",
+				  R"(eDebug("[write ps info]"))",
+				  R"(fopen("/var/tmp/ps.tmp", "r") = null)",
+				  "fclose(null) = -1",
+				  R"(remove("/var/tmp/ps.tmp"))",
+				  R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
+				  R"(#9.setText(""))",
+				  "#9.move(5, 5)",
+				  "#9.resize(500, 20)",
+				  "#7.setFocus(#8)",
+			  }));
 	struct stat status;
 	EXPECT_NE(lstat("/var/tmp/ps.tmp", &status), 0) << "even the link is gone";
 	unlink("/var/tmp/ps.tmp");

@@ -21,50 +21,50 @@ Lines construction(int fontSize, const Lines &reading, const std::string &summar
 {
 	const std::string font = std::to_string(fontSize), number = std::to_string(label);
 	Lines lines = {
-	    "#7 = eWindow(1)",
-	    "eSkin.getActive()",
-	    R"(eSkin.queryValue("fontsize", 20) = )" + font,
-	    R"(#7.setText("Info"))",
-	    "#7.cmove(60, 63)",
-	    "#7.cresize(600, 470)",
-	    R"(#8 = eButton(#7, null, 1, "eButton"))",
-	    "#8.move(10, 420)",
-	    "#8.resize(160, 40)",
-	    R"(#8.setShortcut("red"))",
-	    R"(#8.setShortcutPixmap("red"))",
-	    "#8.loadDeco()",
-	    R"(#8.setText("delete log"))",
-	    "eListBoxEntryText.getEntryHeight() = " + font,
-	    "#9 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
-	    "#9.setFlags(4)",
-	    "#9.move(5, 5)",
-	    "#9.resize(590, 410)",
+		"#7 = eWindow(1)",
+		"eSkin.getActive()",
+		R"(eSkin.queryValue("fontsize", 20) = )" + font,
+		R"(#7.setText("Info"))",
+		"#7.cmove(60, 63)",
+		"#7.cresize(600, 470)",
+		R"(#8 = eButton(#7, null, 1, "eButton"))",
+		"#8.move(10, 420)",
+		"#8.resize(160, 40)",
+		R"(#8.setShortcut("red"))",
+		R"(#8.setShortcutPixmap("red"))",
+		"#8.loadDeco()",
+		R"(#8.setText("delete log"))",
+		"eListBoxEntryText.getEntryHeight() = " + font,
+		"#9 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
+		"#9.setFlags(4)",
+		"#9.move(5, 5)",
+		"#9.resize(590, 410)",
 	};
 	lines.insert(lines.end(), reading.begin(), reading.end());
 	const Lines rest = {
-	    "#" + number + R"( = eLabel(#7, 0, 0, "eLabel"))",
-	    "#" + number + ".setText(\"" + summary + "\")",
-	    "#" + number + ".move(180, 430)",
-	    "#" + number + ".resize(600, " + font + ")",
-	    "#7.setFocus(#9)",
-	    "#7.show()",
-	    "#7.exec()",
+		"#" + number + R"( = eLabel(#7, 0, 0, "eLabel"))",
+		"#" + number + ".setText(\"" + summary + "\")",
+		"#" + number + ".move(180, 430)",
+		"#" + number + ".resize(600, " + font + ")",
+		"#7.setFocus(#9)",
+		"#7.show()",
+		"#7.exec()",
 	};
 	lines.insert(lines.end(), rest.begin(), rest.end());
 	return lines;
 }
 
 const Lines twoLines = {
-    R"(fopen("/var/scaning.log", "r") = stream)",
-    "fclose(stream) = 0",
-    R"(eDebug("close file"))",
-    "#9.append(#10, false, false)",
-    "#9.append(#11, false, false)",
+	R"(fopen("/var/scaning.log", "r") = stream)",
+	"fclose(stream) = 0",
+	R"(eDebug("close file"))",
+	"#9.append(#10, false, false)",
+	"#9.append(#11, false, false)",
 };
 
 const Lines noFile = {
-    R"(fopen("/var/scaning.log", "r") = null)",
-    R"(eDebug("file \"/var/scaning.log\" not found"))",
+	R"(fopen("/var/scaning.log", "r") = null)",
+	R"(eDebug("file \"/var/scaning.log\" not found"))",
 };
 
 TEST(ScanLog, should_be_laid_out_around_the_log)
@@ -72,7 +72,8 @@ TEST(ScanLog, should_be_laid_out_around_the_log)
 	Receiver receiver;
 	receiver.scanLog("a\nb\n");
 	for (const int fontSize : {0, 20, 30}) {
-		const Play run = play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const Play run =
+			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
 		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
 		          construction(fontSize ? fontSize : 20, twoLines, "size of /var/scaning.log : 4 bytes", 12));
 	}
@@ -82,7 +83,8 @@ TEST(ScanLog, should_be_laid_out_without_a_log)
 {
 	Receiver receiver;
 	for (const int fontSize : {20, 30}) {
-		const Play run = play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const Play run =
+			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
 		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
 		          construction(fontSize, noFile, R"(file \"/var/scaning.log\" not found)", 10));
 	}
@@ -104,12 +106,13 @@ TEST(ScanLog, should_list_numbered_lines_with_the_list_in_focus)
 TEST(ScanLog, should_split_marker_lines)
 {
 	const std::string line = "0123456789 start at 01234567890123456789012345678901234567890123456789"
-	                         "abcdefghijklmnopqrstuvwxyzABCDE";
+							 "abcdefghijklmnopqrstuvwxyzABCDE";
 	ASSERT_EQ(line.size(), 101u);
 	Receiver receiver;
 	receiver.scanLog(line + "\n");
 	const Play run = play(receiver.path(), keys);
-	EXPECT_EQ(run.widget(opened, list)["rows"], Json({"0 " + line.substr(1, 46), "0 " + line.substr(46, 46)}));
+	EXPECT_EQ(run.widget(opened, list)["rows"],
+	          Json({"0 " + line.substr(1, 46), "0 " + line.substr(46, 46)}));
 }
 
 TEST(ScanLog, should_translate_the_button_and_neither_title_nor_summary)
@@ -141,22 +144,22 @@ TEST(ScanLog, should_ask_and_delete_on_yes)
 	EXPECT_EQ(run.widget(opened + 1, "eLabel")["text"], "Delete /var/scaning.log ?");
 	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
 	          (Lines{
-	              "#7.exec()",
-	              R"(eString.sprintf("Delete %s ?") = "Delete /var/scaning.log ?")",
-	              R"(#12 = eMessageBox("Delete /var/scaning.log ?", "Warning", 76, 4, 0))",
-	              "#12.show()",
-	              "#12.exec()",
-	              "#12.exec() = 4",
-	              R"(eString.sprintf("%s") = "/var/scaning.log")",
-	              R"(remove("/var/scaning.log"))",
-	              "#7.accept()",
-	              "#12.hide()",
-	              "#12.~eMessageBox()",
-	              "#7.exec() = 0",
-	              "#7.hide()",
-	              "#1.show()",
-	              "#7.~eWindow()",
-	          }));
+				  "#7.exec()",
+				  R"(eString.sprintf("Delete %s ?") = "Delete /var/scaning.log ?")",
+				  R"(#12 = eMessageBox("Delete /var/scaning.log ?", "Warning", 76, 4, 0))",
+				  "#12.show()",
+				  "#12.exec()",
+				  "#12.exec() = 4",
+				  R"(eString.sprintf("%s") = "/var/scaning.log")",
+				  R"(remove("/var/scaning.log"))",
+				  "#7.accept()",
+				  "#12.hide()",
+				  "#12.~eMessageBox()",
+				  "#7.exec() = 0",
+				  "#7.hide()",
+				  "#1.show()",
+				  "#7.~eWindow()",
+			  }));
 	EXPECT_FALSE(support::exists(receiver / "var/scaning.log"));
 	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
 	EXPECT_EQ(run.widget(opened + 3, "eLabel")["text"], "file \"/var/scaning.log\" not found");
@@ -208,8 +211,9 @@ TEST(ScanLog, should_close_also_when_the_log_cannot_be_deleted)
 	Receiver receiver;
 	receiver.write("var/scaning.log/inside", "");
 	const Play run = play(receiver.path(), keys + "red ok exit");
-	EXPECT_EQ(run.widget(opened, "eLabel")["text"].get<std::string>().rfind("size of /var/scaning.log : ", 0), 0u)
-	    << "a folder opens, and reads nothing";
+	EXPECT_EQ(run.widget(opened, "eLabel")["text"].get<std::string>().rfind("size of /var/scaning.log : ", 0),
+	          0u)
+		<< "a folder opens, and reads nothing";
 	EXPECT_EQ(run.widget(opened, list)["count"], 0);
 	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
 	EXPECT_TRUE(support::exists(receiver / "var/scaning.log/inside"));
@@ -256,17 +260,19 @@ TEST_P(ScanLogContent, should_be_shown_and_measured)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Bytes, ScanLogContent,
-    ::testing::Values(Log{"empty", "", Json::array()}, Log{"one_byte", "x", {"0 x"}},
-                      Log{"crlf", "a\r\nb\r\n", {"0 a\r\n", "1 b\r\n"}},
-                      Log{"percent", "100 %s %n %d\n", {"0 100 %s %n %d\n"}},
-                      Log{"nul", std::string("a\0b\nc\n", 6), {"0 a", "1 c\n"}},
-                      Log{"length_1021", std::string(1020, 'x') + "\n", {"0 " + std::string(1020, 'x') + "\n"}},
-                      Log{"length_1022", std::string(1022, 'x') + "\n", {"0 " + std::string(1022, 'x'), "1 \n"}},
-                      Log{"length_1023", std::string(1023, 'x') + "\n", {"0 " + std::string(1022, 'x'), "1 x\n"}},
-                      Log{"marker_cut", std::string(1018, 'x') + "start at\n",
-                          {"0 " + std::string(1018, 'x') + "star", "1 t at\n"}}),
-    [](const auto &entry) { return entry.param.name; });
+	Bytes, ScanLogContent,
+	::testing::Values(
+		Log{"empty", "", Json::array()}, Log{"one_byte", "x", {"0 x"}},
+		Log{"crlf", "a\r\nb\r\n", {"0 a\r\n", "1 b\r\n"}},
+		Log{"percent", "100 %s %n %d\n", {"0 100 %s %n %d\n"}},
+		Log{"nul", std::string("a\0b\nc\n", 6), {"0 a", "1 c\n"}},
+		Log{"length_1021", std::string(1020, 'x') + "\n", {"0 " + std::string(1020, 'x') + "\n"}},
+		Log{"length_1022", std::string(1022, 'x') + "\n", {"0 " + std::string(1022, 'x'), "1 \n"}},
+		Log{"length_1023", std::string(1023, 'x') + "\n", {"0 " + std::string(1022, 'x'), "1 x\n"}},
+		Log{"marker_cut",
+            std::string(1018, 'x') + "start at\n",
+            {"0 " + std::string(1018, 'x') + "star", "1 t at\n"}}),
+	[](const auto &entry) { return entry.param.name; });
 
 TEST(ScanLog, should_draw_every_byte_value)
 {

@@ -20,11 +20,11 @@ constexpr size_t opened = 4; // the moment after "down down down ok"
 const std::string keys = "down down down ok ";
 
 const std::string onePartition = "dev:    size   erasesize  name\n"
-                                 "mtd0: 00020000 00004000 \"boot loader\"\n";
+								 "mtd0: 00020000 00004000 \"boot loader\"\n";
 const std::string threeMounts = "Filesystem                Size      Used Available Use% Mounted on\n"
-                                "/dev/root                 7.8M      3.1M      4.7M  40% /\n"
-                                "tmpfs                    30.2M      4.0K     30.2M   0% /tmp\n"
-                                "/dev/sda1               149.0G    112.6G     36.4G  76% /media/hdd\n";
+								"/dev/root                 7.8M      3.1M      4.7M  40% /\n"
+								"tmpfs                    30.2M      4.0K     30.2M   0% /tmp\n"
+								"/dev/sda1               149.0G    112.6G     36.4G  76% /media/hdd\n";
 
 std::string text(const std::string &value)
 {
@@ -40,8 +40,8 @@ std::string padded(std::string value, size_t width)
 std::string usageLine(const std::string &size, const std::string &used, const std::string &available,
                       const std::string &use, const std::string &mount)
 {
-	return padded(size, 6) + "  " + padded(used, 6) + "  " + padded(available, 6) + "  " + padded(use, 4) + " " +
-	       padded(mount, 50) + "\n";
+	return padded(size, 6) + "  " + padded(used, 6) + "  " + padded(available, 6) + "  " + padded(use, 4) +
+	       " " + padded(mount, 50) + "\n";
 }
 
 const std::string usageHeading = usageLine("Size", "Used", "Avail.", "Use%", "Mounted");
@@ -62,21 +62,21 @@ void add(Lines &lines, const Lines &more)
 Lines construction(int f)
 {
 	Lines lines = {
-	    "#7 = eWindow(1)",
-	    "eSkin.getActive()",
-	    R"(eSkin.queryValue("fontsize", 20) = )" + std::to_string(f),
-	    R"(#7.setText("Info"))",
-	    "#7.cmove(60, 70)",
-	    "#7.cresize(600, 450)",
-	    R"(#8 = eButton(#7, null, 1, "eButton"))",
-	    "#8.move(10, 400)",
-	    "#8.resize(160, 40)",
-	    R"(#8.setShortcut("green"))",
-	    R"(#8.setShortcutPixmap("green"))",
-	    "#8.loadDeco()",
-	    R"(#8.setText("OK"))",
-	    R"(fopen("/proc/mtd", "r") = stream)",
-	    "fclose(stream) = 0",
+		"#7 = eWindow(1)",
+		"eSkin.getActive()",
+		R"(eSkin.queryValue("fontsize", 20) = )" + std::to_string(f),
+		R"(#7.setText("Info"))",
+		"#7.cmove(60, 70)",
+		"#7.cresize(600, 450)",
+		R"(#8 = eButton(#7, null, 1, "eButton"))",
+		"#8.move(10, 400)",
+		"#8.resize(160, 40)",
+		R"(#8.setShortcut("green"))",
+		R"(#8.setShortcutPixmap("green"))",
+		"#8.loadDeco()",
+		R"(#8.setText("OK"))",
+		R"(fopen("/proc/mtd", "r") = stream)",
+		"fclose(stream) = 0",
 	};
 	const int r1 = 2, r2 = 5;
 	add(lines, label(9, "MTD blocks:", 5, 5, 100, f));
@@ -84,12 +84,12 @@ Lines construction(int f)
 	add(lines, label(11, "size\n00020000\n", 70, f + 5, 100, f * r1));
 	add(lines, label(12, "erasesize\n00004000\n", 190, f + 5, 100, f * r1));
 	add(lines, label(13, "name\n\"boot loader\" \n", 300, f + 5, 350, f * r1));
-	add(lines, {R"(system("df -h >/var/tmp/df.tmp"))", R"(fopen("/var/tmp/df.tmp", "r") = stream)", "fclose(stream) = 0",
-	            R"(remove("/var/tmp/df.tmp"))"});
+	add(lines, {R"(system("df -h >/var/tmp/df.tmp"))", R"(fopen("/var/tmp/df.tmp", "r") = stream)",
+	            "fclose(stream) = 0", R"(remove("/var/tmp/df.tmp"))"});
 	add(lines, label(14, "Mounts:\n\n", 5, f * r1 + 20, 240, f * r2));
 	add(lines, label(15,
-	                 padded("Filesystem", 35) + "\n" + padded("/dev/root", 35) + "\n" + padded("tmpfs", 35) + "\n" +
-	                     padded("/dev/sda1", 35) + "\n",
+	                 padded("Filesystem", 35) + "\n" + padded("/dev/root", 35) + "\n" + padded("tmpfs", 35) +
+	                     "\n" + padded("/dev/sda1", 35) + "\n",
 	                 5, f * r1 + f + 25, 270, f * r2));
 	add(lines, label(16,
 	                 usageHeading + usageLine("7.8M", "3.1M", "4.7M", "40%", "/") +
@@ -106,7 +106,8 @@ TEST(SysInf, should_be_laid_out_by_the_font_size)
 	receiver.mtd(onePartition);
 	receiver.df(threeMounts);
 	for (const int fontSize : {0, 20, 16, 30}) {
-		const Play run = play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const Play run =
+			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
 		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"), construction(fontSize ? fontSize : 20));
 	}
 }
@@ -133,9 +134,10 @@ TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
 	receiver.df(threeMounts);
 	for (const char *way : {"ok", "green"}) {
 		const Play run = play(receiver.path(), keys + way + " exit");
-		EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
-		          (Lines{"#7.exec()", "#7.accept()", "#7.exec() = 0", "#7.hide()", "#1.show()", "#7.~eWindow()"}))
-		    << way;
+		EXPECT_EQ(
+			run.traceBetween("#7.exec()", "#7.~eWindow()"),
+			(Lines{"#7.exec()", "#7.accept()", "#7.exec() = 0", "#7.hide()", "#1.show()", "#7.~eWindow()"}))
+			<< way;
 	}
 	const Play left = play(receiver.path(), keys + "exit exit");
 	EXPECT_EQ(left.traceBetween("#7.exec()", "#7.~eWindow()"),
@@ -188,7 +190,8 @@ TEST(SysInf, should_open_when_df_is_missing_or_fails)
 	EXPECT_EQ(run.outcome.status, 0);
 
 	Receiver failing;
-	failing.write("bin/df", "#!/bin/sh\necho 'df: /media/net: Permission denied' >&2\necho heading\nexit 1\n", true);
+	failing.write("bin/df", "#!/bin/sh\necho 'df: /media/net: Permission denied' >&2\necho heading\nexit 1\n",
+	              true);
 	run = play(failing.path(), keys + "exit exit");
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
 	EXPECT_EQ(run.outcome.status, 0);
@@ -200,9 +203,10 @@ TEST(SysInf, should_remove_the_file_also_when_it_could_not_be_written)
 	receiver.df(threeMounts);
 	ASSERT_EQ(symlink("/var/tmp/no-such-folder/df.tmp", "/var/tmp/df.tmp"), 0);
 	const Play run = play(receiver.path(), keys + "exit exit");
-	const Lines reading = run.traceBetween(R"(system("df -h >/var/tmp/df.tmp"))", R"(remove("/var/tmp/df.tmp"))");
-	EXPECT_EQ(reading, (Lines{R"(system("df -h >/var/tmp/df.tmp"))", R"(fopen("/var/tmp/df.tmp", "r") = null)",
-	                          R"(remove("/var/tmp/df.tmp"))"}));
+	const Lines reading =
+		run.traceBetween(R"(system("df -h >/var/tmp/df.tmp"))", R"(remove("/var/tmp/df.tmp"))");
+	EXPECT_EQ(reading, (Lines{R"(system("df -h >/var/tmp/df.tmp"))",
+	                          R"(fopen("/var/tmp/df.tmp", "r") = null)", R"(remove("/var/tmp/df.tmp"))"}));
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
 	unlink("/var/tmp/df.tmp");
 }
@@ -225,7 +229,8 @@ TEST(SysInf, should_show_long_words_whole_in_their_own_columns)
 	const Play run = play(receiver.path(), keys);
 	EXPECT_EQ(run.widget(opened, "eLabel", 6)["text"],
 	          padded("Filesystem", 35) + "\n" + device + "\n" + longDevice + "\n");
-	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading + usageLine("1023.9G", "1", "2", "3%", mount) +
+	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading +
+	                                                       usageLine("1023.9G", "1", "2", "3%", mount) +
 	                                                       usageLine("1", "2", "3", "4%", "/"));
 }
 

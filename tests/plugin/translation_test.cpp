@@ -26,21 +26,21 @@ protected:
 		for (const char *id :
 		     {"Vexlo service menu", "process info", "memory info", "scan log", "system info",
 		      "show current processes in memory", "show current used and free memory", "show scan log",
-		      "show system info", "Kill %s pid?", "kill pid", "delete log", "Delete /var/scaning.log ?", "Warning",
-		      "OK", "  123 root telnetd\n",
+		      "show system info", "Kill %s pid?", "kill pid", "delete log", "Delete /var/scaning.log ?",
+		      "Warning", "OK", "  123 root telnetd\n",
 		      // and what nobody may look up
-		      "(%d) %s", "(1) show current processes in memory", "Info", "Memory info", "  PID USER COMMAND\n",
-		      "Kill 123 pid?", "Delete %s ?", "/var/scaning.log", "0 a\n", "a\n",
-		      "size of /var/scaning.log : 2 bytes", "size of %s : %ld bytes", "MTD blocks:", "dev:\n", "dev:",
-		      "size\n", "size", "erasesize\n", "name\n", "Mounts:\n\n", "Mounts:", "Filesystem", "Size", "Used",
-		      "Avail.", "Use%", "Mounted", "MemTotal:", "MemTotal:  \n"})
+		      "(%d) %s", "(1) show current processes in memory", "Info", "Memory info",
+		      "  PID USER COMMAND\n", "Kill 123 pid?", "Delete %s ?", "/var/scaning.log", "0 a\n", "a\n",
+		      "size of /var/scaning.log : 2 bytes", "size of %s : %ld bytes", "MTD blocks:", "dev:\n",
+		      "dev:", "size\n", "size", "erasesize\n", "name\n", "Mounts:\n\n", "Mounts:", "Filesystem",
+		      "Size", "Used", "Avail.", "Use%", "Mounted", "MemTotal:", "MemTotal:  \n"})
 			add(id, marked(id));
 		const std::string source = place.write("all.po", catalogue);
 		std::filesystem::create_directories(place / "po/xx/LC_MESSAGES");
 		std::filesystem::create_directories(place / "bin");
 		std::filesystem::copy_file(support::deskhostPath(), place / "bin/deskhost");
 		const support::Outcome made =
-		    support::run({"msgfmt", "-o", place / "po/xx/LC_MESSAGES/vexlomenu.mo", source});
+			support::run({"msgfmt", "-o", place / "po/xx/LC_MESSAGES/vexlomenu.mo", source});
 		EXPECT_EQ(made.status, 0) << made.err;
 
 		receiver.ps("  PID USER COMMAND\n  123 root telnetd\n  124 root other\n");
@@ -60,10 +60,10 @@ protected:
 	/// The screen after these keys; its windows from bottom to top.
 	Json after(const std::string &keys)
 	{
-		const support::Outcome outcome = support::run(
-		    {place / "bin/deskhost", "--plugin", support::pluginPath(), "--skin",
-		     support::sourcePath("desk/skins/default.toml"), "--screen", "none", "--root", receiver.path(), "--lang",
-		     "xx", "--keys", keys, "--dump", place / "dump"});
+		const support::Outcome outcome =
+			support::run({place / "bin/deskhost", "--plugin", support::pluginPath(), "--skin",
+		                  support::sourcePath("desk/skins/default.toml"), "--screen", "none", "--root",
+		                  receiver.path(), "--lang", "xx", "--keys", keys, "--dump", place / "dump"});
 		EXPECT_EQ(outcome.status, 0) << outcome.err;
 		return Json::parse(support::lines(support::readFile(place / "dump")).back())["windows"];
 	}
@@ -85,7 +85,8 @@ TEST_F(Translated, the_menu_with_its_labels_and_help)
 {
 	const Json menu = after("").back();
 	EXPECT_EQ(menu["title"], "<Vexlo service menu>");
-	EXPECT_EQ(menu["widgets"][0]["rows"], Json({"<process info>", "<memory info>", "<scan log>", "<system info>"}));
+	EXPECT_EQ(menu["widgets"][0]["rows"],
+	          Json({"<process info>", "<memory info>", "<scan log>", "<system info>"}));
 	EXPECT_EQ(menu["widgets"][0]["help"], "(1) <show current processes in memory>");
 }
 

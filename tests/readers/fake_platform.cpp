@@ -9,7 +9,8 @@
 #include <libintl.h>
 #include <utility>
 
-namespace {
+namespace
+{
 
 FakePlatform *current = nullptr;
 
@@ -107,7 +108,7 @@ char *dcgettext(const char *domain, const char *id, int category) noexcept
 		return real(domain, id, category);
 
 	current->lookUps.push_back(std::string("dcgettext(") + (domain ? quoted(domain) : "null") + ", " +
-		quoted(id) + ", " + std::to_string(category) + ")");
+	                           quoted(id) + ", " + std::to_string(category) + ")");
 	if (current->catalogueIsNull)
 		return nullptr;
 	const auto entry = current->catalogue.find(id);

@@ -3,11 +3,35 @@
 std::string Generator::item()
 {
 	static const std::vector<std::string> blanks = {" ", " ", " ", "  ", "        ", "\t", "\v", "\f", "\r"};
-	static const std::vector<std::string> numbers = {"0", "1", "42", "00020000", "2147483647", "2147483648",
-		"-1", "+7", "-2147483649", "4294967295", "4294967296", "9223372036854775807", "9223372036854775808",
-		"-9223372036854775808", "-9223372036854775809", "18446744073709551616", "ffffffff",
-		"FFFFFFFFFFFFFFFF", "1ffffffffffffffff", "-ffffffffffffffffff", "0x10", "0X", "0xg", "+", "-", "- 1",
-		"--1", "7:", ":"};
+	static const std::vector<std::string> numbers = {"0",
+	                                                 "1",
+	                                                 "42",
+	                                                 "00020000",
+	                                                 "2147483647",
+	                                                 "2147483648",
+	                                                 "-1",
+	                                                 "+7",
+	                                                 "-2147483649",
+	                                                 "4294967295",
+	                                                 "4294967296",
+	                                                 "9223372036854775807",
+	                                                 "9223372036854775808",
+	                                                 "-9223372036854775808",
+	                                                 "-9223372036854775809",
+	                                                 "18446744073709551616",
+	                                                 "ffffffff",
+	                                                 "FFFFFFFFFFFFFFFF",
+	                                                 "1ffffffffffffffff",
+	                                                 "-ffffffffffffffffff",
+	                                                 "0x10",
+	                                                 "0X",
+	                                                 "0xg",
+	                                                 "+",
+	                                                 "-",
+	                                                 "- 1",
+	                                                 "--1",
+	                                                 "7:",
+	                                                 ":"};
 	switch (below(16)) {
 	case 0:
 		return {static_cast<char>(below(256))};

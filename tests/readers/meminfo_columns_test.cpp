@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-namespace {
+namespace
+{
 
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
@@ -45,9 +46,10 @@ TEST(MemInfo, TheOlderLayoutsTableMakesEightPiecesAndEveryQuantityARow)
 {
 	const MemInfoColumns columns = parse(fixture("meminfo/older-layout.txt"));
 	EXPECT_EQ(columns.names,
-		"MemTotal:  \nMemFree:   \nMemShared: \nBuffers:   \nCached:    \nSwapCached:\nActive:    \n"
-		"Inactive:  \nHighTotal: \nHighFree:  \nLowTotal:  \nLowFree:   \nSwapTotal: \nSwapFree:  \n");
-	EXPECT_EQ(columns.values,
+	          "MemTotal:  \nMemFree:   \nMemShared: \nBuffers:   \nCached:    \nSwapCached:\nActive:    \n"
+	          "Inactive:  \nHighTotal: \nHighFree:  \nLowTotal:  \nLowFree:   \nSwapTotal: \nSwapFree:  \n");
+	EXPECT_EQ(
+		columns.values,
 		"29544 KB\n512 KB\n0 KB\n1096 KB\n11452 KB\n24 KB\n9272 KB\n6820 KB\n0 KB\n0 KB\n29544 KB\n512 KB\n"
 		"65528 KB\n61204 KB\n");
 }
@@ -76,15 +78,15 @@ TEST(MemInfo, ANameCanFillItsPiece)
 TEST(MemInfo, ALineOf28CharactersAndItsEndIsOnePiece)
 {
 	expectRows(counted + "name:         12345678901 kB\nnext 1\n", "name:      \nnext       \n",
-		"-539222987 KB\n1 KB\n");
-	expectRows(
-		counted + "name:               12345 kB\nnext 1\n", "name:      \nnext       \n", "12345 KB\n1 KB\n");
+	           "-539222987 KB\n1 KB\n");
+	expectRows(counted + "name:               12345 kB\nnext 1\n", "name:      \nnext       \n",
+	           "12345 KB\n1 KB\n");
 }
 
 TEST(MemInfo, ALineOf29CharactersRepeatsItsRowForItsLineEnd)
 {
 	expectRows(counted + "name:                12345 kB\nnext 1\n", "name:      \nname:      \nnext       \n",
-		"12345 KB\n12345 KB\n1 KB\n");
+	           "12345 KB\n12345 KB\n1 KB\n");
 }
 
 TEST(MemInfo, ABlankPieceRepeatsTheRowBeforeItAndCounts)
@@ -98,7 +100,7 @@ TEST(MemInfo, ABlankPieceRepeatsTheRowBeforeItAndCounts)
 TEST(MemInfo, ANameWithoutANumberShowsTheLastNumber)
 {
 	expectRows(counted + "MemShared:\nCached: kB\nBuffers: 3 kB\nHigh: x\n",
-		"MemShared: \nCached:    \nBuffers:   \nHigh:      \n", "8 KB\n8 KB\n3 KB\n3 KB\n");
+	           "MemShared: \nCached:    \nBuffers:   \nHigh:      \n", "8 KB\n8 KB\n3 KB\n3 KB\n");
 	expectRows("a\na\na\na\na\na\na\na\nb\n", "b          \n", "0 KB\n");
 }
 
@@ -118,14 +120,14 @@ TEST(MemInfo, APieceThatDoesNotParseIsNeitherCountedNorShown)
 TEST(MemInfo, TheUnitOfTheFileIsNotLookedAt)
 {
 	expectRows(counted + "Pages: 12\nHuge: 3 MB\nTiny: 4kB\nBig: 5 KB 6\n",
-		"Pages:     \nHuge:      \nTiny:      \nBig:       \n", "12 KB\n3 KB\n4 KB\n5 KB\n");
+	           "Pages:     \nHuge:      \nTiny:      \nBig:       \n", "12 KB\n3 KB\n4 KB\n5 KB\n");
 }
 
 TEST(MemInfo, AValueIsReadAsTheCLibraryReadsAnInt)
 {
 	expectRows(counted + "a -5\na +6\na 007\na 2147483648\na 4294967297\na 99999999999999999999\n",
-		"a          \na          \na          \na          \na          \na          \n",
-		"-5 KB\n6 KB\n7 KB\n-2147483648 KB\n1 KB\n-1 KB\n");
+	           "a          \na          \na          \na          \na          \na          \n",
+	           "-5 KB\n6 KB\n7 KB\n-2147483648 KB\n1 KB\n-1 KB\n");
 }
 
 TEST(MemInfo, ALastLineWithoutAnEndIsARow)
@@ -143,7 +145,7 @@ TEST(MemInfo, CarriageReturnsAreBlanks)
 TEST(MemInfo, APieceEndsAtANulByte)
 {
 	expectRows(counted + "Free:\0 512 kB\n\0 6\nb 9\n"s, "Free:      \nFree:      \nb          \n",
-		"8 KB\n8 KB\n9 KB\n");
+	           "8 KB\n8 KB\n9 KB\n");
 }
 
 TEST(MemInfo, EveryOtherByteAndThePercentSignStayInAName)
@@ -199,7 +201,8 @@ TEST(MemInfo, FixturesBecomeTheirColumns)
 TEST(MemInfo, GeneratedFilesReadAsTheModelReadsThem)
 {
 	Generator generator(3101,
-		{"MemTotal:", "SwapCached:", "Inactive(file):", "kB", "29544", "Mem:", "12345678"}, {29, 58, 87});
+	                    {"MemTotal:", "SwapCached:", "Inactive(file):", "kB", "29544", "Mem:", "12345678"},
+	                    {29, 58, 87});
 	std::size_t characters = 0;
 	for (int round = 0; round < 12000; ++round) {
 		const std::string bytes = generator.file();

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <limits>
 
-namespace {
+namespace
+{
 
 /// Cuts a file as a line reader with a small buffer does.
 class Pieces
@@ -190,7 +191,7 @@ MtdColumns modelMtd(const std::string &bytes)
 		std::string words[3];
 		Taker taker(line);
 		if (taker.character('m') && taker.character('t') && taker.character('d') && taker.decimal(number) &&
-			taker.character(':') && taker.hexadecimal(size) && taker.hexadecimal(erasesize)) {
+		    taker.character(':') && taker.hexadecimal(size) && taker.hexadecimal(erasesize)) {
 			for (std::string &word : words)
 				taker.word(word);
 		}
@@ -205,8 +206,8 @@ MtdColumns modelMtd(const std::string &bytes)
 
 MountColumns modelMounts(const std::string &bytes)
 {
-	MountColumns columns = {
-		padded("Filesystem", 35) + '\n', "Size    Used    Avail.  Use% " + padded("Mounted", 50) + '\n', 2};
+	MountColumns columns = {padded("Filesystem", 35) + '\n',
+	                        "Size    Used    Avail.  Use% " + padded("Mounted", 50) + '\n', 2};
 	Pieces pieces(bytes, 1022);
 	std::string line;
 	pieces.next(line);

@@ -11,7 +11,8 @@
 #include <sys/stat.h>
 #include <vector>
 
-namespace {
+namespace
+{
 
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
@@ -31,8 +32,8 @@ MountColumns parse(const std::string &bytes)
 	return parseMountColumns(streamOf(bytes).get());
 }
 
-void expectColumns(
-	const MountColumns &columns, const std::string &devices, const std::string &usage, int rows)
+void expectColumns(const MountColumns &columns, const std::string &devices, const std::string &usage,
+                   int rows)
 {
 	EXPECT_EQ(columns.filesystem, deviceHeading + devices);
 	EXPECT_EQ(columns.usage, usageHeading + usage);
@@ -108,24 +109,25 @@ TEST(Mounts, ALineThatDfBreaksMakesTwoRows)
 	const std::string device = "/dev/disk/by-label/recordings_of_the_living_room";
 	const MountColumns columns = parse("heading\n" + device + "\n      37.2G  36.9G  332.0M  99% /hdd\n");
 	expectColumns(columns, device + "\n37.2G" + blanks(30) + "\n",
-		blanks(79) + "\n" + "36.9G   332.0M  99%     /hdd " + blanks(50) + "\n", 4);
+	              blanks(79) + "\n" + "36.9G   332.0M  99%     /hdd " + blanks(50) + "\n", 4);
 }
 
 TEST(Mounts, NothingOfALineShowsInTheNext)
 {
 	const MountColumns columns = parse("heading\na 1 2 3 4% /b\n\nc\n");
-	expectColumns(columns, "a" + blanks(34) + "\n" + blanks(35) + "\nc" + blanks(34) + "\n",
+	expectColumns(
+		columns, "a" + blanks(34) + "\n" + blanks(35) + "\nc" + blanks(34) + "\n",
 		"1       2       3       4%   /b" + blanks(48) + "\n" + blanks(79) + "\n" + blanks(79) + "\n", 5);
 }
 
 TEST(Mounts, ALongWordIsShownWholeAndPushesTheRestOfItsLine)
 {
 	EXPECT_EQ(row("a 1023.9G 1000.1G 23.8G 97.68% /b\n")[1],
-		"1023.9G  1000.1G  23.8G   97.68% /b" + blanks(48) + "\n");
+	          "1023.9G  1000.1G  23.8G   97.68% /b" + blanks(48) + "\n");
 	for (const std::size_t length : {49u, 50u, 60u, 200u, 300u, 1000u}) {
 		const std::string word(length, 'w');
 		EXPECT_EQ(row(word + " 1 2 3 4% /b\n"),
-			Strings({word + "\n", "1       2       3       4%   /b" + blanks(48) + "\n"}));
+		          Strings({word + "\n", "1       2       3       4%   /b" + blanks(48) + "\n"}));
 		const std::string mountPoint = word + blanks(length < 50 ? 50 - length : 0) + "\n";
 		EXPECT_EQ(row("a 1 2 3 4% " + word + "\n")[1], "1       2       3       4%   " + mountPoint);
 		const std::string rest = " 4%   /b" + blanks(48) + "\n";
@@ -133,7 +135,7 @@ TEST(Mounts, ALongWordIsShownWholeAndPushesTheRestOfItsLine)
 		EXPECT_EQ(row("a 1 " + word + " 3 4% /b\n")[1], "1       " + word + "  3      " + rest);
 		EXPECT_EQ(row("a 1 2 " + word + " 4% /b\n")[1], "1       2       " + word + " " + rest);
 		EXPECT_EQ(row("a 1 2 3 " + word + " /b\n")[1],
-			"1       2       3       " + word + " /b" + blanks(48) + "\n");
+		          "1       2       3       " + word + " /b" + blanks(48) + "\n");
 	}
 }
 
@@ -179,7 +181,7 @@ TEST(Mounts, FortyMountsAreFortyRows)
 TEST(Mounts, AReadErrorKeepsTheRowsBeforeIt)
 {
 	expectColumns(parseMountColumns(failingStream("heading\na\n").get()), "a" + blanks(34) + "\n",
-		blanks(79) + "\n", 3);
+	              blanks(79) + "\n", 3);
 	EXPECT_EQ(parseMountColumns(failingStream("").get()).rows, 2);
 }
 
@@ -204,8 +206,8 @@ TEST(Mounts, FixturesBecomeTheirColumns)
 
 TEST(Mounts, GeneratedOutputsReadAsTheModelReadsThem)
 {
-	Generator generator(
-		5201, {"/dev/root", "7.8M", "1023.9G", "40%", "/var", "tmpfs", std::string(60, '/')}, {1022, 2044});
+	Generator generator(5201, {"/dev/root", "7.8M", "1023.9G", "40%", "/var", "tmpfs", std::string(60, '/')},
+	                    {1022, 2044});
 	int rows = 0;
 	for (int round = 0; round < 12000; ++round) {
 		const std::string bytes = generator.file();
@@ -225,8 +227,8 @@ TEST(ReadMountColumns, RunsTheCommandReadsClosesAndRemovesInThisOrder)
 	platform.replaceShell([] { writeFile(dfFile, "heading\na\n"); });
 	expectColumns(readMountColumns(), "a" + blanks(34) + "\n", blanks(79) + "\n", 3);
 	EXPECT_EQ(platform.calls,
-		Strings({"system(\"df -h >/var/tmp/df.tmp\")", "fopen(\"/var/tmp/df.tmp\", \"r\")",
-			"fclose(stream)", "remove(\"/var/tmp/df.tmp\")"}));
+	          Strings({"system(\"df -h >/var/tmp/df.tmp\")", "fopen(\"/var/tmp/df.tmp\", \"r\")",
+	                   "fclose(stream)", "remove(\"/var/tmp/df.tmp\")"}));
 	EXPECT_FALSE(exists(dfFile));
 }
 
@@ -236,9 +238,8 @@ TEST(ReadMountColumns, AFileThatDoesNotOpenIsRemovedAndNothingIsClosed)
 	platform.replaceShell([] { writeFile(dfFile, "heading\na\n"); });
 	platform.failOpening(dfFile);
 	expectColumns(readMountColumns(), "", "", 2);
-	EXPECT_EQ(platform.calls,
-		Strings({"system(\"df -h >/var/tmp/df.tmp\")", "fopen(\"/var/tmp/df.tmp\", \"r\")",
-			"remove(\"/var/tmp/df.tmp\")"}));
+	EXPECT_EQ(platform.calls, Strings({"system(\"df -h >/var/tmp/df.tmp\")",
+	                                   "fopen(\"/var/tmp/df.tmp\", \"r\")", "remove(\"/var/tmp/df.tmp\")"}));
 	EXPECT_FALSE(exists(dfFile));
 }
 
@@ -249,7 +250,7 @@ TEST(ReadMountColumns, AReadErrorStillClosesAndRemoves)
 	platform.answerOpening(dfFile, failingStream("heading\na\n").release());
 	EXPECT_EQ(readMountColumns().rows, 3);
 	EXPECT_EQ(Strings(platform.calls.begin() + 2, platform.calls.end()),
-		Strings({"fclose(stream)", "remove(\"/var/tmp/df.tmp\")"}));
+	          Strings({"fclose(stream)", "remove(\"/var/tmp/df.tmp\")"}));
 }
 
 TEST(ReadMountColumns, AFolderInPlaceOfTheFileGivesTheHeadingsAndIsRemoved)

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-namespace {
+namespace
+{
 
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
@@ -22,7 +23,7 @@ MtdColumns parse(const std::string &bytes)
 std::string joined(const MtdColumns &columns)
 {
 	return columns.dev + "|" + columns.size + "|" + columns.erasesize + "|" + columns.name + "|" +
-		std::to_string(columns.rows);
+	       std::to_string(columns.rows);
 }
 
 /// What `line` becomes, one text a column, of a file in which nothing else is shown.
@@ -30,8 +31,8 @@ Strings row(const std::string &line)
 {
 	const MtdColumns columns = parse("heading\n" + line);
 	EXPECT_EQ(columns.rows, 2) << shown(line);
-	return {
-		columns.dev.substr(5), columns.size.substr(5), columns.erasesize.substr(10), columns.name.substr(5)};
+	return {columns.dev.substr(5), columns.size.substr(5), columns.erasesize.substr(10),
+	        columns.name.substr(5)};
 }
 
 const Strings blankRow = {"mtd0:\n", "00000000\n", "00000000\n", "  \n"};
@@ -49,10 +50,9 @@ TEST(Mtd, AHeadingAloneGivesTheHeadingsAlone)
 
 TEST(Mtd, EveryLineAfterTheHeadingMakesOneLinePerColumn)
 {
-	const MtdColumns columns = parse(
-		"dev:    size   erasesize  name\n"
-		"mtd0: 00020000 00004000 \"boot loader\"\n"
-		"mtd1: 00600000 00020000 \"root fs\"\n");
+	const MtdColumns columns = parse("dev:    size   erasesize  name\n"
+	                                 "mtd0: 00020000 00004000 \"boot loader\"\n"
+	                                 "mtd1: 00600000 00020000 \"root fs\"\n");
 	EXPECT_EQ(columns.dev, "dev:\nmtd0:\nmtd1:\n");
 	EXPECT_EQ(columns.size, "size\n00020000\n00600000\n");
 	EXPECT_EQ(columns.erasesize, "erasesize\n00004000\n00020000\n");
@@ -70,7 +70,7 @@ TEST(Mtd, TheFirstLineIsDiscardedWhateverItHolds)
 TEST(Mtd, ALastLineWithoutAnEndIsShown)
 {
 	EXPECT_EQ(row("mtd3: 00020000 00004000 \"boot\""),
-		Strings({"mtd3:\n", "00020000\n", "00004000\n", "\"boot\"  \n"}));
+	          Strings({"mtd3:\n", "00020000\n", "00004000\n", "\"boot\"  \n"}));
 }
 
 TEST(Mtd, ANameOfOneOrTwoWordsGetsTrailingBlanks)
@@ -96,13 +96,13 @@ TEST(Mtd, SizesHaveEightDigitsAlways)
 TEST(Mtd, ASizeOf0x80000000OrMoreIsPrintedBackUnchanged)
 {
 	EXPECT_EQ(row("mtd0: 80000000 ffffffff \"x\"\n"),
-		Strings({"mtd0:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
+	          Strings({"mtd0:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
 }
 
 TEST(Mtd, NumbersBeyond32BitsLoseTheirUpperPart)
 {
 	EXPECT_EQ(row("mtd4294967298: 180000000 fffffffffffffffff \"x\"\n"),
-		Strings({"mtd2:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
+	          Strings({"mtd2:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
 }
 
 TEST(Mtd, ALineThatIsNoPartitionMakesABlankRow)
@@ -183,7 +183,7 @@ TEST(Mtd, EveryOtherByteAndThePercentSignStayInAName)
 TEST(Mtd, AReadErrorKeepsTheRowsBeforeIt)
 {
 	EXPECT_EQ(joined(parseMtdColumns(failingStream("heading\nmtd1: 1 2 x\n").get())),
-		"dev:\nmtd1:\n|size\n00000001\n|erasesize\n00000002\n|name\nx  \n|2");
+	          "dev:\nmtd1:\n|size\n00000001\n|erasesize\n00000002\n|name\nx  \n|2");
 	EXPECT_EQ(parseMtdColumns(failingStream("").get()).rows, 1);
 }
 
@@ -211,9 +211,9 @@ TEST(Mtd, FixturesBecomeTheirColumns)
 TEST(Mtd, GeneratedFilesReadAsTheModelReadsThem)
 {
 	Generator generator(5101,
-		{"mtd", "mtd0:", "mtd7: ", "\nmtd1: 00020000 00004000 ", "\nmtd9: 10 20 \"", "\nmtd", "00020000",
-			"\"root", "fs\""},
-		{1022, 2044});
+	                    {"mtd", "mtd0:", "mtd7: ", "\nmtd1: 00020000 00004000 ", "\nmtd9: 10 20 \"", "\nmtd",
+	                     "00020000", "\"root", "fs\""},
+	                    {1022, 2044});
 	int rows = 0;
 	for (int round = 0; round < 12000; ++round) {
 		const std::string bytes = generator.file();

@@ -13,7 +13,8 @@
 #include <unistd.h>
 #include <vector>
 
-namespace {
+namespace
+{
 
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
@@ -96,9 +97,9 @@ TEST(PsSnapshot, RowsKeepTheirLineEndsAsRead)
 TEST(PsSnapshot, APidIsReadAsTheCLibraryReadsAnInt)
 {
 	EXPECT_EQ(pids(parse("PID\n\t\v 5x\n+6 a\n-7 a\n0x10\n007 a\n8\n- 9\n+\n")),
-		Strings({"5", "6", "-7", "0", "7", "8", "8", "8"}));
+	          Strings({"5", "6", "-7", "0", "7", "8", "8", "8"}));
 	EXPECT_EQ(pids(parse("PID\n2147483647 a\n2147483648 a\n4294967298 a\n99999999999999999999 a\n")),
-		Strings({"2147483647", "-2147483648", "2", "-1"}));
+	          Strings({"2147483647", "-2147483648", "2", "-1"}));
 }
 
 TEST(PsSnapshot, ALineOf1021CharactersAndItsEndIsOneRow)
@@ -183,8 +184,8 @@ TEST(PsSnapshot, RowsButNotTheHeaderAreLookedUpWholeAndInOrder)
 {
 	FakePlatform platform;
 	parse("PID CMD\n 1 init\n 2 sh");
-	EXPECT_EQ(
-		platform.lookUps, Strings({"dcgettext(null, \" 1 init\n\", 5)", "dcgettext(null, \" 2 sh\", 5)"}));
+	EXPECT_EQ(platform.lookUps,
+	          Strings({"dcgettext(null, \" 1 init\n\", 5)", "dcgettext(null, \" 2 sh\", 5)"}));
 }
 
 TEST(PsSnapshot, ARowReadsAsTheCatalogueHasItAndKeepsThePidOfTheOutput)
@@ -237,8 +238,8 @@ TEST(PsSnapshot, CapturedListingsBecomeTheirLinesAndPids)
 
 TEST(PsSnapshot, GeneratedListingsReadAsTheModelReadsThem)
 {
-	Generator generator(
-		2101, {"PID", "root", "sh", "123", "  1 ", "[kworker/0:1]", "99999999999"}, {1022, 2044});
+	Generator generator(2101, {"PID", "root", "sh", "123", "  1 ", "[kworker/0:1]", "99999999999"},
+	                    {1022, 2044});
 	std::size_t rows = 0;
 	for (int round = 0; round < 12000; ++round) {
 		const std::string bytes = generator.file();
@@ -257,9 +258,9 @@ TEST(TakePsSnapshot, RunsTheCommandReadsClosesAndRemovesInThisOrder)
 	FakePlatform platform;
 	platform.replaceShell([] { writeFile(psFile, "PID CMD\n 1 init\n"); });
 	const PsSnapshot snapshot = takePsSnapshot();
-	EXPECT_EQ(platform.calls,
-		Strings({"system(\"ps >/var/tmp/ps.tmp\")", "eDebug(\"[write ps info]\")",
-			"fopen(\"/var/tmp/ps.tmp\", \"r\")", "fclose(stream)", "remove(\"/var/tmp/ps.tmp\")"}));
+	EXPECT_EQ(platform.calls, Strings({"system(\"ps >/var/tmp/ps.tmp\")", "eDebug(\"[write ps info]\")",
+	                                   "fopen(\"/var/tmp/ps.tmp\", \"r\")", "fclose(stream)",
+	                                   "remove(\"/var/tmp/ps.tmp\")"}));
 	EXPECT_EQ(snapshot.header, "PID CMD\n");
 	EXPECT_EQ(pids(snapshot), Strings({"1"}));
 	EXPECT_FALSE(exists(psFile));
@@ -272,8 +273,8 @@ TEST(TakePsSnapshot, AFileThatDoesNotOpenIsClosedAsANullStreamAndRemoved)
 	platform.failOpening(psFile);
 	const PsSnapshot snapshot = takePsSnapshot();
 	EXPECT_EQ(platform.calls,
-		Strings({"system(\"ps >/var/tmp/ps.tmp\")", "eDebug(\"[write ps info]\")",
-			"fopen(\"/var/tmp/ps.tmp\", \"r\")", "fclose(null)", "remove(\"/var/tmp/ps.tmp\")"}));
+	          Strings({"system(\"ps >/var/tmp/ps.tmp\")", "eDebug(\"[write ps info]\")",
+	                   "fopen(\"/var/tmp/ps.tmp\", \"r\")", "fclose(null)", "remove(\"/var/tmp/ps.tmp\")"}));
 	EXPECT_EQ(snapshot.header, "");
 	EXPECT_TRUE(snapshot.rows.empty());
 	EXPECT_FALSE(exists(psFile));
@@ -305,7 +306,7 @@ TEST(TakePsSnapshot, AReadErrorStillClosesAndRemoves)
 	platform.answerOpening(psFile, failingStream("PID\n1 a\n").release());
 	EXPECT_EQ(pids(takePsSnapshot()), Strings({"1"}));
 	EXPECT_EQ(Strings(platform.calls.begin() + 3, platform.calls.end()),
-		Strings({"fclose(stream)", "remove(\"/var/tmp/ps.tmp\")"}));
+	          Strings({"fclose(stream)", "remove(\"/var/tmp/ps.tmp\")"}));
 }
 
 TEST(TakePsSnapshot, TheRealCommandListsThisProcess)
@@ -350,11 +351,11 @@ TEST(KillPid, TakesAnyTextForAPid)
 	killPid("");
 	const std::string digits(500, '7');
 	killPid(digits);
-	EXPECT_EQ(platform.calls,
-		Strings({"eDebug(\"-----kill pid  - 0-----\")", "system(\"kill -9 0\")",
-			"eDebug(\"-----kill pid  - -1-----\")", "system(\"kill -9 -1\")",
-			"eDebug(\"-----kill pid  - -----\")", "system(\"kill -9 \")",
-			"eDebug(\"-----kill pid  - " + digits + "-----\")", "system(\"kill -9 " + digits + "\")"}));
+	EXPECT_EQ(platform.calls, Strings({"eDebug(\"-----kill pid  - 0-----\")", "system(\"kill -9 0\")",
+	                                   "eDebug(\"-----kill pid  - -1-----\")", "system(\"kill -9 -1\")",
+	                                   "eDebug(\"-----kill pid  - -----\")", "system(\"kill -9 \")",
+	                                   "eDebug(\"-----kill pid  - " + digits + "-----\")",
+	                                   "system(\"kill -9 " + digits + "\")"}));
 }
 
 TEST(KillPid, EndsThatProcessAndNoOther)

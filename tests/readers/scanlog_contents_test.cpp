@@ -10,7 +10,8 @@
 #include <unistd.h>
 #include <vector>
 
-namespace {
+namespace
+{
 
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
@@ -103,22 +104,22 @@ TEST(ScanLog, TwoMarkerLinesInARowGiveTheirOwnPieces)
 	const std::string first = marker(100);
 	const std::string second = "xstart at" + ruler(60);
 	EXPECT_EQ(texts(parse(first + "\n" + second + "\n")),
-		Strings({"0 " + first.substr(1, 46), "0 " + first.substr(46, 46), "1 " + second.substr(1, 46),
-			"1 " + (second + "\n").substr(46, 46)}));
+	          Strings({"0 " + first.substr(1, 46), "0 " + first.substr(46, 46), "1 " + second.substr(1, 46),
+	                   "1 " + (second + "\n").substr(46, 46)}));
 }
 
 TEST(ScanLog, AMarkerLineOf47CharactersWithItsEndHasTheEndAloneInItsSecondPiece)
 {
 	const std::string line = marker(46) + "\n";
 	EXPECT_EQ(texts(parse(ruler(200) + "\n" + line)),
-		Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 \n"}));
+	          Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 \n"}));
 }
 
 TEST(ScanLog, AMarkerLineOf46CharactersWithItsEndHasAnEmptySecondPiece)
 {
 	const std::string line = marker(45) + "\n";
 	EXPECT_EQ(texts(parse(ruler(200) + "\n" + line)),
-		Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 "}));
+	          Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 "}));
 }
 
 TEST(ScanLog, AShorterMarkerLineShowsWhatALongerLineLeftBehind)
@@ -127,14 +128,14 @@ TEST(ScanLog, AShorterMarkerLineShowsWhatALongerLineLeftBehind)
 	// Line and end take the places 0 to 44, the terminator 45.
 	const std::string line = marker(44) + "\n";
 	EXPECT_EQ(texts(parse(longer + "\n" + line)),
-		Strings({"0 " + longer + "\n", "1 " + line.substr(1), "1 " + longer.substr(46, 46)}));
+	          Strings({"0 " + longer + "\n", "1 " + line.substr(1), "1 " + longer.substr(46, 46)}));
 }
 
 TEST(ScanLog, WhatWasLeftBehindEndsAtTheLongerLinesOwnEnd)
 {
 	const std::string longer = ruler(60) + "\n";
 	EXPECT_EQ(texts(parse(longer + "start at\n")),
-		Strings({"0 " + longer, "1 tart at\n", "1 " + longer.substr(46)}));
+	          Strings({"0 " + longer, "1 tart at\n", "1 " + longer.substr(46)}));
 	const std::string last = ruler(46) + "\n";
 	EXPECT_EQ(texts(parse(last + "start at\n"))[2], "1 \n");
 	EXPECT_EQ(texts(parse(ruler(45) + "\n" + "start at\n"))[2], "1 ");
@@ -143,7 +144,7 @@ TEST(ScanLog, WhatWasLeftBehindEndsAtTheLongerLinesOwnEnd)
 TEST(ScanLog, AShortMarkerLineFirstInTheFileHasAnEmptySecondPiece)
 {
 	EXPECT_EQ(texts(parse("start at\n" + ruler(200) + "\n")),
-		Strings({"0 tart at\n", "0 ", "1 " + ruler(200) + "\n"}));
+	          Strings({"0 tart at\n", "0 ", "1 " + ruler(200) + "\n"}));
 }
 
 TEST(ScanLog, AShortMarkerLineShowsTheLaterOfTwoLongLinesUpToItsEnd)
@@ -205,11 +206,11 @@ TEST(ScanLog, ALineOf1022CharactersHasItsEndInALineOfItsOwn)
 TEST(ScanLog, ALongLineIsNumberedInParts)
 {
 	EXPECT_EQ(texts(parse(ruler(1023) + "\n")),
-		Strings({"0 " + ruler(1022), "1 " + ruler(1023).substr(1022) + "\n"}));
+	          Strings({"0 " + ruler(1022), "1 " + ruler(1023).substr(1022) + "\n"}));
 	const std::string line = ruler(5000);
-	EXPECT_EQ(texts(parse(line)),
-		Strings({"0 " + line.substr(0, 1022), "1 " + line.substr(1022, 1022), "2 " + line.substr(2044, 1022),
-			"3 " + line.substr(3066, 1022), "4 " + line.substr(4088)}));
+	EXPECT_EQ(texts(parse(line)), Strings({"0 " + line.substr(0, 1022), "1 " + line.substr(1022, 1022),
+	                                       "2 " + line.substr(2044, 1022), "3 " + line.substr(3066, 1022),
+	                                       "4 " + line.substr(4088)}));
 }
 
 TEST(ScanLog, AMarkerThatIsCutIsNotFoundAndEachPartIsCheckedByItself)
@@ -278,8 +279,8 @@ TEST(ScanLog, FixturesBecomeTheirEntries)
 TEST(ScanLog, GeneratedLogsReadAsTheModelReadsThem)
 {
 	Generator generator(4101,
-		{"start at", "restart at 11778 MHz", "Start at", "star", "t at", "transponder", "%s"},
-		{44, 90, 1022, 2044});
+	                    {"start at", "restart at 11778 MHz", "Start at", "star", "t at", "transponder", "%s"},
+	                    {44, 90, 1022, 2044});
 	std::size_t entries = 0;
 	std::size_t pieces = 0;
 	for (int round = 0; round < 15000; ++round) {
@@ -325,7 +326,7 @@ TEST(ReadScanLog, OpensReadsClosesAndSaysSoInThisOrder)
 	FakePlatform platform;
 	const ScanLogContents contents = readScanLog(file.path.c_str());
 	EXPECT_EQ(platform.calls,
-		Strings({"fopen(\"" + file.path + "\", \"r\")", "fclose(stream)", "eDebug(\"close file\")"}));
+	          Strings({"fopen(\"" + file.path + "\", \"r\")", "fclose(stream)", "eDebug(\"close file\")"}));
 	EXPECT_EQ(contents.summary, "size of " + file.path + " : 5120 bytes");
 	EXPECT_TRUE(contents.found);
 	EXPECT_EQ(contents.entries.size(), 6u);
@@ -336,9 +337,8 @@ TEST(ReadScanLog, AMissingFileIsNamedInTheSummaryAndInTheDebugOutput)
 {
 	FakePlatform platform;
 	const ScanLogContents contents = readScanLog("/nonexistent/100%d.log");
-	EXPECT_EQ(platform.calls,
-		Strings({"fopen(\"/nonexistent/100%d.log\", \"r\")",
-			"eDebug(\"file \"/nonexistent/100%d.log\" not found\")"}));
+	EXPECT_EQ(platform.calls, Strings({"fopen(\"/nonexistent/100%d.log\", \"r\")",
+	                                   "eDebug(\"file \"/nonexistent/100%d.log\" not found\")"}));
 	EXPECT_EQ(contents.summary, "file \"/nonexistent/100%d.log\" not found");
 	EXPECT_FALSE(contents.found);
 	EXPECT_TRUE(contents.entries.empty());
@@ -371,7 +371,7 @@ TEST(ReadScanLog, AFolderInItsPlaceOpensAndReadsNothing)
 	EXPECT_TRUE(contents.found);
 	EXPECT_TRUE(contents.entries.empty());
 	EXPECT_EQ(contents.summary,
-		"size of " + file.folder + " : " + std::to_string(filesize(folder.get())) + " bytes");
+	          "size of " + file.folder + " : " + std::to_string(filesize(folder.get())) + " bytes");
 	EXPECT_EQ(platform.calls.back(), "eDebug(\"close file\")");
 }
 

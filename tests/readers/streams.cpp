@@ -10,9 +10,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
+namespace
+{
 
-struct FailingSource {
+struct FailingSource
+{
 	std::string bytes;
 	std::size_t at = 0;
 	bool failsFirst = false;

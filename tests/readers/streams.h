@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-struct StreamCloser {
+struct StreamCloser
+{
 	void operator()(FILE *stream) const { fclose(stream); }
 };
 using Stream = std::unique_ptr<FILE, StreamCloser>;

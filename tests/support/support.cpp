@@ -182,7 +182,7 @@ Play play(const std::string &root, const std::string &keys, const std::vector<st
           const std::map<std::string, std::string> &environment)
 {
 	TempFolder folder;
-	std::vector<std::string> command = {deskhostPath(), "--screen", "none",   "--keys",         keys,
+	std::vector<std::string> command = {deskhostPath(), "--screen",      "none",    "--keys",        keys,
 	                                    "--dump",       folder / "dump", "--trace", folder / "trace"};
 	if (!root.empty())
 		command.insert(command.end(), {"--root", root});

@@ -25,7 +25,8 @@ struct Outcome
 };
 
 /// Runs a program to its end; `environment` is added to this process's, an empty value removes.
-Outcome run(const std::vector<std::string> &command, const std::map<std::string, std::string> &environment = {});
+Outcome run(const std::vector<std::string> &command,
+            const std::map<std::string, std::string> &environment = {});
 
 /// A folder that goes with everything in it.
 class TempFolder

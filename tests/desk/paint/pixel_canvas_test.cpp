@@ -10,7 +10,8 @@
 #include <set>
 #include <vector>
 
-namespace desk {
+namespace desk
+{
 
 static std::ostream &operator<<(std::ostream &out, const Rect &r)
 {
@@ -19,7 +20,8 @@ static std::ostream &operator<<(std::ostream &out, const Rect &r)
 
 } // namespace desk
 
-namespace {
+namespace
+{
 
 using namespace desk;
 using namespace std::string_literals;
@@ -215,8 +217,14 @@ TEST(PixelCanvas, DrawsColumnsExactlyEightPixelsApart)
 
 TEST(PixelCanvas, KeepsColumnsInLineWhateverStandsBefore)
 {
-	const char *const before[] = {"abcdefgh", "iiiiiiii", "WWWWWWWW", "        ", "żółćęąśń", "日本語文",
-	                              "عربيعربي", "g\xCC\x81g\xCC\x81g\xCC\x81g\xCC\x81ghij",
+	const char *const before[] = {"abcdefgh",
+	                              "iiiiiiii",
+	                              "WWWWWWWW",
+	                              "        ",
+	                              "żółćęąśń",
+	                              "日本語文",
+	                              "عربيعربي",
+	                              "g\xCC\x81g\xCC\x81g\xCC\x81g\xCC\x81ghij",
 	                              "\x1b\x07\t\xff\xfe\xc2\x80z\x7f"};
 	for (int rowHeight : {20, 30, 16})
 		for (bool bold : {false, true}) {
@@ -298,8 +306,8 @@ TEST(PixelCanvas, ShowsTheStartOfATextThatIsTooLong)
 TEST(PixelCanvas, LosesNothingThatCanBeSeenOfALongLine)
 {
 	// What is cut away before it is laid out must not change a pixel of what is seen.
-	const std::string pieces[] = {"word ", "iiii", "||||", "e\xCC\x81\xCC\xA3", "\xE2\x80\x8B", "日本",
-	                              "a\xC2\xAD"};
+	const std::string pieces[] = {"word ",        "iiii", "||||",     "e\xCC\x81\xCC\xA3",
+	                              "\xE2\x80\x8B", "日本", "a\xC2\xAD"};
 	for (const Face face : {Face::columns, Face::prose})
 		for (const std::string &piece : pieces) {
 			std::string line;
@@ -387,8 +395,14 @@ TEST(PixelCanvas, DrawsAnyBytesAtAnySize)
 TEST(PixelCanvas, ObeysNoBidirectionalOverride)
 {
 	PixelCanvas plain, nasty;
-	plain.text({0, 0, 300, 20}, "a\xEF\xBF\xBD" "exe.txt", columns());
-	nasty.text({0, 0, 300, 20}, "a\xE2\x80\xAE" "exe.txt", columns());
+	plain.text({0, 0, 300, 20},
+	           "a\xEF\xBF\xBD"
+	           "exe.txt",
+	           columns());
+	nasty.text({0, 0, 300, 20},
+	           "a\xE2\x80\xAE"
+	           "exe.txt",
+	           columns());
 	EXPECT_EQ(copyOf(plain), copyOf(nasty));
 }
 

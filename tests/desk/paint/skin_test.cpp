@@ -9,7 +9,8 @@
 #include <sstream>
 #include <unistd.h>
 
-namespace {
+namespace
+{
 
 using namespace desk;
 using namespace std::string_literals;
@@ -156,41 +157,41 @@ TEST(Skins, TellWhatIsWrongAndWhere)
 	{
 		const char *text, *error;
 	} mistakes[] = {
-	    {"[window]\nclient = 'night'\n",
+		{"[window]\nclient = 'night'\n",
 	     "skin \"test.toml\", line 2: unknown colour \"night\" for \"client\"; define it in [palette] "
 	     "or write \"#rrggbb\""},
-	    {"[window]\nclient = '#12345'\n",
+		{"[window]\nclient = '#12345'\n",
 	     "skin \"test.toml\", line 2: unknown colour \"#12345\" for \"client\"; define it in [palette] "
 	     "or write \"#rrggbb\""},
-	    {"[window]\n\nclient = 7\n",
+		{"[window]\n\nclient = 7\n",
 	     "skin \"test.toml\", line 3: \"client\" must be a colour: a name of [palette] or \"#rrggbb\""},
-	    {"[palette]\na = '#12345g'\n",
+		{"[palette]\na = '#12345g'\n",
 	     "skin \"test.toml\", line 2: the colour \"a\" must be written as \"#rrggbb\""},
-	    {"[palette]\na = 3\n", "skin \"test.toml\", line 2: the colour \"a\" must be written as \"#rrggbb\""},
-	    {"[values]\nfontsize = 0\n", "skin \"test.toml\", line 2: \"fontsize\" must be from 1 to 200, not 0"},
-	    {"[values]\nfontsize = 201\n",
+		{"[palette]\na = 3\n", "skin \"test.toml\", line 2: the colour \"a\" must be written as \"#rrggbb\""},
+		{"[values]\nfontsize = 0\n", "skin \"test.toml\", line 2: \"fontsize\" must be from 1 to 200, not 0"},
+		{"[values]\nfontsize = 201\n",
 	     "skin \"test.toml\", line 2: \"fontsize\" must be from 1 to 200, not 201"},
-	    {"[values]\nfontsize = 20.5\n", "skin \"test.toml\", line 2: \"fontsize\" must be a whole number"},
-	    {"[values]\nfontsize = '20'\n", "skin \"test.toml\", line 2: \"fontsize\" must be a whole number"},
-	    {"[values]\nother = 3000000000\n",
+		{"[values]\nfontsize = 20.5\n", "skin \"test.toml\", line 2: \"fontsize\" must be a whole number"},
+		{"[values]\nfontsize = '20'\n", "skin \"test.toml\", line 2: \"fontsize\" must be a whole number"},
+		{"[values]\nother = 3000000000\n",
 	     "skin \"test.toml\", line 2: \"other\" must be from -2147483648 to 2147483647, not 3000000000"},
-	    {"[window]\nradius = -1\n", "skin \"test.toml\", line 2: \"radius\" must be from 0 to 100, not -1"},
-	    {"[decoration.eButton]\nradius = 101\n",
+		{"[window]\nradius = -1\n", "skin \"test.toml\", line 2: \"radius\" must be from 0 to 100, not -1"},
+		{"[decoration.eButton]\nradius = 101\n",
 	     "skin \"test.toml\", line 2: \"radius\" must be from 0 to 100, not 101"},
-	    {"[decoration.eButton]\npadding = 201\n",
+		{"[decoration.eButton]\npadding = 201\n",
 	     "skin \"test.toml\", line 2: \"padding\" must be from 0 to 200, not 201"},
-	    {"[backdrop]\nfill = ['#000000']\n",
+		{"[backdrop]\nfill = ['#000000']\n",
 	     "skin \"test.toml\", line 2: \"fill\" must be one colour or two, the upper and the lower"},
-	    {"[window]\nclent = '#000000'\n",
+		{"[window]\nclent = '#000000'\n",
 	     "skin \"test.toml\", line 2: unknown entry \"clent\" in [window]; remove or correct it"},
-	    {"[decoration.eLabel]\nfont = 1\n",
+		{"[decoration.eLabel]\nfont = 1\n",
 	     "skin \"test.toml\", line 2: unknown entry \"font\" in [decoration.eLabel]; remove or correct it"},
-	    {"[windows]\n",
+		{"[windows]\n",
 	     "skin \"test.toml\", line 1: unknown table [windows]; the tables are values, palette, backdrop, "
 	     "window, help, keys and decoration"},
-	    {"values = 3\n", "skin \"test.toml\", line 1: \"values\" must be a table: write [values]"},
-	    {"palette = 3\n", "skin \"test.toml\", line 1: \"palette\" must be a table: write [palette]"},
-	    {"[decoration]\neLabel = 3\n",
+		{"values = 3\n", "skin \"test.toml\", line 1: \"values\" must be a table: write [values]"},
+		{"palette = 3\n", "skin \"test.toml\", line 1: \"palette\" must be a table: write [palette]"},
+		{"[decoration]\neLabel = 3\n",
 	     "skin \"test.toml\", line 2: \"decoration.eLabel\" must be a table: write [decoration.eLabel]"},
 	};
 	for (const auto &mistake : mistakes)
@@ -209,8 +210,8 @@ TEST(SkinFiles, ThatCannotBeReadAreNamed)
 	const TemporaryFolder folder;
 	EXPECT_EQ(loadMistake(folder.path + "/none.toml"),
 	          "cannot read the skin \"" + folder.path + "/none.toml\": No such file or directory");
-	EXPECT_EQ(loadMistake(folder.path), "cannot read the skin \"" + folder.path +
-	                                        "\": it is a folder; name a TOML file");
+	EXPECT_EQ(loadMistake(folder.path),
+	          "cannot read the skin \"" + folder.path + "\": it is a folder; name a TOML file");
 	EXPECT_EQ(loadMistake("/dev/zero"),
 	          "cannot read the skin \"/dev/zero\": it is larger than 1 MiB, which no skin is; "
 	          "name a TOML file");
@@ -242,9 +243,15 @@ TEST(Skins, NeverCrashOnAnyBytes)
 		for (int n = count(random); n > 0; --n) {
 			const size_t at = std::min(place(random), text.size() - 1);
 			switch (kind(random)) {
-			case 0: text[at] = static_cast<char>(byte(random)); break;
-			case 1: text.erase(at, static_cast<size_t>(byte(random)) % (text.size() - 1)); break;
-			default: text.insert(at, good.substr(place(random), static_cast<size_t>(byte(random)))); break;
+			case 0:
+				text[at] = static_cast<char>(byte(random));
+				break;
+			case 1:
+				text.erase(at, static_cast<size_t>(byte(random)) % (text.size() - 1));
+				break;
+			default:
+				text.insert(at, good.substr(place(random), static_cast<size_t>(byte(random))));
+				break;
 			}
 			if (text.empty())
 				text = "x";

@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace {
+namespace
+{
 
 using namespace desk;
 using namespace std::string_literals;
@@ -75,7 +76,9 @@ TEST(VisibleText, MarksASurrogateOnce)
 
 TEST(VisibleText, MarksEveryByteThatIsNoUtf8)
 {
-	EXPECT_EQ(visibleText("a\xFE\xFF" "b"), "a" + marks(2) + "b");
+	EXPECT_EQ(visibleText("a\xFE\xFF"
+	                      "b"),
+	          "a" + marks(2) + "b");
 	for (int lead = 0x80; lead < 0x100; ++lead)
 		EXPECT_EQ(visibleText(std::string(1, static_cast<char>(lead))), mark) << lead;
 	for (int lead = 0xF5; lead < 0x100; ++lead)

@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 #include <set>
 
-namespace {
+namespace
+{
 
 using namespace desk;
 using Keys = std::vector<Key>;
@@ -28,8 +29,8 @@ Keys keysOf(std::string_view script)
 TEST(RemoteKeys, HaveTheNamesThatScriptsUse)
 {
 	const char *const names[] = {"up", "down", "left", "right", "pageup", "pagedown", "home", "end",
-	                             "ok", "exit", "red", "green", "yellow", "blue",
-	                             "0", "1", "2", "3", "4", "5", "6", "7", "8", "9"};
+	                             "ok", "exit", "red",  "green", "yellow", "blue",     "0",    "1",
+	                             "2",  "3",    "4",    "5",     "6",      "7",        "8",    "9"};
 	int next = 0;
 	for (const char *name : names) {
 		const auto key = static_cast<Key>(next++);
@@ -41,8 +42,8 @@ TEST(RemoteKeys, HaveTheNamesThatScriptsUse)
 
 TEST(RemoteKeys, HaveNoOtherNames)
 {
-	for (const char *name : {"", "OK", "Ok", "ok ", " ok", "okay", "o", "10", "-1", "page up", "digit1",
-	                         "menu"})
+	for (const char *name :
+	     {"", "OK", "Ok", "ok ", " ok", "okay", "o", "10", "-1", "page up", "digit1", "menu"})
 		EXPECT_FALSE(keyNamed(name)) << name;
 	EXPECT_FALSE(keyNamed(std::string_view("ok\0", 3)));
 }

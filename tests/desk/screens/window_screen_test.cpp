@@ -20,7 +20,8 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
-namespace {
+namespace
+{
 
 using Strings = std::vector<std::string>;
 using Clock = std::chrono::steady_clock;
@@ -259,13 +260,12 @@ protected:
 TEST_F(WindowScreen, TurnsTheKeyboardIntoTheRemoteControl)
 {
 	const char *const keys[][2] = {
-	    {"Up", "up"}, {"Down", "down"}, {"Left", "left"}, {"Right", "right"},
-	    {"Prior", "pageup"}, {"Next", "pagedown"}, {"Home", "home"}, {"End", "end"},
-	    {"Return", "ok"}, {"KP_Enter", "ok"}, {"Escape", "exit"},
-	    {"F1", "red"}, {"F2", "green"}, {"F3", "yellow"}, {"F4", "blue"},
-	    {"0", "0"}, {"1", "1"}, {"2", "2"}, {"3", "3"}, {"4", "4"},
-	    {"5", "5"}, {"6", "6"}, {"7", "7"}, {"8", "8"}, {"9", "9"},
-	    {"KP_0", "0"}, {"KP_1", "1"}, {"KP_5", "5"}, {"KP_9", "9"},
+		{"Up", "up"},         {"Down", "down"}, {"Left", "left"}, {"Right", "right"}, {"Prior", "pageup"},
+		{"Next", "pagedown"}, {"Home", "home"}, {"End", "end"},   {"Return", "ok"},   {"KP_Enter", "ok"},
+		{"Escape", "exit"},   {"F1", "red"},    {"F2", "green"},  {"F3", "yellow"},   {"F4", "blue"},
+		{"0", "0"},           {"1", "1"},       {"2", "2"},       {"3", "3"},         {"4", "4"},
+		{"5", "5"},           {"6", "6"},       {"7", "7"},       {"8", "8"},         {"9", "9"},
+		{"KP_0", "0"},        {"KP_1", "1"},    {"KP_5", "5"},    {"KP_9", "9"},
 	};
 	for (const auto &key : keys)
 		pressAndExpect(key[0], key[1]);
@@ -326,9 +326,8 @@ TEST_F(WindowScreen, RepairsItselfWhenItIsUncovered)
 	XSetWindowAttributes attributes = {};
 	attributes.override_redirect = True;
 	attributes.background_pixel = 0x123456;
-	const Window cover =
-	    XCreateWindow(view, DefaultRootWindow(view), 0, 0, 1000, 800, 0, CopyFromParent, InputOutput,
-	                  nullptr, CWOverrideRedirect | CWBackPixel, &attributes);
+	const Window cover = XCreateWindow(view, DefaultRootWindow(view), 0, 0, 1000, 800, 0, CopyFromParent,
+	                                   InputOutput, nullptr, CWOverrideRedirect | CWBackPixel, &attributes);
 	XMapRaised(view, cover);
 	XSync(view, False);
 	XDestroyWindow(view, cover);

@@ -24,10 +24,17 @@ std::string rowText(CellCanvas &canvas, int row)
 	for (int column = 0; column < cellColumns; ++column) {
 		const Cell &cell = cellAt(canvas, row, column);
 		switch (cell.rule) {
-		case Cell::Rule::none: text += cell.glyph; break;
-		case Cell::Rule::horizontal: text += '-'; break;
-		case Cell::Rule::vertical: text += '|'; break;
-		default: text += '+';
+		case Cell::Rule::none:
+			text += cell.glyph;
+			break;
+		case Cell::Rule::horizontal:
+			text += '-';
+			break;
+		case Cell::Rule::vertical:
+			text += '|';
+			break;
+		default:
+			text += '+';
 		}
 	}
 	text.erase(text.find_last_not_of(' ') + 1);
@@ -436,12 +443,23 @@ TEST(CellCanvas, NoNumbersAreTooStrange)
 			style(pick(-1, 40), pick(0, 1) ? Face::prose : Face::columns, static_cast<Align>(pick(0, 2)));
 		any.emphasis = static_cast<Emphasis>(pick(0, 2));
 		switch (pick(0, 6)) {
-		case 0: canvas.pushClip(rect()); break;
-		case 1: canvas.popClip(); break;
-		case 2: canvas.fill(rect(), Fill::plain(blue, 0, static_cast<Emphasis>(pick(0, 2)))); break;
-		case 3: canvas.frame(rect(), rect(), text, FrameStyle()); break;
-		case 4: canvas.keySymbol(rect(), static_cast<ColourKey>(pick(0, 3)), red); break;
-		default: canvas.text(rect(), text, any);
+		case 0:
+			canvas.pushClip(rect());
+			break;
+		case 1:
+			canvas.popClip();
+			break;
+		case 2:
+			canvas.fill(rect(), Fill::plain(blue, 0, static_cast<Emphasis>(pick(0, 2))));
+			break;
+		case 3:
+			canvas.frame(rect(), rect(), text, FrameStyle());
+			break;
+		case 4:
+			canvas.keySymbol(rect(), static_cast<ColourKey>(pick(0, 3)), red);
+			break;
+		default:
+			canvas.text(rect(), text, any);
 		}
 		if (i % 50 == 0) {
 			ASSERT_EQ(canvas.cells().size(), static_cast<size_t>(cellRows * cellColumns));

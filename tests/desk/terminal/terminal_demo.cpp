@@ -37,9 +37,12 @@ struct State
 std::string entry(int number)
 {
 	switch (number) {
-	case 2: return "wide \xE6\x97\xA5\xE6\x9C\xAC, combining e\xCC\x81, box \xE2\x94\x80, euro \xE2\x82\xAC";
-	case 3: return "control \033[31m and \001 and \xFF";
-	default: return "entry " + std::to_string(number);
+	case 2:
+		return "wide \xE6\x97\xA5\xE6\x9C\xAC, combining e\xCC\x81, box \xE2\x94\x80, euro \xE2\x82\xAC";
+	case 3:
+		return "control \033[31m and \001 and \xFF";
+	default:
+		return "entry " + std::to_string(number);
 	}
 }
 
@@ -95,33 +98,42 @@ int fillStack(volatile unsigned *depth)
 void misbehave(Key key, desk::Screen &screen, State &state)
 {
 	switch (key) {
-	case Key::digit1: screen.note("a note \033[31m in red"); break;
+	case Key::digit1:
+		screen.note("a note \033[31m in red");
+		break;
 	case Key::digit2:
 		for (int i = 0; i < 1200; ++i)
 			screen.note("note " + std::to_string(i) + ".");
 		break;
-	case Key::digit3: exit(7);
+	case Key::digit3:
+		exit(7);
 	case Key::digit5: {
 		// Not null, for which a sanitizer has its own end.
 		volatile uintptr_t nothing = 64;
 		*reinterpret_cast<volatile int *>(nothing) = 1;
 		break;
 	}
-	case Key::digit6: abort();
+	case Key::digit6:
+		abort();
 	case Key::digit7: {
 		volatile unsigned depth = 0;
 		printf("%d", fillStack(&depth));
 		break;
 	}
-	case Key::digit8: state.asks = !state.asks; break;
+	case Key::digit8:
+		state.asks = !state.asks;
+		break;
 	case Key::digit9:
 		state.last = "busy";
 		paint(*screen.canvas(), state);
 		screen.present();
 		for (volatile unsigned i = 0;;)
 			i = i + 1;
-	case Key::digit0: state.last = "command " + std::to_string(system("stty -a >/dev/null; true")); break;
-	default: break;
+	case Key::digit0:
+		state.last = "command " + std::to_string(system("stty -a >/dev/null; true"));
+		break;
+	default:
+		break;
 	}
 }
 
