@@ -1,0 +1,188 @@
+#include "bench_host.h"
+
+#include "desk.h"
+#include "files.h"
+#include "plugin.h"
+#include "skin.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+
+namespace bench
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const std::string &message)
+{
+	std::fprintf(stderr, "host_bench: %s\n", message.c_str());
+	std::exit(2);
+}
+
+class WatchedScreen : public desk::Screen
+{
+public:
+	WatchedScreen(const Watcher &w, bool p) : watcher(w), paints(p) {}
+
+	desk::Canvas *canvas() override { return paints ? &pixels : nullptr; }
+	void present() override {}
+	std::optional<desk::Key> waitKey() override { return watcher(pressed++); }
+	void note(const std::string &) override {}
+
+private:
+	const Watcher &watcher;
+	const bool paints;
+	int pressed = 0;
+	desk::PixelCanvas pixels;
+};
+
+double statusLine(const char *name)
+{
+	std::ifstream status("/proc/self/status");
+	for (std::string line; std::getline(status, line);)
+		if (line.rfind(name, 0) == 0)
+			return 1024 * std::strtod(line.c_str() + std::strlen(name), nullptr);
+	fail(std::string("no ") + name + " in /proc/self/status");
+}
+
+} // namespace
+
+void prepare(const Stage &stage, const Watcher &watcher)
+{
+	std::string error;
+	desk::Desk &desk = desk::Desk::get();
+	std::optional<desk::Skin> skin = desk::Skin::load(stage.skin, error);
+	if (!skin)
+		fail(error);
+	if (!stage.root.empty() && !desk::Files::get().setRoot(stage.root, error))
+		fail(error);
+	desk.setSkin(std::move(*skin));
+	desk.setScreen(std::make_unique<WatchedScreen>(watcher, stage.paints));
+}
+
+void play(const std::string &path)
+{
+	std::string error;
+	desk::Desk &desk = desk::Desk::get();
+	const std::unique_ptr<desk::Plugin> plugin = desk::Plugin::load(path, error);
+	if (!plugin)
+		fail(error);
+	desk.beginPlay();
+	plugin->exec();
+	desk.endPlay();
+}
+
+double now()
+{
+	return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+double processorTime()
+{
+	timespec time;
+	clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+	return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+double memory()
+{
+	return statusLine("VmRSS:");
+}
+
+double peakMemory()
+{
+	return statusLine("VmHWM:");
+}
+
+void forgetPeak()
+{
+	std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+std::vector<double> apart(const std::function<std::vector<double>()> &work)
+{
+	int ends[2];
+	if (pipe(ends) != 0)
+		fail("no pipe");
+	std::fflush(nullptr);
+	const pid_t child = fork();
+	if (child < 0)
+		fail("no process");
+	if (child == 0) {
+		close(ends[0]);
+		const std::vector<double> values = work();
+		const size_t size = values.size() * sizeof(double);
+		_exit(write(ends[1], values.data(), size) == static_cast<ssize_t>(size) ? 0 : 2);
+	}
+	close(ends[1]);
+	std::vector<double> values;
+	double value;
+	while (read(ends[0], &value, sizeof value) == sizeof value)
+		values.push_back(value);
+	close(ends[0]);
+	int status = 0;
+	waitpid(child, &status, 0);
+	if (status != 0)
+		fail("a measurement ended with status " + std::to_string(status));
+	return values;
+}
+
+std::string temporaryFolder()
+{
+	static const struct Folder
+	{
+		Folder() : owner(getpid())
+		{
+			char name[] = "/tmp/vexlo-bench-XXXXXX";
+			if (!mkdtemp(name))
+				fail("cannot make a folder in /tmp");
+			path = name;
+		}
+		~Folder()
+		{
+			std::error_code failed;
+			if (getpid() == owner)
+				fs::remove_all(path, failed);
+		}
+		pid_t owner;
+		std::string path;
+	} folder;
+	return folder.path;
+}
+
+std::string rootWithLog(int lines)
+{
+	const std::string root = temporaryFolder() + "/" + std::to_string(lines);
+	if (fs::exists(root))
+		return root;
+	fs::create_directories(root + "/var");
+	FILE *log = std::fopen((root + "/var/scaning.log").c_str(), "w");
+	if (!log)
+		fail("cannot write a scan log");
+	for (int i = 0; i < lines; ++i) {
+		char line[128];
+		int length = std::snprintf(line, sizeof line, "%s %08d: %d kHz, %c, 27500 ksym/s, locked after %d ms",
+		                           i % 1000 ? "transponder" : "*** scan of a satellite, start at 14:10", i,
+		                           10700000 + i % 2000000, "HV"[i % 2], i % 700);
+		while (length < 99)
+			line[length++] = '.';
+		line[99] = '\n';
+		std::fwrite(line, 1, 100, log);
+	}
+	if (std::fclose(log) != 0)
+		fail("cannot write a scan log");
+	return root;
+}
+
+} // namespace bench

@@ -1,0 +1,54 @@
+#ifndef BENCH_HOST_H
+#define BENCH_HOST_H
+
+#include "pixel_canvas.h"
+#include "screen.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench
+{
+
+/// What a play is watched through. It is called whenever the host waits for a key, with the number
+/// of keys pressed so far, and gives the next one; nothing: the viewer leaves.
+using Watcher = std::function<std::optional<desk::Key>(int pressed)>;
+
+struct Stage
+{
+	std::string skin; ///< a skin file
+	std::string root; ///< a receiver's files; empty: this computer's
+	bool paints = false;
+};
+
+/// Sets the stage for the plays that follow. `watcher` must outlive them. Ends the program on failure.
+void prepare(const Stage &stage, const Watcher &watcher);
+
+/// Loads the plugin at `path`, plays it once and unloads it. Ends the program on failure.
+void play(const std::string &path);
+
+/// The seconds since some moment, by a clock that never goes back.
+double now();
+
+/// The seconds that this process has had of the processor.
+double processorTime();
+
+/// Memory of this process in use, and the most that was since forgetPeak(); in bytes.
+double memory();
+double peakMemory();
+void forgetPeak();
+
+/// Runs `work` in a process of its own, which starts from the memory of this one, and returns what it
+/// returns. Ends the program when that process fails.
+std::vector<double> apart(const std::function<std::vector<double>()> &work);
+
+/// A folder that goes with everything in it when the program ends.
+std::string temporaryFolder();
+
+/// A receiver's files with a scan log of that many lines of 100 bytes each; made once.
+std::string rootWithLog(int lines);
+
+} // namespace bench
+
+#endif

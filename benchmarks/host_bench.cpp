@@ -1,0 +1,338 @@
+// What the plugin costs inside a host: opening its screens, loading it, large logs, key presses.
+//
+//   host_bench table       measures and prints lines of the table
+//   host_bench open ENTRY  opens the screen of a menu entry many times, for a look by other means
+//   host_bench count ...   does one thing under callgrind, instrumented only while it lasts: load, empty,
+//                          key LINES
+
+#include "bench_host.h"
+#include "table.h"
+#include "timed_system.h"
+
+#include <algorithm>
+#include <dlfcn.h>
+#include <unistd.h>
+#include <valgrind/callgrind.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <sstream>
+
+namespace
+{
+
+using bench::median;
+using bench::row;
+using bench::text;
+using desk::Key;
+
+constexpr int turns = 101; // of what is measured by its median
+
+const bench::Stage plain = {BENCH_SKIN, "", false};
+
+/// Presses the keys that open the menu's entry `number`.
+Key entryKey(int number)
+{
+	return static_cast<Key>(static_cast<int>(Key::digit0) + number);
+}
+
+/// What the opening of a screen took: seconds, of which those in commands; seconds of the processor's; and
+/// memory in bytes: before, when the screen is finished, at the peak between.
+struct Opening
+{
+	double seconds, commands, processor, before, finished, peak;
+};
+
+/// Opens the screen of a menu entry so many times, from the same menu. `between` is called before each.
+std::vector<Opening> openScreen(
+	int entry, const bench::Stage &stage, int times = 1, const std::function<void()> &between = [] {})
+{
+	std::vector<Opening> openings;
+	double start = 0, startOfProcessor = 0;
+	const bench::Watcher watcher = [&](int pressed) -> std::optional<Key> {
+		const double time = bench::now(), processor = bench::processorTime();
+		if (pressed % 2) {
+			Opening &opening = openings.back();
+			opening.seconds = time - start;
+			opening.commands = takeCommandSeconds();
+			opening.processor = processor - startOfProcessor;
+			opening.finished = bench::memory();
+			opening.peak = bench::peakMemory();
+			return Key::exit;
+		}
+		if (pressed == 2 * times)
+			return std::nullopt;
+		between();
+		openings.push_back({});
+		openings.back().before = bench::memory();
+		bench::forgetPeak();
+		takeCommandSeconds();
+		startOfProcessor = bench::processorTime();
+		start = bench::now();
+		return entryKey(entry);
+	};
+	bench::prepare(stage, watcher);
+	bench::play(BENCH_PLUGIN);
+	return openings;
+}
+
+double timeOf(const std::function<void()> &work)
+{
+	const double start = bench::now();
+	work();
+	return bench::now() - start;
+}
+
+void runOrEnd(const std::string &command)
+{
+	if (std::system(command.c_str()) == 0)
+		return;
+	std::fprintf(stderr, "host_bench: failed: %s\n", command.c_str());
+	std::exit(2);
+}
+
+void readBarely(const char *path)
+{
+	FILE *stream = std::fopen(path, "r");
+	if (!stream)
+		return;
+	char line[1024];
+	while (std::fgets(line, sizeof line, stream)) {
+	}
+	std::fclose(stream);
+}
+
+void measureCommands()
+{
+	const struct
+	{
+		const char *name, *command, *file;
+		int entry;
+	} screens[] = {{"processes", "ps >/var/tmp/ps.tmp", "/var/tmp/ps.tmp", 1},
+	               {"system info", "df -h >/var/tmp/df.tmp", "/var/tmp/df.tmp", 4}};
+	for (const auto &screen : screens) {
+		std::vector<double> added, commands, bare;
+		const std::vector<Opening> openings = openScreen(screen.entry, plain, turns, [&] {
+			bare.push_back(timeOf([&] { runOrEnd(screen.command); }));
+			std::remove(screen.file);
+		});
+		for (const Opening &opening : openings) {
+			added.push_back(opening.seconds - opening.commands);
+			commands.push_back(opening.commands);
+		}
+		const double ratio = median(added) / median(commands);
+		row(std::string("open ") + screen.name + ": beyond its command", text(1e3 * median(added), 3, " ms"),
+		    text(1e3 * median(commands), 2, " ms"), text(100 * ratio, 1, " %"), "<= 5 %", ratio <= 0.05);
+		row(std::string("open ") + screen.name + ": all, to the bare command",
+		    text(1e3 * (median(added) + median(commands)), 2, " ms"), text(1e3 * median(bare), 2, " ms"),
+		    text((median(added) + median(commands)) / median(bare), 2), "", true);
+	}
+}
+
+void measureFiles()
+{
+	const struct
+	{
+		const char *name;
+		std::string path;
+		int entry;
+		bench::Stage stage;
+	} screens[] = {{"memory", "/proc/meminfo", 2, plain},
+	               {"scan log", BENCH_SAMPLE "/var/scaning.log", 3, {BENCH_SKIN, BENCH_SAMPLE, false}}};
+	for (const auto &screen : screens) {
+		std::vector<double> ours, bare;
+		const std::vector<Opening> openings = openScreen(screen.entry, screen.stage, turns, [&] {
+			bare.push_back(timeOf([&] { readBarely(screen.path.c_str()); }));
+		});
+		for (const Opening &opening : openings)
+			ours.push_back(opening.seconds);
+		row(std::string("open ") + screen.name + ", to reading its file", text(1e3 * median(ours), 3, " ms"),
+		    text(1e3 * median(bare), 3, " ms"), text(median(ours) / median(bare), 2), "", true);
+	}
+}
+
+/// The whole screen with the scan log, over its size. The sizes take turns, so that each opening finds the
+/// processor's caches as the largest has left them, and not, as no viewer's opening does, full of the same log.
+void measureLogs()
+{
+	constexpr int most = 1000000;
+	const std::vector<int> sizes = {10000, 100000, most};
+	std::map<int, std::vector<double>> times;
+	std::vector<double> cats;
+	double before = 0, finished = 0, peak = 0;
+	for (const int lines : sizes)
+		bench::rootWithLog(lines);
+	for (int turn = 0; turn < 25; ++turn) {
+		for (const int lines : sizes) {
+			const bench::Stage stage = {BENCH_SKIN, bench::rootWithLog(lines), false};
+			const std::vector<double> values = bench::apart([&] {
+				const Opening screen = openScreen(3, stage)[0];
+				return std::vector<double>{screen.processor, screen.before, screen.finished, screen.peak};
+			});
+			times[lines].push_back(values[0] / lines);
+			before = values[1];
+			finished = values[2] - before;
+			peak = values[3] - before;
+		}
+		const std::string cat = "exec cat '" + bench::rootWithLog(most) + "/var/scaning.log' >/dev/null";
+		cats.push_back(timeOf([&] { runOrEnd(cat); }) / most);
+	}
+	double least = HUGE_VAL, greatest = 0;
+	for (const int lines : sizes) {
+		const double time = median(times[lines]), cat = median(cats);
+		least = std::min(least, time);
+		greatest = std::max(greatest, time);
+		row("scan log of " + std::to_string(lines) + ", a line: screen to cat", text(1e9 * time, 0, " ns"),
+		    text(1e9 * cat, 0, " ns"), text(time / cat, 0), "", true);
+	}
+	row("scan log, a line: slowest size to fastest", text(1e9 * greatest, 0, " ns"),
+	    text(1e9 * least, 0, " ns"), text(greatest / least, 2), "<= 1.1", greatest / least <= 1.1);
+	row("scan log of 1000000, a line: peak to finished memory", text(peak / most, 0, " bytes"),
+	    text(finished / most, 0, " bytes"), text(peak / finished, 2), "<= 1.6", peak / finished <= 1.6);
+}
+
+/// From dlopen to the menu waiting for its first key, or to the empty object's entry having been called.
+double loadPlugin(bool counted = false)
+{
+	double ready = 0;
+	const bench::Watcher watcher = [&](int) -> std::optional<Key> {
+		CALLGRIND_STOP_INSTRUMENTATION;
+		if (ready == 0)
+			ready = bench::now();
+		return std::nullopt;
+	};
+	bench::prepare(plain, watcher);
+	const double start = bench::now();
+	if (counted)
+		CALLGRIND_START_INSTRUMENTATION;
+	bench::play(BENCH_PLUGIN);
+	return ready - start;
+}
+
+double loadEmpty(bool counted = false)
+{
+	if (counted)
+		CALLGRIND_START_INSTRUMENTATION;
+	const double start = bench::now();
+	void *handle = dlopen(BENCH_EMPTY, RTLD_NOW);
+	const auto entry = handle ? reinterpret_cast<int (*)()>(dlsym(handle, "plugin_exec")) : nullptr;
+	if (!entry) {
+		std::fprintf(stderr, "host_bench: %s\n", dlerror());
+		std::exit(2);
+	}
+	entry();
+	CALLGRIND_STOP_INSTRUMENTATION;
+	const double took = bench::now() - start;
+	dlclose(handle);
+	return took;
+}
+
+/// Presses "down" five times in a list of so many lines, instrumented.
+void countKeys(int lines)
+{
+	// Rows so high that the smallest list fills its box as well.
+	const std::string skin = bench::temporaryFolder() + "/skin.toml";
+	std::ifstream from(BENCH_SKIN);
+	std::stringstream content;
+	content << from.rdbuf();
+	std::ofstream(skin) << std::regex_replace(content.str(), std::regex("fontsize *= *[0-9]+"),
+	                                          "fontsize = 45");
+
+	const bench::Watcher watcher = [](int pressed) -> std::optional<Key> {
+		if (pressed == 0)
+			return entryKey(3);
+		if (pressed == 2)
+			CALLGRIND_START_INSTRUMENTATION;
+		if (pressed == 7) {
+			CALLGRIND_STOP_INSTRUMENTATION;
+			return std::nullopt;
+		}
+		return Key::down;
+	};
+	bench::prepare({skin, bench::rootWithLog(lines), true}, watcher);
+	bench::play(BENCH_PLUGIN);
+}
+
+/// Runs this program under callgrind; returns the instructions that it counted.
+double instructions(const std::string &what)
+{
+	const std::string out = bench::temporaryFolder() + "/callgrind.out";
+	const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+	const std::string command = "valgrind --tool=callgrind --instr-atstart=no --callgrind-out-file='" + out +
+	                            "' '" + program + "' count " + what + " >'" + out + ".log' 2>&1";
+	runOrEnd(command);
+	std::ifstream file(out);
+	for (std::string line; std::getline(file, line);)
+		if (line.rfind("totals:", 0) == 0)
+			return std::strtod(line.c_str() + 7, nullptr);
+	std::fprintf(stderr, "host_bench: callgrind counted nothing\n");
+	std::exit(2);
+}
+
+void measureLoading()
+{
+	std::vector<double> ours, empty;
+	for (int i = 0; i < 201; ++i) {
+		ours.push_back(loadPlugin());
+		empty.push_back(loadEmpty());
+	}
+	row("from dlopen to the menu, to an empty C++ object: time", text(1e6 * median(ours), 0, " us"),
+	    text(1e6 * median(empty), 0, " us"), text(median(ours) / median(empty), 2), "", true);
+	const double counted = instructions("load"), countedEmpty = instructions("empty");
+	row("from dlopen to the menu, to an empty C++ object: instructions", text(counted, 0),
+	    text(countedEmpty, 0), text(counted / countedEmpty, 2), "", true);
+}
+
+void measureKeys()
+{
+	const double ten = instructions("key 10") / 5;
+	for (const int lines : {10000, 1000000}) {
+		const double many = instructions("key " + std::to_string(lines)) / 5;
+		row("a key in a list of " + std::to_string(lines) + ", to one of 10: instructions", text(many, 0),
+		    text(ten, 0), text(many / ten, 3), "0.99 to 1.01", many / ten >= 0.99 && many / ten <= 1.01);
+	}
+}
+
+int usage()
+{
+	std::fprintf(stderr, "usage: host_bench table | open ENTRY | count load|empty|key LINES\n");
+	return 2;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+	const std::vector<std::string> arguments(argv + 1, argv + argc);
+	const std::string word = arguments.empty() ? "" : arguments[0];
+	if (word == "table" && arguments.size() == 1) {
+		measureLogs(); // first, while this program's own memory is small
+		measureLoading();
+		measureCommands();
+		measureFiles();
+		measureKeys();
+		return 0;
+	}
+	if (word == "open" && arguments.size() == 2) {
+		openScreen(std::atoi(arguments[1].c_str()), plain, turns);
+		return 0;
+	}
+	if (word == "count" && arguments.size() == 2 && arguments[1] == "load") {
+		loadPlugin(true);
+		return 0;
+	}
+	if (word == "count" && arguments.size() == 2 && arguments[1] == "empty") {
+		loadEmpty(true);
+		return 0;
+	}
+	if (word == "count" && arguments.size() == 3 && arguments[1] == "key") {
+		countKeys(std::atoi(arguments[2].c_str()));
+		return 0;
+	}
+	return usage();
+}
