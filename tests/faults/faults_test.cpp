@@ -42,7 +42,7 @@ struct Source
 	const char *name;
 	const char *title;
 	Kind kind;
-	const char *path; ///< below the receiver's folder
+	const char *path;      ///< below the receiver's folder
 	const char *temporary; ///< commands: where their output goes
 };
 
@@ -65,27 +65,25 @@ const Source &source(const std::string &name)
 
 // What each source holds or prints in health: longer than what a full disk takes.
 const std::map<std::string, std::string> healthy = {
-	{"meminfo",
-	 "MemTotal:      62092 kB\nMemFree:        4404 kB\nMemShared:         0 kB\n"
-	 "Buffers:         480 kB\nCached:        26120 kB\nSwapCached:        0 kB\n"
-	 "Active:        13836 kB\nInactive:      21372 kB\nHighTotal:         0 kB\n"
-	 "HighFree:          0 kB\nLowTotal:      62092 kB\nSwapTotal:         0 kB\n"},
-	{"mtd",
-	 "dev:    size   erasesize  name\n"
-	 "mtd0: 007c0000 00020000 \"root\"\n"
-	 "mtd1: 00020000 00020000 \"boot loader\"\n"
-	 "mtd2: 00800000 00020000 \"whole flash\"\n"},
+	{"meminfo", "MemTotal:      62092 kB\nMemFree:        4404 kB\nMemShared:         0 kB\n"
+                "Buffers:         480 kB\nCached:        26120 kB\nSwapCached:        0 kB\n"
+                "Active:        13836 kB\nInactive:      21372 kB\nHighTotal:         0 kB\n"
+                "HighFree:          0 kB\nLowTotal:      62092 kB\nSwapTotal:         0 kB\n"},
+	{"mtd", "dev:    size   erasesize  name\n"
+            "mtd0: 007c0000 00020000 \"root\"\n"
+            "mtd1: 00020000 00020000 \"boot loader\"\n"
+            "mtd2: 00800000 00020000 \"whole flash\"\n"},
 	{"scanlog", "scan of 19.2 east\ntransponder 1\nstart at 21:14:07\n  found 24 services\nend\n"},
-	{"ps",
-	 "  PID USER COMMAND\n    1 root init\n   17 root with many arguments " + std::string(200, 'x') +
-		 "\n   18 root another one " + std::string(300, 'y') + "\n  123 root last\n"},
-	{"df",
-	 "Filesystem                Size      Used Available Use% Mounted on\n"
-	 "/dev/root                 7.8M      3.1M      4.7M  40% /\n"
-	 "tmpfs                    30.2M      4.0K     30.2M   0% /tmp\n"
-	 "/dev/sda1               149.0G    112.6G     36.4G  76% /media/hdd\n"
-	 "/dev/" + std::string(300, 'd') + " 1.0G 0 1.0G 0% /mnt/" + std::string(200, 'm') + "\n"
-	 "none                      9.0T         0      9.0T   0% /mnt/last\n"},
+	{"ps", "  PID USER COMMAND\n    1 root init\n   17 root with many arguments " + std::string(200, 'x') +
+               "\n   18 root another one " + std::string(300, 'y') + "\n  123 root last\n"},
+	{"df", "Filesystem                Size      Used Available Use% Mounted on\n"
+           "/dev/root                 7.8M      3.1M      4.7M  40% /\n"
+           "tmpfs                    30.2M      4.0K     30.2M   0% /tmp\n"
+           "/dev/sda1               149.0G    112.6G     36.4G  76% /media/hdd\n"
+           "/dev/" +
+               std::string(300, 'd') + " 1.0G 0 1.0G 0% /mnt/" + std::string(200, 'm') +
+               "\n"
+               "none                      9.0T         0      9.0T   0% /mnt/last\n"},
 };
 
 constexpr size_t diskBlock = 512; // the shell's unit of ulimit -f
@@ -131,7 +129,7 @@ struct Setting
 
 	/// The command prints `content`; `before` and `after` are lines of its script.
 	void print(const Source &command, const std::string &content, const std::string &before = "",
-		const std::string &after = "") const
+	           const std::string &after = "") const
 	{
 		const std::string output = receiver.write(std::string("output/") + command.name, content);
 		script(command, before + "/bin/cat '" + output + "'\n" + after);
@@ -185,48 +183,51 @@ const Cell noCommand = {"no command makes it"};
 const Cell runsNothing = {"it runs nothing"};
 
 const Fault faults[] = {
-	{"missing", "missing",
-	 {"there is no such file",
-	  [](Setting &setting, const Source &file) {
+	{"missing",
+     "missing",
+     {"there is no such file",
+      [](Setting &setting, const Source &file) {
 		  remove(setting, file);
 		  setting.bytes[file.name] = std::nullopt;
 	  }},
-	 {"its output is gone before it is read",
-	  [](Setting &setting, const Source &command) {
+     {"its output is gone before it is read",
+      [](Setting &setting, const Source &command) {
 		  const std::string name = fs::path(command.temporary).filename();
 		  const std::string removing = "/bin/rm '" + setting.varTmp + "/" + name + "'\n";
 		  setting.print(command, healthy.at(command.name), "", removing);
 		  setting.bytes[command.name] = std::nullopt;
 	  }},
-	 {"there is no such folder",
-	  [](Setting &setting, const Source &) {
+     {"there is no such folder",
+      [](Setting &setting, const Source &) {
 		  fs::remove(setting.varTmp);
 		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
 	  }}},
 
-	{"no_rights", "no rights",
-	 {"nobody may read it",
-	  [](Setting &setting, const Source &file) {
+	{"no_rights",
+     "no rights",
+     {"nobody may read it",
+      [](Setting &setting, const Source &file) {
 		  chmod(setting.place(file).c_str(), 0);
 		  setting.dropRights = true;
 		  setting.bytes[file.name] = std::nullopt;
 	  }},
-	 {"nobody may execute it",
-	  [](Setting &setting, const Source &command) {
+     {"nobody may execute it",
+      [](Setting &setting, const Source &command) {
 		  chmod(setting.place(command).c_str(), 0644);
 		  setting.bytes[command.name] = "";
 	  }},
-	 {"files that nobody may open are in the place of both files in it",
-	  [](Setting &setting, const Source &) {
+     {"files that nobody may open are in the place of both files in it",
+      [](Setting &setting, const Source &) {
 		  for (const char *name : {"ps.tmp", "df.tmp"})
 			  chmod(setting.receiver.write(std::string("private/tmp/") + name, "left over\n").c_str(), 0);
 		  setting.dropRights = true;
 		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
 	  }}},
 
-	{"folder", "folder",
-	 {"a folder is in its place",
-	  [](Setting &setting, const Source &file) {
+	{"folder",
+     "folder",
+     {"a folder is in its place",
+      [](Setting &setting, const Source &file) {
 		  remove(setting, file);
 		  fs::create_directory(setting.place(file));
 		  setting.bytes[file.name] = "";
@@ -238,74 +239,79 @@ const Fault faults[] = {
 			  setting.logSize = ftell(folder);
 		  fclose(folder);
 	  }},
-	 {"a folder is in its place",
-	  [](Setting &setting, const Source &command) {
+     {"a folder is in its place",
+      [](Setting &setting, const Source &command) {
 		  remove(setting, command);
 		  fs::create_directory(setting.place(command));
 		  setting.bytes[command.name] = "";
 	  }},
-	 {"folders are in the place of both files in it",
-	  [](Setting &setting, const Source &) {
+     {"folders are in the place of both files in it",
+      [](Setting &setting, const Source &) {
 		  fs::create_directory(setting.varTmp + "/ps.tmp");
 		  fs::create_directory(setting.varTmp + "/df.tmp");
 		  setting.bytes["ps"] = setting.bytes["df"] = "";
 	  }}},
 
-	{"empty", "empty",
-	 {"it has no byte",
-	  [](Setting &setting, const Source &file) {
+	{"empty",
+     "empty",
+     {"it has no byte",
+      [](Setting &setting, const Source &file) {
 		  setting.receiver.write(file.path, "");
 		  setting.bytes[file.name] = "";
 		  if (std::string(file.name) == "scanlog")
 			  setting.logSize = 0;
 	  }},
-	 {"an executable file without a byte",
-	  [](Setting &setting, const Source &command) {
+     {"an executable file without a byte",
+      [](Setting &setting, const Source &command) {
 		  setting.receiver.write(command.path, "", true);
 		  setting.bytes[command.name] = "";
 	  }},
-	 {"so it is in health"}},
+     {"so it is in health"}},
 
-	{"read_error", "read error part-way",
-	 {"EIO in the middle of the last line",
-	  [](Setting &setting, const Source &file) { setting.breakReading(file, setting.place(file)); }},
-	 {"EIO in the middle of the last line of its output",
-	  [](Setting &setting, const Source &command) { setting.breakReading(command, command.temporary); }},
-	 {"EIO in both files in it",
-	  [](Setting &setting, const Source &) {
+	{"read_error",
+     "read error part-way",
+     {"EIO in the middle of the last line",
+      [](Setting &setting, const Source &file) { setting.breakReading(file, setting.place(file)); }},
+     {"EIO in the middle of the last line of its output",
+      [](Setting &setting, const Source &command) { setting.breakReading(command, command.temporary); }},
+     {"EIO in both files in it",
+      [](Setting &setting, const Source &) {
 		  for (const char *name : {"ps", "df"})
 			  setting.breakReading(source(name), source(name).temporary);
 	  }}},
 
-	{"full_disk", "full disk while the command writes",
-	 noCommand,
-	 {"only its first 512 bytes can be written",
-	  [](Setting &setting, const Source &command) {
+	{"full_disk",
+     "full disk while the command writes",
+     noCommand,
+     {"only its first 512 bytes can be written",
+      [](Setting &setting, const Source &command) {
 		  setting.print(command, healthy.at(command.name), "trap '' XFSZ\nulimit -f 1\n");
 		  setting.bytes[command.name] = healthy.at(command.name).substr(0, diskBlock);
 	  }},
-	 {"not a byte of either command can be written",
-	  [](Setting &setting, const Source &) {
+     {"not a byte of either command can be written",
+      [](Setting &setting, const Source &) {
 		  for (const char *name : {"ps", "df"}) {
 			  setting.print(source(name), healthy.at(name), "trap '' XFSZ\nulimit -f 0\n");
 			  setting.bytes[name] = "";
 		  }
 	  }}},
 
-	{"fails", "a command that fails",
-	 noCommand,
-	 {"it prints two lines, an error, and ends with status 1",
-	  [](Setting &setting, const Source &command) {
+	{"fails",
+     "a command that fails",
+     noCommand,
+     {"it prints two lines, an error, and ends with status 1",
+      [](Setting &setting, const Source &command) {
 		  const std::string &all = healthy.at(command.name);
 		  const std::string two = all.substr(0, all.find('\n', all.find('\n') + 1) + 1);
 		  setting.print(command, two, "", "echo it went wrong >&2\nexit 1\n");
 		  setting.bytes[command.name] = two;
 	  }},
-	 runsNothing},
+     runsNothing},
 
-	{"megabytes", "prints megabytes",
-	 {"it is over two megabytes long",
-	  [](Setting &setting, const Source &file) {
+	{"megabytes",
+     "prints megabytes",
+     {"it is over two megabytes long",
+      [](Setting &setting, const Source &file) {
 		  const std::string &one = healthy.at(file.name);
 		  const std::string all = support::repeat(one, static_cast<int>((2 << 20) / one.size()) + 1);
 		  setting.receiver.write(file.path, all);
@@ -313,32 +319,34 @@ const Fault faults[] = {
 		  if (std::string(file.name) == "scanlog")
 			  setting.logSize = static_cast<long>(all.size());
 	  }},
-	 {"over two megabytes",
-	  [](Setting &setting, const Source &command) {
+     {"over two megabytes",
+      [](Setting &setting, const Source &command) {
 		  const std::string &one = healthy.at(command.name);
 		  const std::string all = support::repeat(one, static_cast<int>((2 << 20) / one.size()) + 1);
 		  setting.print(command, all);
 		  setting.bytes[command.name] = all;
 	  }},
-	 runsNothing},
+     runsNothing},
 
-	{"nothing", "prints nothing",
-	 noCommand,
-	 {"it ends well without a word",
-	  [](Setting &setting, const Source &command) {
+	{"nothing",
+     "prints nothing",
+     noCommand,
+     {"it ends well without a word",
+      [](Setting &setting, const Source &command) {
 		  setting.script(command, "exit 0\n");
 		  setting.bytes[command.name] = "";
 	  }},
-	 runsNothing},
+     runsNothing},
 
-	{"no_command", "does not exist",
-	 noCommand,
-	 {"the PATH has no such command",
-	  [](Setting &setting, const Source &command) {
+	{"no_command",
+     "does not exist",
+     noCommand,
+     {"the PATH has no such command",
+      [](Setting &setting, const Source &command) {
 		  remove(setting, command);
 		  setting.bytes[command.name] = "";
 	  }},
-	 runsNothing},
+     runsNothing},
 };
 
 // The moments of the one play that opens every screen.
@@ -362,7 +370,7 @@ void expectText(const std::string &shown, const std::string &wanted, const char 
 	const size_t at = static_cast<size_t>(
 		std::mismatch(shown.begin(), shown.end(), wanted.begin(), wanted.end()).first - shown.begin());
 	ADD_FAILURE() << what << " is wrong from byte " << at << " on: \"" << shown.substr(at, 200)
-	              << "\" instead of \"" << wanted.substr(at, 200) << '"';
+				  << "\" instead of \"" << wanted.substr(at, 200) << '"';
 }
 
 template <class Entries> void expectList(const Play &run, size_t moment, const Entries &wanted)
@@ -393,16 +401,16 @@ void expectScreens(const Play &run, const Setting &setting)
 	EXPECT_EQ(run.window(scanLog).at("class"), "eScanLogDialog");
 	ScanLogContents log = modelScanLog(bytes("scanlog"), "/var/scaning.log");
 	log.summary = setting.bytes.at("scanlog")
-		? "size of /var/scaning.log : " + std::to_string(setting.logSize) + " bytes"
-		: "file \"/var/scaning.log\" not found";
+	                  ? "size of /var/scaning.log : " + std::to_string(setting.logSize) + " bytes"
+	                  : "file \"/var/scaning.log\" not found";
 	expectText(label(run, scanLog, 0), log.summary, "the line under the scan log");
 	expectList(run, scanLog, log.entries);
 
 	EXPECT_EQ(run.window(systemInfo).at("class"), "eSysInfDialog");
 	const MtdColumns mtd = modelMtd(bytes("mtd"));
 	const MountColumns mounts = modelMounts(bytes("df"));
-	const std::string wanted[] = {"MTD blocks:", mtd.dev, mtd.size, mtd.erasesize, mtd.name, "Mounts:\n\n",
-		mounts.filesystem, mounts.usage};
+	const std::string wanted[] = {"MTD blocks:", mtd.dev,       mtd.size,          mtd.erasesize,
+	                              mtd.name,      "Mounts:\n\n", mounts.filesystem, mounts.usage};
 	for (size_t i = 0; i < std::size(wanted); ++i)
 		expectText(label(run, systemInfo, i), wanted[i], "a label of the system info");
 }
@@ -444,7 +452,7 @@ struct Case
 	friend std::ostream &operator<<(std::ostream &out, const Case &one)
 	{
 		return out << one.source->title << ", " << one.fault->title << ": "
-				   << one.fault->cell(one.source->kind).what;
+		           << one.fault->cell(one.source->kind).what;
 	}
 };
 
@@ -473,16 +481,16 @@ std::string table()
 		return cell.arrange ? what : "— (" + what + ')';
 	};
 	std::string lines = "| fault | " + titles(Kind::file) + " | " + titles(Kind::command) + " | " +
-		titles(Kind::varTmp) + " |\n|---|---|---|---|\n";
+	                    titles(Kind::varTmp) + " |\n|---|---|---|---|\n";
 	for (const Fault &fault : faults)
 		lines += "| " + std::string(fault.title) + " | " + text(fault.file) + " | " + text(fault.command) +
-			" | " + text(fault.varTmp) + " |\n";
+		         " | " + text(fault.varTmp) + " |\n";
 	const size_t count = std::size(sources) * std::size(faults);
 	const size_t played = cases().size();
 	return lines + "\n" + std::to_string(std::size(sources)) + " sources and " +
-		std::to_string(std::size(faults)) + " faults make " + std::to_string(count) + " pairs: " +
-		std::to_string(played) + " are plays of all four screens, " + std::to_string(count - played) +
-		" cannot be (—).\n";
+	       std::to_string(std::size(faults)) + " faults make " + std::to_string(count) +
+	       " pairs: " + std::to_string(played) + " are plays of all four screens, " +
+	       std::to_string(count - played) + " cannot be (—).\n";
 }
 
 class Faults : public testing::TestWithParam<Case>
@@ -522,8 +530,8 @@ TEST(Health, should_show_everything_where_nothing_is_wrong)
 	EXPECT_EQ(label(run, memory, 0), "HighTotal: \nHighFree:  \nLowTotal:  \nSwapTotal: \n");
 	EXPECT_EQ(label(run, memory, 1), "0 KB\n0 KB\n62092 KB\n0 KB\n");
 	EXPECT_EQ(run.widget(scanLog, list)["rows"],
-		Json({"0 scan of 19.2 east\n", "1 transponder 1\n", "2 tart at 21:14:07\n", "2 ",
-			"3   found 24 services\n", "4 end\n"}));
+	          Json({"0 scan of 19.2 east\n", "1 transponder 1\n", "2 tart at 21:14:07\n", "2 ",
+	                "3   found 24 services\n", "4 end\n"}));
 	EXPECT_EQ(label(run, scanLog, 0), "size of /var/scaning.log : 74 bytes");
 	EXPECT_EQ(label(run, systemInfo, 1), "dev:\nmtd0:\nmtd1:\nmtd2:\n");
 }

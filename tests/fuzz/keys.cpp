@@ -10,8 +10,9 @@
 namespace
 {
 
-const std::set<std::string> known = {"up", "down", "left", "right", "pageup", "pagedown", "home", "end", "ok",
-	"exit", "red", "green", "yellow", "blue", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9"};
+const std::set<std::string> known = {"up", "down", "left", "right", "pageup", "pagedown", "home", "end",
+                                     "ok", "exit", "red",  "green", "yellow", "blue",     "0",    "1",
+                                     "2",  "3",    "4",    "5",     "6",      "7",        "8",    "9"};
 
 } // namespace
 
@@ -31,7 +32,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 	if (!keys) {
 		fuzz::require(!error.empty() && error.size() < 400, "the error is no short line");
 		fuzz::require(std::all_of(error.begin(), error.end(), [](char c) { return c >= ' ' && c <= '~'; }),
-			"the error quotes what a terminal may obey");
+		              "the error quotes what a terminal may obey");
 		return 0;
 	}
 	fuzz::require(error.empty(), "there is an error although the script was taken");

@@ -25,5 +25,4 @@ void require(bool holds, const char *what)
 } // namespace fuzz
 
 // The parsing halves call it never; what they are linked with does.
-void eDebug(const char *, ...)
-{}
+void eDebug(const char *, ...) {}

@@ -110,9 +110,9 @@ struct SmallReceiver : Receiver
 		scanLog(support::readFile(support::sourcePath("samples/receiver/var/scaning.log")));
 		write("bin/ps", "#!/bin/sh\necho '  PID USER COMMAND\n    1 root init\n  123 root telnetd'\n", true);
 		write("bin/df",
-			"#!/bin/sh\n"
-			"echo 'Filesystem Size Used Available Use% Mounted on\n/dev/root 7.8M 3.1M 4.7M 40% /'\n",
-			true);
+		      "#!/bin/sh\n"
+		      "echo 'Filesystem Size Used Available Use% Mounted on\n/dev/root 7.8M 3.1M 4.7M 40% /'\n",
+		      true);
 	}
 };
 
@@ -191,22 +191,25 @@ TEST_P(Openings, should_leave_the_process_as_it_was)
 	ASSERT_EQ(viewer->standings.size(), openings + 1);
 	const Standing &first = viewer->standings[warmUp];
 	const auto other = std::find_if(viewer->standings.begin() + warmUp, viewer->standings.end(),
-		[&](const Standing &one) { return !(one == first); });
+	                                [&](const Standing &one) { return !(one == first); });
 	if (other != viewer->standings.end()) {
 		ADD_FAILURE() << "after " << warmUp << " openings " << first << " were in use, after "
-		              << other - viewer->standings.begin() << " " << *other << ", after " << openings << ' '
-		              << viewer->standings.back();
+					  << other - viewer->standings.begin() << " " << *other << ", after " << openings << ' '
+					  << viewer->standings.back();
 	}
 	expectNothingLeft();
 	printf("%zu openings: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", openings,
-		first.memory, first.files, warmUp, viewer->standings.back().memory, viewer->standings.back().files);
+	       first.memory, first.files, warmUp, viewer->standings.back().memory,
+	       viewer->standings.back().files);
 	desk.setScreen(nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Openings,
-	testing::Values(Entry{"process_info", 0, "ePsDialog"}, Entry{"memory_info", 1, "eMemInfoDialog"},
-		Entry{"scan_log", 2, "eScanLogDialog"}, Entry{"system_info", 3, "eSysInfDialog"}),
-	[](const auto &tested) { return std::string(tested.param.name); });
+                         testing::Values(Entry{"process_info", 0, "ePsDialog"},
+                                         Entry{"memory_info", 1, "eMemInfoDialog"},
+                                         Entry{"scan_log", 2, "eScanLogDialog"},
+                                         Entry{"system_info", 3, "eSysInfDialog"}),
+                         [](const auto &tested) { return std::string(tested.param.name); });
 
 /// Whether any piece of the plugin is mapped.
 bool isMapped()
@@ -243,7 +246,7 @@ TEST(Loading, should_leave_nothing_of_the_plugin_behind)
 	const Standing last;
 	EXPECT_EQ(last, *first);
 	printf("%d loads: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", loads,
-		first->memory, first->files, warmUp, last.memory, last.files);
+	       first->memory, first->files, warmUp, last.memory, last.files);
 	desk.setScreen(nullptr);
 }
 
@@ -260,9 +263,20 @@ Standing afterPlays(int times, const std::string &root)
 		close(quiet);
 		const std::string number = std::to_string(times), plugin = support::pluginPath(),
 						  skin = support::sourcePath("desk/skins/default.toml");
-		const char *arguments[] = {"deskhost", "--screen", "none", "--root", root.c_str(), "--plugin",
-			plugin.c_str(), "--skin", skin.c_str(), "--plays", number.c_str(), "--keys",
-			"ok exit down ok exit down ok exit down ok green exit", nullptr};
+		const char *arguments[] = {"deskhost",
+		                           "--screen",
+		                           "none",
+		                           "--root",
+		                           root.c_str(),
+		                           "--plugin",
+		                           plugin.c_str(),
+		                           "--skin",
+		                           skin.c_str(),
+		                           "--plays",
+		                           number.c_str(),
+		                           "--keys",
+		                           "ok exit down ok exit down ok exit down ok green exit",
+		                           nullptr};
 		const int count = static_cast<int>(std::size(arguments)) - 1;
 		const int status = desk::runApp(count, const_cast<char **>(arguments));
 		const Standing standing;
@@ -288,7 +302,7 @@ TEST(Plays, should_end_with_the_same_memory_however_many_there_were)
 	EXPECT_EQ(many, few);
 	expectNothingLeft();
 	printf("--plays: %zu bytes and %zu files in use after %zu, %zu and %zu after %d\n", few.memory, few.files,
-		warmUp, many.memory, many.files, plays);
+	       warmUp, many.memory, many.files, plays);
 }
 
 } // namespace
