@@ -5,6 +5,7 @@
 #include "screen.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 

@@ -12,7 +12,7 @@ status=0
 check()
 {
 	echo "$1: $2 bytes, limit $3"
-	[ "$2" -le "$3" ] || { echo "$1 is too large; ./bench tells what it is spent on"; status=1; }
+	[ "$2" -le "$3" ] || { echo "$1 is too large; ./bench spent tells what its bytes are"; status=1; }
 }
 check 'the stripped file' "$bytes" 40960
 # All that is loaded and never written, tables for the loader included.
