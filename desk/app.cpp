@@ -7,7 +7,9 @@
 #include "recorder.h"
 #include "screen.h"
 #include "skin.h"
+#include "terminal_screen.h"
 #include "trace.h"
+#include "window_screen.h"
 
 #include <CLI/CLI.hpp>
 

@@ -4,7 +4,7 @@
 //   2 1200 notes            6 abort              9 busy, without waiting for keys, until a signal comes
 //   3 exit with status 7    7 a full stack       0 a command, as plugins run them
 
-#include "screen.h"
+#include "terminal_screen.h"
 
 #include <clocale>
 #include <cstdint>

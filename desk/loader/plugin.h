@@ -1,5 +1,5 @@
-#ifndef DESK_RECEIVER_PLUGIN_H
-#define DESK_RECEIVER_PLUGIN_H
+#ifndef DESK_LOADER_PLUGIN_H
+#define DESK_LOADER_PLUGIN_H
 
 #include <memory>
 #include <string>

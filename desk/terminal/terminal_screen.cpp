@@ -1,4 +1,4 @@
-#include "screen.h"
+#include "terminal_screen.h"
 
 #include "cell_canvas.h"
 #include "terminal_colours.h"

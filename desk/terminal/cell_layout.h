@@ -1,5 +1,5 @@
-#ifndef DESK_PAINT_CELL_LAYOUT_H
-#define DESK_PAINT_CELL_LAYOUT_H
+#ifndef DESK_TERMINAL_CELL_LAYOUT_H
+#define DESK_TERMINAL_CELL_LAYOUT_H
 
 #include <bitset>
 #include <functional>

@@ -1,4 +1,6 @@
 #include "screen.h"
+#include "terminal_screen.h"
+#include "window_screen.h"
 
 #include <gtest/gtest.h>
 

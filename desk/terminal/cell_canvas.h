@@ -1,5 +1,5 @@
-#ifndef DESK_PAINT_CELL_CANVAS_H
-#define DESK_PAINT_CELL_CANVAS_H
+#ifndef DESK_TERMINAL_CELL_CANVAS_H
+#define DESK_TERMINAL_CELL_CANVAS_H
 
 #include "canvas.h"
 #include "cell_layout.h"

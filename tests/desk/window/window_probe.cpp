@@ -1,7 +1,7 @@
 // Opens a window, paints it green with a red corner, and prints the name of every key that arrives.
 // After "red" it paints a blue frame without presenting it, after "green" it presents that.
 
-#include "screen.h"
+#include "window_screen.h"
 
 #include <cstdio>
 

@@ -1,5 +1,5 @@
-#ifndef DESK_SCREENS_SCREEN_H
-#define DESK_SCREENS_SCREEN_H
+#ifndef DESK_SCREEN_SCREEN_H
+#define DESK_SCREEN_SCREEN_H
 
 #include "canvas.h"
 #include "key.h"
@@ -39,12 +39,6 @@ public:
 
 /// A screen that shows nothing and has no keys.
 std::unique_ptr<Screen> makeNoScreen();
-
-/// A window. On failure returns null and leaves one line in `error`.
-std::unique_ptr<Screen> makeWindowScreen(std::string &error);
-
-/// The terminal on standard input and output. On failure returns null and leaves one line in `error`.
-std::unique_ptr<Screen> makeTerminalScreen(std::string &error);
 
 } // namespace desk
 

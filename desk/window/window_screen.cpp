@@ -1,4 +1,4 @@
-#include "screen.h"
+#include "window_screen.h"
 
 #include "pixel_canvas.h"
 #include "visible_text.h"

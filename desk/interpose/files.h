@@ -1,5 +1,5 @@
-#ifndef DESK_RECEIVER_FILES_H
-#define DESK_RECEIVER_FILES_H
+#ifndef DESK_INTERPOSE_FILES_H
+#define DESK_INTERPOSE_FILES_H
 
 #include <string>
 

@@ -1,0 +1,14 @@
+#ifndef DESK_WINDOW_WINDOW_SCREEN_H
+#define DESK_WINDOW_WINDOW_SCREEN_H
+
+#include "screen.h"
+
+namespace desk
+{
+
+/// A window on the display that the environment names. On failure returns null and leaves one line in `error`.
+std::unique_ptr<Screen> makeWindowScreen(std::string &error);
+
+} // namespace desk
+
+#endif
