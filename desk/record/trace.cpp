@@ -24,8 +24,8 @@ bool Trace::open(const std::string &path, std::string &error)
 		return false;
 	}
 	failed = false;
-	lastNumber = 0;
-	numbers.clear();
+	objects.clear();
+	counts.clear();
 	return true;
 }
 
@@ -43,16 +43,26 @@ std::string Trace::name(const void *object)
 {
 	if (!object)
 		return "null";
-	int &number = numbers[object];
-	if (number == 0)
-		number = ++lastNumber;
-	return '#' + std::to_string(number);
+	Object &known = objects.try_emplace(object, Object{"eListBoxEntry"}).first->second;
+	if (known.number == 0)
+		known.number = ++counts[known.type];
+	return known.type + ('#' + std::to_string(known.number));
 }
 
-void Trace::forget(const void *object)
+void Trace::destroyed(const void *object)
 {
-	if (file)
-		numbers.erase(object);
+	const auto known = objects.find(object);
+	if (known == objects.end())
+		return;
+	if (!known->second.hosts)
+		call(object, (std::string("~") + known->second.type).c_str());
+	objects.erase(known);
+}
+
+void Trace::disposes(const void *object)
+{
+	if (const auto known = objects.find(object); known != objects.end())
+		known->second.hosts = true;
 }
 
 void Trace::line(const std::string &text)
@@ -62,7 +72,7 @@ void Trace::line(const std::string &text)
 		failed = true;
 }
 
-std::string Trace::quoted(std::string_view text)
+std::string Trace::argument(std::string_view text)
 {
 	return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }

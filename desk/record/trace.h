@@ -2,6 +2,7 @@
 #define DESK_RECORD_TRACE_H
 
 #include <cstdio>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -11,8 +12,9 @@ namespace desk
 
 /// Every call that the plugin makes to its host, one line each, in order.
 ///
-/// Objects are numbered as they appear. Only calls from the plugin are meant: what the host does for
-/// itself runs muted.
+/// Objects are named by the host's class that was constructed and counted per class, as they first
+/// appear in a line: "eLabel#2". A list's entry is constructed by the plugin's own code and appears
+/// when it is appended; whatever its class, it is an "eListBoxEntry".
 class Trace
 {
 public:
@@ -25,15 +27,41 @@ public:
 	bool close();
 
 	/// Whether lines are written just now.
-	bool on() const { return file && muted == 0; }
+	bool on() const { return file && quiet == 0; }
 
-	/// An object as a trace names it: "#3"; "null" for none.
-	std::string name(const void *object);
+	/// While one lives, the host works for itself: nothing is written.
+	class Quiet
+	{
+	public:
+		Quiet() { ++get().quiet; }
+		~Quiet() { --get().quiet; }
+		Quiet(const Quiet &) = delete;
+		Quiet &operator=(const Quiet &) = delete;
 
-	/// The object is gone; another one at its address is a new one.
-	void forget(const void *object);
+		/// `Base(Trace::Quiet().with(argument))` keeps a whole base constructor quiet.
+		template <class T> T with(T argument) const { return argument; }
+	};
 
-	/// "#3.move(5, 30)"
+	/// A constructor: "eLabel#2 = eLabel(eWindow#1, 0, 0, "eLabel")". Derived classes keep
+	/// the constructors of their bases quiet.
+	template <class... Args> void constructed(const void *object, const char *type, const Args &...args)
+	{
+		if (!file)
+			return;
+		objects[object] = {type, 0, quiet != 0};
+		if (on())
+			line(name(object) + " = " + type + list(args...));
+	}
+
+	/// The destructor that all have in common: "eLabel#2.~eLabel()". Nothing is written about an object
+	/// that the host has constructed for itself or disposes of.
+	void destroyed(const void *object);
+	void disposes(const void *object);
+
+	/// An object is gone without a line; another one at its address is a new one.
+	void forget(const void *object) { objects.erase(object); }
+
+	/// An operation: "eLabel#2.move(5, 30)".
 	template <class... Args> void call(const void *object, const char *operation, const Args &...args)
 	{
 		if (!on())
@@ -42,44 +70,44 @@ public:
 		line(who + '.' + operation + list(args...));
 	}
 
-	/// "eSkin.queryValue("fontsize", 20)", optionally with what came back: " = 20"
-	template <class... Args> std::string form(const char *function, const Args &...args)
+	/// The end of one that was written as it began: "eWindow#1.exec() = 0".
+	template <class Result> void returned(const void *object, const char *operation, const Result &result)
 	{
-		return function + list(args...);
+		if (on())
+			line(name(object) + '.' + operation + "() = " + argument(result));
+	}
+
+	/// A function that belongs to no object: "eDebug("close file")".
+	template <class... Args> void function(const char *what, const Args &...args)
+	{
+		if (on())
+			line(form(what, args...));
+	}
+
+	/// The same with what it returned: "eSkin.queryValue("fontsize", 20) = 20".
+	template <class Result, class... Args>
+	void result(const Result &value, const char *what, const Args &...args)
+	{
+		if (on())
+			line(form(what, args...) + " = " + argument(value));
+	}
+
+	/// A function's call as text, for results that are told in words.
+	template <class... Args> std::string form(const char *what, const Args &...args)
+	{
+		return what + list(args...);
 	}
 
 	void line(const std::string &text);
 
-	/// A string as in JSON.
-	static std::string quoted(std::string_view text);
-
-	/// An object among the arguments.
-	struct Ref
+private:
+	struct Object
 	{
-		const void *object;
+		const char *type;   ///< a literal
+		int number = 0;     ///< 0: it has not appeared yet
+		bool hosts = false; ///< its end is not the plugin's doing
 	};
 
-	/// Brackets a constructor or destructor, so that only the outermost one of an object is traced.
-	/// A constructor calls begin() where it makes the arguments of its base.
-	template <class T> static T begin(T argument)
-	{
-		++get().muted;
-		return argument;
-	}
-	template <class... Args>
-	static void constructed(const void *object, const char *type, const Args &...args)
-	{
-		Trace &trace = get();
-		--trace.muted;
-		if (!trace.on())
-			return;
-		const std::string who = trace.name(object);
-		trace.line(who + " = " + type + trace.list(args...));
-	}
-
-	int muted = 0;
-
-private:
 	template <class... Args> std::string list(const Args &...args)
 	{
 		std::string text = "(";
@@ -90,14 +118,20 @@ private:
 
 	std::string argument(int value) { return std::to_string(value); }
 	std::string argument(bool value) { return value ? "true" : "false"; }
-	std::string argument(const char *text) { return text ? quoted(text) : "null"; }
-	std::string argument(const std::string &text) { return quoted(text); }
-	std::string argument(Ref ref) { return name(ref.object); }
+	std::string argument(const char *text) { return text ? argument(std::string_view(text)) : "null"; }
+	std::string argument(char *text) { return argument(static_cast<const char *>(text)); }
+	std::string argument(std::string_view text); ///< as in JSON
+	std::string argument(const std::string &text) { return argument(std::string_view(text)); }
+	std::string argument(const void *object) { return name(object); }
+
+	/// "eLabel#2"; "null" for none.
+	std::string name(const void *object);
 
 	FILE *file = nullptr;
 	bool failed = false;
-	int lastNumber = 0;
-	std::unordered_map<const void *, int> numbers;
+	int quiet = 0;
+	std::unordered_map<const void *, Object> objects;
+	std::map<std::string, int> counts; ///< per class
 };
 
 } // namespace desk

@@ -11,8 +11,6 @@ void eDebug(const char *format, ...)
 	const std::string text = desk::printfText(format, values);
 	va_end(values);
 
-	desk::Trace &trace = desk::Trace::get();
-	if (trace.on())
-		trace.line(trace.form("eDebug", text));
+	desk::Trace::get().function("eDebug", text);
 	desk::Desk::get().screen().note(text);
 }

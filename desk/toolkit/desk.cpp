@@ -3,6 +3,7 @@
 #include "deco.h"
 #include "list.h"
 #include "state.h"
+#include "trace.h"
 
 #include <cxxabi.h>
 
@@ -224,6 +225,7 @@ Key Desk::nextKey()
 
 void Desk::settle()
 {
+	const Trace::Quiet drawing; // also of what the plugin's own classes call while they are drawn
 	if (Canvas *canvas = screen().canvas()) {
 		paint(*canvas);
 		screen().present();

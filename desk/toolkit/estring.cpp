@@ -10,10 +10,7 @@ eString &eString::sprintf(char *format, ...)
 	std::string text = desk::printfText(format, values);
 	va_end(values);
 
-	desk::Trace &trace = desk::Trace::get();
-	if (trace.on())
-		trace.line(trace.form("eString.sprintf", static_cast<const char *>(format)) + " = " +
-		           desk::Trace::quoted(text));
+	desk::Trace::get().result(text, "eString.sprintf", format);
 	swap(text);
 	return *this;
 }

@@ -96,15 +96,14 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 } // namespace desk
 
 eDecoWidget::eDecoWidget(eWidget *parent, int takefocus, const char *name)
-	: eWidget(Trace::begin(parent), takefocus),
+	: eWidget(Trace::Quiet().with(parent), takefocus),
 	  deco(new Deco{name ? name : "", &Desk::get().skin().decoration(name ? name : "")})
 {
-	Trace::constructed(this, "eDecoWidget", Trace::Ref{parent}, takefocus, name);
+	Trace::get().constructed(this, "eDecoWidget", parent, takefocus, name);
 }
 
 eDecoWidget::~eDecoWidget()
 {
-	State::destroy(*this, "eDecoWidget");
 	delete deco;
 }
 
@@ -125,18 +124,15 @@ int eDecoWidget::setProperty(const eString &name, const eString &value)
 }
 
 eLabel::eLabel(eWidget *parent, int flags, int takefocus, const char *name)
-	: eDecoWidget(Trace::begin(parent), takefocus, name)
+	: eDecoWidget(Trace::Quiet().with(parent), takefocus, name)
 {
 	auto behaviour = std::make_unique<desk::LabelBehaviour>();
 	behaviour->look = deco->look;
 	state->behaviour = std::move(behaviour);
-	Trace::constructed(this, "eLabel", Trace::Ref{parent}, flags, takefocus, name);
+	Trace::get().constructed(this, "eLabel", parent, flags, takefocus, name);
 }
 
-eLabel::~eLabel()
-{
-	State::destroy(*this, "eLabel");
-}
+eLabel::~eLabel() = default;
 
 void eLabel::setShortcutPixmap(const eString &key)
 {
@@ -145,15 +141,12 @@ void eLabel::setShortcutPixmap(const eString &key)
 }
 
 eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char *name)
-	: eLabel(Trace::begin(parent), 0, takefocus, name)
+	: eLabel(Trace::Quiet().with(parent), 0, takefocus, name)
 {
 	auto behaviour = std::make_unique<ButtonBehaviour>();
 	behaviour->makeButton(*deco->look);
 	state->behaviour = std::move(behaviour);
-	Trace::constructed(this, "eButton", Trace::Ref{parent}, Trace::Ref{description}, takefocus, name);
+	Trace::get().constructed(this, "eButton", parent, description, takefocus, name);
 }
 
-eButton::~eButton()
-{
-	State::destroy(*this, "eButton");
-}
+eButton::~eButton() = default;

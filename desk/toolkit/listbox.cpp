@@ -23,16 +23,14 @@ constexpr int barWidth = 8; // of the scroll bar, in pixels
 
 eListBoxBase::eListBoxBase(eWidget *parent, const eWidget *description, int takefocus, int entryHeight,
                            const char *decoration)
-	: eDecoWidget(Trace::begin(parent), takefocus, decoration), list(new List(*this))
+	: eDecoWidget(Trace::Quiet().with(parent), takefocus, decoration), list(new List(*this))
 {
 	list->entryHeight = std::max(1, entryHeight);
-	Trace::constructed(this, "eListBoxBase", Trace::Ref{parent}, Trace::Ref{description}, takefocus,
-	                   entryHeight, decoration);
+	Trace::get().constructed(this, "eListBoxBase", parent, description, takefocus, entryHeight, decoration);
 }
 
 eListBoxBase::~eListBoxBase()
 {
-	State::destroy(*this, "eListBoxBase");
 	list->dispose();
 	delete list;
 }
@@ -112,7 +110,7 @@ void eListBoxBase::setFlags(int flags)
 
 void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 {
-	Trace::get().call(this, "append", Trace::Ref{entry}, makeCurrent, atTop);
+	Trace::get().call(this, "append", entry, makeCurrent, atTop);
 	if (!entry)
 		return;
 	if (atTop)
@@ -128,7 +126,7 @@ void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 
 void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
 {
-	Trace::get().call(this, "remove", Trace::Ref{entry}, fromDestruction);
+	Trace::get().call(this, "remove", entry, fromDestruction);
 	const auto place = std::find(list->entries.begin(), list->entries.end(), entry);
 	if (place == list->entries.end())
 		return;

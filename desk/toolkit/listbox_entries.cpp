@@ -10,9 +10,7 @@ using desk::Trace;
 int eListBoxEntryText::getEntryHeight()
 {
 	const int height = Desk::get().fontSize();
-	Trace &trace = Trace::get();
-	if (trace.on())
-		trace.line("eListBoxEntryText.getEntryHeight() = " + std::to_string(height));
+	Trace::get().result(height, "eListBoxEntryText.getEntryHeight");
 	return height;
 }
 

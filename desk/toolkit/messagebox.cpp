@@ -40,8 +40,10 @@ private:
 } // namespace
 
 eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, int last)
-	: eWindow(Trace::begin(1))
+	: eWindow(Trace::Quiet().with(1))
 {
+	Trace::get().constructed(this, "eMessageBox", text, caption, flags, preset, last);
+	const Trace::Quiet parts;
 	state->text = caption;
 	state->isMessageBox = true;
 
@@ -93,10 +95,6 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 	const int width = clientWidth + state->width - clientrect.width();
 	const int height = clientHeight + state->height - clientrect.height();
 	State::place(*this, (desk::screenWidth - width) / 2, (desk::screenHeight - height) / 2, width, height);
-	Trace::constructed(this, "eMessageBox", text, caption, flags, preset, last);
 }
 
-eMessageBox::~eMessageBox()
-{
-	State::destroy(*this, "eMessageBox");
-}
+eMessageBox::~eMessageBox() = default;

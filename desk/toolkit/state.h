@@ -64,7 +64,6 @@ struct eWidget::State
 	bool ended = false;       ///< ... and something has ended it
 	int result = 0;
 	bool isMessageBox = false;
-	bool destroying = false; ///< the outermost destructor has begun
 	std::unique_ptr<desk::Behaviour> behaviour;
 
 	static State &of(const eWidget &widget) { return *widget.state; }
@@ -88,10 +87,6 @@ struct eWidget::State
 	}
 
 	static void place(eWidget &widget, int x, int y, int width, int height);
-
-	/// Every destructor of the hierarchy calls this first: the outermost one is traced, as the
-	/// destructor of `type`, and the others belong to it.
-	static void destroy(eWidget &widget, const char *type);
 
 	static int filter(eWidget &w, const eWidgetEvent &event) { return w.eventFilter(event); }
 	static int handle(eWidget &w, const eWidgetEvent &event) { return w.eventHandler(event); }

@@ -14,15 +14,16 @@ eWidget::eWidget(eWidget *parent, int takefocus) : state(new State)
 	state->visible = parent != nullptr;
 	if (parent)
 		parent->state->children.push_back(this);
-	// Bare widgets are not made by plugins: what is derived traces itself.
+	Trace::get().constructed(this, "eWidget", parent, takefocus);
 }
 
 eWidget::~eWidget()
 {
-	State::destroy(*this, "eWidget");
-
-	while (!state->children.empty())
+	Trace::get().destroyed(this);
+	while (!state->children.empty()) {
+		Trace::get().disposes(state->children.back());
 		delete state->children.back();
+	}
 	if (state->parent) {
 		std::vector<eWidget *> &siblings = state->parent->state->children;
 		siblings.erase(std::find(siblings.begin(), siblings.end(), this));
@@ -31,20 +32,7 @@ eWidget::~eWidget()
 		if (above->state->focus == this)
 			above->state->focus = nullptr;
 	Desk::get().gone(*this);
-	Trace::get().forget(this);
-	--Trace::get().muted; // begun by the outermost destructor
 	delete state;
-}
-
-void eWidget::State::destroy(eWidget &widget, const char *type)
-{
-	State &state = of(widget);
-	if (state.destroying)
-		return;
-	state.destroying = true;
-	Trace &trace = Trace::get();
-	trace.call(&widget, (std::string("~") + type).c_str());
-	++trace.muted;
 }
 
 void eWidget::State::place(eWidget &widget, int x, int y, int width, int height)
@@ -167,8 +155,7 @@ void eWidget::hide()
 
 int eWidget::exec()
 {
-	Trace &trace = Trace::get();
-	trace.call(this, "exec");
+	Trace::get().call(this, "exec");
 	state->running = true;
 	state->ended = false;
 	state->result = 0;
@@ -177,8 +164,7 @@ int eWidget::exec()
 	if (!Desk::get().run(*this))
 		return -1; // the window has been destroyed by what it ran
 	state->running = false;
-	if (trace.on())
-		trace.line(trace.name(this) + ".exec() = " + std::to_string(state->result));
+	Trace::get().returned(this, "exec", state->result);
 	return state->result;
 }
 
@@ -196,7 +182,7 @@ void eWidget::reject()
 
 void eWidget::setFocus(eWidget *child)
 {
-	Trace::get().call(this, "setFocus", Trace::Ref{child});
+	Trace::get().call(this, "setFocus", child);
 	if (child && &State::window(*child) != &State::window(*this))
 		return;
 	state->focus = child;

@@ -76,16 +76,13 @@ bool isColour(Key key)
 
 } // namespace
 
-eWindow::eWindow(int takefocus) : eWidget(Trace::begin(static_cast<eWidget *>(nullptr)), takefocus)
+eWindow::eWindow(int takefocus) : eWidget(Trace::Quiet().with<eWidget *>(nullptr), takefocus)
 {
 	State::place(*this, 0, 0, 2 * rim, titleHeight + rim);
-	Trace::constructed(this, "eWindow", takefocus);
+	Trace::get().constructed(this, "eWindow", takefocus);
 }
 
-eWindow::~eWindow()
-{
-	State::destroy(*this, "eWindow");
-}
+eWindow::~eWindow() = default;
 
 void eWindow::willShow() {}
 void eWindow::willHide() {}
@@ -130,7 +127,7 @@ void eWindow::eraseBackground(gPainter *target, const eRect &)
 }
 
 eSetupWindow::eSetupWindow(const char *title, int rows, int width)
-	: eListBoxWindow<eListBoxEntryMenu>(Trace::begin(0))
+	: eListBoxWindow<eListBoxEntryMenu>(Trace::Quiet().with(0))
 {
 	state->text = title ? title : "";
 	const int listHeight = rows * eListBoxBase::List::of(list).entryHeight;
@@ -138,13 +135,10 @@ eSetupWindow::eSetupWindow(const char *title, int rows, int width)
 	State::place(list, 0, 0, width, listHeight);
 	state->behaviour = std::make_unique<MenuHelp>(list);
 	state->focus = &list;
-	Trace::constructed(this, "eSetupWindow", title, rows, width);
+	Trace::get().constructed(this, "eSetupWindow", title, rows, width);
 }
 
-eSetupWindow::~eSetupWindow()
-{
-	State::destroy(*this, "eSetupWindow");
-}
+eSetupWindow::~eSetupWindow() = default;
 
 int eSetupWindow::eventHandler(const eWidgetEvent &event)
 {

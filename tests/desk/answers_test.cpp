@@ -61,9 +61,9 @@ TEST_P(Answer, should_kill_unless_it_is_no_or_none)
 	EXPECT_EQ(has(trace, R"(system("kill -9 123"))"), consent);
 	EXPECT_EQ(has(trace, R"(eDebug("-----kill pid  - 123-----"))"), consent);
 	// It closes itself after a kill, and is left by the viewer otherwise.
-	EXPECT_EQ(has(trace, "#7.accept()"), consent);
-	EXPECT_EQ(has(trace, "#7.reject()"), !consent);
-	EXPECT_TRUE(has(trace, "#11.hide()")) << "in every case";
+	EXPECT_EQ(has(trace, "eWindow#1.accept()"), consent);
+	EXPECT_EQ(has(trace, "eWindow#1.reject()"), !consent);
+	EXPECT_TRUE(has(trace, "eMessageBox#1.hide()")) << "in every case";
 }
 
 TEST_P(Answer, should_delete_only_when_it_is_a_plain_yes)
@@ -73,9 +73,9 @@ TEST_P(Answer, should_delete_only_when_it_is_a_plain_yes)
 	const auto trace = playAnswering(receiver, GetParam(), "down down ok red");
 	const bool consent = GetParam() == 4;
 	EXPECT_EQ(has(trace, R"(remove("/var/scaning.log"))"), consent);
-	EXPECT_EQ(has(trace, "#7.accept()"), consent);
+	EXPECT_EQ(has(trace, "eWindow#1.accept()"), consent);
 	EXPECT_EQ(support::exists(receiver / "var/scaning.log"), !consent);
-	EXPECT_TRUE(has(trace, "#12.hide()")) << "in every case";
+	EXPECT_TRUE(has(trace, "eMessageBox#1.hide()")) << "in every case";
 }
 
 TEST(Result, should_be_what_the_menus_run_returned)
@@ -85,7 +85,7 @@ TEST(Result, should_be_what_the_menus_run_returned)
 		Desk::get().setLeft(result);
 		const auto trace = playAnswering(receiver, 4, "exit");
 		EXPECT_EQ(returned, result);
-		EXPECT_TRUE(has(trace, "#1.exec() = " + std::to_string(result)));
+		EXPECT_TRUE(has(trace, "eSetupWindow#1.exec() = " + std::to_string(result)));
 	}
 	Desk::get().setLeft(-1);
 }
@@ -96,7 +96,7 @@ TEST(Result, should_not_depend_on_what_a_screen_returned)
 	receiver.df("heading\n");
 	Desk::get().setLeft(5);
 	const auto trace = playAnswering(receiver, 4, "4 ok exit");
-	EXPECT_TRUE(has(trace, "#7.exec() = 0"));
+	EXPECT_TRUE(has(trace, "eWindow#1.exec() = 0"));
 	EXPECT_EQ(returned, 5);
 	Desk::get().setLeft(-1);
 }

@@ -214,6 +214,33 @@ TEST(App, should_trace_the_same_keys_on_the_same_root_alike)
 	const Play second = play(receiver.path(), keys);
 	EXPECT_GT(first.trace.size(), 100u);
 	EXPECT_EQ(first.trace, second.trace);
+	TempFolder pictures;
+	EXPECT_EQ(play(receiver.path(), keys, {"--pictures", pictures.path()}).trace, first.trace);
+}
+
+TEST(App, should_name_objects_in_the_trace_by_class_and_number)
+{
+	Receiver receiver;
+	const Play run = play(receiver.path(), "yellow exit exit", {"--plugin", testPlugin("widgets.so.0")});
+	Lines constructions;
+	for (const std::string &line : run.trace)
+		if (line.find(" = e") != line.npos || line.find('~') != line.npos)
+			constructions.push_back(line);
+	EXPECT_EQ(constructions, (Lines{
+								 "eWindow#1 = eWindow(1)",
+								 R"(eListBoxBase#1 = eListBoxBase(eWindow#1, null, 1, 20, "eListBox"))",
+								 R"(eButton#1 = eButton(eWindow#1, null, 1, "eButton"))",
+								 "eLabel#1 = eLabel(eWindow#1, 0, 0, null)",
+								 R"(eMessageBox#1 = eMessageBox("sure?", "really", 8, 4, 0))",
+								 "eLabel#1.~eLabel()",
+								 R"(eLabel#2 = eLabel(eWindow#1, 0, 0, "noSuchDecoration"))",
+								 "eMessageBox#1.~eMessageBox()",
+								 "eWindow#1.~eWindow()",
+							 }))
+		<< "neither what a box is made of nor what goes with its window";
+	EXPECT_NE(
+		std::find(run.trace.begin(), run.trace.end(), "eListBoxBase#1.append(eListBoxEntry#7, false, false)"),
+		run.trace.end());
 }
 
 TEST(App, should_show_the_texts_of_the_asked_language)

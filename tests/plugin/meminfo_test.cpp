@@ -25,24 +25,24 @@ TEST(MemInfo, should_place_and_fill_two_labels)
 	Receiver receiver;
 	receiver.meminfo(olderLayout);
 	const Play run = play(receiver.path(), "down ok exit exit");
-	EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
+	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
 	          (Lines{
-				  "#7 = eWindow(1)",
-				  R"(#7.setText("Memory info"))",
-				  "#7.cmove(225, 113)",
-				  "#7.cresize(270, 350)",
+				  "eWindow#1 = eWindow(1)",
+				  R"(eWindow#1.setText("Memory info"))",
+				  "eWindow#1.cmove(225, 113)",
+				  "eWindow#1.cresize(270, 350)",
 				  R"(fopen("/proc/meminfo", "r") = stream)",
 				  "fclose(stream) = 0",
-				  R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
-				  R"(#8.setText("MemTotal:  \nMemFree:   \nSwapCached:\n"))",
-				  "#8.move(5, 5)",
-				  "#8.resize(150, 350)",
-				  R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
-				  R"(#9.setText("61888 KB\n512 KB\n0 KB\n"))",
-				  "#9.move(160, 5)",
-				  "#9.resize(100, 350)",
-				  "#7.show()",
-				  "#7.exec()",
+				  R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
+				  R"(eLabel#1.setText("MemTotal:  \nMemFree:   \nSwapCached:\n"))",
+				  "eLabel#1.move(5, 5)",
+				  "eLabel#1.resize(150, 350)",
+				  R"(eLabel#2 = eLabel(eWindow#1, 0, 0, "eLabel"))",
+				  R"(eLabel#2.setText("61888 KB\n512 KB\n0 KB\n"))",
+				  "eLabel#2.move(160, 5)",
+				  "eLabel#2.resize(100, 350)",
+				  "eWindow#1.show()",
+				  "eWindow#1.exec()",
 			  }));
 }
 

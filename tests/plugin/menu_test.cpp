@@ -14,18 +14,18 @@ namespace
 {
 
 const Lines built = {
-	R"(#1 = eSetupWindow("Vexlo service menu", 10, 400))",
-	R"(#1.cmove(170, 145))",
+	R"(eSetupWindow#1 = eSetupWindow("Vexlo service menu", 10, 400))",
+	R"(eSetupWindow#1.cmove(170, 145))",
 	R"(eString.sprintf("(%d) %s") = "(1) show current processes in memory")",
-	R"(#2.append(#3, false, false))",
+	R"(eListBoxBase#1.append(eListBoxEntry#1, false, false))",
 	R"(eString.sprintf("(%d) %s") = "(2) show current used and free memory")",
-	R"(#2.append(#4, false, false))",
+	R"(eListBoxBase#1.append(eListBoxEntry#2, false, false))",
 	R"(eString.sprintf("(%d) %s") = "(3) show scan log")",
-	R"(#2.append(#5, false, false))",
+	R"(eListBoxBase#1.append(eListBoxEntry#3, false, false))",
 	R"(eString.sprintf("(%d) %s") = "(4) show system info")",
-	R"(#2.append(#6, false, false))",
-	R"(#1.show())",
-	R"(#1.exec())",
+	R"(eListBoxBase#1.append(eListBoxEntry#4, false, false))",
+	R"(eSetupWindow#1.show())",
+	R"(eSetupWindow#1.exec())",
 };
 
 TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
@@ -33,7 +33,8 @@ TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
 	Receiver receiver;
 	const Play run = play(receiver.path(), "exit");
 	Lines expected = built;
-	expected.insert(expected.end(), {"#1.exec() = -1", "#1.hide()", "#1.~eSetupWindow()"});
+	expected.insert(expected.end(), {"eSetupWindow#1.exec() = -1", "eSetupWindow#1.hide()",
+	                                 "eSetupWindow#1.~eSetupWindow()"});
 	EXPECT_EQ(run.trace, expected);
 	EXPECT_EQ(run.outcome.status, 0);
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n");
@@ -77,30 +78,31 @@ TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroye
 {
 	Receiver receiver;
 	const Play run = play(receiver.path(), "down ok exit exit");
-	EXPECT_EQ(run.traceBetween("#1.exec()", "#1.exec() = -1"), (Lines{
-																   "#1.exec()",
-																   "#1.hide()",
-																   "#7 = eWindow(1)",
-																   R"(#7.setText("Memory info"))",
-																   "#7.cmove(225, 113)",
-																   "#7.cresize(270, 350)",
-																   R"(fopen("/proc/meminfo", "r") = null)",
-																   R"(#8 = eLabel(#7, 0, 0, "eLabel"))",
-																   R"(#8.setText(""))",
-																   "#8.move(5, 5)",
-																   "#8.resize(150, 350)",
-																   R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
-																   R"(#9.setText(""))",
-																   "#9.move(160, 5)",
-																   "#9.resize(100, 350)",
-																   "#7.show()",
-																   "#7.exec()",
-																   "#7.exec() = -1",
-																   "#7.hide()",
-																   "#1.show()",
-																   "#7.~eWindow()",
-																   "#1.exec() = -1",
-															   }));
+	EXPECT_EQ(run.traceBetween("eSetupWindow#1.exec()", "eSetupWindow#1.exec() = -1"),
+	          (Lines{
+				  "eSetupWindow#1.exec()",
+				  "eSetupWindow#1.hide()",
+				  "eWindow#1 = eWindow(1)",
+				  R"(eWindow#1.setText("Memory info"))",
+				  "eWindow#1.cmove(225, 113)",
+				  "eWindow#1.cresize(270, 350)",
+				  R"(fopen("/proc/meminfo", "r") = null)",
+				  R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
+				  R"(eLabel#1.setText(""))",
+				  "eLabel#1.move(5, 5)",
+				  "eLabel#1.resize(150, 350)",
+				  R"(eLabel#2 = eLabel(eWindow#1, 0, 0, "eLabel"))",
+				  R"(eLabel#2.setText(""))",
+				  "eLabel#2.move(160, 5)",
+				  "eLabel#2.resize(100, 350)",
+				  "eWindow#1.show()",
+				  "eWindow#1.exec()",
+				  "eWindow#1.exec() = -1",
+				  "eWindow#1.hide()",
+				  "eSetupWindow#1.show()",
+				  "eWindow#1.~eWindow()",
+				  "eSetupWindow#1.exec() = -1",
+			  }));
 }
 
 TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)

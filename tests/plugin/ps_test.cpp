@@ -30,31 +30,31 @@ Lines construction(int fontSize)
 {
 	const std::string font = std::to_string(fontSize);
 	return {
-		"#7 = eWindow(1)",
+		"eWindow#1 = eWindow(1)",
 		"eSkin.getActive()",
 		R"(eSkin.queryValue("fontsize", 20) = )" + font,
-		R"(#7.setText("Info"))",
-		"#7.cmove(110, 63)",
-		"#7.cresize(500, 450)",
+		R"(eWindow#1.setText("Info"))",
+		"eWindow#1.cmove(110, 63)",
+		"eWindow#1.cresize(500, 450)",
 		"eListBoxEntryText.getEntryHeight() = " + font,
-		"#8 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
-		"#8.setFlags(4)",
-		"#8.move(5, " + std::to_string(fontSize + 10) + ")",
-		"#8.resize(490, 410)",
+		"eListBoxBase#2 = eListBoxBase(eWindow#1, null, 1, " + font + R"(, "eListBox"))",
+		"eListBoxBase#2.setFlags(4)",
+		"eListBoxBase#2.move(5, " + std::to_string(fontSize + 10) + ")",
+		"eListBoxBase#2.resize(490, 410)",
 		R"(system("ps >/var/tmp/ps.tmp"))",
 		R"(eDebug("[write ps info]"))",
 		R"(fopen("/var/tmp/ps.tmp", "r") = stream)",
 		"fclose(stream) = 0",
 		R"(remove("/var/tmp/ps.tmp"))",
-		"#8.append(#9, false, false)",
-		"#8.append(#10, false, false)",
-		R"(#11 = eLabel(#7, 0, 0, "eLabel"))",
-		R"(#11.setText("  PID USER COMMAND\n"))",
-		"#11.move(5, 5)",
-		"#11.resize(500, " + font + ")",
-		"#7.setFocus(#8)",
-		"#7.show()",
-		"#7.exec()",
+		"eListBoxBase#2.append(eListBoxEntry#5, false, false)",
+		"eListBoxBase#2.append(eListBoxEntry#6, false, false)",
+		R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
+		R"(eLabel#1.setText("  PID USER COMMAND\n"))",
+		"eLabel#1.move(5, 5)",
+		"eLabel#1.resize(500, " + font + ")",
+		"eWindow#1.setFocus(eListBoxBase#2)",
+		"eWindow#1.show()",
+		"eWindow#1.exec()",
 	};
 }
 
@@ -63,7 +63,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_si
 	Receiver receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 0)});
-	EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"), construction(20));
+	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(20));
 }
 
 TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
@@ -71,7 +71,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
 	Receiver receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 30)});
-	EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"), construction(30));
+	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(30));
 	EXPECT_EQ(run.widget(1, list)["rect"], Json({5, 40, 490, 410}));
 	EXPECT_EQ(run.widget(1, "eLabel")["rect"], Json({5, 5, 500, 30}));
 }
@@ -94,9 +94,10 @@ TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
 	Receiver receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit");
-	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
-	          (Lines{"#7.exec()", "#7.reject()", "#7.setFocus(#8)", "#7.exec() = -1", "#7.hide()",
-	                 "#1.show()", "#7.~eWindow()"}));
+	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
+	          (Lines{"eWindow#1.exec()", "eWindow#1.reject()", "eWindow#1.setFocus(eListBoxBase#2)",
+	                 "eWindow#1.exec() = -1", "eWindow#1.hide()", "eSetupWindow#1.show()",
+	                 "eWindow#1.~eWindow()"}));
 }
 
 TEST(Ps, should_ask_and_kill_on_yes)
@@ -104,24 +105,24 @@ TEST(Ps, should_ask_and_kill_on_yes)
 	Receiver receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok down ok ok exit");
-	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
+	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
 	          (Lines{
-				  "#7.exec()",
+				  "eWindow#1.exec()",
 				  R"(eString.sprintf("Kill %s pid?") = "Kill 123 pid?")",
-				  R"(#12 = eMessageBox("Kill 123 pid?", "kill pid", 76, 4, 0))",
-				  "#12.show()",
-				  "#12.exec()",
-				  "#12.exec() = 4",
-				  "#12.hide()",
+				  R"(eMessageBox#1 = eMessageBox("Kill 123 pid?", "kill pid", 76, 4, 0))",
+				  "eMessageBox#1.show()",
+				  "eMessageBox#1.exec()",
+				  "eMessageBox#1.exec() = 4",
+				  "eMessageBox#1.hide()",
 				  R"(eDebug("-----kill pid  - 123-----"))",
 				  R"(system("kill -9 123"))",
-				  "#7.accept()",
-				  "#7.setFocus(#8)",
-				  "#12.~eMessageBox()",
-				  "#7.exec() = 0",
-				  "#7.hide()",
-				  "#1.show()",
-				  "#7.~eWindow()",
+				  "eWindow#1.accept()",
+				  "eWindow#1.setFocus(eListBoxBase#2)",
+				  "eMessageBox#1.~eMessageBox()",
+				  "eWindow#1.exec() = 0",
+				  "eWindow#1.hide()",
+				  "eSetupWindow#1.show()",
+				  "eWindow#1.~eWindow()",
 			  }));
 	EXPECT_NE(run.outcome.err.find("kill -9 123 (reported only"), std::string::npos) << run.outcome.err;
 }
@@ -148,9 +149,9 @@ void expectSpared(const std::string &keys, const std::string &result)
 	Receiver receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok down ok " + keys + " exit exit");
-	EXPECT_EQ(run.traceBetween("#12.exec()", "#12.~eMessageBox()"),
-	          (Lines{"#12.exec()", "#12.exec() = " + result, "#12.hide()", "#7.setFocus(#8)",
-	                 "#12.~eMessageBox()"}));
+	EXPECT_EQ(run.traceBetween("eMessageBox#1.exec()", "eMessageBox#1.~eMessageBox()"),
+	          (Lines{"eMessageBox#1.exec()", "eMessageBox#1.exec() = " + result, "eMessageBox#1.hide()",
+	                 "eWindow#1.setFocus(eListBoxBase#2)", "eMessageBox#1.~eMessageBox()"}));
 	const size_t after = 3 + static_cast<size_t>(std::count(keys.begin(), keys.end(), ' ')) + 1;
 	EXPECT_EQ(run.window(after)["class"], "ePsDialog") << "it stays open";
 	EXPECT_EQ(run.widget(after, list)["focus"], true);
@@ -214,18 +215,18 @@ TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_sam
 	receiver.ps(twoProcesses);
 	ASSERT_EQ(symlink("/var/tmp/no-such-folder/ps.tmp", "/var/tmp/ps.tmp"), 0);
 	const Play run = play(receiver.path(), "ok exit exit");
-	EXPECT_EQ(run.traceBetween(R"(system("ps >/var/tmp/ps.tmp"))", "#7.setFocus(#8)"),
+	EXPECT_EQ(run.traceBetween(R"(system("ps >/var/tmp/ps.tmp"))", "eWindow#1.setFocus(eListBoxBase#2)"),
 	          (Lines{
 				  R"(system("ps >/var/tmp/ps.tmp"))",
 				  R"(eDebug("[write ps info]"))",
 				  R"(fopen("/var/tmp/ps.tmp", "r") = null)",
 				  "fclose(null) = -1",
 				  R"(remove("/var/tmp/ps.tmp"))",
-				  R"(#9 = eLabel(#7, 0, 0, "eLabel"))",
-				  R"(#9.setText(""))",
-				  "#9.move(5, 5)",
-				  "#9.resize(500, 20)",
-				  "#7.setFocus(#8)",
+				  R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
+				  R"(eLabel#1.setText(""))",
+				  "eLabel#1.move(5, 5)",
+				  "eLabel#1.resize(500, 20)",
+				  "eWindow#1.setFocus(eListBoxBase#2)",
 			  }));
 	struct stat status;
 	EXPECT_NE(lstat("/var/tmp/ps.tmp", &status), 0) << "even the link is gone";

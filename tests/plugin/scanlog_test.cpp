@@ -17,38 +17,38 @@ const char *const list = "eListBox<eListBoxEntryText>";
 const std::string keys = "down down ok "; // to the screen; its moment is number 3
 constexpr size_t opened = 3;
 
-Lines construction(int fontSize, const Lines &reading, const std::string &summary, int label)
+Lines construction(int fontSize, const Lines &reading, const std::string &summary)
 {
-	const std::string font = std::to_string(fontSize), number = std::to_string(label);
+	const std::string font = std::to_string(fontSize);
 	Lines lines = {
-		"#7 = eWindow(1)",
+		"eWindow#1 = eWindow(1)",
 		"eSkin.getActive()",
 		R"(eSkin.queryValue("fontsize", 20) = )" + font,
-		R"(#7.setText("Info"))",
-		"#7.cmove(60, 63)",
-		"#7.cresize(600, 470)",
-		R"(#8 = eButton(#7, null, 1, "eButton"))",
-		"#8.move(10, 420)",
-		"#8.resize(160, 40)",
-		R"(#8.setShortcut("red"))",
-		R"(#8.setShortcutPixmap("red"))",
-		"#8.loadDeco()",
-		R"(#8.setText("delete log"))",
+		R"(eWindow#1.setText("Info"))",
+		"eWindow#1.cmove(60, 63)",
+		"eWindow#1.cresize(600, 470)",
+		R"(eButton#1 = eButton(eWindow#1, null, 1, "eButton"))",
+		"eButton#1.move(10, 420)",
+		"eButton#1.resize(160, 40)",
+		R"(eButton#1.setShortcut("red"))",
+		R"(eButton#1.setShortcutPixmap("red"))",
+		"eButton#1.loadDeco()",
+		R"(eButton#1.setText("delete log"))",
 		"eListBoxEntryText.getEntryHeight() = " + font,
-		"#9 = eListBoxBase(#7, null, 1, " + font + R"(, "eListBox"))",
-		"#9.setFlags(4)",
-		"#9.move(5, 5)",
-		"#9.resize(590, 410)",
+		"eListBoxBase#2 = eListBoxBase(eWindow#1, null, 1, " + font + R"(, "eListBox"))",
+		"eListBoxBase#2.setFlags(4)",
+		"eListBoxBase#2.move(5, 5)",
+		"eListBoxBase#2.resize(590, 410)",
 	};
 	lines.insert(lines.end(), reading.begin(), reading.end());
 	const Lines rest = {
-		"#" + number + R"( = eLabel(#7, 0, 0, "eLabel"))",
-		"#" + number + ".setText(\"" + summary + "\")",
-		"#" + number + ".move(180, 430)",
-		"#" + number + ".resize(600, " + font + ")",
-		"#7.setFocus(#9)",
-		"#7.show()",
-		"#7.exec()",
+		R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
+		"eLabel#1.setText(\"" + summary + "\")",
+		"eLabel#1.move(180, 430)",
+		"eLabel#1.resize(600, " + font + ")",
+		"eWindow#1.setFocus(eListBoxBase#2)",
+		"eWindow#1.show()",
+		"eWindow#1.exec()",
 	};
 	lines.insert(lines.end(), rest.begin(), rest.end());
 	return lines;
@@ -58,8 +58,8 @@ const Lines twoLines = {
 	R"(fopen("/var/scaning.log", "r") = stream)",
 	"fclose(stream) = 0",
 	R"(eDebug("close file"))",
-	"#9.append(#10, false, false)",
-	"#9.append(#11, false, false)",
+	"eListBoxBase#2.append(eListBoxEntry#5, false, false)",
+	"eListBoxBase#2.append(eListBoxEntry#6, false, false)",
 };
 
 const Lines noFile = {
@@ -74,8 +74,8 @@ TEST(ScanLog, should_be_laid_out_around_the_log)
 	for (const int fontSize : {0, 20, 30}) {
 		const Play run =
 			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
-		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
-		          construction(fontSize ? fontSize : 20, twoLines, "size of /var/scaning.log : 4 bytes", 12));
+		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
+		          construction(fontSize ? fontSize : 20, twoLines, "size of /var/scaning.log : 4 bytes"));
 	}
 }
 
@@ -85,8 +85,8 @@ TEST(ScanLog, should_be_laid_out_without_a_log)
 	for (const int fontSize : {20, 30}) {
 		const Play run =
 			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
-		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"),
-		          construction(fontSize, noFile, R"(file \"/var/scaning.log\" not found)", 10));
+		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
+		          construction(fontSize, noFile, R"(file \"/var/scaning.log\" not found)"));
 	}
 }
 
@@ -142,23 +142,23 @@ TEST(ScanLog, should_ask_and_delete_on_yes)
 	ASSERT_EQ(run.moments[opened + 1]["windows"].size(), 2u);
 	EXPECT_EQ(run.window(opened + 1)["title"], "Warning");
 	EXPECT_EQ(run.widget(opened + 1, "eLabel")["text"], "Delete /var/scaning.log ?");
-	EXPECT_EQ(run.traceBetween("#7.exec()", "#7.~eWindow()"),
+	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
 	          (Lines{
-				  "#7.exec()",
+				  "eWindow#1.exec()",
 				  R"(eString.sprintf("Delete %s ?") = "Delete /var/scaning.log ?")",
-				  R"(#12 = eMessageBox("Delete /var/scaning.log ?", "Warning", 76, 4, 0))",
-				  "#12.show()",
-				  "#12.exec()",
-				  "#12.exec() = 4",
+				  R"(eMessageBox#1 = eMessageBox("Delete /var/scaning.log ?", "Warning", 76, 4, 0))",
+				  "eMessageBox#1.show()",
+				  "eMessageBox#1.exec()",
+				  "eMessageBox#1.exec() = 4",
 				  R"(eString.sprintf("%s") = "/var/scaning.log")",
 				  R"(remove("/var/scaning.log"))",
-				  "#7.accept()",
-				  "#12.hide()",
-				  "#12.~eMessageBox()",
-				  "#7.exec() = 0",
-				  "#7.hide()",
-				  "#1.show()",
-				  "#7.~eWindow()",
+				  "eWindow#1.accept()",
+				  "eMessageBox#1.hide()",
+				  "eMessageBox#1.~eMessageBox()",
+				  "eWindow#1.exec() = 0",
+				  "eWindow#1.hide()",
+				  "eSetupWindow#1.show()",
+				  "eWindow#1.~eWindow()",
 			  }));
 	EXPECT_FALSE(support::exists(receiver / "var/scaning.log"));
 	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
@@ -171,8 +171,9 @@ void expectKept(const std::string &answer, const std::string &result)
 	Receiver receiver;
 	receiver.scanLog("a\n");
 	const Play run = play(receiver.path(), keys + "red " + answer);
-	EXPECT_EQ(run.traceBetween("#12.exec()", "#12.~eMessageBox()"),
-	          (Lines{"#12.exec()", "#12.exec() = " + result, "#12.hide()", "#12.~eMessageBox()"}));
+	EXPECT_EQ(run.traceBetween("eMessageBox#1.exec()", "eMessageBox#1.~eMessageBox()"),
+	          (Lines{"eMessageBox#1.exec()", "eMessageBox#1.exec() = " + result, "eMessageBox#1.hide()",
+	                 "eMessageBox#1.~eMessageBox()"}));
 	EXPECT_EQ(run.moments.back()["windows"].back()["class"], "eScanLogDialog");
 	EXPECT_EQ(run.widget(run.moments.size() - 1, list)["count"], 1);
 	EXPECT_EQ(support::readFile(receiver / "var/scaning.log"), "a\n");

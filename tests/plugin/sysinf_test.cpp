@@ -48,9 +48,9 @@ const std::string usageHeading = usageLine("Size", "Used", "Avail.", "Use%", "Mo
 
 Lines label(int number, const std::string &content, int x, int y, int width, int height)
 {
-	const std::string name = "#" + std::to_string(number);
+	const std::string name = "eLabel#" + std::to_string(number);
 	const auto pair = [](int a, int b) { return "(" + std::to_string(a) + ", " + std::to_string(b) + ")"; };
-	return {name + R"( = eLabel(#7, 0, 0, "eLabel"))", name + ".setText(" + text(content) + ")",
+	return {name + R"( = eLabel(eWindow#1, 0, 0, "eLabel"))", name + ".setText(" + text(content) + ")",
 	        name + ".move" + pair(x, y), name + ".resize" + pair(width, height)};
 }
 
@@ -62,41 +62,41 @@ void add(Lines &lines, const Lines &more)
 Lines construction(int f)
 {
 	Lines lines = {
-		"#7 = eWindow(1)",
+		"eWindow#1 = eWindow(1)",
 		"eSkin.getActive()",
 		R"(eSkin.queryValue("fontsize", 20) = )" + std::to_string(f),
-		R"(#7.setText("Info"))",
-		"#7.cmove(60, 70)",
-		"#7.cresize(600, 450)",
-		R"(#8 = eButton(#7, null, 1, "eButton"))",
-		"#8.move(10, 400)",
-		"#8.resize(160, 40)",
-		R"(#8.setShortcut("green"))",
-		R"(#8.setShortcutPixmap("green"))",
-		"#8.loadDeco()",
-		R"(#8.setText("OK"))",
+		R"(eWindow#1.setText("Info"))",
+		"eWindow#1.cmove(60, 70)",
+		"eWindow#1.cresize(600, 450)",
+		R"(eButton#1 = eButton(eWindow#1, null, 1, "eButton"))",
+		"eButton#1.move(10, 400)",
+		"eButton#1.resize(160, 40)",
+		R"(eButton#1.setShortcut("green"))",
+		R"(eButton#1.setShortcutPixmap("green"))",
+		"eButton#1.loadDeco()",
+		R"(eButton#1.setText("OK"))",
 		R"(fopen("/proc/mtd", "r") = stream)",
 		"fclose(stream) = 0",
 	};
 	const int r1 = 2, r2 = 5;
-	add(lines, label(9, "MTD blocks:", 5, 5, 100, f));
-	add(lines, label(10, "dev:\nmtd0:\n", 5, f + 5, 70, f * r1));
-	add(lines, label(11, "size\n00020000\n", 70, f + 5, 100, f * r1));
-	add(lines, label(12, "erasesize\n00004000\n", 190, f + 5, 100, f * r1));
-	add(lines, label(13, "name\n\"boot loader\" \n", 300, f + 5, 350, f * r1));
+	add(lines, label(1, "MTD blocks:", 5, 5, 100, f));
+	add(lines, label(2, "dev:\nmtd0:\n", 5, f + 5, 70, f * r1));
+	add(lines, label(3, "size\n00020000\n", 70, f + 5, 100, f * r1));
+	add(lines, label(4, "erasesize\n00004000\n", 190, f + 5, 100, f * r1));
+	add(lines, label(5, "name\n\"boot loader\" \n", 300, f + 5, 350, f * r1));
 	add(lines, {R"(system("df -h >/var/tmp/df.tmp"))", R"(fopen("/var/tmp/df.tmp", "r") = stream)",
 	            "fclose(stream) = 0", R"(remove("/var/tmp/df.tmp"))"});
-	add(lines, label(14, "Mounts:\n\n", 5, f * r1 + 20, 240, f * r2));
-	add(lines, label(15,
+	add(lines, label(6, "Mounts:\n\n", 5, f * r1 + 20, 240, f * r2));
+	add(lines, label(7,
 	                 padded("Filesystem", 35) + "\n" + padded("/dev/root", 35) + "\n" + padded("tmpfs", 35) +
 	                     "\n" + padded("/dev/sda1", 35) + "\n",
 	                 5, f * r1 + f + 25, 270, f * r2));
-	add(lines, label(16,
+	add(lines, label(8,
 	                 usageHeading + usageLine("7.8M", "3.1M", "4.7M", "40%", "/") +
 	                     usageLine("30.2M", "4.0K", "30.2M", "0%", "/tmp") +
 	                     usageLine("149.0G", "112.6G", "36.4G", "76%", "/media/hdd"),
 	                 280, f * r1 + f + 25, 500, f * r2));
-	add(lines, {"#7.show()", "#7.exec()"});
+	add(lines, {"eWindow#1.show()", "eWindow#1.exec()"});
 	return lines;
 }
 
@@ -108,7 +108,8 @@ TEST(SysInf, should_be_laid_out_by_the_font_size)
 	for (const int fontSize : {0, 20, 16, 30}) {
 		const Play run =
 			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
-		EXPECT_EQ(run.traceBetween("#7 = eWindow(1)", "#7.exec()"), construction(fontSize ? fontSize : 20));
+		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
+		          construction(fontSize ? fontSize : 20));
 	}
 }
 
@@ -134,14 +135,15 @@ TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
 	receiver.df(threeMounts);
 	for (const char *way : {"ok", "green"}) {
 		const Play run = play(receiver.path(), keys + way + " exit");
-		EXPECT_EQ(
-			run.traceBetween("#7.exec()", "#7.~eWindow()"),
-			(Lines{"#7.exec()", "#7.accept()", "#7.exec() = 0", "#7.hide()", "#1.show()", "#7.~eWindow()"}))
+		EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
+		          (Lines{"eWindow#1.exec()", "eWindow#1.accept()", "eWindow#1.exec() = 0", "eWindow#1.hide()",
+		                 "eSetupWindow#1.show()", "eWindow#1.~eWindow()"}))
 			<< way;
 	}
 	const Play left = play(receiver.path(), keys + "exit exit");
-	EXPECT_EQ(left.traceBetween("#7.exec()", "#7.~eWindow()"),
-	          (Lines{"#7.exec()", "#7.exec() = -1", "#7.hide()", "#1.show()", "#7.~eWindow()"}));
+	EXPECT_EQ(left.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
+	          (Lines{"eWindow#1.exec()", "eWindow#1.exec() = -1", "eWindow#1.hide()", "eSetupWindow#1.show()",
+	                 "eWindow#1.~eWindow()"}));
 }
 
 TEST(SysInf, should_give_the_button_the_focus_and_the_green_key)
