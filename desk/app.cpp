@@ -115,10 +115,17 @@ bool setLanguage(const std::string &lang, std::string &error)
 	return true;
 }
 
-std::unique_ptr<Screen> openScreen(const std::string &name, std::string &error)
+/// What the plugin is called: "vexlomenu" for ".../vexlomenu.so.0".
+std::string pluginName(const std::string &path)
+{
+	const std::string file = fs::path(path).filename();
+	return file.substr(0, file.find(".so"));
+}
+
+std::unique_ptr<Screen> openScreen(const std::string &name, const std::string &title, std::string &error)
 {
 	if (name == "window")
-		return makeWindowScreen(error);
+		return makeWindowScreen(title, error);
 	if (name == "terminal")
 		return makeTerminalScreen(error);
 	return makeNoScreen();
@@ -221,7 +228,7 @@ int runApp(int argc, char **argv)
 	if (!plugin)
 		return fail(statusNotLoaded, error);
 	std::unique_ptr<Screen> screen =
-		openScreen(options.screen.empty() ? likelyScreen() : options.screen, error);
+		openScreen(options.screen.empty() ? likelyScreen() : options.screen, pluginName(options.plugin), error);
 	if (!screen)
 		return fail(statusBadArguments, error);
 

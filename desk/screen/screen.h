@@ -25,8 +25,11 @@ public:
 	virtual void present() = 0;
 
 	/// Sleeps until a key of the remote control is pressed. Nothing: there are no more keys, the
-	/// viewer has closed the screen.
+	/// viewer has closed the screen; or wake() was called.
 	virtual std::optional<Key> waitKey() = 0;
+
+	/// Makes the waitKey() that sleeps, or the next one, return nothing once. From any thread.
+	virtual void wake() {}
 
 	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that
 	/// was only reported. It goes to standard error, at once or when the screen is given back.

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -168,6 +169,7 @@ void watch(int signal, struct sigaction action)
 } // namespace
 
 TerminalHold::TerminalHold(const std::string &enterText, const std::string &leaveText)
+	: wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
 	static bool registered = false;
 	if (!registered)
@@ -210,6 +212,7 @@ TerminalHold::~TerminalHold()
 {
 	const NoSignals quiet;
 	giveBack();
+	close(wakeUp);
 	for (const int signal : ending)
 		sigaction(signal, &previous[signal], nullptr);
 	for (const int signal : living)
@@ -253,6 +256,11 @@ void TerminalHold::keep(const std::string &line)
 	++noteLines;
 }
 
+void TerminalHold::wake()
+{
+	eventfd_write(wakeUp, 1);
+}
+
 TerminalHold::Wake TerminalHold::wait()
 {
 	// Blocked but for the sleep itself, so that none comes between the look and the sleep.
@@ -273,10 +281,15 @@ TerminalHold::Wake TerminalHold::wait()
 			wake = Wake::resized;
 			break;
 		}
-		pollfd input{STDIN_FILENO, POLLIN, 0};
-		const int ready = ppoll(&input, 1, nullptr, &old);
+		pollfd ends[] = {{STDIN_FILENO, POLLIN, 0}, {wakeUp, POLLIN, 0}};
+		pollfd &input = ends[0];
+		const int ready = ppoll(ends, 2, nullptr, &old);
 		if (ready < 0 && errno == EINTR)
 			continue;
+		if (eventfd_t wakes; ready > 0 && ends[1].revents && eventfd_read(wakeUp, &wakes) == 0) {
+			wake = Wake::woken;
+			break;
+		}
 		// After a stop, what woke this one may have been read by the shell: then there is nothing, but
 		// not for ever.
 		if (ready > 0 && !(input.revents & POLLHUP) && !somethingToRead() && poll(&input, 1, 0) == 0)

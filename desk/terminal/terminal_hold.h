@@ -21,6 +21,7 @@ public:
 		resized,   ///< the terminal may have another size
 		continued, ///< the program was stopped; what was on the screen is gone
 		closed,    ///< the terminal is gone
+		woken,     ///< wake() was called
 	};
 
 	/// Remembers the terminal's state and watches the signals. What `leave` holds is written when the
@@ -41,6 +42,12 @@ public:
 
 	/// Sleeps until standard input or a signal asks for something.
 	Wake wait();
+
+	/// Ends the wait that sleeps, or the next one. From any thread.
+	void wake();
+
+private:
+	int wakeUp; ///< an eventfd
 };
 
 } // namespace desk

@@ -218,6 +218,7 @@ public:
 	void present() override;
 	std::optional<Key> waitKey() override;
 	void note(const std::string &line) override;
+	void wake() override { hold.wake(); }
 	bool ownsTerminal() const override { return true; }
 
 private:
@@ -493,6 +494,8 @@ std::optional<Key> TerminalScreen::waitKey()
 		case TerminalHold::Wake::closed:
 			closed = true;
 			break;
+		case TerminalHold::Wake::woken:
+			return std::nullopt;
 		}
 	}
 	return std::nullopt;

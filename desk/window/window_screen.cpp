@@ -109,6 +109,8 @@ public:
 				    event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED)
 					show();
 				break;
+			case SDL_USEREVENT: // wake()
+				return std::nullopt;
 			case SDL_QUIT: // the window's own button, or a signal that ends programs
 				closed = true;
 				break;
@@ -118,6 +120,13 @@ public:
 		}
 		closed = true;
 		return std::nullopt;
+	}
+
+	void wake() override
+	{
+		SDL_Event event = {};
+		event.type = SDL_USEREVENT;
+		SDL_PushEvent(&event);
 	}
 
 private:
@@ -158,7 +167,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<Screen> makeWindowScreen(std::string &error)
+std::unique_ptr<Screen> makeWindowScreen(const std::string &title, std::string &error)
 {
 	const auto failed = [&](const std::string &why) {
 		error = visibleText("cannot open a window: " + why +
@@ -193,9 +202,11 @@ std::unique_ptr<Screen> makeWindowScreen(std::string &error)
 	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
 	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
 		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
-	SDL_Window *window = SDL_CreateWindow("Receiver - arrows, Enter, Esc, F1-F4 (red green yellow blue)",
-	                                      SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, screenWidth,
-	                                      screenHeight, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+	const std::string shown =
+		visibleText(title) + " - arrows, Enter, Esc, F1-F4 (red green yellow blue)";
+	SDL_Window *window =
+		SDL_CreateWindow(shown.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, screenWidth,
+	                     screenHeight, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
 	if (!window || !SDL_GetWindowSurface(window))
 		return failed(SDL_GetError());
 	SDL_SetWindowMinimumSize(window, screenWidth / 2, screenHeight / 2);

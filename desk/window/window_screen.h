@@ -6,8 +6,9 @@
 namespace desk
 {
 
-/// A window on the display that the environment names. On failure returns null and leaves one line in `error`.
-std::unique_ptr<Screen> makeWindowScreen(std::string &error);
+/// A window on the display that the environment names; `title` is what it shows, in any bytes. On failure
+/// returns null and leaves one line in `error`.
+std::unique_ptr<Screen> makeWindowScreen(const std::string &title, std::string &error);
 
 } // namespace desk
 

@@ -8,7 +8,7 @@
 int main()
 {
 	std::string error;
-	const auto screen = desk::makeWindowScreen(error);
+	const auto screen = desk::makeWindowScreen("probe", error);
 	if (!screen) {
 		std::fprintf(stderr, "%s\n", error.c_str());
 		return 1;
