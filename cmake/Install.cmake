@@ -3,6 +3,8 @@ include(GNUInstallDirs)
 
 set(VEXLO_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/vexlomenu)
 install(TARGETS vexlomenu LIBRARY DESTINATION ${VEXLO_PLUGIN_DIR} COMPONENT plugin)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/po/ DESTINATION ${CMAKE_INSTALL_DATADIR}/locale
+        COMPONENT plugin FILES_MATCHING PATTERN *.mo PATTERN CMakeFiles EXCLUDE)
 
 if(VEXLO_DESK)
   # deskhost looks for these by their places relative to its own: see desk/app.cpp.
@@ -12,8 +14,6 @@ if(VEXLO_DESK)
   install(TARGETS deskhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
   install(DIRECTORY desk/skins samples DESTINATION ${CMAKE_INSTALL_DATADIR}/deskhost
           USE_SOURCE_PERMISSIONS COMPONENT desk PATTERN .gitattributes EXCLUDE)
-  install(DIRECTORY ${CMAKE_BINARY_DIR}/po/ DESTINATION ${CMAKE_INSTALL_DATADIR}/locale
-          COMPONENT desk FILES_MATCHING PATTERN *.mo PATTERN CMakeFiles EXCLUDE)
   install(FILES docs/deskhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
   install(FILES README.md CHANGELOG.md docs/deskhost.md docs/porting.md docs/architecture.md
           DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/deskhost COMPONENT desk)
@@ -37,16 +37,25 @@ set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
  terminal or into pictures, and takes the keyboard as the remote control.")
 include(CPack)
 
-# The plugin alone, stripped, for a receiver.
+# For a receiver: the plugin alone, stripped, with its catalogues.
 set(archive ${CMAKE_BINARY_DIR}/vexlomenu-${PROJECT_VERSION}-${CMAKE_SYSTEM_PROCESSOR}.tar.gz)
+set(archive_folder ${CMAKE_BINARY_DIR}/receiver-archive)
+set(copy_catalogues)
+file(STRINGS po/LINGUAS languages)
+foreach(language IN LISTS languages)
+  list(APPEND copy_catalogues
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${archive_folder}/locale/${language}/LC_MESSAGES
+    COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_BINARY_DIR}/po/${language}/LC_MESSAGES/vexlomenu.mo
+            ${archive_folder}/locale/${language}/LC_MESSAGES)
+endforeach()
 add_custom_target(receiver-archive
-  COMMAND ${CMAKE_COMMAND} -E rm -rf ${CMAKE_BINARY_DIR}/receiver-archive
-  COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/receiver-archive
-  COMMAND ${CMAKE_STRIP} -o ${CMAKE_BINARY_DIR}/receiver-archive/vexlomenu.so.0 $<TARGET_FILE:vexlomenu>
-  COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/porting.md
-          ${CMAKE_BINARY_DIR}/receiver-archive
-  COMMAND ${CMAKE_COMMAND} -E chdir ${CMAKE_BINARY_DIR}/receiver-archive
-          ${CMAKE_COMMAND} -E tar czf ${archive} vexlomenu.so.0 LICENSE porting.md
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${archive_folder}
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${archive_folder}
+  COMMAND ${CMAKE_STRIP} -o ${archive_folder}/vexlomenu.so.0 $<TARGET_FILE:vexlomenu>
+  COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/porting.md ${archive_folder}
+  ${copy_catalogues}
+  COMMAND ${CMAKE_COMMAND} -E chdir ${archive_folder}
+          ${CMAKE_COMMAND} -E tar czf ${archive} vexlomenu.so.0 locale LICENSE porting.md
   COMMAND ${CMAKE_COMMAND} -E echo "${archive}"
-  DEPENDS vexlomenu
+  DEPENDS vexlomenu vexlo_catalogues
   VERBATIM)

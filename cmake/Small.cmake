@@ -1,27 +1,71 @@
 # What the plugin is compiled and linked with in a release build: it is made for size, because a
-# receiver keeps it in flash. Link to it PRIVATE; ./bench tells what the plugin costs.
+# receiver keeps it in flash. Link to it PRIVATE; ./bench tells what the plugin costs. What this
+# compiler or linker does not know is left out.
+include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)
 
+# A receiver's loader, C library and tools may be old.
+if(VEXLO_DESK)
+  set(for_receiver OFF)
+else()
+  set(for_receiver ON)
+endif()
+option(VEXLO_RECEIVER "Make the plugin so that an old loader takes it" ${for_receiver})
+if(VEXLO_RECEIVER)
+  set(pack OFF)
+  set(hash_style both)
+else()
+  set(pack ON)
+  set(hash_style gnu)
+endif()
 option(VEXLO_PACK_RELOCATIONS
-       "Pack the plugin's relative relocations, which a C library older than glibc 2.36 cannot load" ON)
+       "Pack the plugin's relative relocations, which a C library older than glibc 2.36 cannot load" ${pack})
+
+# Adds to `list` those of the flags that `check` (check_cxx_compiler_flag, check_linker_flag) takes.
+function(vexlo_append_known check list)
+  foreach(flag ${ARGN})
+    string(MAKE_C_IDENTIFIER "VEXLO_TAKES${flag}" known)
+    cmake_language(CALL vexlo_${check} ${flag} ${known})
+    if(${known})
+      list(APPEND ${list} ${flag})
+    endif()
+  endforeach()
+  set(${list} ${${list}} PARENT_SCOPE)
+endfunction()
+macro(vexlo_compiler_flag flag known)
+  check_cxx_compiler_flag(${flag} ${known})
+endmacro()
+macro(vexlo_linker_flag flag known)
+  # A linker only warns of a -z keyword that it does not know.
+  set(CMAKE_REQUIRED_LINK_OPTIONS -Wl,--fatal-warnings)
+  check_linker_flag(CXX ${flag} ${known})
+endmacro()
 
 # No exception leaves or passes the plugin, and no object of it lives longer than a call: it needs
 # neither unwind tables nor the compiler's start files.
-set(code_flags
-  -Oz -ffunction-sections -fdata-sections -fno-exceptions -fno-asynchronous-unwind-tables -fno-plt)
-set(link_flags
-  -nostartfiles -Wl,--gc-sections -Wl,--as-needed -Wl,--hash-style=gnu -Wl,-O1 -Wl,-z,noseparate-code
-  -Wl,-z,now)
+set(code_flags)
+vexlo_append_known(compiler_flag code_flags -Oz)
+if(NOT code_flags)
+  set(code_flags -Os)
+endif()
+list(APPEND code_flags -fno-exceptions)
+vexlo_append_known(compiler_flag code_flags
+  -ffunction-sections -fdata-sections -fno-asynchronous-unwind-tables -fno-plt)
+set(link_flags -nostartfiles)
+vexlo_append_known(linker_flag link_flags
+  -Wl,--gc-sections -Wl,--as-needed -Wl,--hash-style=${hash_style} -Wl,-O1 -Wl,-z,noseparate-code -Wl,-z,now)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Seen as a whole, the tables of dialogs of one shape fall together. The objects are fat, so that
   # the readers also link into programs that are not made this way.
-  list(APPEND code_flags -flto -ffat-lto-objects -fno-inline-small-functions -fno-caller-saves)
+  vexlo_append_known(compiler_flag code_flags -fno-inline-small-functions -fno-caller-saves)
+  check_cxx_compiler_flag("-flto -ffat-lto-objects" VEXLO_COMPILER_MAKES_LTO)
+  check_linker_flag(CXX -flto VEXLO_LINKER_TAKES_LTO)
+  if(VEXLO_COMPILER_MAKES_LTO AND VEXLO_LINKER_TAKES_LTO)
+    list(APPEND code_flags -flto -ffat-lto-objects)
+  endif()
 endif()
 if(VEXLO_PACK_RELOCATIONS)
-  check_linker_flag(CXX -Wl,-z,pack-relative-relocs VEXLO_LINKER_PACKS_RELOCATIONS)
-  if(VEXLO_LINKER_PACKS_RELOCATIONS)
-    list(APPEND link_flags -Wl,-z,pack-relative-relocs)
-  endif()
+  vexlo_append_known(linker_flag link_flags -Wl,-z,pack-relative-relocs)
 endif()
 
 # For what goes into the plugin, and for the plugin itself.
@@ -32,3 +76,7 @@ if(NOT VEXLO_SANITIZE)
   target_compile_options(vexlo_small_code INTERFACE "$<$<CONFIG:Release>:${code_flags}>")
   target_link_options(vexlo_small INTERFACE "$<$<CONFIG:Release>:${code_flags};${link_flags}>")
 endif()
+# Where there is debug information it describes the host's classes in full, for tools/check-host to compare.
+set(type_flags)
+vexlo_append_known(compiler_flag type_flags -femit-class-debug-always -fstandalone-debug)
+target_compile_options(vexlo_small_code INTERFACE "$<$<CONFIG:Debug,RelWithDebInfo>:${type_flags}>")

@@ -36,5 +36,6 @@ dpkg-deb --field "$package" Depends | grep -q 'libsdl2' || fail "the package doe
 "$1" --build "$3" --target receiver-archive >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
 tar tzf "$(tail -n 1 "$place/log" | grep -o '/.*tar.gz' || ls "$3"/vexlomenu-*.tar.gz)" >"$place/contents"
 grep -qx vexlomenu.so.0 "$place/contents" || fail "the archive lacks the plugin"
-[ "$(wc -l <"$place/contents")" -eq 3 ] || fail "the archive has more than the plugin and its papers"
+[ "$(grep -c '^locale/[a-z]*/LC_MESSAGES/vexlomenu.mo$' "$place/contents")" -eq 9 ] || fail "the archive lacks catalogues"
+[ "$(grep -vc '/$' "$place/contents")" -eq 12 ] || fail "the archive has more than the plugin, its catalogues and papers"
 echo "installed, packaged, archived"
