@@ -36,7 +36,7 @@ public:
 	WatchedScreen(const Watcher &w, bool p) : watcher(w), paints(p) {}
 
 	desk::Canvas *canvas() override { return paints ? &pixels : nullptr; }
-	void present() override {}
+	void present(const desk::Rect &) override {}
 	std::optional<desk::Key> waitKey() override { return watcher(pressed++); }
 	void note(const std::string &) override {}
 

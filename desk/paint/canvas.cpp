@@ -13,4 +13,15 @@ Rect Rect::intersected(const Rect &other) const
 	        std::max(0, std::min(bottom(), other.bottom()) - top)};
 }
 
+Rect Rect::united(const Rect &other) const
+{
+	if (empty())
+		return other;
+	if (other.empty())
+		return *this;
+	const int left = std::min(x, other.x);
+	const int top = std::min(y, other.y);
+	return {left, top, std::max(right(), other.right()) - left, std::max(bottom(), other.bottom()) - top};
+}
+
 } // namespace desk

@@ -1,6 +1,7 @@
 #ifndef DESK_PAINT_CANVAS_H
 #define DESK_PAINT_CANVAS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -20,7 +21,13 @@ struct Rect
 	int bottom() const { return y + h; }
 	bool empty() const { return w <= 0 || h <= 0; }
 	Rect intersected(const Rect &other) const;
+	/// The smallest rectangle that holds both; an empty one counts for nothing.
+	Rect united(const Rect &other) const;
+
+	bool operator==(const Rect &o) const { return x == o.x && y == o.y && w == o.w && h == o.h; }
 };
+
+constexpr Rect wholeScreen = {0, 0, screenWidth, screenHeight};
 
 struct Color
 {
@@ -45,6 +52,11 @@ struct Fill
 	Color bottom;   ///< colour at the lower edge; the same as `top` for a plain area
 	int radius = 0; ///< of the corners, in pixels
 	Emphasis emphasis = Emphasis::none;
+
+	bool operator==(const Fill &o) const
+	{
+		return top == o.top && bottom == o.bottom && radius == o.radius && emphasis == o.emphasis;
+	}
 
 	static Fill plain(Color c, int radius = 0, Emphasis e = Emphasis::none) { return {c, c, radius, e}; }
 };
@@ -71,7 +83,19 @@ struct TextStyle
 	bool bold = false;
 	Align align = Align::start;
 	Emphasis emphasis = Emphasis::none;
+
+	bool operator==(const TextStyle &o) const
+	{
+		return color == o.color && face == o.face && rowHeight == o.rowHeight && bold == o.bold &&
+		       align == o.align && emphasis == o.emphasis;
+	}
 };
+
+/// Bytes of a line that are looked at when it is drawn into `width` pixels; the rest may as well be missing.
+constexpr size_t mostBytesWithin(int width)
+{
+	return width > 0 ? static_cast<size_t>(width) * 16 + 64 : 0;
+}
 
 /// How a window's frame is drawn.
 struct FrameStyle
@@ -81,7 +105,16 @@ struct FrameStyle
 	Color titleText;
 	Color client;   ///< the window's own background
 	int radius = 0; ///< of the corners, in pixels
+
+	bool operator==(const FrameStyle &o) const
+	{
+		return border == o.border && titleTop == o.titleTop && titleBottom == o.titleBottom &&
+		       titleText == o.titleText && client == o.client && radius == o.radius;
+	}
 };
+
+/// Pixels beyond a window's edges that its shadow may take.
+constexpr int shadowReach = 16;
 
 enum class ColourKey
 {
@@ -96,6 +129,9 @@ class Canvas
 {
 public:
 	virtual ~Canvas() = default;
+
+	/// Whether a part of the screen can be painted anew, within a clip, while the rest stays as it is.
+	virtual bool paintsInParts() const { return true; }
 
 	/// Nothing is drawn outside of the innermost clip; clips nest, each cut by the one around it.
 	virtual void pushClip(const Rect &area) = 0;

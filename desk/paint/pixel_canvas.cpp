@@ -60,6 +60,12 @@ Color mixed(Color a, Color b, double part)
 	return {mix(a.r, b.r), mix(a.g, b.g), mix(a.b, b.b)};
 }
 
+/// What of a window is all of one colour: its client area, but for the rows of the rounded corners.
+Rect flatPart(const Rect &outer, const Rect &client, int radius)
+{
+	return client.intersected({outer.x, outer.y + radius, outer.w, outer.h - 2 * radius});
+}
+
 cairo_status_t writeTo(void *file, const unsigned char *data, unsigned int length)
 {
 	return fwrite(data, 1, length, static_cast<FILE *>(file)) == length ? CAIRO_STATUS_SUCCESS
@@ -73,6 +79,15 @@ struct PixelCanvas::State
 	cairo_surface_t *surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, screenWidth, screenHeight);
 	cairo_t *cairo = cairo_create(surface);
 	size_t clips = 0;
+
+	/// What can be seen of what is drawn now.
+	Rect clip() const
+	{
+		double left = 0, top = 0, right = 0, bottom = 0;
+		cairo_clip_extents(cairo, &left, &top, &right, &bottom);
+		return {static_cast<int>(left), static_cast<int>(top), static_cast<int>(right - left),
+		        static_cast<int>(bottom - top)};
+	}
 
 	State() = default;
 	State(const State &) = delete;
@@ -125,8 +140,15 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 		return;
 	cairo_t *to = s->cairo;
 
+	if (const Rect seen = s->clip(); seen.intersected(flatPart(outer, client, style.radius)) == seen) {
+		setSource(to, style.client);
+		cairo_paint(to);
+		return;
+	}
+
 	// The shadow: many thin layers make it soft.
 	constexpr int reach = 10;
+	static_assert(reach + 5 <= shadowReach);
 	for (int i = reach; i > 0; --i) {
 		const Rect layer = {outer.x - i + 1, outer.y - i + 5, outer.w + 2 * i - 2, outer.h + 2 * i - 2};
 		roundedPath(to, layer, style.radius + i);
@@ -176,7 +198,7 @@ void PixelCanvas::text(const Rect &area, std::string_view line, const TextStyle 
 	cairo_rectangle(s->cairo, area.x, area.y, area.w, area.h);
 	cairo_clip(s->cairo);
 	// Made visible, a text has no fewer bytes; a letter cut in two here lies beyond what is drawn.
-	drawLine(s->cairo, area, visibleText(line.substr(0, mostBytesWithin(area.w) + 64)), style);
+	drawLine(s->cairo, area, visibleText(line.substr(0, mostBytesWithin(area.w))), style);
 	cairo_restore(s->cairo);
 }
 

@@ -16,12 +16,6 @@ namespace desk
 /// `line` is what visibleText() gives: valid UTF-8 without controls. `rowHeight` is brought into the
 /// range 1 to 200.
 
-/// Bytes of a line that are looked at when it is drawn into `width` pixels; the rest may as well be missing.
-constexpr size_t mostBytesWithin(int width)
-{
-	return width > 0 ? static_cast<size_t>(width) * 16 : 0;
-}
-
 /// Pixels that the line is wide.
 int lineWidth(std::string_view line, Face face, int rowHeight, bool bold);
 

@@ -9,7 +9,7 @@ class NoScreen : public Screen
 {
 public:
 	Canvas *canvas() override { return nullptr; }
-	void present() override {}
+	void present(const Rect &) override {}
 	std::optional<Key> waitKey() override { return std::nullopt; }
 };
 

@@ -20,9 +20,10 @@ public:
 	/// What to paint the next frame on, or null when this screen shows nothing.
 	virtual Canvas *canvas() = 0;
 
-	/// Shows what the canvas holds. The screen keeps that frame and repairs it by itself (exposure,
-	/// resizing) while it waits for a key.
-	virtual void present() = 0;
+	/// Shows what the canvas holds, which differs from the frame before only within `changed` (not empty,
+	/// within the screen). The screen keeps that frame and repairs it by itself (exposure, resizing)
+	/// while it waits for a key.
+	virtual void present(const Rect &changed) = 0;
 
 	/// Sleeps until a key of the remote control is pressed. Nothing: there are no more keys, the
 	/// viewer has closed the screen; or wake() was called.

@@ -60,6 +60,7 @@ public:
 
 	CellCanvas();
 
+	bool paintsInParts() const override { return false; } // texts make room for each other
 	void pushClip(const Rect &area) override;
 	void popClip() override;
 	void fill(const Rect &area, const Fill &fill) override;

@@ -215,7 +215,7 @@ public:
 	~TerminalScreen() override;
 
 	Canvas *canvas() override { return &cells; }
-	void present() override;
+	void present(const Rect &changed) override;
 	std::optional<Key> waitKey() override;
 	void note(const std::string &line) override;
 	void wake() override { hold.wake(); }
@@ -334,7 +334,7 @@ void TerminalScreen::fitSize()
 	hold.setLeave(leavingFrom(LINES - 1));
 }
 
-void TerminalScreen::present()
+void TerminalScreen::present(const Rect &)
 {
 	frame = cells.cells();
 	draw();

@@ -101,6 +101,12 @@ Desk &Desk::get()
 	return desk;
 }
 
+void Desk::setScreen(std::unique_ptr<Screen> screen)
+{
+	activeScreen = std::move(screen);
+	frame = {};
+}
+
 Screen &Desk::screen()
 {
 	if (!activeScreen)
@@ -227,8 +233,15 @@ void Desk::settle()
 {
 	const Trace::Quiet drawing; // also of what the plugin's own classes call while they are drawn
 	if (Canvas *canvas = screen().canvas()) {
-		paint(*canvas);
-		screen().present();
+		DisplayList next;
+		paint(next);
+		const Rect changes = next.changesFrom(frame);
+		const Rect area = canvas->paintsInParts() || changes.empty() ? changes : wholeScreen;
+		frame = std::move(next);
+		if (!area.empty()) {
+			frame.draw(*canvas, area);
+			screen().present(changes);
+		}
 	}
 	if (due && activeRecorder && activeRecorder->on())
 		activeRecorder->moment(

@@ -1,7 +1,7 @@
 #ifndef DESK_TOOLKIT_DESK_H
 #define DESK_TOOLKIT_DESK_H
 
-#include "canvas.h"
+#include "display_list.h"
 #include "ewidget.h"
 #include "key.h"
 #include "recorder.h"
@@ -27,7 +27,7 @@ public:
 
 	// What a run is made of; set before the plugin is loaded.
 	void setSkin(Skin skin) { activeSkin = std::move(skin); }
-	void setScreen(std::unique_ptr<Screen> screen) { activeScreen = std::move(screen); }
+	void setScreen(std::unique_ptr<Screen> screen);
 	void setRecorder(Recorder *recorder) { activeRecorder = recorder; }
 
 	const Skin &skin() const { return activeSkin; }
@@ -74,6 +74,8 @@ private:
 	Recorder *activeRecorder = nullptr;
 	std::optional<int> forcedAnswer;
 	int leftResult = -1;
+
+	DisplayList frame; ///< what the screen shows
 
 	std::vector<eWidget *> visible; ///< top-level windows, from bottom to top
 	std::vector<eWidget *> running; ///< windows in exec(), the innermost last

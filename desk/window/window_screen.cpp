@@ -85,7 +85,7 @@ public:
 
 	Canvas *canvas() override { return &painted; }
 
-	void present() override
+	void present(const Rect &) override
 	{
 		// A copy: what is painted later is not to be seen before it is presented.
 		const unsigned char *from = painted.pixels();

@@ -13,7 +13,7 @@ TEST(NoScreen, ShowsNothingAndHasNoKeys)
 {
 	const auto screen = makeNoScreen();
 	EXPECT_EQ(screen->canvas(), nullptr);
-	screen->present();
+	screen->present(desk::wholeScreen);
 	EXPECT_EQ(screen->waitKey(), std::nullopt);
 	EXPECT_EQ(screen->waitKey(), std::nullopt);
 	EXPECT_FALSE(screen->ownsTerminal());

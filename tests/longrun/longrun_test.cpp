@@ -129,7 +129,7 @@ public:
 	}
 
 	desk::Canvas *canvas() override { return nullptr; }
-	void present() override {}
+	void present(const desk::Rect &) override {}
 	void note(const std::string &) override {}
 
 	std::optional<Key> waitKey() override

@@ -126,7 +126,7 @@ void misbehave(Key key, desk::Screen &screen, State &state)
 	case Key::digit9:
 		state.last = "busy";
 		paint(*screen.canvas(), state);
-		screen.present();
+		screen.present(desk::wholeScreen);
 		for (volatile unsigned i = 0;;)
 			i = i + 1;
 	case Key::digit0:
@@ -152,7 +152,7 @@ int main()
 	std::string keys;
 	for (;;) {
 		paint(*screen->canvas(), state);
-		screen->present();
+		screen->present(desk::wholeScreen);
 		const std::optional<Key> key = screen->waitKey();
 		if (!key) {
 			keys += " closed";

@@ -18,14 +18,14 @@ int main()
 		screen->canvas()->fill({0, 0, 100, 100}, desk::Fill::plain({255, 0, 0}));
 	};
 	paint({0, 255, 0});
-	screen->present();
+	screen->present(desk::wholeScreen);
 	std::puts("ready");
 	std::fflush(stdout);
 	while (const auto key = screen->waitKey()) {
 		if (key == desk::Key::red)
 			paint({0, 0, 255});
 		if (key == desk::Key::green)
-			screen->present();
+			screen->present(desk::wholeScreen);
 		std::puts(desk::keyName(*key));
 		std::fflush(stdout);
 	}

@@ -1,0 +1,86 @@
+#ifndef DESK_PAINT_DISPLAY_LIST_H
+#define DESK_PAINT_DISPLAY_LIST_H
+
+#include "canvas.h"
+
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace desk
+{
+
+/// What is drawn, as a list: it can be compared with what was drawn before, and drawn in part.
+class DisplayList : public Canvas
+{
+public:
+	void pushClip(const Rect &area) override;
+	void popClip() override;
+	void fill(const Rect &area, const Fill &fill) override;
+	void frame(const Rect &outer, const Rect &client, std::string_view title,
+	           const FrameStyle &style) override;
+	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
+	void keySymbol(const Rect &area, ColourKey key, Color color) override;
+
+	/// Where the screen may look different with `before` on it; empty when the two are alike.
+	Rect changesFrom(const DisplayList &before) const;
+
+	/// Draws what of it lies within `area`.
+	void draw(Canvas &to, const Rect &area) const;
+
+private:
+	struct FillItem
+	{
+		Rect area;
+		Fill fill;
+
+		bool operator==(const FillItem &o) const { return area == o.area && fill == o.fill; }
+	};
+	struct FrameItem
+	{
+		Rect outer, client;
+		std::string title;
+		FrameStyle style;
+
+		bool operator==(const FrameItem &o) const
+		{
+			return outer == o.outer && client == o.client && title == o.title && style == o.style;
+		}
+	};
+	struct TextItem
+	{
+		Rect area;
+		std::string line;
+		TextStyle style;
+
+		bool operator==(const TextItem &o) const
+		{
+			return area == o.area && line == o.line && style == o.style;
+		}
+	};
+	struct KeyItem
+	{
+		Rect area;
+		ColourKey key;
+		Color color;
+
+		bool operator==(const KeyItem &o) const { return area == o.area && key == o.key && color == o.color; }
+	};
+	struct Item
+	{
+		Rect clip;
+		Rect reach; ///< the pixels it may touch
+		std::variant<FillItem, FrameItem, TextItem, KeyItem> what;
+
+		bool operator==(const Item &o) const { return clip == o.clip && what == o.what; }
+	};
+
+	template <class What> void add(const Rect &reach, What what);
+
+	std::vector<Rect> clips = {wholeScreen};
+	std::vector<Item> items;
+};
+
+} // namespace desk
+
+#endif

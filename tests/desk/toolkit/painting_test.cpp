@@ -1,0 +1,121 @@
+// Only what has changed is painted, and the screen is the same as if all of it had been.
+
+#include "desk.h"
+#include "files.h"
+#include "pixel_canvas.h"
+#include "plugin.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+using desk::Desk;
+using desk::Key;
+using desk::PixelCanvas;
+using desk::Rect;
+
+namespace
+{
+
+/// The first place where two canvases differ, nothing when they do not.
+std::string difference(PixelCanvas &one, PixelCanvas &other)
+{
+	for (int y = 0; y < desk::screenHeight; ++y)
+		for (int x = 0; x < desk::screenWidth; ++x)
+			for (int channel = 0; channel < 3; ++channel)
+				if (one.pixels()[y * one.stride() + 4 * x + channel] !=
+				    other.pixels()[y * other.stride() + 4 * x + channel])
+					return "at " + std::to_string(x) + ", " + std::to_string(y);
+	return "";
+}
+
+/// Presses keys, and looks at the frame before each.
+class WatchingScreen : public desk::Screen
+{
+public:
+	WatchingScreen(std::vector<Key> script, std::vector<Rect> &seen) : keys(std::move(script)), changes(seen)
+	{}
+
+	desk::Canvas *canvas() override { return &painted; }
+
+	void present(const Rect &changed) override
+	{
+		EXPECT_FALSE(changed.empty());
+		EXPECT_EQ(changed, changed.intersected(desk::wholeScreen));
+		changes.back() = changed;
+	}
+
+	std::optional<Key> waitKey() override
+	{
+		PixelCanvas whole;
+		Desk::get().paint(whole);
+		const std::string where = difference(painted, whole);
+		EXPECT_EQ(where, "") << "before key " << pressed;
+		if (pressed == keys.size())
+			return std::nullopt;
+		changes.push_back({});
+		return keys[pressed++];
+	}
+
+	void note(const std::string &) override {}
+
+private:
+	const std::vector<Key> keys;
+	std::vector<Rect> &changes;
+	PixelCanvas painted;
+	size_t pressed = 0;
+};
+
+/// What was painted before the first key and after each.
+std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
+{
+	support::Receiver receiver;
+	receiver.ps(support::repeat("  123 root telnetd\n", 40));
+	receiver.df(support::repeat("/dev/root 7.8M 3.1M 4.7M 40% /\n", 5));
+	receiver.meminfo(support::repeat("MemTotal: 61888 kB\n", 12));
+	receiver.scanLog(support::repeat("transponder\n", 40));
+	std::string error;
+	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
+	auto skin = desk::Skin::load(support::sourcePath("desk/skins/default.toml"), error);
+	auto script = desk::parseKeyScript(keys, error);
+	EXPECT_TRUE(skin && script) << error;
+	std::vector<Rect> changes(1);
+	Desk::get().setSkin(std::move(*skin));
+	Desk::get().setScreen(std::make_unique<WatchingScreen>(*script, changes));
+	const auto loaded = desk::Plugin::load(plugin, error);
+	EXPECT_TRUE(loaded) << error;
+	if (loaded) {
+		Desk::get().beginPlay();
+		loaded->exec();
+		Desk::get().endPlay();
+	}
+	Desk::get().setScreen(nullptr);
+	return changes;
+}
+
+TEST(Painting, should_leave_the_same_screen_as_painting_all_of_it)
+{
+	changesOf(support::pluginPath(),
+	          "down up up ok right ok exit 3 down down pagedown end up red right left exit "
+	          "down right left exit 1 down ok right exit exit 2 left exit exit");
+	changesOf(TEST_PLUGINS "/widgets.so.0", "down down ok home up pageup yellow exit right left ok ok exit");
+	changesOf(TEST_PLUGINS "/lifetimes.so.0", "ok red down yellow exit");
+}
+
+TEST(Painting, should_be_of_two_rows_for_one_step_in_a_list)
+{
+	const std::vector<Rect> changes = changesOf(support::pluginPath(), "3 down down left left exit exit");
+	EXPECT_EQ(changes[0], desk::wholeScreen);
+	EXPECT_EQ(changes[2].h, 40);
+	EXPECT_EQ(changes[3].h, 40);
+	EXPECT_EQ(changes[3].y, changes[2].y + 20);
+	EXPECT_LE(changes[3].w, 600);
+}
+
+TEST(Painting, should_not_be_when_nothing_has_changed)
+{
+	const std::vector<Rect> changes = changesOf(support::pluginPath(), "9 0 right red exit");
+	for (size_t key = 1; key <= 4; ++key)
+		EXPECT_TRUE(changes[key].empty()) << "key " << key;
+}
+
+} // namespace
