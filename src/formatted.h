@@ -1,7 +1,7 @@
 #ifndef VEXLO_FORMATTED_H
 #define VEXLO_FORMATTED_H
 
-#include "estring.h"
+#include "host_names.h"
 
 /// Formats into `text`, printf-style, and returns it. The host's formatting takes its format as
 /// writable characters and only reads them; the cast that this needs stands here, once.

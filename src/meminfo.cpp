@@ -5,14 +5,14 @@
 
 eMemInfoDialog::eMemInfoDialog() : eWindow(1)
 {
-	frame(*this, "Memory info", ePoint(225, 113), eSize(270, 350));
+	screen::frame(*this, "Memory info", ePoint(225, 113), eSize(270, 350));
 
 	const MemInfoColumns columns = readMemInfo();
-	const int clientHeight = getClientRect().height();
+	const int clientHeight = VEXLO_CLIENT_HEIGHT(*this);
 
 	// As high as the whole client area although they start below its top: laid out so.
-	addLabel(*this, columns.names.c_str(), ePoint(5, 5), eSize(150, clientHeight));
-	addLabel(*this, columns.values.c_str(), ePoint(160, 5), eSize(100, clientHeight));
+	screen::addLabel(*this, columns.names.c_str(), ePoint(5, 5), eSize(150, clientHeight));
+	screen::addLabel(*this, columns.values.c_str(), ePoint(160, 5), eSize(100, clientHeight));
 }
 
 eMemInfoDialog::~eMemInfoDialog() = default;

@@ -1,7 +1,7 @@
 #ifndef VEXLO_MEMINFO_H
 #define VEXLO_MEMINFO_H
 
-#include "toolkit.h"
+#include "host_names.h"
 
 /// The kernel's memory summary in two columns, as it is when the screen opens.
 class eMemInfoDialog : public eWindow

@@ -7,18 +7,19 @@
 
 ePsDialog::ePsDialog() : eWindow(1)
 {
-	const int fontSize = rowHeight();
+	const int fontSize = screen::rowHeight();
 
-	frame(*this, "Info", ePoint(110, 63), eSize(500, 450));
+	screen::frame(*this, "Info", ePoint(110, 63), eSize(500, 450));
+	const int clientHeight = VEXLO_CLIENT_HEIGHT(*this);
 
-	processList = addList(*this, ePoint(5, fontSize + 10), eSize(490, getClientRect().height() - 40));
+	processList = screen::addList(*this, ePoint(5, fontSize + 10), eSize(490, clientHeight - 40));
 
 	const PsSnapshot snapshot = takePsSnapshot();
 	for (const PsEntry &row : snapshot.rows)
-		new eListBoxEntryText(processList, row.text.c_str(), new eString(row.pid));
+		new eListBoxEntryText(processList, row.text.c_str(), new eString(row.pid.c_str()));
 
 	// Reaches 5 pixels past the client area: laid out so.
-	addLabel(*this, snapshot.header.c_str(), ePoint(5, 5), eSize(500, fontSize));
+	screen::addLabel(*this, snapshot.header.c_str(), ePoint(5, 5), eSize(500, fontSize));
 
 	processList->selected.connect(SigC::slot(*this, &ePsDialog::selectedItem));
 	setFocus(processList);
@@ -34,7 +35,7 @@ void ePsDialog::selectedItem(eListBoxEntryText *entry)
 		return;
 	}
 
-	const eString &pid = *static_cast<const eString *>(entry->getKey());
+	const eString &pid = *static_cast<const eString *>(VEXLO_ENTRY_KEY(*entry));
 	eString question = "none"; // what is left if a host cannot format the translation
 	format(question, translate("Kill %s pid?"), pid.c_str());
 
@@ -45,7 +46,7 @@ void ePsDialog::selectedItem(eListBoxEntryText *entry)
 
 	// Only a refusal, or a box that was closed, spares the process: hosts differ in what they
 	// return for consent.
-	if (answer != -1 && answer != eMessageBox::no) {
+	if (answer != -1 && answer != VEXLO_ANSWER_NO) {
 		killPid(pid);
 		accept();
 	}

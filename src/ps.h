@@ -1,7 +1,7 @@
 #ifndef VEXLO_PS_H
 #define VEXLO_PS_H
 
-#include "toolkit.h"
+#include "host_names.h"
 
 /// The running processes, as they are when the screen opens; choosing one offers to kill it.
 class ePsDialog : public eWindow

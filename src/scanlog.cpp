@@ -6,30 +6,29 @@
 #include "widgets.h"
 
 #include <cstdio>
-#include <utility>
 
 const char *ff_scan = "/var/scaning.log";
 
 eScanLogDialog::eScanLogDialog() : eWindow(1)
 {
-	const int fontSize = rowHeight();
+	const int fontSize = screen::rowHeight();
 
-	frame(*this, "Info", ePoint(60, 63), eSize(600, 470));
-	const int clientHeight = getClientRect().height();
+	screen::frame(*this, "Info", ePoint(60, 63), eSize(600, 470));
+	const int clientHeight = VEXLO_CLIENT_HEIGHT(*this);
 
-	deleteButton = addButton(*this, "red", translate("delete log"));
+	deleteButton = screen::addButton(*this, clientHeight, "red", translate("delete log"));
 
-	logList = addList(*this, ePoint(5, 5), eSize(590, clientHeight - 60));
+	logList = screen::addList(*this, ePoint(5, 5), eSize(590, clientHeight - 60));
 
+	// A log can be large: what the list has taken over does not stay here as well.
 	ScanLogContents log = readScanLog(ff_scan);
-	for (ScanLogEntry &entry : log.entries) {
-		// A log can be large: what the list has taken over does not stay here as well.
-		const std::string text = std::move(entry.text);
-		new eListBoxEntryText(logList, text.c_str(), new eString(std::move(entry.line)));
+	for (; !log.entries.empty(); log.entries.pop_front()) {
+		const ScanLogEntry &entry = log.entries.front();
+		new eListBoxEntryText(logList, entry.text.c_str(), new eString(entry.line.c_str()));
 	}
 
 	// As wide as the client area although it starts in its middle: laid out so.
-	addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));
+	screen::addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));
 
 	deleteButton->selected.connect(SigC::slot(*this, &eScanLogDialog::dellog));
 	setFocus(logList);
@@ -44,7 +43,7 @@ void eScanLogDialog::dellog()
 
 	eMessageBox box(question, translate("Warning"), 76, 4, 0);
 	box.show();
-	if (box.exec() == eMessageBox::yes) {
+	if (box.exec() == VEXLO_ANSWER_YES) {
 		::remove(formatted("%s", ff_scan).c_str());
 		accept();
 	}

@@ -1,7 +1,7 @@
 #ifndef VEXLO_SCANLOG_H
 #define VEXLO_SCANLOG_H
 
-#include "toolkit.h"
+#include "host_names.h"
 
 /// Where the receiver's channel scan leaves its log. The spelling is the receiver's.
 extern __attribute__((visibility("default"))) const char *ff_scan;

@@ -7,29 +7,31 @@
 
 eSysInfDialog::eSysInfDialog() : eWindow(1)
 {
-	const int fontSize = rowHeight();
+	const int fontSize = screen::rowHeight();
 
-	frame(*this, "Info", ePoint(60, 70), eSize(600, 450));
+	screen::frame(*this, "Info", ePoint(60, 70), eSize(600, 450));
 
-	okButton = addButton(*this, "green", translate("OK"));
+	okButton = screen::addButton(*this, VEXLO_CLIENT_HEIGHT(*this), "green", translate("OK"));
 	okButton->selected.connect(SigC::slot(*this, &eWidget::accept));
 
 	// The columns overlap a little, and the last of each table reaches past the client area: laid out so.
 	const MtdColumns partitions = readMtdColumns();
 	const int partitionsTop = fontSize + 5;
 	const int partitionsHeight = fontSize * partitions.rows; // heading included
-	addLabel(*this, "MTD blocks:", ePoint(5, 5), eSize(100, fontSize));
-	addLabel(*this, partitions.dev.c_str(), ePoint(5, partitionsTop), eSize(70, partitionsHeight));
-	addLabel(*this, partitions.size.c_str(), ePoint(70, partitionsTop), eSize(100, partitionsHeight));
-	addLabel(*this, partitions.erasesize.c_str(), ePoint(190, partitionsTop), eSize(100, partitionsHeight));
-	addLabel(*this, partitions.name.c_str(), ePoint(300, partitionsTop), eSize(350, partitionsHeight));
+	screen::addLabel(*this, "MTD blocks:", ePoint(5, 5), eSize(100, fontSize));
+	screen::addLabel(*this, partitions.dev.c_str(), ePoint(5, partitionsTop), eSize(70, partitionsHeight));
+	screen::addLabel(*this, partitions.size.c_str(), ePoint(70, partitionsTop), eSize(100, partitionsHeight));
+	screen::addLabel(*this, partitions.erasesize.c_str(), ePoint(190, partitionsTop),
+	                 eSize(100, partitionsHeight));
+	screen::addLabel(*this, partitions.name.c_str(), ePoint(300, partitionsTop),
+	                 eSize(350, partitionsHeight));
 
 	const MountColumns mounts = readMountColumns();
 	const int mountsTop = partitionsHeight + fontSize + 25;
 	const int mountsHeight = fontSize * mounts.rows; // heading and a spare row included
-	addLabel(*this, "Mounts:\n\n", ePoint(5, partitionsHeight + 20), eSize(240, mountsHeight));
-	addLabel(*this, mounts.filesystem.c_str(), ePoint(5, mountsTop), eSize(270, mountsHeight));
-	addLabel(*this, mounts.usage.c_str(), ePoint(280, mountsTop), eSize(500, mountsHeight));
+	screen::addLabel(*this, "Mounts:\n\n", ePoint(5, partitionsHeight + 20), eSize(240, mountsHeight));
+	screen::addLabel(*this, mounts.filesystem.c_str(), ePoint(5, mountsTop), eSize(270, mountsHeight));
+	screen::addLabel(*this, mounts.usage.c_str(), ePoint(280, mountsTop), eSize(500, mountsHeight));
 }
 
 eSysInfDialog::~eSysInfDialog() = default;

@@ -1,7 +1,7 @@
 #ifndef VEXLO_SYSINF_H
 #define VEXLO_SYSINF_H
 
-#include "toolkit.h"
+#include "host_names.h"
 
 /// Flash partitions above mounted file systems, as they are when the screen opens.
 class eSysInfDialog : public eWindow

@@ -24,8 +24,8 @@ eVexloMenu::~eVexloMenu() = default;
 void eVexloMenu::addEntry(const Line &line)
 {
 	// Belongs to the list, and has connected itself to it.
-	eListBoxEntryMenu *entry =
-		new eListBoxEntryMenu(&list, line.label, formatted("(%d) %s", line.number, line.help));
+	eListBoxEntryMenu *entry = new eListBoxEntryMenu(&VEXLO_MENU_LIST(*this), line.label,
+	                                                 formatted("(%d) %s", line.number, line.help));
 	entry->selected.connect(SigC::slot(*this, line.action));
 }
 

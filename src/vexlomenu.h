@@ -1,7 +1,7 @@
 #ifndef VEXLO_VEXLOMENU_H
 #define VEXLO_VEXLOMENU_H
 
-#include "toolkit.h"
+#include "host_names.h"
 
 /// The "Vexlo service menu": four entries, each of which opens one screen about the receiver.
 class eVexloMenu : public eSetupWindow

@@ -1,5 +1,8 @@
 #include "widgets.h"
 
+namespace screen
+{
+
 int rowHeight()
 {
 	return eSkin::getActive()->queryValue("fontsize", 20);
@@ -20,10 +23,10 @@ void addLabel(eWindow &window, const char *text, ePoint position, eSize size)
 	label->resize(size);
 }
 
-eButton *addButton(eWindow &window, const char *colour, const char *text)
+eButton *addButton(eWindow &window, int clientHeight, const char *colour, const char *text)
 {
 	eButton *button = new eButton(&window, nullptr, 1, "eButton");
-	button->move(ePoint(10, window.getClientRect().height() - 50));
+	button->move(ePoint(10, clientHeight - 50));
 	button->resize(eSize(160, 40));
 	const eString key = colour;
 	button->setShortcut(key);
@@ -35,9 +38,12 @@ eButton *addButton(eWindow &window, const char *colour, const char *text)
 
 eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size)
 {
-	eListBox<eListBoxEntryText> *list = new eListBox<eListBoxEntryText>(&window);
+	eListBox<eListBoxEntryText> *list =
+		new eListBox<eListBoxEntryText>(&window, nullptr, 1, eListBoxEntryText::getEntryHeight(), "eListBox");
 	list->setFlags(4);
 	list->move(position);
 	list->resize(size);
 	return list;
 }
+
+} // namespace screen

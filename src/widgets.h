@@ -1,9 +1,12 @@
 #ifndef VEXLO_WIDGETS_H
 #define VEXLO_WIDGETS_H
 
-#include "toolkit.h"
+#include "host_names.h"
 
-// What every screen is made of, so that each says only what is its own.
+/// What every screen is made of, so that each says only what is its own. A namespace, because the
+/// members of a host's window would hide functions of their names.
+namespace screen
+{
 
 /// Height in pixels of one text row in the active skin.
 int rowHeight();
@@ -14,10 +17,13 @@ void frame(eWindow &window, const char *title, ePoint position, eSize size);
 /// A plain label in the client area of `window`, which owns it.
 void addLabel(eWindow &window, const char *text, ePoint position, eSize size);
 
-/// A button at the lower left of `window`, which owns it; `colour` is the key that presses it.
-eButton *addButton(eWindow &window, const char *colour, const char *text);
+/// A button at the lower left of `window`, which owns it and whose client area is `clientHeight` high;
+/// `colour` is the key that presses it.
+eButton *addButton(eWindow &window, int clientHeight, const char *colour, const char *text);
 
 /// A list of text lines in the client area of `window`, which owns it.
 eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size);
+
+} // namespace screen
 
 #endif

@@ -1,6 +1,6 @@
 #include "meminfo_columns.h"
 
-#include "column_text.h"
+#include "append.h"
 
 namespace
 {

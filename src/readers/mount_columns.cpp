@@ -1,8 +1,7 @@
 #include "mount_columns.h"
 
-#include "column_text.h"
-
-#include <cstdlib>
+#include "append.h"
+#include "shell.h"
 
 namespace
 {
@@ -37,7 +36,8 @@ MountColumns parseMountColumns(FILE *stream)
 {
 	MountColumns columns = headings();
 	char line[lineSize];
-	[[maybe_unused]] const char *const heading = fgets(line, lineLimit, stream);
+	const char *const heading = fgets(line, lineLimit, stream);
+	static_cast<void>(heading);
 
 	while (fgets(line, lineLimit, stream)) {
 		// Each as large as a line, so that no word can be too long for its buffer.
@@ -52,7 +52,7 @@ MountColumns parseMountColumns(FILE *stream)
 
 MountColumns readMountColumns()
 {
-	[[maybe_unused]] const int status = system("df -h >/var/tmp/df.tmp");
+	runInShell("df -h >/var/tmp/df.tmp");
 	FILE *const stream = fopen("/var/tmp/df.tmp", "r");
 	MountColumns columns = stream ? parseMountColumns(stream) : headings();
 	if (stream)

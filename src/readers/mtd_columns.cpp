@@ -1,6 +1,6 @@
 #include "mtd_columns.h"
 
-#include "column_text.h"
+#include "append.h"
 
 namespace
 {
@@ -25,7 +25,8 @@ MtdColumns parseMtdColumns(FILE *stream)
 {
 	MtdColumns columns = headings();
 	char line[lineSize];
-	[[maybe_unused]] const char *const heading = fgets(line, lineLimit, stream);
+	const char *const heading = fgets(line, lineLimit, stream);
+	static_cast<void>(heading);
 
 	while (fgets(line, lineLimit, stream)) {
 		int number = 0;

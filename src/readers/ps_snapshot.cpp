@@ -1,10 +1,9 @@
 #include "ps_snapshot.h"
 
-#include "column_text.h"
-#include "edebug.h"
+#include "append.h"
+#include "debug_line.h"
+#include "shell.h"
 #include "translation.h"
-
-#include <cstdlib>
 
 namespace
 {
@@ -29,7 +28,8 @@ PsSnapshot parsePsSnapshot(FILE *stream)
 			first = false;
 			continue;
 		}
-		PsEntry &row = snapshot.rows.emplace_back();
+		snapshot.rows.emplace_back();
+		PsEntry &row = snapshot.rows.back();
 		row.text = translate(line);
 		appendNumber(row.pid, pid);
 	}
@@ -38,7 +38,7 @@ PsSnapshot parsePsSnapshot(FILE *stream)
 
 PsSnapshot takePsSnapshot()
 {
-	[[maybe_unused]] const int status = system("ps >/var/tmp/ps.tmp");
+	runInShell("ps >/var/tmp/ps.tmp");
 	eDebug("[write ps info]");
 	FILE *const stream = fopen("/var/tmp/ps.tmp", "r");
 	PsSnapshot snapshot = stream ? parsePsSnapshot(stream) : PsSnapshot();
@@ -52,5 +52,5 @@ void killPid(const std::string &pid)
 	eDebug("-----kill pid  - %s-----", pid.c_str());
 	std::string command;
 	appendFormatted(command, "kill -9 %s", pid.c_str());
-	[[maybe_unused]] const int status = system(command.c_str());
+	runInShell(command.c_str());
 }

@@ -1,11 +1,10 @@
 #include "scanlog_contents.h"
 
-#include "column_text.h"
-#include "edebug.h"
+#include "append.h"
+#include "debug_line.h"
 
 #include <cstddef>
 #include <cstring>
-#include <string_view>
 
 namespace
 {
@@ -19,13 +18,16 @@ constexpr std::size_t pieceLength = 46;
 constexpr std::size_t firstPiece = 1;
 constexpr std::size_t secondPiece = 46;
 
-void addEntry(ScanLogContents &contents, int number, std::string_view text, std::string_view line)
+/// Shows `length` characters from `text` on, of the line that is `lineLength` long.
+void addEntry(ScanLogContents &contents, int number, const char *text, std::size_t length, const char *line,
+              std::size_t lineLength)
 {
-	ScanLogEntry &entry = contents.entries.emplace_back();
+	contents.entries.emplace_back();
+	ScanLogEntry &entry = contents.entries.back();
 	appendNumber(entry.text, number);
 	entry.text.append(" ", 1);
-	entry.text += text;
-	entry.line = line;
+	entry.text.append(text, length);
+	entry.line.assign(line, lineLength);
 }
 
 ScanLogContents notFound(const char *path)
@@ -53,13 +55,15 @@ ScanLogContents parseScanLog(FILE *stream, const char *path)
 	char line[lineSize] = "";
 
 	for (int number = 0; fgets(line, lineLimit, stream); ++number) {
-		const std::string_view whole = line;
+		const std::size_t length = strlen(line);
 		if (!strstr(line, "start at")) {
-			addEntry(contents, number, whole, whole);
+			addEntry(contents, number, line, length, line, length);
 			continue;
 		}
-		for (const std::size_t start : {firstPiece, secondPiece})
-			addEntry(contents, number, {line + start, strnlen(line + start, pieceLength)}, whole);
+		for (const std::size_t start : {firstPiece, secondPiece}) {
+			const char *const piece = line + start;
+			addEntry(contents, number, piece, strnlen(piece, pieceLength), line, length);
+		}
 	}
 	appendFormatted(contents.summary, "size of %s : %ld bytes", path, filesize(stream));
 	return contents;

@@ -2,8 +2,8 @@
 #define VEXLO_SCANLOG_CONTENTS_H
 
 #include <cstdio>
+#include <deque>
 #include <string>
-#include <vector>
 
 /// One row of the scan log's list.
 struct ScanLogEntry
@@ -15,9 +15,11 @@ struct ScanLogEntry
 /// What the scan log held at one moment.
 struct ScanLogContents
 {
-	std::vector<ScanLogEntry> entries; ///< in the order of the file; two for a line that says "start at"
-	std::string summary;               ///< the file's size in bytes, or that it was not found
-	bool found;                        ///< whether the file opened
+	/// In the order of the file; two for a line that says "start at". A log can be large: a deque neither
+	/// copies while it grows nor keeps what has been taken from its front.
+	std::deque<ScanLogEntry> entries;
+	std::string summary; ///< the file's size in bytes, or that it was not found
+	bool found;          ///< whether the file opened
 };
 
 /// Size in bytes of the file behind `stream`, whose position stays; -1 where it has none.

@@ -169,7 +169,7 @@ public:
 		: eListBoxEntryText(box, label, nullptr, help)
 	{
 		if (box)
-			box->selected.connect(SigC::slot(*this, &eListBoxEntryMenu::LBSelected));
+			box->selected.connect(SigC::slot(*this, &eListBoxEntryMenu::chosen));
 	}
 
 	/// The list box reports a choice to all of its entries; only the one that was chosen passes it on.
@@ -181,6 +181,10 @@ public:
 
 	/// Emitted when the viewer chooses this line.
 	SigC::Signal0<void> selected;
+
+private:
+	// A slot of the 1.x library takes exactly the type that its signal passes.
+	void chosen(eListBoxEntryMenu *entry) { LBSelected(entry); }
 };
 
 /// A window that holds one list box.

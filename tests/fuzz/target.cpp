@@ -1,6 +1,6 @@
 #include "target.h"
 
-#include "edebug.h"
+#include "debug_line.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #include "fake_platform.h"
 
-#include "edebug.h"
+#include "debug_line.h"
 
 #include <cstdarg>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-#ifndef VEXLO_COLUMN_TEXT_H
-#define VEXLO_COLUMN_TEXT_H
+#ifndef VEXLO_APPEND_H
+#define VEXLO_APPEND_H
 
 #include <cstdarg>
 #include <cstddef>
