@@ -1,0 +1,68 @@
+#!/bin/sh
+# Builds the plugin as a receiver's vendor does, without the desk host. Arguments: cmake, the sources' root, a
+# C++ compiler, and what to see:
+#     signals    our contract on a 1.x signal library: nothing of 3.0 is needed, and the plugin is small
+#     toolkit    a vendor's toolkit.h and nothing of src/toolkit; further argument: his front end
+#     mistakes   what cannot be built is told by configuring, in one clear message
+set -eu
+cmake=$1 sources=$2 compiler=$3 what=$4
+build=$(mktemp -d)
+trap 'rm -rf "$build"' EXIT
+
+sigc="$sources/tests/vendor/sigc1/include;$sources/tests/vendor/sigc1/lib/include"
+configure()
+{
+	"$cmake" -S "$sources" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Release \
+		-DBUILD_TESTING=OFF "$@" >"$build.log" 2>&1
+}
+build()
+{
+	configure -DVEXLO_DESK=OFF "$@" && "$cmake" --build "$build" --target vexlomenu >"$build.log" 2>&1 ||
+		{ cat "$build.log"; exit 1; }
+	plugin=$(find "$build" -name vexlomenu.so.0)
+	if readelf -d "$plugin" | grep -i sigc || nm -DC "$plugin" | grep sigc::; then
+		echo "the plugin needs libsigc++ 3.0"
+		exit 1
+	fi
+	nm -DC --undefined-only "$plugin" | grep -q 'SigC::ObjectBase::reference() const' ||
+		{ echo "the plugin does not take SigC from its host"; exit 1; }
+}
+refuses() # WORDS, then options
+{
+	words=$1
+	shift
+	rm -rf "$build"
+	if configure "$@"; then
+		echo "configuring says nothing of: $words"
+		exit 1
+	fi
+	tr -s ' \n' ' ' <"$build.log" | grep -qF -- "$words" || { echo "no: $words"; cat "$build.log"; exit 1; }
+}
+
+case $what in
+signals)
+	build "-DVEXLO_SIGC1_INCLUDE=$sigc" -DVEXLO_PACK_RELOCATIONS=ON
+	[ $# -lt 5 ] || "$sources/tests/size/size_test.sh" "$plugin" strip size 45056 32000
+	;;
+toolkit)
+	build "-DVEXLO_TOOLKIT_INCLUDE=$sources/tests/vendor/include" "-DVEXLO_SIGC1_INCLUDE=$sigc"
+	if ninja -C "$build" -t deps | grep 'src/toolkit/'; then
+		echo "src/toolkit is used"
+		exit 1
+	fi
+	for symbol in $(nm -D --undefined-only "$plugin" | awk '$2 ~ /^_Z(N?K?[0-9]+e[A-Z]|TI|TV|[0-9]+eDebug)/ { print $2 }'); do
+		nm -D --defined-only "$5" | grep -q " $symbol\$" || case $symbol in
+		*SigC*|_ZTVN10__cxx*) ;;
+		*) echo "the vendor's front end lacks $symbol"; exit 1 ;;
+		esac
+	done
+	;;
+mistakes)
+	refuses 'The desk host needs the 1.x signal library itself' "-DVEXLO_SIGC1_INCLUDE=$sigc"
+	refuses 'none of these folders has sigc++/signal_system.h' -DVEXLO_DESK=OFF -DVEXLO_SIGC1_INCLUDE=/nowhere
+	refuses 'there is no /nowhere/toolkit.h' -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE=/nowhere
+	refuses 'with VEXLO_TOOLKIT_INCLUDE, give -DVEXLO_DESK=OFF as well' \
+		"-DVEXLO_TOOLKIT_INCLUDE=$sources/tests/vendor/include"
+	;;
+esac
+rm -f "$build.log"

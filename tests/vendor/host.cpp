@@ -1,0 +1,571 @@
+// A made-up vendor's front end without a screen: implements gui/gui.h, loads a plugin, plays a script of
+// keys and writes every call that the plugin makes, in the form of the desk host's trace.
+//
+//     vendor_host PLUGIN ROOT KEYS [fontsize=N] [lost=N] [answer=N] [log=PATH]
+//
+// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only told. `lost`: by
+// how much a client area is lower than asked for. `answer`: what every message box returns at once.
+// `log`: what ff_scan is set to after loading.
+
+#include "gui/gui.h"
+
+#include <dlfcn.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <sstream>
+
+namespace
+{
+
+int muted = 0;
+int lastNumber = 0;
+std::map<const void *, int> numbers;
+std::string root;
+std::deque<std::string> keys;
+bool answers = false;
+int answer = 0;
+
+std::string nameOf(const void *object)
+{
+	if (!object)
+		return "null";
+	int &number = numbers[object];
+	if (number == 0)
+		number = ++lastNumber;
+	return "#" + std::to_string(number);
+}
+
+std::string quoted(const std::string &text)
+{
+	std::string result = "\"";
+	for (const char c : text)
+		if (c == '\n')
+			result += "\\n";
+		else if (c == '"' || c == '\\')
+			result += std::string("\\") + c;
+		else
+			result += c;
+	return result + '"';
+}
+
+void line(const std::string &text)
+{
+	if (muted == 0)
+		std::puts(text.c_str());
+}
+
+void call(const void *object, const std::string &what)
+{
+	if (muted == 0)
+		line(nameOf(object) + '.' + what);
+}
+
+std::string pair(int a, int b)
+{
+	return "(" + std::to_string(a) + ", " + std::to_string(b) + ")";
+}
+
+std::string printed(const char *format, va_list values)
+{
+	char text[4096];
+	std::vsnprintf(text, sizeof text, format, values);
+	return text;
+}
+
+std::string nextKey()
+{
+	if (keys.empty())
+		return "exit";
+	const std::string key = keys.front();
+	keys.pop_front();
+	return key;
+}
+
+/// Mutes what a constructor does for itself: made before the members are.
+template <class T> T quietly(T value)
+{
+	++muted;
+	return value;
+}
+
+} // namespace
+
+// What the plugin calls of libc comes here: it is linked so.
+extern "C" {
+
+FILE *__wrap_fopen(const char *path, const char *mode)
+{
+	bool served = false;
+	for (const char *file : {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"})
+		served = served || std::strcmp(path, file) == 0;
+	FILE *stream = std::fopen(served ? (root + path).c_str() : path, mode);
+	line("fopen(" + quoted(path) + ", " + quoted(mode) + ") = " + (stream ? "stream" : "null"));
+	return stream;
+}
+
+int __wrap_fclose(FILE *stream)
+{
+	const char *what = stream ? "fclose(stream)" : "fclose(null)";
+	const int result = stream ? std::fclose(stream) : EOF;
+	line(what + (" = " + std::to_string(result)));
+	return result;
+}
+
+int __wrap_remove(const char *path)
+{
+	line("remove(" + quoted(path) + ")");
+	const bool served = std::strcmp(path, "/var/scaning.log") == 0;
+	return std::remove(served ? (root + path).c_str() : path);
+}
+
+int __wrap_system(const char *command)
+{
+	line("system(" + quoted(command) + ")");
+	return std::strncmp(command, "kill", 4) == 0 ? 0 : std::system(command);
+}
+}
+
+eString &eString::sprintf(char *format, ...)
+{
+	va_list values;
+	va_start(values, format);
+	const std::string text = printed(format, values);
+	va_end(values);
+	line("eString.sprintf(" + quoted(format) + ") = " + quoted(text));
+	assign(text);
+	return *this;
+}
+
+void eDebug(const char *format, ...)
+{
+	va_list values;
+	va_start(values, format);
+	line("eDebug(" + quoted(printed(format, values)) + ")");
+	va_end(values);
+}
+
+int eSkin::fontSize = 20;
+
+eSkin *eSkin::getActive()
+{
+	static eSkin skin;
+	line("eSkin.getActive()");
+	return &skin;
+}
+
+int eSkin::queryValue(const eString &value, int fallback) const
+{
+	const int result = value == "fontsize" && fontSize ? fontSize : fallback;
+	line("eSkin.queryValue(" + quoted(value) + ", " + std::to_string(fallback) +
+	     ") = " + std::to_string(result));
+	return result;
+}
+
+int eWidget::lostHeight = 0;
+
+eWidget::eWidget(eWidget *of, int takefocus)
+	: parent(of), focus(nullptr), canFocus(takefocus != 0), visible(of != nullptr), ended(true),
+	  traced(false), result(0)
+{
+	std::memset(tag, 'w', sizeof tag);
+	if (parent)
+		parent->children.push_back(this);
+}
+
+eWidget::~eWidget()
+{
+	++muted;
+	while (!children.empty())
+		delete children.back();
+	if (parent)
+		parent->children.remove(this);
+	if (parent && parent->focus == this)
+		parent->focus = nullptr;
+	numbers.erase(this);
+	--muted;
+}
+
+void eWidget::willShow() {}
+void eWidget::willHide() {}
+void eWidget::setPalette() {}
+int eWidget::eventFilter(const eWidgetEvent &)
+{
+	return 0;
+}
+int eWidget::keyDown(int)
+{
+	return 0;
+}
+int eWidget::keyUp(int)
+{
+	return 0;
+}
+void eWidget::gotFocus() {}
+void eWidget::lostFocus() {}
+void eWidget::recalcClientRect() {}
+int eWidget::eventHandler(const eWidgetEvent &)
+{
+	return 0;
+}
+void eWidget::redrawWidget(gPainter *, const eRect &) {}
+void eWidget::eraseBackground(gPainter *, const eRect &) {}
+int eWidget::setProperty(const eString &, const eString &)
+{
+	return 0;
+}
+
+void eWidget::traceEnd(const char *type)
+{
+	if (!traced)
+		call(this, std::string("~") + type + "()");
+	traced = true;
+}
+
+void eWidget::setText(const eString &text)
+{
+	call(this, "setText(" + quoted(text) + ")");
+}
+
+void eWidget::cmove(const ePoint &position)
+{
+	call(this, "cmove" + pair(position.x, position.y));
+}
+
+void eWidget::cresize(const eSize &size)
+{
+	call(this, "cresize" + pair(size.width, size.height));
+	// Not from 0 on, and not what was asked for.
+	inner = eRect(ePoint(11, 33), eSize(size.width, size.height - lostHeight));
+}
+
+void eWidget::move(const ePoint &position)
+{
+	call(this, "move" + pair(position.x, position.y));
+}
+
+void eWidget::resize(const eSize &size)
+{
+	call(this, "resize" + pair(size.width, size.height));
+}
+
+void eWidget::show()
+{
+	call(this, "show()");
+	visible = true;
+	willShow();
+}
+
+void eWidget::hide()
+{
+	call(this, "hide()");
+	visible = false;
+	willHide();
+}
+
+void eWidget::close(int value)
+{
+	if (ended)
+		return;
+	ended = true;
+	result = value;
+}
+
+void eWidget::accept()
+{
+	call(this, "accept()");
+	close(0);
+}
+
+void eWidget::reject()
+{
+	call(this, "reject()");
+	close(-1);
+}
+
+void eWidget::setFocus(eWidget *child)
+{
+	nameOf(this); // numbered before the child
+	call(this, "setFocus(" + nameOf(child) + ")");
+	focus = child;
+}
+
+void eWidget::setShortcut(const eString &key)
+{
+	call(this, "setShortcut(" + quoted(key) + ")");
+	shortcut = key;
+}
+
+/// The keys: plays one on the window that runs.
+struct Remote
+{
+	static void press(eWidget &window, const std::string &key)
+	{
+		if (eMessageBox *box = dynamic_cast<eMessageBox *>(&window))
+			answerBox(*box, key);
+		else if (pressColour(window, key))
+			return;
+		else if (eListBoxBase *list = focused<eListBoxBase>(window))
+			pressList(window, *list, key);
+		else if (key == "exit")
+			window.close(-1);
+		else if (eButton *button = focused<eButton>(window))
+			pressButton(*button, key);
+	}
+
+private:
+	/// The widget of that kind that has the focus, or else may have it.
+	template <class T> static T *focused(eWidget &window)
+	{
+		if (window.focus)
+			return dynamic_cast<T *>(window.focus);
+		for (eWidget *child : window.children)
+			if (child->canFocus)
+				return dynamic_cast<T *>(child);
+		return nullptr;
+	}
+
+	static void answerBox(eMessageBox &box, const std::string &key)
+	{
+		if (key == "right")
+			box.highlighted = eMessageBox::answerNo;
+		else if (key == "ok")
+			box.close(box.highlighted);
+		else if (key == "exit")
+			box.close(-1);
+	}
+
+	static bool pressColour(eWidget &window, const std::string &key)
+	{
+		for (eWidget *child : window.children)
+			if (child->shortcut == key)
+				if (eButton *button = dynamic_cast<eButton *>(child)) {
+					button->selected.emit();
+					return true;
+				}
+		return false;
+	}
+
+	static void pressButton(eButton &button, const std::string &key)
+	{
+		if (key == "ok")
+			button.selected.emit();
+	}
+
+	static void pressList(eWidget &window, eListBoxBase &list, const std::string &key)
+	{
+		const int count = static_cast<int>(list.lines.size());
+		eListBoxEntry *entry = nullptr;
+		int index = 0;
+		for (eListBoxEntry *candidate : list.lines)
+			if (index++ == list.current)
+				entry = candidate;
+		if (key == "down" && count)
+			list.current = (list.current + 1) % count;
+		else if (key == "ok" && count)
+			list.SendSelected(entry);
+		else if (key == "exit") {
+			list.SendSelected(nullptr);
+			window.close(-1);
+		}
+	}
+};
+
+int eWidget::exec()
+{
+	call(this, "exec()");
+	ended = false;
+	if (answers && dynamic_cast<eMessageBox *>(this))
+		close(answer);
+	while (!ended)
+		Remote::press(*this, nextKey());
+	call(this, "exec() = " + std::to_string(result));
+	return result;
+}
+
+eDecoWidget::eDecoWidget(eWidget *of, int takefocus, const char *) : eWidget(of, takefocus), padding() {}
+eDecoWidget::~eDecoWidget() {}
+int eDecoWidget::eventFilter(const eWidgetEvent &)
+{
+	return 0;
+}
+int eDecoWidget::setProperty(const eString &, const eString &)
+{
+	return 0;
+}
+void eDecoWidget::loadDeco()
+{
+	call(this, "loadDeco()");
+}
+
+eLabel::eLabel(eWidget *of, int flags, int takefocus, const char *deco) : eDecoWidget(of, takefocus, deco)
+{
+	line(nameOf(this) + " = eLabel(" + nameOf(of) + ", " + std::to_string(flags) + ", " +
+	     std::to_string(takefocus) + ", " + quoted(deco) + ")");
+}
+eLabel::~eLabel() {}
+void eLabel::setShortcutPixmap(const eString &key)
+{
+	call(this, "setShortcutPixmap(" + quoted(key) + ")");
+	pixmap = key;
+}
+
+eButton::eButton(eWidget *of, eLabel *description, int takefocus, const char *deco)
+	: eLabel(of, 0, quietly(takefocus), deco), about(description)
+{
+	--muted;
+	line(nameOf(this) + " = eButton(" + nameOf(of) + ", " + nameOf(description) + ", " + std::to_string(takefocus) +
+	     ", " + quoted(deco) + ")");
+}
+eButton::~eButton() {}
+
+eWindow::eWindow(int takefocus) : eWidget(nullptr, takefocus), frame()
+{
+	line(nameOf(this) + " = eWindow(" + std::to_string(takefocus) + ")");
+}
+eWindow::~eWindow()
+{
+	traceEnd("eWindow");
+}
+void eWindow::willShow() {}
+void eWindow::willHide() {}
+void eWindow::recalcClientRect() {}
+int eWindow::eventHandler(const eWidgetEvent &)
+{
+	return 0;
+}
+void eWindow::redrawWidget(gPainter *, const eRect &) {}
+void eWindow::eraseBackground(gPainter *, const eRect &) {}
+
+eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, int last)
+	: eWindow(quietly(1)), offered(flags), highlighted(preset)
+{
+	--muted;
+	line(nameOf(this) + " = eMessageBox(" + quoted(text) + ", " + quoted(caption) + ", " +
+	     std::to_string(flags) + ", " + std::to_string(preset) + ", " + std::to_string(last) + ")");
+}
+eMessageBox::~eMessageBox()
+{
+	traceEnd("eMessageBox");
+}
+
+eListBoxBase::eListBoxBase(eWidget *of, const eWidget *description, int takefocus, int height,
+                           const char *deco)
+	: eDecoWidget(of, takefocus, deco), entryHeight(height), current(0)
+{
+	if (muted == 0)
+		line(nameOf(this) + " = eListBoxBase(" + nameOf(of) + ", " + nameOf(description) + ", " +
+		     std::to_string(takefocus) + ", " + std::to_string(height) + ", " + quoted(deco) + ")");
+}
+
+eListBoxBase::~eListBoxBase()
+{
+	++muted;
+	// Each takes itself out. What their keys point to stays: this host frees none.
+	while (!lines.empty())
+		delete lines.front();
+	--muted;
+}
+
+void eListBoxBase::gotFocus() {}
+void eListBoxBase::lostFocus() {}
+void eListBoxBase::recalcClientRect() {}
+int eListBoxBase::eventHandler(const eWidgetEvent &)
+{
+	return 0;
+}
+void eListBoxBase::redrawWidget(gPainter *, const eRect &) {}
+int eListBoxBase::setProperty(const eString &, const eString &)
+{
+	return 0;
+}
+
+void eListBoxBase::setFlags(int flags)
+{
+	call(this, "setFlags(" + std::to_string(flags) + ")");
+}
+
+void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
+{
+	const std::string box = nameOf(this);
+	line(box + ".append(" + nameOf(entry) + ", " + (makeCurrent ? "true" : "false") + ", " +
+	     (atTop ? "true" : "false") + ")");
+	lines.push_back(entry);
+}
+
+void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
+{
+	call(this, "remove(" + nameOf(entry) + ", " + (fromDestruction ? "true" : "false") + ")");
+	lines.remove(entry);
+	numbers.erase(entry);
+}
+
+void eListBoxEntryText::redraw(gPainter *, const eRect &, gColor, gColor, gColor, gColor, int) {}
+
+int eListBoxEntryText::getEntryHeight()
+{
+	const int height = eSkin::fontSize ? eSkin::fontSize : 20;
+	line("eListBoxEntryText.getEntryHeight() = " + std::to_string(height));
+	return height;
+}
+
+eSetupWindow::eSetupWindow(const char *title, int rows, int width)
+	: eListBoxWindow<eListBoxEntryMenu>(quietly(rows))
+{
+	--muted;
+	focus = &entries;
+	line(nameOf(this) + " = eSetupWindow(" + quoted(title) + ", " + std::to_string(rows) + ", " +
+	     std::to_string(width) + ")");
+}
+eSetupWindow::~eSetupWindow()
+{
+	traceEnd("eSetupWindow");
+	// Its list is a member: it goes before the window does, and is nobody's to delete.
+}
+int eSetupWindow::eventHandler(const eWidgetEvent &)
+{
+	return 0;
+}
+
+int main(int count, char **words)
+{
+	if (count < 4) {
+		std::fprintf(stderr,
+		             "usage: vendor_host PLUGIN ROOT KEYS [fontsize=N] [lost=N] [answer=N] [log=PATH]\n");
+		return 2;
+	}
+	root = words[2];
+	std::istringstream script(words[3]);
+	for (std::string key; script >> key;)
+		keys.push_back(key);
+	const char *log = nullptr;
+	for (int i = 4; i < count; ++i) {
+		const char *value = std::strchr(words[i], '=') + 1;
+		if (std::strncmp(words[i], "fontsize=", 9) == 0)
+			eSkin::fontSize = std::atoi(value);
+		else if (std::strncmp(words[i], "lost=", 5) == 0)
+			eWidget::lostHeight = std::atoi(value);
+		else if (std::strncmp(words[i], "answer=", 7) == 0)
+			answers = true, answer = std::atoi(value);
+		else if (std::strncmp(words[i], "log=", 4) == 0)
+			log = value;
+	}
+	const char *path = std::getenv("PATH");
+	setenv("PATH", (root + "/bin:" + (path ? path : "/usr/bin:/bin")).c_str(), 1);
+
+	void *plugin = dlopen(words[1], RTLD_NOW | RTLD_LOCAL);
+	if (!plugin) {
+		std::fprintf(stderr, "vendor_host: %s\n", dlerror());
+		return 1;
+	}
+	if (log)
+		*static_cast<const char **>(dlsym(plugin, "ff_scan")) = log;
+	const auto entry = reinterpret_cast<int (*)()>(dlsym(plugin, "plugin_exec"));
+	const int result = entry();
+	std::fprintf(stderr, "plugin_exec returned %d\n", result);
+	return dlclose(plugin);
+}

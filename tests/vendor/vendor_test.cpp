@@ -1,0 +1,187 @@
+// The plugin's sources in a vendor's house (his headers, his signal library, his front end) make the
+// same calls as in the desk host.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+
+using support::Outcome;
+using support::Play;
+using support::play;
+using support::Receiver;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+
+/// Plays the plugin in the vendor's host; standard output is its trace.
+Outcome playVendor(const Receiver &receiver, const std::string &keys, const Lines &options = {})
+{
+	std::vector<std::string> command = {VENDOR_HOST, VENDOR_PLUGIN, receiver.path(), keys};
+	command.insert(command.end(), options.begin(), options.end());
+	// The vendor frees no keys, and is right: neither side says who does.
+	return support::run(command, {{"ASAN_OPTIONS", "detect_leaks=0"}});
+}
+
+/// The same with the objects numbered as they appear, however the trace names them.
+Lines numbered(const Lines &trace)
+{
+	std::map<std::string, std::string> numbers;
+	Lines result;
+	for (const std::string &line : trace) {
+		std::string text;
+		for (size_t at = 0; at < line.size();) {
+			size_t start = at;
+			while (start < line.size() && std::isalpha(static_cast<unsigned char>(line[start])))
+				++start;
+			if (start < line.size() && line[start] == '#' && start + 1 < line.size() &&
+			    std::isdigit(static_cast<unsigned char>(line[start + 1]))) {
+				size_t end = start + 1;
+				while (end < line.size() && std::isdigit(static_cast<unsigned char>(line[end])))
+					++end;
+				const std::string name = line.substr(at, end - at);
+				const std::string number = std::to_string(numbers.size() + 1);
+				text += "#" + numbers.emplace(name, number).first->second;
+				at = end;
+				continue;
+			}
+			start = std::max(start, at + 1);
+			text += line.substr(at, start - at);
+			at = start;
+		}
+		result.push_back(text);
+	}
+	return result;
+}
+
+/// A receiver with something to see on every screen.
+class Vendor : public ::testing::Test
+{
+protected:
+	Vendor()
+	{
+		receiver.ps("  PID USER COMMAND\n    1 root init\n  123 root telnetd\n");
+		receiver.df("heading\n/dev/root 7.8M 3.1M 4.7M 40% /\n");
+		receiver.scanLog("a\nb start at c\n");
+		receiver.meminfo(support::repeat("x 1\n", 8) + "MemTotal: 61888 kB\nMemFree: 512 kB\n");
+		receiver.mtd("dev: size erasesize name\nmtd0: 00020000 00004000 \"boot loader\"\n");
+	}
+
+	static std::string position(const Outcome &outcome, const std::string &operation, const std::string &of)
+	{
+		// The line of `operation` on the object that was made as `of`.
+		for (const std::string &line : support::lines(outcome.out))
+			if (line.find(" = " + of) != std::string::npos) {
+				const std::string wanted = line.substr(0, line.find(' ')) + "." + operation;
+				for (const std::string &call : support::lines(outcome.out))
+					if (call.rfind(wanted, 0) == 0)
+						return call.substr(call.find('.') + 1);
+			}
+		return "none";
+	}
+
+	Receiver receiver;
+};
+
+struct Script
+{
+	const char *name, *keys;
+};
+
+void PrintTo(const Script &script, std::ostream *out)
+{
+	*out << script.name;
+}
+
+class VendorScript : public Vendor, public ::testing::WithParamInterface<Script>
+{
+};
+
+TEST_P(VendorScript, makes_the_calls_that_it_makes_in_the_desk_host)
+{
+	const std::string log = support::readFile(receiver / "var/scaning.log");
+	const Outcome vendor = playVendor(receiver, GetParam().keys);
+	receiver.scanLog(log); // a script may delete it
+	const Play desk = play(receiver.path(), GetParam().keys);
+	EXPECT_EQ(vendor.status, 0) << vendor.err;
+	EXPECT_EQ(vendor.err, desk.outcome.out.empty() ? "" : "plugin_exec returned -1\n");
+	EXPECT_EQ(numbered(support::lines(vendor.out)), numbered(desk.trace));
+	EXPECT_GT(desk.trace.size(), 10u);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+	Keys, VendorScript,
+	::testing::Values(Script{"menu", "down down exit"}, Script{"processes", "ok down exit exit"},
+                      Script{"kill", "ok down ok ok exit"},
+                      Script{"spare", "ok ok right ok ok exit exit exit"},
+                      Script{"memory", "down ok exit exit"}, Script{"log", "down down ok exit exit"},
+                      Script{"delete_log", "down down ok red ok ok exit exit"},
+                      Script{"keep_log", "down down ok red right ok red exit exit exit"},
+                      Script{"system", "down down down ok green ok ok ok exit exit"},
+                      Script{"all", "ok exit down ok exit down ok exit down ok exit exit"}),
+	[](const auto &script) { return script.param.name; });
+
+TEST_F(Vendor, lays_out_by_the_client_height_that_the_host_has_made_of_it)
+{
+	// 37 pixels less than asked for.
+	const Outcome ps = playVendor(receiver, "ok exit exit", {"lost=37"});
+	EXPECT_EQ(position(ps, "resize", "eListBoxBase("), "resize(490, 373)");
+
+	const Outcome memory = playVendor(receiver, "down ok exit exit", {"lost=37"});
+	EXPECT_EQ(position(memory, "resize", "eLabel("), "resize(150, 313)");
+	EXPECT_NE(memory.out.find(".resize(100, 313)"), std::string::npos);
+
+	const Outcome log = playVendor(receiver, "down down ok exit exit", {"lost=37"});
+	EXPECT_EQ(position(log, "move", "eButton("), "move(10, 383)");
+	EXPECT_EQ(position(log, "resize", "eListBoxBase("), "resize(590, 373)");
+	EXPECT_EQ(position(log, "move", "eLabel("), "move(180, 393)");
+
+	const Outcome system = playVendor(receiver, "down down down ok exit exit", {"lost=37"});
+	EXPECT_EQ(position(system, "move", "eButton("), "move(10, 363)");
+}
+
+TEST_F(Vendor, obeys_the_path_that_the_host_has_set)
+{
+	const std::string path = receiver.write("elsewhere.log", "one\ntwo\n");
+	const Outcome run = playVendor(receiver, "down down ok red ok exit", {"log=" + path});
+	EXPECT_NE(run.out.find("fopen(\"" + path + "\", \"r\") = stream"), std::string::npos) << "read";
+	EXPECT_NE(run.out.find("setText(\"size of " + path + " : 8 bytes\")"), std::string::npos) << run.out;
+	EXPECT_NE(run.out.find("eMessageBox(\"Delete " + path + " ?\""), std::string::npos) << "asked about";
+	EXPECT_NE(run.out.find("\nremove(\"" + path + "\")"), std::string::npos) << "deleted";
+	EXPECT_FALSE(support::exists(path));
+	EXPECT_EQ(run.out.find("scaning.log"), std::string::npos) << "and nothing else is";
+	EXPECT_TRUE(support::exists(receiver / "var/scaning.log"));
+}
+
+TEST_F(Vendor, takes_his_other_answers_for_a_kill_and_not_for_a_deletion)
+{
+	for (const char *answer : {"0", "1", "4", "64"}) {
+		const std::string option = std::string("answer=") + answer;
+		EXPECT_NE(playVendor(receiver, "ok ok exit", {option}).out.find("kill -9 1"), std::string::npos)
+			<< answer;
+		const bool deletes = std::string(answer) == "4";
+		EXPECT_EQ(
+			playVendor(receiver, "down down ok red exit exit", {option}).out.find("\nremove(\"/var/s") !=
+				std::string::npos,
+			deletes)
+			<< answer;
+	}
+	for (const char *answer : {"8", "-1"})
+		EXPECT_EQ(
+			playVendor(receiver, "ok ok exit exit", {std::string("answer=") + answer}).out.find("kill -9"),
+			std::string::npos)
+			<< answer;
+}
+
+TEST_F(Vendor, gives_every_size_of_font_its_rows)
+{
+	const Outcome run = playVendor(receiver, "ok exit exit", {"fontsize=31"});
+	EXPECT_EQ(position(run, "move", "eListBoxBase("), "move(5, 41)");
+	const Outcome none = playVendor(receiver, "ok exit exit", {"fontsize=0"});
+	EXPECT_EQ(position(none, "move", "eListBoxBase("), "move(5, 30)");
+}
+
+} // namespace
