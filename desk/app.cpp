@@ -3,6 +3,7 @@
 #include "desk.h"
 #include "files.h"
 #include "key.h"
+#include "note_log.h"
 #include "plugin.h"
 #include "recorder.h"
 #include "screen.h"
@@ -41,6 +42,7 @@ struct Options
 	std::string pictures;
 	std::string dump;
 	std::string trace;
+	std::string debug;
 	std::string root;
 	std::string skin;
 	std::string lang;
@@ -174,6 +176,8 @@ int runApp(int argc, char **argv)
 	cli.add_option("--trace", options.trace,
 	               "Write every call that the plugin makes to its host, a line each")
 		->type_name("FILE");
+	cli.add_option("--debug", options.debug, "Write debug lines and other notes to this file as well")
+		->type_name("FILE");
 	cli.add_option("--root", options.root,
 	               "Serve the receiver's files from this folder and find commands in its bin; kills are only "
 	               "reported")
@@ -222,6 +226,8 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments, error);
 	if (!options.trace.empty() && !Trace::get().open(options.trace, error))
 		return fail(statusBadArguments, error);
+	if (!options.debug.empty() && !NoteLog::get().open(options.debug, error))
+		return fail(statusBadArguments, error);
 
 	// Loading comes before the screen, so that a plugin that cannot be loaded flashes nothing up.
 	std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
@@ -257,6 +263,9 @@ int runApp(int argc, char **argv)
 	if (!Trace::get().close())
 		return fail(statusBadArguments,
 		            "cannot write all of the trace to '" + options.trace + "'; is the disk full?");
+	if (!NoteLog::get().close())
+		return fail(statusBadArguments,
+		            "cannot write all debug lines to '" + options.debug + "'; is the disk full?");
 	return 0;
 }
 

@@ -1,5 +1,6 @@
 #include "screen.h"
 
+#include "note_log.h"
 #include "visible_text.h"
 
 #include <cstdio>
@@ -9,8 +10,10 @@ namespace desk
 
 void Screen::note(const std::string &line)
 {
+	const std::string shown = visibleText(line);
+	NoteLog::get().add(shown);
 	// One write a line: what commands print beside it then falls between lines, not into them.
-	fputs((visibleText(line) + "\n").c_str(), stderr);
+	fputs((shown + "\n").c_str(), stderr);
 }
 
 } // namespace desk

@@ -33,7 +33,8 @@ public:
 	virtual void wake() {}
 
 	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that
-	/// was only reported. It goes to standard error, at once or when the screen is given back.
+	/// was only reported. It goes to standard error, at once or when the screen is given back, and to
+	/// the NoteLog.
 	virtual void note(const std::string &line);
 
 	/// True when commands' own output would spoil this screen; their standard output and error are

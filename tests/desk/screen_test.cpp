@@ -1,8 +1,15 @@
+#include "note_log.h"
 #include "screen.h"
 #include "terminal_screen.h"
 #include "window_screen.h"
 
 #include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
 
 namespace
 {
@@ -37,6 +44,53 @@ TEST(Notes, ObeyNoControls)
 	testing::internal::CaptureStderr();
 	screen->note("a \x1b[2J name \xff");
 	EXPECT_EQ(testing::internal::GetCapturedStderr(), "a \xE2\x90\x9B[2J name \xEF\xBF\xBD\n");
+}
+
+TEST(Notes, TheLastThousandAreKeptToLookBackAt)
+{
+	const auto screen = makeNoScreen();
+	testing::internal::CaptureStderr();
+	for (int i = 0; i < 1500; ++i)
+		screen->note("note " + std::to_string(i));
+	screen->note("a \x1b[2J name");
+	screen->note(std::string(4095, 'x') + "\xC3\xA4 and so on");
+	testing::internal::GetCapturedStderr();
+
+	const std::deque<std::string> &lines = NoteLog::get().lines();
+	ASSERT_EQ(lines.size(), 1000u);
+	EXPECT_EQ(lines.front(), "note 502");
+	EXPECT_EQ(lines[997], "note 1499");
+	EXPECT_EQ(lines[998].find('\x1b'), std::string::npos);
+	EXPECT_EQ(lines[999], std::string(4095, 'x')) << "a character is not cut in two";
+}
+
+TEST(Notes, GoToAFileAsWellLineByLine)
+{
+	const std::string path = testing::TempDir() + "notes." + std::to_string(getpid());
+	std::string error;
+	ASSERT_TRUE(NoteLog::get().open(path, error));
+	testing::internal::CaptureStderr();
+	makeNoScreen()->note("one");
+	const auto content = [&] {
+		std::ostringstream text;
+		text << std::ifstream(path).rdbuf();
+		return text.str();
+	};
+	EXPECT_EQ(content(), "one\n") << "while it is still open";
+	EXPECT_TRUE(NoteLog::get().close());
+	makeNoScreen()->note("two");
+	EXPECT_EQ(content(), "one\n");
+	EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\ntwo\n");
+	std::remove(path.c_str());
+
+	EXPECT_FALSE(NoteLog::get().open("/nonexistent/notes", error));
+	EXPECT_EQ(error, "cannot write debug lines to '/nonexistent/notes': No such file or directory; "
+	                 "name a file that can be written");
+	testing::internal::CaptureStderr();
+	ASSERT_TRUE(NoteLog::get().open("/dev/full", error));
+	makeNoScreen()->note("three");
+	EXPECT_FALSE(NoteLog::get().close());
+	testing::internal::GetCapturedStderr();
 }
 
 } // namespace

@@ -1,0 +1,53 @@
+#include "note_log.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace desk
+{
+
+NoteLog &NoteLog::get()
+{
+	static NoteLog log;
+	return log;
+}
+
+bool NoteLog::open(const std::string &path, std::string &error)
+{
+	file = std::fopen(path.c_str(), "we");
+	if (!file) {
+		error = "cannot write debug lines to '" + path + "': " + std::strerror(errno) +
+		        "; name a file that can be written";
+		return false;
+	}
+	std::setvbuf(file, nullptr, _IOLBF, BUFSIZ); // for somebody who watches it grow
+	whole = true;
+	return true;
+}
+
+bool NoteLog::close()
+{
+	std::deque<std::string>().swap(last); // clear() would keep memory
+	if (!file)
+		return true;
+	whole = !std::ferror(file) && whole;
+	whole = std::fclose(file) == 0 && whole;
+	file = nullptr;
+	return whole;
+}
+
+void NoteLog::add(const std::string &line)
+{
+	if (file)
+		std::fputs((line + '\n').c_str(), file);
+
+	size_t length = std::min(line.size(), mostBytes);
+	while (length < line.size() && length > 0 && (static_cast<unsigned char>(line[length]) & 0xC0) == 0x80)
+		--length; // not within a character
+	last.push_back(line.substr(0, length));
+	if (last.size() > mostLines)
+		last.pop_front();
+}
+
+} // namespace desk

@@ -1,0 +1,42 @@
+#ifndef DESK_SCREEN_NOTE_LOG_H
+#define DESK_SCREEN_NOTE_LOG_H
+
+#include <cstdio>
+#include <deque>
+#include <string>
+
+namespace desk
+{
+
+/// What Screen::note() was told, to look back at: the window and the terminal show the last lines on F9, and
+/// a file can take them all.
+class NoteLog
+{
+public:
+	static constexpr size_t mostLines = 1000;
+	static constexpr size_t mostBytes = 4096; ///< of a line that is kept; the file has it whole
+
+	static NoteLog &get();
+
+	/// Writes the lines to `path` as well from now on, each at once. On failure returns false and leaves one
+	/// line in `error`.
+	bool open(const std::string &path, std::string &error);
+
+	/// Ends it, and forgets the lines. False when not everything could be written.
+	bool close();
+
+	/// `line` is what visibleText() gives, without a line end.
+	void add(const std::string &line);
+
+	/// The last lines, the newest at the end.
+	const std::deque<std::string> &lines() const { return last; }
+
+private:
+	std::deque<std::string> last;
+	FILE *file = nullptr;
+	bool whole = true;
+};
+
+} // namespace desk
+
+#endif
