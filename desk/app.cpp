@@ -2,6 +2,7 @@
 
 #include "desk.h"
 #include "files.h"
+#include "framebuffer_screen.h"
 #include "key.h"
 #include "note_log.h"
 #include "plugin.h"
@@ -38,6 +39,7 @@ struct Options
 {
 	std::string plugin;
 	std::string screen;
+	FramebufferDevices devices;
 	std::string keys;
 	std::string pictures;
 	std::string dump;
@@ -124,12 +126,15 @@ std::string pluginName(const std::string &path)
 	return file.substr(0, file.find(".so"));
 }
 
-std::unique_ptr<Screen> openScreen(const std::string &name, const std::string &title, std::string &error)
+std::unique_ptr<Screen> openScreen(const Options &options, std::string &error)
 {
+	const std::string name = options.screen.empty() ? likelyScreen() : options.screen;
 	if (name == "window")
-		return makeWindowScreen(title, error);
+		return makeWindowScreen(pluginName(options.plugin), error);
 	if (name == "terminal")
 		return makeTerminalScreen(error);
+	if (name == "framebuffer")
+		return makeFramebufferScreen(options.devices, error);
 	return makeNoScreen();
 }
 
@@ -158,11 +163,18 @@ int runApp(int argc, char **argv)
 	cli.set_version_flag("--version", "deskhost " DESK_VERSION);
 	cli.add_option("--plugin", options.plugin, "The plugin to load; by default the one built beside deskhost")
 		->type_name("PATH");
-	cli.add_option(
-		   "--screen", options.screen,
-		   "window, terminal or none; by default a window where a display is, else the terminal, else none")
+	cli.add_option("--screen", options.screen,
+	               "window, terminal, framebuffer or none; by default a window where a display is, else the "
+	               "terminal,\n"
+	               "else none")
 		->type_name("WHERE")
-		->check(CLI::IsMember({"window", "terminal", "none"}));
+		->check(CLI::IsMember({"window", "terminal", "framebuffer", "none"}));
+	cli.add_option("--framebuffer", options.devices.framebuffer,
+	               "The device that --screen framebuffer draws on; by default the first there is")
+		->type_name("DEVICE");
+	cli.add_option("--remote", options.devices.remote,
+	               "The input device of its remote control; by default one with an OK key, else a keyboard")
+		->type_name("DEVICE");
 	cli.add_option(
 		   "--keys", options.keys,
 		   "Press these keys first, one after another: up down left right pageup pagedown home end ok exit\n"
@@ -233,8 +245,7 @@ int runApp(int argc, char **argv)
 	std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
 	if (!plugin)
 		return fail(statusNotLoaded, error);
-	std::unique_ptr<Screen> screen =
-		openScreen(options.screen.empty() ? likelyScreen() : options.screen, pluginName(options.plugin), error);
+	std::unique_ptr<Screen> screen = openScreen(options, error);
 	if (!screen)
 		return fail(statusBadArguments, error);
 

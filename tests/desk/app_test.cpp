@@ -45,8 +45,8 @@ TEST(App, should_explain_itself)
 {
 	const Outcome help = deskhost({"--help"});
 	EXPECT_EQ(help.status, 0);
-	for (const char *option : {"--plugin", "--screen", "--keys", "--pictures", "--dump", "--trace", "--root",
-	                           "--skin", "--lang", "--plays"})
+	for (const char *option : {"--plugin", "--screen", "--framebuffer", "--remote", "--keys", "--pictures",
+	                           "--dump", "--trace", "--root", "--skin", "--lang", "--plays"})
 		EXPECT_NE(help.out.find(option), std::string::npos) << option;
 	EXPECT_EQ(deskhost({"--version"}).out.rfind("deskhost ", 0), 0u);
 }
@@ -98,6 +98,9 @@ TEST(App, should_refuse_a_screen_that_it_cannot_open)
 			{{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}, {"XDG_RUNTIME_DIR", ""}, {"SDL_VIDEODRIVER", ""}}),
 		2, "window");
 	expectRefused(deskhost({"--screen", "terminal"}), 2, "terminal");
+	expectRefused(
+		deskhost({"--screen", "framebuffer", "--remote", "/dev/null", "--framebuffer", "/dev/null"}), 2,
+		"/dev/null");
 }
 
 TEST(App, should_tell_why_a_plugin_cannot_be_loaded)

@@ -1,0 +1,174 @@
+#include "framebuffer.h"
+
+#include "device_folder.h"
+#include "visible_text.h"
+
+#include <cairo.h>
+
+#include <fcntl.h>
+#include <linux/fb.h>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+namespace desk
+{
+namespace
+{
+
+/// A screen with a table for each channel (a "direct colour" one) gets straight tables. The console
+/// brings its own back with its text.
+void setStraightTables(int device, const fb_var_screeninfo &mode)
+{
+	std::array<uint16_t, 256> red{}, green{}, blue{};
+	const auto fill = [](std::array<uint16_t, 256> &table, uint32_t bits) {
+		const uint32_t most = (1u << std::min(bits, 8u)) - 1;
+		for (uint32_t i = 0; i < table.size(); ++i)
+			table[i] = static_cast<uint16_t>(std::min(i, most) * 65535 / most);
+	};
+	fill(red, mode.red.length);
+	fill(green, mode.green.length);
+	fill(blue, mode.blue.length);
+	fb_cmap tables = {};
+	tables.len = 1u << std::min(8u, std::max({mode.red.length, mode.green.length, mode.blue.length}));
+	tables.red = red.data();
+	tables.green = green.data();
+	tables.blue = blue.data();
+	ioctl(device, FBIOPUTCMAP, &tables);
+}
+
+} // namespace
+
+std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path, std::string &error)
+{
+	int file = -1;
+	const auto failed = [&](const std::string &why) {
+		error = visibleText("cannot use the framebuffer \"" + path + "\": " + why);
+		if (file >= 0)
+			close(file);
+		return nullptr;
+	};
+	file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
+	if (file < 0)
+		return failed(errno == EACCES
+		                  ? "Permission denied; join the group \"video\", or run deskhost as root"
+		                  : strerror(errno) + std::string("; name the screen's device with --framebuffer"));
+	fb_var_screeninfo mode = {};
+	fb_fix_screeninfo memory = {};
+	if (ioctl(file, FBIOGET_VSCREENINFO, &mode) != 0 || ioctl(file, FBIOGET_FSCREENINFO, &memory) != 0)
+		return failed("it is no framebuffer; name the screen's device with --framebuffer");
+	std::string unusable;
+	const auto layout = PixelLayout::of(mode, unusable);
+	if (layout && memory.type != FB_TYPE_PACKED_PIXELS)
+		unusable = "its pixels are kept in planes";
+	if (!unusable.empty())
+		return failed(unusable +
+		              "; set a mode of 16, 24 or 32 bits (fbset -depth 16, or video= for the kernel)");
+
+	// The memory starts somewhere in its first page, and the visible part somewhere in the memory.
+	const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+	const size_t pixelBytes = static_cast<size_t>(layout->bytes());
+	const size_t line = memory.line_length ? memory.line_length : mode.xres_virtual * pixelBytes;
+	const size_t first = memory.smem_start % page;
+	const size_t start = mode.yoffset * line + mode.xoffset * pixelBytes;
+	constexpr uint32_t most = 32768; // pixels; nothing below can overflow
+	if (mode.xres < 1 || mode.yres < 1 || mode.xres > most || mode.yres > most ||
+	    line < mode.xres * pixelBytes ||
+	    start + (mode.yres - 1) * line + mode.xres * pixelBytes > memory.smem_len)
+		return failed("its mode of " + std::to_string(mode.xres) + " x " + std::to_string(mode.yres) +
+		              " pixels does not fit into its memory; set another one");
+	const size_t size = first + memory.smem_len;
+	void *mapped = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+	if (mapped == MAP_FAILED)
+		return failed(std::string("its memory cannot be mapped: ") + strerror(errno));
+
+	std::unique_ptr<Framebuffer> opened(
+		new Framebuffer(file, static_cast<unsigned char *>(mapped), size, *layout));
+	opened->visible = opened->mapping + first + start;
+	opened->lineLength = static_cast<int>(line);
+	opened->width = static_cast<int>(mode.xres);
+	opened->height = static_cast<int>(mode.yres);
+	opened->row.resize(mode.xres * pixelBytes);
+	return opened;
+}
+
+Framebuffer::Framebuffer(int file, unsigned char *memory, size_t mapped, const PixelLayout &how)
+	: device(file), mapping(memory), mappingSize(mapped), layout(how)
+{}
+
+Framebuffer::~Framebuffer()
+{
+	munmap(mapping, mappingSize);
+	close(device);
+}
+
+void Framebuffer::blacken()
+{
+	ioctl(device, FBIOBLANK, FB_BLANK_UNBLANK);
+	fb_var_screeninfo mode = {};
+	fb_fix_screeninfo memory = {};
+	if (ioctl(device, FBIOGET_FSCREENINFO, &memory) == 0 && memory.visual == FB_VISUAL_DIRECTCOLOR &&
+	    ioctl(device, FBIOGET_VSCREENINFO, &mode) == 0)
+		setStraightTables(device, mode);
+	const std::vector<uint32_t> black(static_cast<size_t>(width));
+	for (int y = 0; y < height; ++y)
+		write(reinterpret_cast<const unsigned char *>(black.data()), 0, {0, 0, width, 1}, 0, y);
+}
+
+void Framebuffer::show(const unsigned char *pixels, int stride, const Rect &changed)
+{
+	const double scale = std::min({1.0, double(width) / screenWidth, double(height) / screenHeight});
+	if (scale == 1.0) {
+		const Rect part = changed.intersected({0, 0, screenWidth, screenHeight});
+		write(pixels, stride, part, (width - screenWidth) / 2 + part.x, (height - screenHeight) / 2 + part.y);
+		return;
+	}
+	const int w = std::max(1, static_cast<int>(std::lround(screenWidth * scale)));
+	const int h = std::max(1, static_cast<int>(std::lround(screenHeight * scale)));
+	// Cairo only reads from what it is given here.
+	cairo_surface_t *frame = cairo_image_surface_create_for_data(
+		const_cast<unsigned char *>(pixels), CAIRO_FORMAT_RGB24, screenWidth, screenHeight, stride);
+	cairo_surface_t *scaled = cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h);
+	cairo_t *to = cairo_create(scaled);
+	cairo_scale(to, double(w) / screenWidth, double(h) / screenHeight);
+	cairo_set_source_surface(to, frame, 0, 0);
+	cairo_pattern_set_filter(cairo_get_source(to), CAIRO_FILTER_GOOD);
+	cairo_pattern_set_extend(cairo_get_source(to), CAIRO_EXTEND_PAD); // no dark edge
+	cairo_paint(to);
+	cairo_destroy(to);
+	cairo_surface_flush(scaled);
+	write(cairo_image_surface_get_data(scaled), cairo_image_surface_get_stride(scaled), {0, 0, w, h},
+	      (width - w) / 2, (height - h) / 2);
+	cairo_surface_destroy(scaled);
+	cairo_surface_destroy(frame);
+}
+
+/// Puts a part of a picture at that place of the screen.
+void Framebuffer::write(const unsigned char *pixels, int stride, const Rect &part, int left, int top)
+{
+	for (int y = 0; y < part.h; ++y) {
+		const unsigned char *line = pixels + (part.y + y) * stride + part.x * 4;
+		layout.convert(reinterpret_cast<const uint32_t *>(line), part.w, row.data());
+		memcpy(visible + size_t(top + y) * size_t(lineLength) + size_t(left * layout.bytes()), row.data(),
+		       size_t(part.w * layout.bytes()));
+	}
+}
+
+std::string findFramebuffer(const std::string &folder, std::string &error)
+{
+	const std::vector<std::string> found = numberedDevices(folder, "fb");
+	if (!found.empty())
+		return found.front();
+	error = "there is no framebuffer (" + folder +
+	        "/fb0); load the driver of the screen, or name its device "
+	        "with --framebuffer";
+	return {};
+}
+
+} // namespace desk

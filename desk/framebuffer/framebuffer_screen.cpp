@@ -1,0 +1,75 @@
+#include "framebuffer_screen.h"
+
+#include "console.h"
+#include "framebuffer.h"
+#include "pixel_canvas.h"
+#include "remote_control.h"
+
+namespace desk
+{
+namespace
+{
+
+class FramebufferScreen : public Screen
+{
+public:
+	/// False with one line in `error` when something is missing.
+	bool open(FramebufferDevices devices, std::string &error)
+	{
+		if (devices.framebuffer.empty())
+			devices.framebuffer = findFramebuffer("/dev", error);
+		if (devices.framebuffer.empty())
+			return false;
+		if (devices.remote.empty())
+			devices.remote = findRemoteControl("/dev/input", error);
+		if (devices.remote.empty())
+			return false;
+		remoteName = devices.remote;
+		remote = RemoteControl::open(devices.remote, error);
+		memory = remote ? Framebuffer::open(devices.framebuffer, error) : nullptr;
+		if (!memory)
+			return false;
+		// Last, so that nothing is changed when something else is wrong.
+		console = Console::take(devices.console, error);
+		if (!error.empty())
+			return false;
+		memory->blacken();
+		return true;
+	}
+
+	Canvas *canvas() override { return &painted; }
+
+	void present(const Rect &changed) override { memory->show(painted.pixels(), painted.stride(), changed); }
+
+	std::optional<Key> waitKey() override
+	{
+		const std::optional<Key> key = remote->waitKey();
+		if (!key && remote->gone() && !told) {
+			note("deskhost: the remote control \"" + remoteName + "\" is gone; was it unplugged?");
+			told = true;
+		}
+		return key;
+	}
+
+	void wake() override { remote->wake(); }
+
+private:
+	PixelCanvas painted;
+	std::string remoteName;
+	bool told = false;
+	std::unique_ptr<RemoteControl> remote;
+	std::unique_ptr<Console> console;
+	std::unique_ptr<Framebuffer> memory;
+};
+
+} // namespace
+
+std::unique_ptr<Screen> makeFramebufferScreen(const FramebufferDevices &devices, std::string &error)
+{
+	auto screen = std::make_unique<FramebufferScreen>();
+	if (!screen->open(devices, error))
+		return nullptr;
+	return screen;
+}
+
+} // namespace desk

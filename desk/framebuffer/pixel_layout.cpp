@@ -1,0 +1,78 @@
+#include "pixel_layout.h"
+
+#include <linux/fb.h>
+
+#include <cstring>
+
+namespace desk
+{
+namespace
+{
+
+uint32_t ones(uint32_t length)
+{
+	return length >= 32 ? ~0u : (1u << length) - 1;
+}
+
+/// `value` of 8 bits in as many as the field has; wider fields repeat its upper bits, so that white is white.
+uint32_t placed(uint32_t value, const fb_bitfield &field)
+{
+	const uint32_t wide = value << 8 | value;
+	return wide >> (16 - field.length) << field.offset;
+}
+
+bool fits(const fb_bitfield &field, uint32_t bits)
+{
+	return field.length >= 1 && field.length <= 16 && field.offset <= bits - field.length && !field.msb_right;
+}
+
+} // namespace
+
+std::optional<PixelLayout> PixelLayout::of(const fb_var_screeninfo &mode, std::string &error)
+{
+	const uint32_t bits = mode.bits_per_pixel;
+	if (bits <= 8 || mode.grayscale != 0) {
+		error = bits <= 8 ? "it has a palette of " + std::to_string(bits) + " bits a pixel"
+		                  : "it has no red, green and blue channels";
+		return std::nullopt;
+	}
+	if ((bits != 16 && bits != 24 && bits != 32) || mode.nonstd != 0 || !fits(mode.red, bits) ||
+	    !fits(mode.green, bits) || !fits(mode.blue, bits)) {
+		error = "its pixels of " + std::to_string(bits) + " bits are laid out in an unknown way";
+		return std::nullopt;
+	}
+	PixelLayout layout;
+	layout.pixelBytes = static_cast<int>(bits / 8);
+	const bool transparency = mode.transp.length > 0 && fits(mode.transp, bits);
+	const uint32_t opaque = transparency ? ones(mode.transp.length) << mode.transp.offset : 0;
+	for (uint32_t value = 0; value < 256; ++value) {
+		layout.red[value] = placed(value, mode.red) | opaque;
+		layout.green[value] = placed(value, mode.green);
+		layout.blue[value] = placed(value, mode.blue);
+	}
+	return layout;
+}
+
+void PixelLayout::convert(const uint32_t *from, int count, unsigned char *to) const
+{
+	const auto pixel = [&](uint32_t p) { return red[p >> 16 & 255] | green[p >> 8 & 255] | blue[p & 255]; };
+	if (pixelBytes == 2)
+		for (int i = 0; i < count; ++i, to += 2) {
+			const uint16_t value = static_cast<uint16_t>(pixel(from[i]));
+			memcpy(to, &value, 2);
+		}
+	else if (pixelBytes == 4)
+		for (int i = 0; i < count; ++i, to += 4) {
+			const uint32_t value = pixel(from[i]);
+			memcpy(to, &value, 4);
+		}
+	else
+		for (int i = 0; i < count; ++i, to += 3) {
+			// The three bytes of the number that are in use, in this computer's order.
+			const uint32_t value = pixel(from[i]);
+			constexpr bool bigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
+			memcpy(to, reinterpret_cast<const unsigned char *>(&value) + (bigEndian ? 1 : 0), 3);
+		}
+}
+
+} // namespace desk

@@ -1,0 +1,249 @@
+#include "remote_control.h"
+
+#include "device_folder.h"
+#include "visible_text.h"
+
+#include <libevdev/libevdev.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace desk
+{
+namespace
+{
+
+struct Code
+{
+	unsigned int code;
+	Key key;
+};
+
+constexpr Code codes[] = {
+	{KEY_UP, Key::up},
+	{KEY_DOWN, Key::down},
+	{KEY_LEFT, Key::left},
+	{KEY_RIGHT, Key::right},
+	{KEY_PAGEUP, Key::pageup},
+	{KEY_CHANNELUP, Key::pageup},
+	{KEY_PAGEDOWN, Key::pagedown},
+	{KEY_CHANNELDOWN, Key::pagedown},
+	{KEY_HOME, Key::home},
+	{KEY_FIRST, Key::home},
+	{KEY_END, Key::end},
+	{KEY_LAST, Key::end},
+	{KEY_OK, Key::ok},
+	{KEY_SELECT, Key::ok},
+	{KEY_ENTER, Key::ok},
+	{KEY_KPENTER, Key::ok},
+	{KEY_EXIT, Key::exit},
+	{KEY_BACK, Key::exit},
+	{KEY_ESC, Key::exit},
+	{KEY_RED, Key::red},
+	{KEY_F1, Key::red},
+	{KEY_GREEN, Key::green},
+	{KEY_F2, Key::green},
+	{KEY_YELLOW, Key::yellow},
+	{KEY_F3, Key::yellow},
+	{KEY_BLUE, Key::blue},
+	{KEY_F4, Key::blue},
+	{KEY_0, Key::digit0},
+	{KEY_1, Key::digit1},
+	{KEY_2, Key::digit2},
+	{KEY_3, Key::digit3},
+	{KEY_4, Key::digit4},
+	{KEY_5, Key::digit5},
+	{KEY_6, Key::digit6},
+	{KEY_7, Key::digit7},
+	{KEY_8, Key::digit8},
+	{KEY_9, Key::digit9},
+	{KEY_KP0, Key::digit0},
+	{KEY_KP1, Key::digit1},
+	{KEY_KP2, Key::digit2},
+	{KEY_KP3, Key::digit3},
+	{KEY_KP4, Key::digit4},
+	{KEY_KP5, Key::digit5},
+	{KEY_KP6, Key::digit6},
+	{KEY_KP7, Key::digit7},
+	{KEY_KP8, Key::digit8},
+	{KEY_KP9, Key::digit9},
+	{KEY_NUMERIC_0, Key::digit0},
+	{KEY_NUMERIC_1, Key::digit1},
+	{KEY_NUMERIC_2, Key::digit2},
+	{KEY_NUMERIC_3, Key::digit3},
+	{KEY_NUMERIC_4, Key::digit4},
+	{KEY_NUMERIC_5, Key::digit5},
+	{KEY_NUMERIC_6, Key::digit6},
+	{KEY_NUMERIC_7, Key::digit7},
+	{KEY_NUMERIC_8, Key::digit8},
+	{KEY_NUMERIC_9, Key::digit9},
+};
+
+std::optional<Key> keyOf(unsigned int code)
+{
+	for (const Code &known : codes)
+		if (known.code == code)
+			return known.key;
+	return std::nullopt;
+}
+
+/// A device with its keys, closed with the object unless somebody takes it.
+struct Input
+{
+	int file = -1;
+	libevdev *device = nullptr;
+	int error = 0; ///< errno of what failed
+
+	explicit Input(const std::string &path)
+	{
+		file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+		error = file < 0 ? errno : -libevdev_new_from_fd(file, &device);
+	}
+	~Input()
+	{
+		libevdev_free(device);
+		if (file >= 0)
+			close(file);
+	}
+	Input(const Input &) = delete;
+	Input &operator=(const Input &) = delete;
+
+	/// The menu can be used with it.
+	bool leads() const
+	{
+		const auto has = [&](Key key) {
+			return std::any_of(std::begin(codes), std::end(codes), [&](const Code &known) {
+				return known.key == key && libevdev_has_event_code(device, EV_KEY, known.code);
+			});
+		};
+		return device && has(Key::up) && has(Key::down) && has(Key::ok) && has(Key::exit);
+	}
+	bool isRemote() const { return leads() && libevdev_has_event_code(device, EV_KEY, KEY_OK); }
+};
+
+constexpr char noRights[] = "Permission denied; join the group \"input\", or run deskhost as root";
+
+} // namespace
+
+std::unique_ptr<RemoteControl> RemoteControl::open(const std::string &path, std::string &error)
+{
+	const auto failed = [&](const std::string &why) {
+		error = visibleText("cannot use the remote control \"" + path + "\": " + why);
+		return nullptr;
+	};
+	Input input(path);
+	if (input.file < 0 && input.error == EACCES)
+		return failed(noRights);
+	if (input.file < 0)
+		return failed(strerror(input.error) + std::string("; is it plugged in? --remote names its device"));
+	if (!input.device)
+		return failed("it is no input device; name one of /dev/input with --remote");
+	if (!input.leads())
+		return failed("it lacks the keys up, down, ok or exit; name another device with --remote");
+	std::unique_ptr<RemoteControl> opened(new RemoteControl(input.file, input.device));
+	input.file = -1;
+	input.device = nullptr;
+	return opened;
+}
+
+RemoteControl::RemoteControl(int file, libevdev *opened)
+	: device(file), input(opened), wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{}
+
+RemoteControl::~RemoteControl()
+{
+	libevdev_free(input);
+	close(device);
+	close(wakeUp);
+}
+
+void RemoteControl::wake()
+{
+	eventfd_write(wakeUp, 1);
+}
+
+std::optional<Key> RemoteControl::waitKey()
+{
+	// What is there already decides whether a repeat is still meant.
+	read();
+	while (waiting.empty()) {
+		if (unplugged)
+			return std::nullopt;
+		pollfd ready[] = {{device, POLLIN, 0}, {wakeUp, POLLIN, 0}};
+		poll(ready, 2, -1);
+		if (eventfd_t wakes; eventfd_read(wakeUp, &wakes) == 0)
+			return std::nullopt;
+		read();
+		if (ready[0].revents & (POLLHUP | POLLERR | POLLNVAL))
+			unplugged = true;
+	}
+	const Key key = waiting.front().key;
+	waiting.pop_front();
+	return key;
+}
+
+/// Takes all that has come.
+void RemoteControl::read()
+{
+	unsigned int flag = LIBEVDEV_READ_FLAG_NORMAL;
+	for (;;) {
+		input_event event;
+		const int status = libevdev_next_event(input, flag, &event);
+		if (status == -EAGAIN && flag == LIBEVDEV_READ_FLAG_SYNC) {
+			flag = LIBEVDEV_READ_FLAG_NORMAL;
+			continue;
+		}
+		if (status < 0) {
+			unplugged = unplugged || (status != -EAGAIN && status != -EINTR);
+			return;
+		}
+		// Events were lost: what libevdev tells next makes up for them.
+		if (status == LIBEVDEV_READ_STATUS_SYNC)
+			flag = LIBEVDEV_READ_FLAG_SYNC;
+		const auto key = event.type == EV_KEY ? keyOf(event.code) : std::nullopt;
+		if (!key)
+			continue;
+		enum
+		{
+			released,
+			pressed,
+			repeated
+		};
+		if (event.value == pressed)
+			waiting.push_back({*key, false});
+		const auto repeat = std::find_if(waiting.begin(), waiting.end(), [&](const Press &press) {
+			return press.repeat && press.key == *key;
+		});
+		if (event.value == repeated && repeat == waiting.end())
+			waiting.push_back({*key, true});
+		if (event.value == released && repeat != waiting.end())
+			waiting.erase(repeat);
+	}
+}
+
+std::string findRemoteControl(const std::string &folder, std::string &error)
+{
+	std::string keyboard, refused;
+	for (const std::string &path : numberedDevices(folder, "event")) {
+		const Input input(path);
+		if (input.error == EACCES)
+			refused = path;
+		if (input.isRemote())
+			return path;
+		if (keyboard.empty() && input.leads())
+			keyboard = path;
+	}
+	if (keyboard.empty())
+		error = !refused.empty() ? "cannot use the remote control \"" + refused + "\": " + noRights
+		                         : "there is no remote control and no keyboard in " + folder +
+		                               "; plug one in, or name its device with --remote";
+	return keyboard;
+}
+
+} // namespace desk

@@ -1,0 +1,289 @@
+// The picture in the memory of a screen: every layout of its pixels, every size.
+
+#include "framebuffer.h"
+#include "framebuffer_screen.h"
+#include "kernel.h"
+#include "pixel_canvas.h"
+
+#include <gtest/gtest.h>
+#include <linux/input.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using desk::Framebuffer;
+using desk::screenHeight;
+using desk::screenWidth;
+using support::TempFolder;
+
+namespace
+{
+
+constexpr desk::Rect whole{0, 0, screenWidth, screenHeight};
+
+struct Layout
+{
+	const char *name;
+	int bits;
+	fb_bitfield red, green, blue;
+	uint32_t marked; ///< what red 0xFF, green 0x80, blue 0x40 is
+};
+
+constexpr Layout layouts[] = {
+	{"16 bits, 5 6 5", 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0}, 0xFC08},
+	{"16 bits, blue first", 16, {0, 5, 0}, {5, 6, 0}, {11, 5, 0}, 0x441F},
+	{"16 bits, 5 5 5", 16, {10, 5, 0}, {5, 5, 0}, {0, 5, 0}, 0x7E08},
+	{"24 bits", 24, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}, 0xFF8040},
+	{"24 bits, blue first", 24, {0, 8, 0}, {8, 8, 0}, {16, 8, 0}, 0x4080FF},
+	{"32 bits", 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}, 0xFF8040},
+	{"32 bits, blue first", 32, {0, 8, 0}, {8, 8, 0}, {16, 8, 0}, 0x4080FF},
+	{"32 bits, red in front", 32, {24, 8, 0}, {16, 8, 0}, {8, 8, 0}, 0xFF804000},
+	{"32 bits, 10 each", 32, {20, 10, 0}, {10, 10, 0}, {0, 10, 0}, 0x3FF80901},
+};
+
+/// Shows a frame of one colour with a corner of another.
+void show(Framebuffer &framebuffer, const desk::Rect &changed = whole)
+{
+	desk::PixelCanvas canvas;
+	canvas.fill(whole, desk::Fill::plain({255, 128, 64}));
+	canvas.fill({0, 0, 10, 10}, desk::Fill::plain({255, 255, 255}));
+	framebuffer.show(canvas.pixels(), canvas.stride(), changed);
+}
+
+std::unique_ptr<Framebuffer> opened(const kernel::Screen &screen)
+{
+	std::string error;
+	auto framebuffer = Framebuffer::open(screen.path, error);
+	EXPECT_TRUE(framebuffer) << error;
+	if (framebuffer)
+		framebuffer->blacken();
+	return framebuffer;
+}
+
+std::string refusal(const std::string &device)
+{
+	std::string error;
+	EXPECT_FALSE(Framebuffer::open(device, error));
+	EXPECT_NE(error.find(device), error.npos) << error;
+	EXPECT_EQ(error.find('\n'), error.npos) << error;
+	return error;
+}
+
+TEST(Framebuffer, should_draw_in_whatever_way_the_pixels_are_kept)
+{
+	for (const Layout &layout : layouts) {
+		TempFolder folder;
+		const kernel::Screen screen(folder, 720, 576, layout.bits, layout.red, layout.green, layout.blue);
+		const auto framebuffer = opened(screen);
+		ASSERT_TRUE(framebuffer) << layout.name;
+		show(*framebuffer);
+		EXPECT_EQ(screen.pixel(100, 100), layout.marked) << layout.name;
+		EXPECT_EQ(screen.pixel(719, 575), layout.marked) << layout.name;
+		uint32_t white = 0;
+		for (const fb_bitfield &field : {layout.red, layout.green, layout.blue})
+			white |= ((1u << field.length) - 1) << field.offset;
+		EXPECT_EQ(screen.pixel(0, 0), white) << layout.name;
+		EXPECT_EQ(screen.pixel(9, 9), white) << layout.name;
+		EXPECT_EQ(screen.pixel(10, 10), layout.marked) << layout.name;
+	}
+}
+
+TEST(Framebuffer, should_be_opaque)
+{
+	TempFolder folder;
+	kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
+	screen.mode.transp = {24, 8, 0};
+	const auto framebuffer = opened(screen);
+	EXPECT_EQ(screen.pixel(5, 5), 0xFF000000u);
+	show(*framebuffer);
+	EXPECT_EQ(screen.pixel(100, 100), 0xFFFF8040u);
+}
+
+TEST(Framebuffer, should_stand_in_the_middle_of_a_larger_screen)
+{
+	TempFolder folder;
+	const kernel::Screen screen(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	const auto framebuffer = opened(screen);
+	show(*framebuffer);
+	EXPECT_EQ(screen.pixel(40, 12), 0xFFFFu);
+	EXPECT_EQ(screen.pixel(759, 587), 0xFC08u);
+	EXPECT_EQ(screen.pixel(39, 12), 0u) << "what the console had there is gone";
+	EXPECT_EQ(screen.pixel(40, 11), 0u);
+	EXPECT_EQ(screen.pixel(760, 587), 0u);
+	EXPECT_EQ(screen.pixel(759, 588), 0u);
+}
+
+TEST(Framebuffer, should_become_smaller_on_a_smaller_screen)
+{
+	struct Size
+	{
+		int width, height, left, top, right, bottom; ///< of the picture
+	};
+	for (const Size &size : {Size{640, 480, 20, 0, 619, 479}, Size{320, 400, 0, 72, 319, 327},
+	                         Size{800, 480, 100, 0, 699, 479}, Size{1, 1, 0, 0, 0, 0}}) {
+		TempFolder folder;
+		const kernel::Screen screen(folder, size.width, size.height, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
+		const auto framebuffer = opened(screen);
+		show(*framebuffer);
+		const std::string shown = std::to_string(size.width) + " x " + std::to_string(size.height);
+		EXPECT_EQ(screen.pixel(size.right, size.bottom), 0xFF8040u) << shown;
+		if (size.width > 1) {
+			EXPECT_EQ(screen.pixel(size.left + 1, size.top + 1), 0xFFFFFFu) << shown;
+			EXPECT_EQ(screen.pixel(size.left + 20, size.top), 0xFF8040u) << shown;
+		}
+		if (size.left > 0) {
+			EXPECT_EQ(screen.pixel(size.left - 1, size.top), 0u) << shown;
+			EXPECT_EQ(screen.pixel(size.right + 1, size.bottom), 0u) << shown;
+		}
+		if (size.top > 0) {
+			EXPECT_EQ(screen.pixel(size.left, size.top - 1), 0u) << shown;
+			EXPECT_EQ(screen.pixel(size.left, size.bottom + 1), 0u) << shown;
+		}
+	}
+}
+
+TEST(Framebuffer, should_heed_the_length_of_a_line_and_where_the_screen_starts)
+{
+	TempFolder folder;
+	kernel::Screen screen(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	screen.fixed.line_length = 2048;
+	screen.mode.xres_virtual = 1024;
+	screen.mode.yres_virtual = 1200;
+	screen.mode.yoffset = 600;
+	screen.mode.xoffset = 8;
+	screen.resize();
+	const auto framebuffer = opened(screen);
+	show(*framebuffer);
+	EXPECT_EQ(screen.pixel(0, 0), 0xFFFFu);
+	EXPECT_EQ(screen.pixel(719, 575), 0xFC08u);
+	const std::string memory = screen.memory();
+	EXPECT_EQ(memory.find_first_not_of('\xAB'), 600u * 2048 + 16)
+		<< "what is not on the screen is left alone";
+	EXPECT_EQ(memory.find_last_not_of('\xAB'), (600u + 575) * 2048 + 16 + 720 * 2 - 1);
+	EXPECT_EQ(memory.substr(600 * 2048 + 16 + 720 * 2, 4), "\xAB\xAB\xAB\xAB");
+}
+
+TEST(Framebuffer, should_write_only_what_has_changed)
+{
+	TempFolder folder;
+	const kernel::Screen screen(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	const auto framebuffer = opened(screen);
+	show(*framebuffer, {100, 50, 20, 10});
+	EXPECT_EQ(screen.pixel(40 + 100, 12 + 50), 0xFC08u);
+	EXPECT_EQ(screen.pixel(40 + 119, 12 + 59), 0xFC08u);
+	EXPECT_EQ(screen.pixel(40 + 120, 12 + 59), 0u);
+	EXPECT_EQ(screen.pixel(40 + 119, 12 + 60), 0u);
+	EXPECT_EQ(screen.pixel(40 + 99, 12 + 50), 0u);
+	EXPECT_EQ(screen.pixel(40 + 100, 12 + 49), 0u);
+	show(*framebuffer, {-10, -10, 2000, 2000});
+	EXPECT_EQ(screen.pixel(39, 12), 0u) << "never beyond the frame";
+	EXPECT_EQ(screen.pixel(40, 12), 0xFFFFu);
+}
+
+TEST(Framebuffer, should_straighten_the_tables_of_a_screen_that_has_them)
+{
+	TempFolder folder;
+	kernel::Screen screen(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	opened(screen);
+	EXPECT_TRUE(screen.table.empty());
+	screen.fixed.visual = FB_VISUAL_DIRECTCOLOR;
+	opened(screen);
+	ASSERT_EQ(screen.table.size(), 64u) << "green has 6 bits";
+	EXPECT_EQ(screen.table[0], 0);
+	EXPECT_EQ(screen.table[31], 65535) << "red has 5";
+}
+
+TEST(Framebuffer, should_refuse_what_it_cannot_draw_on)
+{
+	TempFolder folder;
+	kernel::Screen screen(folder, 720, 576, 8, {0, 8, 0}, {0, 8, 0}, {0, 8, 0});
+	EXPECT_NE(refusal(screen.path).find("palette of 8 bits"), std::string::npos);
+	EXPECT_NE(refusal(screen.path).find("16, 24 or 32"), std::string::npos);
+	EXPECT_EQ(screen.memory().find_first_not_of('\xAB'), std::string::npos) << "it is left alone";
+
+	kernel::Screen other(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0}, "fb1");
+	other.mode.grayscale = 1;
+	refusal(other.path);
+	other.mode.grayscale = 0;
+	other.mode.red.offset = 12; // beyond the pixel
+	refusal(other.path);
+	other.mode.red.offset = 11;
+	other.fixed.type = FB_TYPE_PLANES;
+	refusal(other.path);
+	other.fixed.type = FB_TYPE_PACKED_PIXELS;
+	other.fixed.smem_len -= 1;
+	EXPECT_NE(refusal(other.path).find("does not fit"), std::string::npos);
+	other.fixed.smem_len += 1;
+	opened(other);
+}
+
+TEST(Framebuffer, should_say_what_is_wrong_with_a_device)
+{
+	TempFolder folder;
+	EXPECT_NE(refusal(folder / "fb7").find("--framebuffer"), std::string::npos);
+	EXPECT_NE(refusal(folder.write("file", "text")).find("no framebuffer"), std::string::npos);
+	if (geteuid() != 0) {
+		const std::string locked = folder.write("locked", "");
+		chmod(locked.c_str(), 0);
+		EXPECT_NE(refusal(locked).find("video"), std::string::npos);
+	}
+}
+
+TEST(Framebuffer, should_be_found)
+{
+	TempFolder folder;
+	std::string error;
+	EXPECT_EQ(desk::findFramebuffer(folder.path(), error), "");
+	EXPECT_NE(error.find("there is no framebuffer"), error.npos) << error;
+	for (const char *name : {"fb10", "fb2", "fbx", "fb", "tty0"})
+		folder.write(name, "");
+	EXPECT_EQ(desk::findFramebuffer(folder.path(), error), folder / "fb2");
+}
+
+TEST(FramebufferScreen, should_show_a_frame_when_it_is_presented)
+{
+	TempFolder folder;
+	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
+	kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
+	const kernel::Console console(folder);
+	std::string error;
+	const auto made = desk::makeFramebufferScreen({screen.path, remote.path, console.path}, error);
+	ASSERT_TRUE(made) << error;
+	EXPECT_EQ(console.display(), "graphics");
+	EXPECT_EQ(screen.pixel(100, 100), 0u);
+	made->canvas()->fill(whole, desk::Fill::plain({1, 2, 3}));
+	EXPECT_EQ(screen.pixel(100, 100), 0u);
+	made->present({100, 100, 1, 1});
+	EXPECT_EQ(screen.pixel(100, 100), 0x010203u);
+	EXPECT_EQ(screen.pixel(101, 100), 0u) << "only what has changed";
+	remote.press(KEY_OK);
+	EXPECT_EQ(made->waitKey(), desk::Key::ok);
+	made->wake();
+	EXPECT_EQ(made->waitKey(), std::nullopt);
+	remote.press(KEY_EXIT);
+	EXPECT_EQ(made->waitKey(), desk::Key::exit) << "woken once, it goes on";
+
+	testing::internal::CaptureStderr();
+	remote.unplug();
+	EXPECT_EQ(made->waitKey(), std::nullopt);
+	EXPECT_EQ(made->waitKey(), std::nullopt);
+	EXPECT_EQ(testing::internal::GetCapturedStderr(),
+	          "deskhost: the remote control \"" + remote.path + "\" is gone; was it unplugged?\n");
+}
+
+TEST(FramebufferScreen, should_leave_everything_alone_when_something_is_missing)
+{
+	TempFolder folder;
+	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
+	const kernel::Console console(folder);
+	std::string error;
+	EXPECT_FALSE(desk::makeFramebufferScreen({screen.path, folder / "event0", console.path}, error));
+	EXPECT_NE(error.find("event0"), error.npos) << error;
+	EXPECT_EQ(console.display(), "text");
+	EXPECT_EQ(screen.memory().find_first_not_of('\xAB'), std::string::npos);
+
+	const kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
+	EXPECT_FALSE(desk::makeFramebufferScreen({folder / "fb9", remote.path, console.path}, error));
+	EXPECT_EQ(console.display(), "text");
+}
+
+} // namespace
