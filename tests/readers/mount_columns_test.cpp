@@ -3,6 +3,7 @@
 #include "models.h"
 #include "mount_columns.h"
 #include "streams.h"
+#include "temp_folder.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,6 +15,8 @@
 namespace
 {
 
+using support::exists;
+using support::writeFile;
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
 

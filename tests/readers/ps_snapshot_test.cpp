@@ -3,6 +3,7 @@
 #include "models.h"
 #include "ps_snapshot.h"
 #include "streams.h"
+#include "temp_folder.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -16,6 +17,8 @@
 namespace
 {
 
+using support::exists;
+using support::writeFile;
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
 

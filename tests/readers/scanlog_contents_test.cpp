@@ -3,6 +3,7 @@
 #include "models.h"
 #include "scanlog_contents.h"
 #include "streams.h"
+#include "temp_folder.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -13,6 +14,8 @@
 namespace
 {
 
+using support::exists;
+using support::TempFolder;
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
 
@@ -300,8 +303,9 @@ TEST(ScanLog, GeneratedLogsReadAsTheModelReadsThem)
 
 TEST(FileSize, IsThePositionOfTheEndAndThePositionStays)
 {
-	const TemporaryFile file(ruler(5120));
-	const Stream stream(fopen(file.path.c_str(), "r"));
+	const TempFolder folder;
+	const std::string path = folder.write("file", ruler(5120));
+	const Stream stream(fopen(path.c_str(), "r"));
 	ASSERT_NE(stream, nullptr);
 	EXPECT_EQ(filesize(stream.get()), 5120);
 	EXPECT_EQ(ftell(stream.get()), 0);
@@ -322,15 +326,16 @@ TEST(FileSize, OfAStreamWithoutAPositionIsMinusOne)
 
 TEST(ReadScanLog, OpensReadsClosesAndSaysSoInThisOrder)
 {
-	const TemporaryFile file(ruler(5119) + "\n");
+	const TempFolder folder;
+	const std::string path = folder.write("file", ruler(5119) + "\n");
 	FakePlatform platform;
-	const ScanLogContents contents = readScanLog(file.path.c_str());
+	const ScanLogContents contents = readScanLog(path.c_str());
 	EXPECT_EQ(platform.calls,
-	          Strings({"fopen(\"" + file.path + "\", \"r\")", "fclose(stream)", "eDebug(\"close file\")"}));
-	EXPECT_EQ(contents.summary, "size of " + file.path + " : 5120 bytes");
+	          Strings({"fopen(\"" + path + "\", \"r\")", "fclose(stream)", "eDebug(\"close file\")"}));
+	EXPECT_EQ(contents.summary, "size of " + path + " : 5120 bytes");
 	EXPECT_TRUE(contents.found);
 	EXPECT_EQ(contents.entries.size(), 6u);
-	EXPECT_TRUE(exists(file.path));
+	EXPECT_TRUE(exists(path));
 }
 
 TEST(ReadScanLog, AMissingFileIsNamedInTheSummaryAndInTheDebugOutput)
@@ -346,32 +351,33 @@ TEST(ReadScanLog, AMissingFileIsNamedInTheSummaryAndInTheDebugOutput)
 
 TEST(ReadScanLog, AFileWithoutRightsReadsAsMissing)
 {
-	const TemporaryFile file("a\n");
-	ASSERT_EQ(chmod(file.path.c_str(), 0), 0);
+	const TempFolder folder;
+	const std::string path = folder.write("file", "a\n");
+	ASSERT_EQ(chmod(path.c_str(), 0), 0);
 	const bool privileged = geteuid() == 0;
 	if (privileged) {
-		ASSERT_EQ(chmod(file.folder.c_str(), 0755), 0);
+		ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
 		ASSERT_EQ(seteuid(65534), 0);
 	}
-	const ScanLogContents contents = readScanLog(file.path.c_str());
+	const ScanLogContents contents = readScanLog(path.c_str());
 	if (privileged) {
 		ASSERT_EQ(seteuid(0), 0);
 	}
-	EXPECT_EQ(contents.summary, "file \"" + file.path + "\" not found");
+	EXPECT_EQ(contents.summary, "file \"" + path + "\" not found");
 	EXPECT_FALSE(contents.found);
 }
 
 TEST(ReadScanLog, AFolderInItsPlaceOpensAndReadsNothing)
 {
-	const TemporaryFile file("");
-	const Stream folder(fopen(file.folder.c_str(), "r"));
-	ASSERT_NE(folder, nullptr);
+	const TempFolder folder;
+	const Stream stream(fopen(folder.path().c_str(), "r"));
+	ASSERT_NE(stream, nullptr);
 	FakePlatform platform;
-	const ScanLogContents contents = readScanLog(file.folder.c_str());
+	const ScanLogContents contents = readScanLog(folder.path().c_str());
 	EXPECT_TRUE(contents.found);
 	EXPECT_TRUE(contents.entries.empty());
 	EXPECT_EQ(contents.summary,
-	          "size of " + file.folder + " : " + std::to_string(filesize(folder.get())) + " bytes");
+	          "size of " + folder.path() + " : " + std::to_string(filesize(stream.get())) + " bytes");
 	EXPECT_EQ(platform.calls.back(), "eDebug(\"close file\")");
 }
 

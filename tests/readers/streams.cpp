@@ -1,14 +1,11 @@
 #include "streams.h"
 
+#include "temp_folder.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
@@ -58,9 +55,8 @@ Stream failingStream(const std::string &bytes, bool recovers)
 
 std::string fixture(const std::string &name)
 {
-	std::ifstream file(VEXLO_FIXTURES "/" + name, std::ios::binary);
-	EXPECT_TRUE(file.is_open()) << name;
-	return {std::istreambuf_iterator<char>(file), {}};
+	EXPECT_TRUE(support::exists(VEXLO_FIXTURES "/" + name)) << name;
+	return support::readFile(VEXLO_FIXTURES "/" + name);
 }
 
 std::vector<std::string> fixturesIn(const std::string &folder)
@@ -73,34 +69,6 @@ std::vector<std::string> fixturesIn(const std::string &folder)
 	}
 	std::sort(names.begin(), names.end());
 	return names;
-}
-
-TemporaryFile::TemporaryFile(const std::string &bytes)
-{
-	char pattern[] = "/tmp/vexlo-test-XXXXXX";
-	EXPECT_NE(mkdtemp(pattern), nullptr);
-	folder = pattern;
-	path = folder + "/file";
-	writeFile(path, bytes);
-}
-
-TemporaryFile::~TemporaryFile()
-{
-	unlink(path.c_str());
-	rmdir(folder.c_str());
-}
-
-bool exists(const std::string &path)
-{
-	struct stat status;
-	return lstat(path.c_str(), &status) == 0;
-}
-
-void writeFile(const std::string &path, const std::string &bytes)
-{
-	std::ofstream file(path, std::ios::binary);
-	file << bytes;
-	EXPECT_TRUE(file.flush().good()) << path;
 }
 
 std::string shown(const std::string &text)

@@ -26,22 +26,6 @@ std::string fixture(const std::string &name);
 /// Names, for fixture(), of what is to be read in tests/fixtures/`folder`: not the expectations.
 std::vector<std::string> fixturesIn(const std::string &folder);
 
-/// A file in a folder of its own under the temporary folder, gone with this object.
-class TemporaryFile
-{
-public:
-	explicit TemporaryFile(const std::string &bytes);
-	~TemporaryFile();
-	TemporaryFile(const TemporaryFile &) = delete;
-	TemporaryFile &operator=(const TemporaryFile &) = delete;
-
-	std::string folder;
-	std::string path;
-};
-
-bool exists(const std::string &path);
-void writeFile(const std::string &path, const std::string &bytes);
-
 /// `text` for a failure message: printable, and cut where it is long.
 std::string shown(const std::string &text);
 

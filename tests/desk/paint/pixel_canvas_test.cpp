@@ -1,10 +1,10 @@
 #include "pixel_canvas.h"
 
+#include "temp_folder.h"
+
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <random>
 #include <set>
@@ -456,28 +456,27 @@ TEST(PixelCanvas, DrawsTheColourKeyInItsColourWithinItsArea)
 
 TEST(PixelCanvas, WritesAPng)
 {
-	std::string folder = (std::filesystem::temp_directory_path() / "canvas-test-XXXXXX").string();
-	ASSERT_TRUE(mkdtemp(folder.data()));
+	const support::TempFolder folder;
 	PixelCanvas canvas;
 	canvas.fill({10, 10, 100, 100}, Fill::plain(red));
 	std::string error;
-	const std::string path = folder + "/picture.png";
+	const std::string path = folder / "picture.png";
 	EXPECT_TRUE(canvas.writePng(path, error)) << error;
 	EXPECT_TRUE(canvas.writePng(path, error)) << "over an older one: " << error;
-	std::ifstream file(path, std::ios::binary);
-	unsigned char head[24] = {};
-	file.read(reinterpret_cast<char *>(head), sizeof head);
-	EXPECT_EQ(std::memcmp(head, "\x89PNG\r\n\x1a\n", 8), 0);
-	EXPECT_EQ(head[18] * 256 + head[19], screenWidth);
-	EXPECT_EQ(head[22] * 256 + head[23], screenHeight);
+	const std::string png = support::readFile(path);
+	ASSERT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1a\n");
+	const auto number = [&](size_t at) {
+		return static_cast<unsigned char>(png.at(at)) * 256 + static_cast<unsigned char>(png.at(at + 1));
+	};
+	EXPECT_EQ(number(18), screenWidth);
+	EXPECT_EQ(number(22), screenHeight);
 
-	EXPECT_FALSE(canvas.writePng(folder + "/no/picture.png", error));
-	EXPECT_EQ(error, "cannot write \"" + folder + "/no/picture.png\": No such file or directory");
-	EXPECT_FALSE(canvas.writePng(folder, error));
-	EXPECT_EQ(error, "cannot write \"" + folder + "\": Is a directory");
+	EXPECT_FALSE(canvas.writePng(folder / "no/picture.png", error));
+	EXPECT_EQ(error, "cannot write \"" + folder / "no/picture.png" + "\": No such file or directory");
+	EXPECT_FALSE(canvas.writePng(folder.path(), error));
+	EXPECT_EQ(error, "cannot write \"" + folder.path() + "\": Is a directory");
 	EXPECT_FALSE(canvas.writePng("/dev/full", error));
 	EXPECT_EQ(error, "cannot write \"/dev/full\": No space left on device");
-	std::filesystem::remove_all(folder);
 }
 
 } // namespace

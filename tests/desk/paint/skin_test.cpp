@@ -1,12 +1,12 @@
 #include "skin.h"
 
+#include "temp_folder.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <random>
-#include <sstream>
 #include <unistd.h>
 
 namespace
@@ -16,14 +16,6 @@ using namespace desk;
 using namespace std::string_literals;
 
 const std::string standard = DESK_SKINS "/default.toml";
-
-std::string contents(const std::string &path)
-{
-	std::ifstream file(path, std::ios::binary);
-	std::ostringstream text;
-	text << file.rdbuf();
-	return text.str();
-}
 
 Skin skinOf(const std::string &text)
 {
@@ -65,18 +57,6 @@ double contrast(Color a, Color b)
 	return x > y ? x / y : y / x;
 }
 
-class TemporaryFolder
-{
-public:
-	TemporaryFolder()
-	{
-		std::string name = (std::filesystem::temp_directory_path() / "skin-test-XXXXXX").string();
-		path = mkdtemp(name.data());
-	}
-	~TemporaryFolder() { std::filesystem::remove_all(path); }
-	std::string path;
-};
-
 TEST(StandardSkin, HasWhatThePluginAsksFor)
 {
 	std::string error;
@@ -92,7 +72,7 @@ TEST(StandardSkin, HasWhatThePluginAsksFor)
 
 TEST(StandardSkin, IsLegibleFromASofa)
 {
-	const Skin skin = skinOf(contents(standard));
+	const Skin skin = skinOf(support::readFile(standard));
 	const Color back = skin.window.client;
 	const Decoration &list = skin.decoration("eListBox"), &button = skin.decoration("eButton");
 	EXPECT_GT(contrast(list.text, back), 7);
@@ -207,19 +187,18 @@ TEST(Skins, TellTheLineOfASyntaxError)
 
 TEST(SkinFiles, ThatCannotBeReadAreNamed)
 {
-	const TemporaryFolder folder;
-	EXPECT_EQ(loadMistake(folder.path + "/none.toml"),
-	          "cannot read the skin \"" + folder.path + "/none.toml\": No such file or directory");
-	EXPECT_EQ(loadMistake(folder.path),
-	          "cannot read the skin \"" + folder.path + "\": it is a folder; name a TOML file");
+	const support::TempFolder folder;
+	EXPECT_EQ(loadMistake(folder.path() + "/none.toml"),
+	          "cannot read the skin \"" + folder.path() + "/none.toml\": No such file or directory");
+	EXPECT_EQ(loadMistake(folder.path()),
+	          "cannot read the skin \"" + folder.path() + "\": it is a folder; name a TOML file");
 	EXPECT_EQ(loadMistake("/dev/zero"),
 	          "cannot read the skin \"/dev/zero\": it is larger than 1 MiB, which no skin is; "
 	          "name a TOML file");
 	EXPECT_EQ(loadMistake("/proc/self/mem").find("cannot read the skin \"/proc/self/mem\": "), 0u);
 	EXPECT_EQ(loadMistake(standard + "/x").find("cannot read the skin "), 0u);
 	if (geteuid() != 0) { // the superuser reads everything
-		const std::string closed = folder.path + "/closed.toml";
-		std::ofstream(closed).close();
+		const std::string closed = folder.write("closed.toml", "");
 		std::filesystem::permissions(closed, std::filesystem::perms::none);
 		EXPECT_EQ(loadMistake(closed), "cannot read the skin \"" + closed + "\": Permission denied");
 	}
@@ -233,7 +212,7 @@ TEST(SkinFiles, WithNastyNamesStayOneLineInErrors)
 
 TEST(Skins, NeverCrashOnAnyBytes)
 {
-	const std::string good = contents(standard);
+	const std::string good = support::readFile(standard);
 	std::mt19937 random(3);
 	std::uniform_int_distribution<int> byte(0, 255), count(1, 8), kind(0, 2);
 	std::uniform_int_distribution<size_t> place(0, good.size() - 1);

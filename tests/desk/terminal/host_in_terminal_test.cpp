@@ -111,10 +111,10 @@ TEST_F(HostInTerminal, AProcessIsKilledAndNoOther)
 	terminal.enter("sleep 4321 & echo $! >" + terminal.folder() + "/victim; sleep 4322 & echo $! >" +
 	               terminal.folder() + "/bystander; echo rea''dy");
 	ASSERT_TRUE(terminal.shows("ready"));
-	const std::string victim = support::lines(fileContent(terminal.folder() + "/victim")).at(0);
-	const std::string bystander = support::lines(fileContent(terminal.folder() + "/bystander")).at(0);
+	const std::string victim = support::lines(support::readFile(terminal.folder() + "/victim")).at(0);
+	const std::string bystander = support::lines(support::readFile(terminal.folder() + "/bystander")).at(0);
 	const auto state = [](const std::string &process) {
-		const std::string stat = fileContent("/proc/" + process + "/stat");
+		const std::string stat = support::readFile("/proc/" + process + "/stat");
 		return stat.empty() ? 'X' : stat[stat.rfind(')') + 2];
 	};
 

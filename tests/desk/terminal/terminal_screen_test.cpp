@@ -36,7 +36,7 @@ std::string mode(const Tmux &terminal, const std::string &name)
 {
 	terminal.enter("clear; stty -g >" + terminal.folder() + "/" + name + "; echo sa''ved " + name + ".");
 	terminal.shows("saved " + name + ".");
-	return fileContent(terminal.folder() + "/" + name);
+	return support::readFile(terminal.folder() + "/" + name);
 }
 
 /// Starts the demonstration, has it end in some way, and sees that the terminal is as before.
@@ -274,7 +274,7 @@ TEST(TerminalScreen, NotesAreBounded)
 	ASSERT_TRUE(terminal.shows("last key: 2"));
 	terminal.press("q");
 	ASSERT_TRUE(terminal.shows("status=0"));
-	const std::string notes = fileContent(file);
+	const std::string notes = support::readFile(file);
 	EXPECT_NE(notes.find("deskhost: earlier lines left out: 200\r\nnote 200.\r\nnote 201.\r\n"),
 	          std::string::npos);
 	EXPECT_NE(notes.find("note 1198.\r\nnote 1199.\r\n"), std::string::npos);
@@ -289,7 +289,7 @@ TEST(TerminalScreen, NotesGoAtOnceToAStandardErrorElsewhere)
 	ASSERT_TRUE(terminal.shows("last key: none"));
 	terminal.press("1");
 	ASSERT_TRUE(terminal.shows("last key: 1"));
-	EXPECT_EQ(fileContent(file), "a note \u241B[31m in red\n");
+	EXPECT_EQ(support::readFile(file), "a note \u241B[31m in red\n");
 }
 
 TEST(TerminalScreen, StoppingGivesTheTerminalBackUntilTheProgramGoesOn)
@@ -442,11 +442,11 @@ TEST(TerminalScreen, WaitingForKeysTakesNoTime)
 	const int process = terminal.start(demo);
 	ASSERT_TRUE(terminal.shows(helpLine));
 	const auto ticks = [&] {
-		const std::string stat = fileContent("/proc/" + std::to_string(process) + "/stat");
+		const std::string stat = support::readFile("/proc/" + std::to_string(process) + "/stat");
 		unsigned long user = 0, system = 0, switches = 0;
 		sscanf(stat.c_str() + stat.rfind(')'), ") %*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %lu %lu", &user,
 		       &system);
-		const std::string status = fileContent("/proc/" + std::to_string(process) + "/status");
+		const std::string status = support::readFile("/proc/" + std::to_string(process) + "/status");
 		sscanf(status.c_str() + status.find("\nvoluntary"), "\nvoluntary_ctxt_switches: %lu", &switches);
 		return std::pair(user + system, switches);
 	};

@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <thread>
 
 namespace
@@ -25,19 +24,11 @@ std::string shellWord(const std::string &text)
 
 } // namespace
 
-std::string fileContent(const std::string &path)
-{
-	std::ifstream file(path);
-	return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 Tmux::Tmux(int columns, int rows, const std::string &terminal,
            const std::map<std::string, std::string> &environment)
 {
-	char name[] = "/tmp/terminal-test-XXXXXX";
-	directory = mkdtemp(name);
 	std::map<std::string, std::string> variables = {{"PATH", getenv("PATH")},
-	                                                {"HOME", directory},
+	                                                {"HOME", folder()},
 	                                                {"LC_ALL", "C.UTF-8"},
 	                                                {"TERM", terminal},
 	                                                {"PS1", "status=$? $ "}};
@@ -60,14 +51,12 @@ Tmux::Tmux(int columns, int rows, const std::string &terminal,
 Tmux::~Tmux()
 {
 	tmux({"kill-server"});
-	const std::string remove = "rm -rf " + shellWord(directory);
-	EXPECT_EQ(system(remove.c_str()), 0);
 }
 
 std::string Tmux::tmux(const std::vector<std::string> &arguments) const
 {
-	std::string command = "env -u TMUX LC_ALL=C.UTF-8 " TMUX_PROGRAM " -S " +
-	                      shellWord(directory + "/socket") + " -f /dev/null";
+	std::string command =
+		"env -u TMUX LC_ALL=C.UTF-8 " TMUX_PROGRAM " -S " + shellWord(directory / "socket") + " -f /dev/null";
 	for (const std::string &argument : arguments)
 		command += argument == ";" ? " \\;" : " " + shellWord(argument);
 	command += " 2>/dev/null";
@@ -162,13 +151,13 @@ bool Tmux::losesSight(const std::string &text) const
 
 int Tmux::start(const std::string &command) const
 {
-	const std::string pidFile = directory + "/pid";
+	const std::string pidFile = directory / "pid";
 	remove(pidFile.c_str());
-	std::ofstream(directory + "/run") << "echo $$ >" << pidFile << ".new; mv " << pidFile << ".new "
-									  << pidFile << "; exec " << command << '\n';
-	enter("clear; sh " + directory + "/run");
+	std::ofstream(directory / "run") << "echo $$ >" << pidFile << ".new; mv " << pidFile << ".new " << pidFile
+									 << "; exec " << command << '\n';
+	enter("clear; sh " + directory / "run");
 	const auto end = std::chrono::steady_clock::now() + patience;
-	while (fileContent(pidFile).empty() && std::chrono::steady_clock::now() < end)
+	while (support::readFile(pidFile).empty() && std::chrono::steady_clock::now() < end)
 		std::this_thread::sleep_for(glance);
-	return atoi(fileContent(pidFile).c_str());
+	return atoi(support::readFile(pidFile).c_str());
 }

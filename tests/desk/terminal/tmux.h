@@ -1,6 +1,8 @@
 #ifndef VEXLO_TESTS_DESK_TERMINAL_TMUX_H
 #define VEXLO_TESTS_DESK_TERMINAL_TMUX_H
 
+#include "temp_folder.h"
+
 #include <map>
 #include <string>
 #include <vector>
@@ -35,15 +37,13 @@ public:
 	/// ended, the shell's prompt shows "status=N".
 	int start(const std::string &command) const;
 
-	const std::string &folder() const { return directory; } ///< a temporary one, gone with this
+	const std::string &folder() const { return directory.path(); } ///< a temporary one, gone with this
 
 private:
 	std::string tmux(const std::vector<std::string> &arguments) const;
 	bool until(const std::string &text, bool there) const;
 
-	std::string directory;
+	support::TempFolder directory;
 };
-
-std::string fileContent(const std::string &path);
 
 #endif

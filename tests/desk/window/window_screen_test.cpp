@@ -1,19 +1,12 @@
-#include <cerrno>
+#include "process.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <csignal>
-#include <cstdio>
-#include <cstring>
-#include <fcntl.h>
-#include <fstream>
-#include <functional>
-#include <gtest/gtest.h>
-#include <poll.h>
-#include <sstream>
 #include <string>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 // Last: its macros are everyday words.
@@ -24,131 +17,15 @@ namespace
 {
 
 using Strings = std::vector<std::string>;
-using Clock = std::chrono::steady_clock;
+using support::Child;
+using support::Environment;
+using support::eventually;
 
-constexpr std::chrono::seconds patience(60); // a busy machine is no failure
-
-bool eventually(const std::function<bool()> &holds)
+/// The test's own environment, without any display but this one; empty: none.
+Environment onDisplay(const std::string &display)
 {
-	for (const auto end = Clock::now() + patience; Clock::now() < end;) {
-		if (holds())
-			return true;
-		std::this_thread::sleep_for(std::chrono::milliseconds(20));
-	}
-	return holds();
+	return {{"DISPLAY", display}, {"WAYLAND_DISPLAY", ""}, {"SDL_VIDEODRIVER", ""}};
 }
-
-/// A program that runs beside the test, with what it prints. Ended with the object.
-class Child
-{
-public:
-	Child() = default;
-	~Child() { end(); }
-	Child(const Child &) = delete;
-	Child &operator=(const Child &) = delete;
-
-	/// Environment: the test's own, without any display but `display`; null: none. With `outNumber` the
-	/// program's output is what it writes to that descriptor.
-	void start(const Strings &words, const char *display, int outNumber = STDOUT_FILENO)
-	{
-		int ends[2];
-		ASSERT_EQ(pipe(ends), 0);
-		pid = fork();
-		ASSERT_GE(pid, 0);
-		if (pid == 0) {
-			prctl(PR_SET_PDEATHSIG, SIGKILL); // nothing outlives a test that is killed
-			for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER"})
-				unsetenv(name);
-			if (display)
-				setenv("DISPLAY", display, 1);
-			dup2(ends[1], outNumber);
-			close(ends[0]);
-			if (ends[1] != outNumber)
-				close(ends[1]);
-			std::vector<char *> arguments;
-			for (const std::string &word : words)
-				arguments.push_back(const_cast<char *>(word.c_str()));
-			arguments.push_back(nullptr);
-			execv(arguments[0], arguments.data());
-			_exit(127);
-		}
-		close(ends[1]);
-		out = ends[0];
-	}
-
-	/// The next line that it prints; "(nothing)" when it prints none.
-	std::string line()
-	{
-		for (const auto end = Clock::now() + patience; Clock::now() < end;) {
-			const size_t newline = buffer.find('\n');
-			if (newline != buffer.npos) {
-				const std::string next = buffer.substr(0, newline);
-				buffer.erase(0, newline + 1);
-				return next;
-			}
-			pollfd ready = {out, POLLIN, 0};
-			char piece[256];
-			if (poll(&ready, 1, 200) <= 0)
-				continue;
-			const ssize_t length = read(out, piece, sizeof piece);
-			if (length <= 0)
-				break;
-			buffer.append(piece, static_cast<size_t>(length));
-		}
-		return "(nothing)";
-	}
-
-	/// True when a line comes within this time.
-	bool printsWithin(int milliseconds)
-	{
-		pollfd ready = {out, POLLIN, 0};
-		return !buffer.empty() || poll(&ready, 1, milliseconds) > 0;
-	}
-
-	int exitStatus()
-	{
-		int status = -1;
-		if (!eventually([&] { return waitpid(pid, &status, WNOHANG) == pid; }))
-			return -1;
-		pid = -1;
-		return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-	}
-
-	void signal(int number) { kill(pid, number); }
-
-	void end()
-	{
-		if (pid > 0) {
-			kill(pid, SIGKILL);
-			waitpid(pid, nullptr, 0);
-		}
-		if (out >= 0)
-			close(out);
-		pid = out = -1;
-		buffer.clear();
-	}
-
-	/// Ticks of CPU that it has used so far.
-	long cpu() const
-	{
-		std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-		std::string text;
-		std::getline(file, text);
-		std::istringstream fields(text.substr(text.rfind(')') + 2));
-		std::string skipped;
-		for (int i = 0; i < 11; ++i)
-			fields >> skipped;
-		long user = 0, system = 0;
-		fields >> user >> system;
-		return user + system;
-	}
-
-	pid_t pid = -1;
-
-private:
-	int out = -1;
-	std::string buffer;
-};
 
 /// A display, the probe's window on it, and a view of both from outside.
 class WindowScreen : public testing::Test
@@ -159,14 +36,15 @@ protected:
 	// A display of other pixels shows other values for the same colours.
 	void open(const std::string &geometry, unsigned long shownGreen = green)
 	{
-		server.start({XVFB, "-displayfd", "7", "-screen", "0", geometry, "-nolisten", "tcp"}, nullptr, 7);
+		server.start({XVFB, "-displayfd", "7", "-screen", "0", geometry, "-nolisten", "tcp"}, onDisplay(""),
+		             7);
 		const std::string number = server.line();
 		ASSERT_NE(number, "(nothing)") << "no virtual display";
 		name = ":" + number;
 		view = XOpenDisplay(name.c_str());
 		XSetErrorHandler([](Display *, XErrorEvent *) { return 0; }); // a place not yet on the screen
 		ASSERT_TRUE(view);
-		probe.start({WINDOW_PROBE}, name.c_str());
+		probe.start({WINDOW_PROBE}, onDisplay(name));
 		ASSERT_EQ(probe.line(), "ready");
 		ASSERT_TRUE(eventually([&] { return (window = find()) != 0; }));
 		ASSERT_TRUE(eventually([&] { return pixel(400, 300) == shownGreen; }));
@@ -226,7 +104,7 @@ protected:
 		Strings words = {XDOTOOL, "key"};
 		words.insert(words.end(), keys.begin(), keys.end());
 		Child tool;
-		tool.start(words, name.c_str());
+		tool.start(words, onDisplay(name));
 		ASSERT_EQ(tool.exitStatus(), 0);
 	}
 
@@ -374,9 +252,10 @@ TEST_F(WindowScreen, WorksOnADisplayOf16BitsAPixel)
 
 TEST(WindowScreenWithoutADisplay, SaysSoInOneLine)
 {
-	for (const char *display : {static_cast<const char *>(nullptr), "", ":63999", "nonsense"}) {
+	for (const char *display : {"-uDISPLAY", "DISPLAY=", "DISPLAY=:63999", "DISPLAY=nonsense"}) {
+		SCOPED_TRACE(display);
 		Child probe;
-		probe.start({WINDOW_PROBE}, display, STDERR_FILENO);
+		probe.start({"env", display, WINDOW_PROBE}, onDisplay(""), STDERR_FILENO);
 		const std::string line = probe.line();
 		EXPECT_EQ(line.find("cannot open a window: "), 0u) << line;
 		EXPECT_NE(line.find("; set DISPLAY or use --screen terminal or --screen none"), line.npos) << line;

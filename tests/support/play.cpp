@@ -1,0 +1,104 @@
+#include "play.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace support
+{
+
+std::string deskhostPath()
+{
+	return TEST_DESKHOST;
+}
+
+std::string pluginPath()
+{
+	return TEST_PLUGIN;
+}
+
+std::string sourcePath(const std::string &inTree)
+{
+	return TEST_SOURCE_DIR "/" + inTree;
+}
+
+std::string buildPath(const std::string &inTree)
+{
+	return TEST_BINARY_DIR "/" + inTree;
+}
+
+std::string skinWithFontSize(const TempFolder &folder, int fontSize)
+{
+	std::string skin;
+	bool found = false;
+	for (const std::string &line : lines(readFile(sourcePath("desk/skins/default.toml")))) {
+		if (line.rfind("fontsize", 0) != 0) {
+			skin += line + '\n';
+			continue;
+		}
+		found = true;
+		if (fontSize)
+			skin += "fontsize = " + std::to_string(fontSize) + '\n';
+	}
+	EXPECT_TRUE(found) << "the default skin has no fontsize to change";
+	return folder.write("skin.toml", skin);
+}
+
+const Json &Play::window(size_t index) const
+{
+	const std::string when = "after key number " + std::to_string(index);
+	if (index >= moments.size())
+		throw std::out_of_range("nothing was recorded " + when + ", but " + std::to_string(moments.size()) +
+		                        " moments\n" + outcome.err);
+	const Json &windows = moments[index].at("windows");
+	if (windows.empty())
+		throw std::out_of_range("no window is open " + when);
+	return windows.back();
+}
+
+const Json &Play::widget(size_t index, const std::string &type, size_t nth) const
+{
+	const Json &top = window(index);
+	size_t left = nth;
+	for (const Json &widget : top.at("widgets"))
+		if (widget.at("class") == type && left-- == 0)
+			return widget;
+	throw std::out_of_range("no " + type + " number " + std::to_string(nth) + " after key number " +
+	                        std::to_string(index) + " in " + top.dump());
+}
+
+std::vector<std::string> Play::traceBetween(const std::string &from, const std::string &to) const
+{
+	const auto first = std::find(trace.begin(), trace.end(), from);
+	if (first == trace.end()) {
+		ADD_FAILURE() << "the trace has no line " << from << "\n" << ::testing::PrintToString(trace);
+		return {};
+	}
+	const auto last = std::find(first + 1, trace.end(), to);
+	if (last == trace.end()) {
+		ADD_FAILURE() << "the trace has no line " << to << "\n" << ::testing::PrintToString(trace);
+		return {};
+	}
+	return std::vector<std::string>(first, last + 1);
+}
+
+Play play(const std::string &root, const std::string &keys, const std::vector<std::string> &options,
+          const Environment &environment)
+{
+	TempFolder folder;
+	Command command = {deskhostPath(), "--screen",      "none",    "--keys",        keys,
+	                   "--dump",       folder / "dump", "--trace", folder / "trace"};
+	if (!root.empty())
+		command.insert(command.end(), {"--root", root});
+	command.insert(command.end(), options.begin(), options.end());
+
+	Play result;
+	result.outcome = run(command, environment);
+	result.trace = lines(readFile(folder / "trace"));
+	for (const std::string &line : lines(readFile(folder / "dump")))
+		result.moments.push_back(Json::parse(line));
+	return result;
+}
+
+} // namespace support

@@ -1,0 +1,45 @@
+#ifndef VEXLO_TESTS_PLAY_H
+#define VEXLO_TESTS_PLAY_H
+
+#include "process.h"
+#include "temp_folder.h"
+
+#include <nlohmann/json.hpp>
+
+namespace support
+{
+
+using Json = nlohmann::ordered_json;
+
+std::string deskhostPath();
+std::string pluginPath();
+std::string sourcePath(const std::string &inTree); ///< a file of the source tree
+std::string buildPath(const std::string &inTree);  ///< a file of the build tree
+
+/// The default skin with another "fontsize", written into `folder`; 0: without one. Returns its path.
+std::string skinWithFontSize(const TempFolder &folder, int fontSize);
+
+/// One play of the plugin in the desk host, with no screen but everything recorded.
+///
+/// A test that asks for what is not on the screen ends there, with a failure that names it.
+struct Play
+{
+	Outcome outcome;
+	std::vector<std::string> trace; ///< its lines
+	std::vector<Json> moments;      ///< the dump's lines
+
+	/// The topmost window after the key number `index` (0: the start).
+	const Json &window(size_t index) const;
+	/// The first widget of that class in that window.
+	const Json &widget(size_t index, const std::string &type, size_t nth = 0) const;
+	/// The trace's lines from the first one that is `from` up to the first one after it that is `to`.
+	std::vector<std::string> traceBetween(const std::string &from, const std::string &to) const;
+};
+
+/// `root` empty: this computer. Further options as on the command line.
+Play play(const std::string &root, const std::string &keys, const std::vector<std::string> &options = {},
+          const Environment &environment = {});
+
+} // namespace support
+
+#endif
