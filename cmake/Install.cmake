@@ -14,7 +14,8 @@ if(VEXLO_DESK)
   install(TARGETS deskhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
   install(DIRECTORY desk/skins samples DESTINATION ${CMAKE_INSTALL_DATADIR}/deskhost
           USE_SOURCE_PERMISSIONS COMPONENT desk PATTERN .gitattributes EXCLUDE)
-  install(FILES docs/deskhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
+  configure_file(docs/deskhost.1 ${CMAKE_BINARY_DIR}/docs/deskhost.1 @ONLY)
+  install(FILES ${CMAKE_BINARY_DIR}/docs/deskhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
   install(FILES README.md CHANGELOG.md docs/deskhost.md docs/porting.md docs/architecture.md
           DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/deskhost COMPONENT desk)
   install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/deskhost RENAME copyright COMPONENT desk)

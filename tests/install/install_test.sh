@@ -19,8 +19,9 @@ grep -q '"class":"ePsDialog"' "$place/dump" || fail "the installed plugin shows 
 grep -q '"title":"Vexlo service menu"' "$place/dump" && fail "the installed catalogues are not found"
 grep -q '/dev/root' "$place/dump" || fail "the installed sample has no commands"
 [ -s "$place/pictures/02-exit.png" ] || fail "the installed skin draws nothing"
-[ -s "$place/usr/share/man/man1/deskhost.1" ] ||
-	fail "there is no manual page"
+version=$("$place/usr/bin/deskhost" --version)
+head -n 1 "$place/usr/share/man/man1/deskhost.1" | grep -q " \"20[0-9-]*\" \"$version\" " ||
+	fail "the manual page is of another version than $version, or has no date"
 
 "$2" --config "$3/CPackConfig.cmake" -B "$place/packages" >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
 package=$(echo "$place"/packages/*.deb)
