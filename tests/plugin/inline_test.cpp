@@ -3,11 +3,15 @@
 #include "toolkit.h"
 
 #include "list.h"
+#include "trace.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <type_traits>
+#include <unistd.h>
 
 namespace
 {
@@ -76,6 +80,43 @@ TEST(Entry, should_take_itself_out_of_its_list)
 	Entry *second = new Entry(box);
 	delete first;
 	EXPECT_EQ(box->kept().entries, std::vector<eListBoxEntry *>{second});
+}
+
+TEST(Entry, should_still_have_its_help_when_it_is_taken_out)
+{
+	struct Watching : Box
+	{
+		using Box::Box;
+		void SendSelChanged(eListBoxEntry *) override { help = going->getHelpText(); }
+		eListBoxEntry *going = nullptr;
+		std::string help;
+	};
+	eWindow window(1);
+	Watching *box = new Watching(&window);
+	// Longer than a string keeps within itself.
+	const std::string help(100, 'h');
+	box->going = new Entry(box, help);
+	delete box->going; // the current one, which the list reports
+	EXPECT_EQ(box->help, help);
+}
+
+TEST(Entry, should_say_that_it_is_not_taken_out_by_its_list)
+{
+	char path[] = "/tmp/vexlo-trace-XXXXXX";
+	close(mkstemp(path));
+	std::string error;
+	ASSERT_TRUE(desk::Trace::get().open(path, error)) << error;
+	{
+		eWindow window(1);
+		Box *box = new Box(&window);
+		delete new Entry(box);
+		desk::Trace::get().close();
+	}
+	std::stringstream trace;
+	trace << std::ifstream(path).rdbuf();
+	EXPECT_NE(trace.str().find("#1, false, false)\n"), std::string::npos) << "appended: " << trace.str();
+	EXPECT_NE(trace.str().find("#1, false)\n"), std::string::npos) << "taken out: " << trace.str();
+	unlink(path);
 }
 
 TEST(Entry, should_be_less_than_none)
@@ -157,6 +198,28 @@ TEST(ListBox, should_emit_the_choice_in_the_order_of_connection)
 								  {1, entry}, {2, entry}, {1, nullptr}, {2, nullptr}}));
 }
 
+TEST(ListBox, should_end_its_signals_in_the_reverse_order)
+{
+	struct Told
+	{
+		~Told() { order->push_back(name); }
+		std::vector<std::string> *order;
+		const char *name;
+	};
+	std::vector<std::string> order;
+	{
+		eWindow window(1);
+		Box *box = new Box(&window);
+		const auto connect = [&](auto &signal, const char *name) {
+			const std::shared_ptr<Told> told(new Told{&order, name});
+			signal.connect([told](eListBoxEntryText *) {});
+		};
+		connect(box->selected, "selected");
+		connect(box->selchanged, "selchanged");
+	}
+	EXPECT_EQ(order, (std::vector<std::string>{"selchanged", "selected"}));
+}
+
 TEST(ListBox, should_emit_the_move_on_a_signal_of_its_own)
 {
 	eWindow window(1);
@@ -177,6 +240,19 @@ TEST(MenuEntry, should_pass_on_only_its_own_choice)
 	two.selected.connect(SigC::slot(second, &Listener::plain));
 	for (eListBoxEntryMenu *entry : {&one, &two})
 		entry->LBSelected(&two);
+	EXPECT_EQ(first.calls, 0);
+	EXPECT_EQ(second.calls, 1);
+}
+
+TEST(MenuEntry, should_know_its_own_choice_by_address_and_not_by_text)
+{
+	eSetupWindow window("menu", 10, 400);
+	eListBoxEntryMenu *one = new eListBoxEntryMenu(&window.list, "same", "same");
+	eListBoxEntryMenu *two = new eListBoxEntryMenu(&window.list, "same", "same");
+	Listener first, second;
+	one->selected.connect(SigC::slot(first, &Listener::plain));
+	two->selected.connect(SigC::slot(second, &Listener::plain));
+	window.list.selected.emit(two);
 	EXPECT_EQ(first.calls, 0);
 	EXPECT_EQ(second.calls, 1);
 }

@@ -1,11 +1,19 @@
 // A made-up vendor's front end without a screen: implements gui/gui.h, loads a plugin, plays a script of
 // keys and writes every call that the plugin makes, in the form of the desk host's trace.
 //
-//     vendor_host PLUGIN ROOT KEYS [fontsize=N] [lost=N] [answer=N] [log=PATH]
+//     vendor_host PLUGIN ROOT KEYS [OPTION=VALUE]...
 //
-// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only told. `lost`: by
-// how much a client area is lower than asked for. `answer`: what every message box returns at once.
-// `log`: what ff_scan is set to after loading.
+// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only told. Options:
+//
+//     fontsize=N  the skin's; 0: it has none
+//     lost=N      by how much a client area is lower than asked for
+//     answer=N    what every message box returns at once
+//     left=N      what exec() returns for a window that the viewer leaves
+//     again=N     the plugin is run once more with that
+//     log=PATH    what ff_scan is set to after loading
+//     format=0    eString::sprintf does nothing
+//     texts=0     dcgettext returns null
+//     tell=1      look-ups, where windows lie, what entries hold, how many slots are connected
 
 #include "gui/gui.h"
 
@@ -29,6 +37,10 @@ std::string root;
 std::deque<std::string> keys;
 bool answers = false;
 int answer = 0;
+int left = -1;
+bool formats = true;
+bool translates = true;
+bool tells = false;
 
 std::string nameOf(const void *object)
 {
@@ -123,6 +135,14 @@ int __wrap_remove(const char *path)
 	return std::remove(served ? (root + path).c_str() : path);
 }
 
+char *__wrap_dcgettext(const char *domain, const char *id, int category)
+{
+	if (tells)
+		line(std::string("dcgettext(") + (domain ? domain : "null") + ", " + quoted(id) + ", " +
+		     std::to_string(category) + ")");
+	return translates ? const_cast<char *>(id) : nullptr;
+}
+
 int __wrap_system(const char *command)
 {
 	line("system(" + quoted(command) + ")");
@@ -136,6 +156,8 @@ eString &eString::sprintf(char *format, ...)
 	va_start(values, format);
 	const std::string text = printed(format, values);
 	va_end(values);
+	if (!formats)
+		return *this;
 	line("eString.sprintf(" + quoted(format) + ") = " + quoted(text));
 	assign(text);
 	return *this;
@@ -291,6 +313,8 @@ void eWidget::setFocus(eWidget *child)
 {
 	nameOf(this); // numbered before the child
 	call(this, "setFocus(" + nameOf(child) + ")");
+	if (tells)
+		line(std::to_string(SigC::connectionsMade()) + " slots are connected");
 	focus = child;
 }
 
@@ -312,12 +336,31 @@ struct Remote
 		else if (eListBoxBase *list = focused<eListBoxBase>(window))
 			pressList(window, *list, key);
 		else if (key == "exit")
-			window.close(-1);
+			window.close(left);
 		else if (eButton *button = focused<eButton>(window))
 			pressButton(*button, key);
 	}
 
+	/// What the entries of a window's lists hold.
+	static void tellEntries(eWidget &window)
+	{
+		for (eWidget *child : window.children)
+			if (eListBoxBase *list = dynamic_cast<eListBoxBase *>(child))
+				for (eListBoxEntry *entry : list->lines)
+					if (eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry))
+						tell(*text);
+	}
+
 private:
+	static void tell(const eListBoxEntryText &entry)
+	{
+		const eString *key = static_cast<const eString *>(entry.key);
+		line("entry " + quoted(entry.text) + ", key " + (key ? quoted(*key) : "null") + ", help " +
+		     quoted(entry.helptext) + ", attribute " + std::to_string(entry.attribute) + ", others " +
+		     std::to_string(entry.keytype) + " " + std::to_string(entry.align) + " " +
+		     std::to_string(entry.precolour));
+	}
+
 	/// The widget of that kind that has the focus, or else may have it.
 	template <class T> static T *focused(eWidget &window)
 	{
@@ -370,7 +413,7 @@ private:
 			list.SendSelected(entry);
 		else if (key == "exit") {
 			list.SendSelected(nullptr);
-			window.close(-1);
+			window.close(left);
 		}
 	}
 };
@@ -379,6 +422,12 @@ int eWidget::exec()
 {
 	call(this, "exec()");
 	ended = false;
+	if (tells) {
+		const char here = 0;
+		const long distance = reinterpret_cast<const char *>(this) - &here;
+		line(distance > -1000000 && distance < 1000000 ? "it is on the stack" : "it is on the heap");
+		Remote::tellEntries(*this);
+	}
 	if (answers && dynamic_cast<eMessageBox *>(this))
 		close(answer);
 	while (!ended)
@@ -418,8 +467,8 @@ eButton::eButton(eWidget *of, eLabel *description, int takefocus, const char *de
 	: eLabel(of, 0, quietly(takefocus), deco), about(description)
 {
 	--muted;
-	line(nameOf(this) + " = eButton(" + nameOf(of) + ", " + nameOf(description) + ", " + std::to_string(takefocus) +
-	     ", " + quoted(deco) + ")");
+	line(nameOf(this) + " = eButton(" + nameOf(of) + ", " + nameOf(description) + ", " +
+	     std::to_string(takefocus) + ", " + quoted(deco) + ")");
 }
 eButton::~eButton() {}
 
@@ -534,26 +583,29 @@ int eSetupWindow::eventHandler(const eWidgetEvent &)
 int main(int count, char **words)
 {
 	if (count < 4) {
-		std::fprintf(stderr,
-		             "usage: vendor_host PLUGIN ROOT KEYS [fontsize=N] [lost=N] [answer=N] [log=PATH]\n");
+		std::fprintf(stderr, "usage: vendor_host PLUGIN ROOT KEYS [OPTION=VALUE]...\n");
 		return 2;
 	}
 	root = words[2];
 	std::istringstream script(words[3]);
 	for (std::string key; script >> key;)
 		keys.push_back(key);
-	const char *log = nullptr;
+	std::map<std::string, std::string> options;
 	for (int i = 4; i < count; ++i) {
-		const char *value = std::strchr(words[i], '=') + 1;
-		if (std::strncmp(words[i], "fontsize=", 9) == 0)
-			eSkin::fontSize = std::atoi(value);
-		else if (std::strncmp(words[i], "lost=", 5) == 0)
-			eWidget::lostHeight = std::atoi(value);
-		else if (std::strncmp(words[i], "answer=", 7) == 0)
-			answers = true, answer = std::atoi(value);
-		else if (std::strncmp(words[i], "log=", 4) == 0)
-			log = value;
+		const std::string word = words[i];
+		options[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
 	}
+	const auto number = [&](const char *option, int otherwise) {
+		return options.count(option) ? std::atoi(options[option].c_str()) : otherwise;
+	};
+	eSkin::fontSize = number("fontsize", 20);
+	eWidget::lostHeight = number("lost", 0);
+	answers = options.count("answer") > 0;
+	answer = number("answer", 0);
+	left = number("left", -1);
+	formats = number("format", 1) != 0;
+	translates = number("texts", 1) != 0;
+	tells = number("tell", 0) != 0;
 	const char *path = std::getenv("PATH");
 	setenv("PATH", (root + "/bin:" + (path ? path : "/usr/bin:/bin")).c_str(), 1);
 
@@ -562,10 +614,13 @@ int main(int count, char **words)
 		std::fprintf(stderr, "vendor_host: %s\n", dlerror());
 		return 1;
 	}
-	if (log)
-		*static_cast<const char **>(dlsym(plugin, "ff_scan")) = log;
+	if (options.count("log"))
+		*static_cast<const char **>(dlsym(plugin, "ff_scan")) = options["log"].c_str();
 	const auto entry = reinterpret_cast<int (*)()>(dlsym(plugin, "plugin_exec"));
-	const int result = entry();
-	std::fprintf(stderr, "plugin_exec returned %d\n", result);
+	std::fprintf(stderr, "plugin_exec returned %d\n", entry());
+	if (options.count("again")) {
+		left = number("again", 0);
+		std::fprintf(stderr, "plugin_exec returned %d\n", entry());
+	}
 	return dlclose(plugin);
 }

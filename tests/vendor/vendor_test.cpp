@@ -184,4 +184,127 @@ TEST_F(Vendor, gives_every_size_of_font_its_rows)
 	EXPECT_EQ(position(none, "move", "eListBoxBase("), "move(5, 30)");
 }
 
+/// The lines from the first one that begins so to the first one after it that begins so.
+Lines between(const Outcome &outcome, const std::string &from, const std::string &to)
+{
+	Lines result;
+	for (const std::string &line : support::lines(outcome.out))
+		if (!result.empty() || line.rfind(from, 0) == 0) {
+			result.push_back(line);
+			if (result.size() > 1 && line.rfind(to, 0) == 0)
+				return result;
+		}
+	ADD_FAILURE() << "not from " << from << " to " << to << " in\n" << outcome.out;
+	return {};
+}
+
+Lines linesThatBegin(const Outcome &outcome, const std::string &begin)
+{
+	Lines result;
+	for (const std::string &line : support::lines(outcome.out))
+		if (line.rfind(begin, 0) == 0)
+			result.push_back(line);
+	return result;
+}
+
+TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
+{
+	const Outcome run = playVendor(receiver, "ok ok exit exit exit", {"tell=1"});
+	EXPECT_EQ(
+		linesThatBegin(run, "dcgettext("),
+		(Lines{R"(dcgettext(null, "Vexlo service menu", 5))", R"(dcgettext(null, "process info", 5))",
+	           R"(dcgettext(null, "show current processes in memory", 5))",
+	           R"(dcgettext(null, "memory info", 5))",
+	           R"(dcgettext(null, "show current used and free memory", 5))",
+	           R"(dcgettext(null, "scan log", 5))", R"(dcgettext(null, "show scan log", 5))",
+	           R"(dcgettext(null, "system info", 5))", R"(dcgettext(null, "show system info", 5))",
+	           R"(dcgettext(null, "    1 root init\n", 5))", R"(dcgettext(null, "  123 root telnetd\n", 5))",
+	           R"(dcgettext(null, "Kill %s pid?", 5))", R"(dcgettext(null, "kill pid", 5))"}));
+	const Outcome log = playVendor(receiver, "down down ok red exit exit exit", {"tell=1"});
+	const Lines lookUps = linesThatBegin(log, "dcgettext(");
+	ASSERT_EQ(lookUps.size(), 12u);
+	EXPECT_EQ(
+		Lines(lookUps.begin() + 9, lookUps.end()),
+		(Lines{R"(dcgettext(null, "delete log", 5))", R"(dcgettext(null, "Delete /var/scaning.log ?", 5))",
+	           R"(dcgettext(null, "Warning", 5))"}));
+}
+
+TEST_F(Vendor, may_find_no_text_at_all)
+{
+	const Outcome run =
+		playVendor(receiver, "ok ok exit exit down down ok red exit exit down ok exit exit", {"texts=0"});
+	EXPECT_EQ(run.status, 0) << run.err;
+	EXPECT_NE(run.out.find("= eSetupWindow(\"\", 10, 400)"), std::string::npos);
+	EXPECT_NE(run.out.find("= \"(2) \""), std::string::npos);
+	EXPECT_NE(run.out.find("= eMessageBox(\"\", \"\", 76, 4, 0)"), std::string::npos);
+}
+
+TEST_F(Vendor, sees_a_question_of_none_where_his_formatting_does_nothing)
+{
+	const Outcome run = playVendor(receiver, "ok ok exit exit exit", {"format=0"});
+	EXPECT_NE(run.out.find("= eMessageBox(\"none\", \"kill pid\", 76, 4, 0)"), std::string::npos) << run.out;
+}
+
+TEST_F(Vendor, sees_windows_and_boxes_on_the_stack)
+{
+	const Outcome run = playVendor(
+		receiver, "ok ok exit exit down ok exit down ok red exit exit down ok exit exit", {"tell=1"});
+	EXPECT_EQ(linesThatBegin(run, "it is on the ").size(), 7u) << "the menu, four dialogs, two boxes";
+	EXPECT_EQ(linesThatBegin(run, "it is on the heap").size(), 0u);
+}
+
+TEST_F(Vendor, sees_what_the_entries_hold)
+{
+	const auto entries = [&](const std::string &keys, size_t from) {
+		const Lines all = linesThatBegin(playVendor(receiver, keys, {"tell=1"}), "entry ");
+		return Lines(all.begin() + static_cast<std::ptrdiff_t>(std::min(from, all.size())), all.end());
+	};
+	EXPECT_EQ(
+		entries("exit", 0),
+		(Lines{
+			R"(entry "process info", key null, help "(1) show current processes in memory", attribute 3, others 0 0 0)",
+			R"(entry "memory info", key null, help "(2) show current used and free memory", attribute 3, others 0 0 0)",
+			R"(entry "scan log", key null, help "(3) show scan log", attribute 3, others 0 0 0)",
+			R"(entry "system info", key null, help "(4) show system info", attribute 3, others 0 0 0)",
+		}));
+	EXPECT_EQ(entries("ok exit exit", 4),
+	          (Lines{R"(entry "    1 root init\n", key "1", help " ", attribute 3, others 0 0 0)",
+	                 R"(entry "  123 root telnetd\n", key "123", help " ", attribute 3, others 0 0 0)"}));
+	EXPECT_EQ(entries("down down ok exit exit", 4),
+	          (Lines{R"(entry "0 a\n", key "a\n", help " ", attribute 3, others 0 0 0)",
+	                 R"(entry "1  start at c\n", key "b start at c\n", help " ", attribute 3, others 0 0 0)",
+	                 R"(entry "1 ", key "b start at c\n", help " ", attribute 3, others 0 0 0)"}))
+		<< "the key is the whole line";
+}
+
+TEST_F(Vendor, sees_the_handler_connected_before_the_list_has_the_focus)
+{
+	// Two connections for each of the menu's entries, and the dialog's own.
+	for (const char *keys : {"ok exit exit", "down down ok exit exit"})
+		EXPECT_EQ(linesThatBegin(playVendor(receiver, keys, {"tell=1"}), "9 slots are connected").size(),
+		          1u + (*keys == 'o'))
+			<< keys;
+}
+
+TEST_F(Vendor, gets_back_what_each_run_of_the_menu_returned)
+{
+	EXPECT_EQ(playVendor(receiver, "exit exit", {"left=5", "again=7"}).err,
+	          "plugin_exec returned 5\nplugin_exec returned 7\n");
+}
+
+TEST_F(Vendor, sees_the_menu_again_whatever_a_dialog_returned)
+{
+	const Outcome run = playVendor(receiver, "down ok exit down down ok exit exit", {"left=5"});
+	const Lines shown = linesThatBegin(run, "#1.show()");
+	EXPECT_EQ(shown.size(), 3u) << run.out;
+	between(run, "#7.exec() = 5", "#1.show()");
+}
+
+TEST_F(Vendor, has_his_ok_button_connected_to_accept_itself)
+{
+	const std::string symbols = support::run({"nm", "-C", VENDOR_PLUGIN}).out;
+	EXPECT_NE(symbols.find("vtable for SigC::ObjectCall0<eWidget>"), std::string::npos);
+	EXPECT_EQ(symbols.find("vtable for SigC::ObjectCall0<eSysInfDialog>"), std::string::npos);
+}
+
 } // namespace

@@ -31,6 +31,18 @@ struct SignalNode
 	std::vector<SlotNode *> slots; ///< null: disconnected
 };
 
+namespace
+{
+
+unsigned long made = 0;
+
+} // namespace
+
+unsigned long connectionsMade()
+{
+	return made;
+}
+
 ObjectBase::ObjectBase() : owners(0), managed(false), slots(nullptr) {}
 
 ObjectBase::~ObjectBase()
@@ -156,6 +168,7 @@ SignalBase::~SignalBase()
 
 Connection SignalBase::add(SlotNode *slot)
 {
+	++made;
 	slot->reference();
 	node->slots.push_back(slot);
 	return Connection(node, slot);

@@ -15,6 +15,9 @@ namespace SigC
 class SlotNode;
 struct SignalNode;
 
+/// For tests: how many slots were ever connected.
+unsigned long connectionsMade();
+
 /// A counted object; its end is the end of the slots that lead to it.
 class ObjectBase
 {
