@@ -35,7 +35,7 @@ std::string demangled(const std::string &name)
 class Object
 {
 public:
-	explicit Object(const std::string &path)
+	explicit Object(const std::string &path) : wordSize(wordSizeOf(path))
 	{
 		for (const std::string &line : readelf("-s", path)) {
 			std::istringstream words(line);
@@ -54,17 +54,20 @@ public:
 		for (const std::string &line : readelf("-r", path)) {
 			// offset  info  type  value  name + addend, or: offset  info  type  addend, or, packed: offset
 			std::istringstream columns(line);
-			std::string offset, info, type, a, name, plus, addend;
+			std::string offset, info, type, a, name;
 			columns >> offset >> info >> type >> a;
-			if (info.empty() && offset.size() == 2 * sizeof(void *)) {
+			const bool packed = info.empty() && offset.size() == 2 * wordSize;
+			// 32-bit targets keep what is added where the pointer stands; some give the symbol no version.
+			const bool inPlace = type.rfind("R_", 0) == 0 && a.empty();
+			if (packed || inPlace) {
 				const auto word = words.find(std::stoull(offset, nullptr, 16));
 				if (word != words.end() && names.count(word->second))
 					targets[word->first] = names[word->second];
 			}
-			if (type.rfind("R_", 0) != 0)
+			if (type.rfind("R_", 0) != 0 || inPlace)
 				continue;
 			const uint64_t place = std::stoull(offset, nullptr, 16);
-			if (columns >> name >> plus >> addend) {
+			if (columns >> name) { // and, on 64-bit targets, what is added to it
 				targets[place] = {name.substr(0, name.find('@'))};
 			} else {
 				const uint64_t address = std::stoull(a, nullptr, 16);
@@ -87,7 +90,7 @@ public:
 		const auto [start, size] = table->second;
 		std::vector<std::set<std::string>> result;
 		bool within = false;
-		for (uint64_t place = start; place < start + size; place += sizeof(void *)) {
+		for (uint64_t place = start; place < start + size; place += wordSize) {
 			const auto target = targets.find(place);
 			if (!within) {
 				within = target != targets.end() && target->second.count("_ZTI" + mangledClass);
@@ -116,7 +119,7 @@ public:
 			return {};
 		}
 		const auto [start, size] = info->second;
-		for (uint64_t place = start; place < start + size; place += sizeof(void *))
+		for (uint64_t place = start; place < start + size; place += wordSize)
 			if (const auto target = targets.find(place); target != targets.end())
 				for (const std::string &name : target->second)
 					if (name.rfind("_ZTI", 0) == 0)
@@ -134,7 +137,7 @@ public:
 private:
 	/// The words of the section that holds the tables: address to content. A packed relocation says
 	/// where a pointer stands; what it points to stands there.
-	static std::map<uint64_t, uint64_t> relocatedWords(const std::string &path)
+	std::map<uint64_t, uint64_t> relocatedWords(const std::string &path) const
 	{
 		std::map<uint64_t, uint64_t> result;
 		const std::string bytes = support::readFile(path);
@@ -148,23 +151,40 @@ private:
 			const uint64_t start = std::stoull(address, nullptr, 16);
 			const uint64_t length = std::stoull(size, nullptr, 16);
 			const uint64_t from = std::stoull(offset, nullptr, 16);
-			for (uint64_t at = 0; at + sizeof(uint64_t) <= length; at += sizeof(uint64_t)) {
-				uint64_t word = 0;
-				std::memcpy(&word, bytes.data() + from + at, sizeof word);
+			for (uint64_t at = 0; at + wordSize <= length; at += wordSize) {
+				uint64_t word = 0; // least significant byte first, as on all of our targets
+				std::memcpy(&word, bytes.data() + from + at, wordSize);
 				result[start + at] = word;
 			}
 		}
 		return result;
 	}
 
+	/// Bytes of a pointer, by the class that the file's header tells.
+	static size_t wordSizeOf(const std::string &path)
+	{
+		const std::string bytes = support::readFile(path);
+		EXPECT_GT(bytes.size(), 5u) << path;
+		EXPECT_EQ(bytes.at(5), 1) << path << " has its most significant bytes first";
+		return bytes.at(4) == 1 ? 4 : 8;
+	}
+
+	const size_t wordSize;
 	std::map<std::string, std::pair<uint64_t, uint64_t>> symbols; ///< name: address, size
 	std::map<uint64_t, std::set<std::string>> names;
 	std::map<uint64_t, std::set<std::string>> targets; ///< address of a pointer: what it points to
 };
 
+std::string testedPlugin()
+{
+	const char *named = std::getenv("VEXLO_TESTED_PLUGIN");
+	return named ? named : pluginPath();
+}
+
 const Object &plugin()
 {
-	static const Object object(pluginPath());
+	// Another one may be named: one that was built for another processor.
+	static const Object object(testedPlugin());
 	return object;
 }
 
@@ -241,11 +261,12 @@ std::vector<std::string> listSlots(const std::string &type)
 TEST(Plugin, defines_its_entry_and_the_log_path_and_nothing_else)
 {
 	std::set<std::string> defined;
-	for (const std::string &line : Object::readelf("--dyn-syms", pluginPath())) {
+	for (const std::string &line : Object::readelf("--dyn-syms", testedPlugin())) {
 		std::istringstream words(line);
 		std::string number, value, size, type, bind, visibility, section, name;
 		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
-		if (!number.empty() && number.back() == ':' && number != "Num:" && section != "UND" && !name.empty())
+		if (!number.empty() && number.back() == ':' && number != "Num:" && section != "UND" &&
+		    type != "SECTION" && !name.empty())
 			defined.insert(name);
 	}
 	EXPECT_EQ(defined, (std::set<std::string>{"plugin_exec", "ff_scan"}));
@@ -254,7 +275,7 @@ TEST(Plugin, defines_its_entry_and_the_log_path_and_nothing_else)
 TEST(Plugin, resolves_the_toolkit_from_its_host)
 {
 	std::set<std::string> needed;
-	for (const std::string &line : Object::readelf("--dyn-syms", pluginPath())) {
+	for (const std::string &line : Object::readelf("--dyn-syms", testedPlugin())) {
 		std::istringstream words(line);
 		std::string number, value, size, type, bind, visibility, section, name;
 		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
