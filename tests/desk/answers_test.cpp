@@ -3,7 +3,7 @@
 
 #include "desk.h"
 #include "files.h"
-#include "plugin.h"
+#include "inside.h"
 #include "support.h"
 #include "trace.h"
 
@@ -27,18 +27,9 @@ std::vector<std::string> playAnswering(const Receiver &receiver, int answer, con
 	std::string error;
 	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
 	EXPECT_TRUE(desk::Trace::get().open(receiver / "trace", error)) << error;
-	const auto script = desk::parseKeyScript(keys, error);
-	EXPECT_TRUE(script) << error;
-	{
-		const auto plugin = desk::Plugin::load(support::pluginPath(), error);
-		EXPECT_TRUE(plugin) << error;
-		Desk::get().setAnswer(answer);
-		Desk::get().press(*script);
-		Desk::get().beginPlay();
-		returned = plugin->exec();
-		Desk::get().endPlay();
-		Desk::get().setAnswer(std::nullopt);
-	}
+	Desk::get().setAnswer(answer);
+	returned = support::playInside(keys);
+	Desk::get().setAnswer(std::nullopt);
 	EXPECT_TRUE(desk::Trace::get().close());
 	return support::lines(support::readFile(receiver / "trace"));
 }

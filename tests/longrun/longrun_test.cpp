@@ -4,6 +4,7 @@
 #include "app.h"
 #include "desk.h"
 #include "files.h"
+#include "inside.h"
 #include "plugin.h"
 #include "support.h"
 
@@ -179,12 +180,7 @@ TEST_P(Openings, should_leave_the_process_as_it_was)
 	Viewer *viewer = new Viewer(openings);
 	Desk &desk = Desk::get();
 	desk.setScreen(std::unique_ptr<desk::Screen>(viewer));
-	const std::unique_ptr<Plugin> plugin = Plugin::load(support::pluginPath(), error);
-	ASSERT_TRUE(plugin) << error;
-	desk.press(std::vector<Key>(static_cast<size_t>(GetParam().number), Key::down));
-	desk.beginPlay();
-	EXPECT_EQ(plugin->exec(), -1);
-	desk.endPlay();
+	EXPECT_EQ(support::playInside(support::repeat("down ", GetParam().number)), -1);
 
 	EXPECT_EQ(viewer->opened, openings);
 	EXPECT_EQ(viewer->dialogs, std::vector<std::string>(2, GetParam().dialog));

@@ -1,20 +1,23 @@
 // The process screen, call by call and by keys, on a receiver's output and on real processes.
 
+#include "desk.h"
+#include "inside.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
+#include <cstdlib>
 
 using support::Json;
 using support::Play;
 using support::play;
 using support::Receiver;
-using support::repeat;
+using support::ReceiverFolder;
 using Lines = std::vector<std::string>;
 
 namespace
@@ -274,40 +277,12 @@ TEST(Ps, should_scroll_through_ten_thousand_processes)
 }
 
 /// A process of the test's own.
-class Sleeper
+struct Sleeper : support::Child
 {
-public:
-	Sleeper() : id(fork())
-	{
-		if (id == 0) {
-			execlp("sleep", "sleep", "600", nullptr);
-			_exit(127);
-		}
-	}
-	~Sleeper()
-	{
-		if (id > 0) {
-			::kill(id, SIGKILL);
-			waitpid(id, nullptr, 0);
-		}
-	}
-	Sleeper(const Sleeper &) = delete;
-	Sleeper &operator=(const Sleeper &) = delete;
-
-	pid_t pid() const { return id; }
-	bool lives() const { return waitpid(id, nullptr, WNOHANG) == 0; }
-	/// Waits for its end; the signal that it died of.
-	int deathSignal()
-	{
-		int status = 0;
-		waitpid(id, &status, 0);
-		id = -1;
-		return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-	}
-
-private:
-	pid_t id;
+	Sleeper() { start({"sleep", "600"}); }
 };
+
+constexpr int killed = 128 + SIGKILL;
 
 /// A ps that prints only the lines of these processes, from the real table.
 void onlyThese(const Receiver &receiver, const std::vector<pid_t> &pids)
@@ -328,7 +303,7 @@ TEST(Ps, should_kill_the_chosen_process_and_no_other)
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.widget(3, "eLabel")["text"], "Kill " + std::to_string(second.pid()) + " pid?");
 	EXPECT_EQ(run.window(4)["class"], "eVexloMenu");
-	EXPECT_EQ(second.deathSignal(), SIGKILL);
+	EXPECT_EQ(second.exitStatus(), killed);
 	EXPECT_TRUE(first.lives());
 	EXPECT_TRUE(third.lives());
 }
@@ -357,11 +332,52 @@ TEST(Ps, should_signal_nobody_with_a_root)
 	EXPECT_TRUE(sleeper.lives());
 }
 
-/// Kills a process of the test's own in the list of all processes of this computer. The list is printed
-/// once, before, so that no process that starts or ends meanwhile can move another one into its line.
+/// A viewer who goes to one row, and says yes to one question only.
+class CarefulViewer : public desk::Screen
+{
+public:
+	CarefulViewer(int toRow, std::string question) : row(toRow), expected(std::move(question)) {}
+
+	desk::Canvas *canvas() override { return nullptr; }
+	void present(const desk::Rect &) override {}
+	void note(const std::string &) override {}
+
+	std::optional<desk::Key> waitKey() override
+	{
+		const Json window = desk::Desk::get().describe().back();
+		if (window.at("class") == "eMessageBox")
+			return answer(window.at("widgets").at(0).at("text"));
+		if (leaves)
+			return desk::Key::exit;
+		if (window.at("class") == "eVexloMenu")
+			return desk::Key::ok;
+		for (const Json &widget : window.at("widgets"))
+			if (widget.at("class") == list && widget.at("current") < row)
+				return desk::Key::down;
+		leaves = true;
+		return desk::Key::ok;
+	}
+
+	std::vector<std::string> questions; ///< that were asked
+
+private:
+	desk::Key answer(const std::string &question)
+	{
+		leaves = true;
+		questions.push_back(question);
+		return questions == std::vector<std::string>{expected} ? desk::Key::ok : desk::Key::exit;
+	}
+
+	const int row;
+	const std::string expected;
+	bool leaves = false;
+};
+
+/// Kills a process of the test's own in the list of all processes that it sees. The list is printed once,
+/// before, so that no process that starts or ends meanwhile can move another one into its line.
 void killInRealList(const std::vector<std::string> &program)
 {
-	Sleeper sleeper;
+	Sleeper sleeper, bystander;
 	const std::string output = support::run(program).out;
 	const Lines processes = support::lines(output);
 	int row = 0;
@@ -370,22 +386,20 @@ void killInRealList(const std::vector<std::string> &program)
 		row += 1 + static_cast<int>(processes[at].size()) / 1022; // long lines take several rows
 	ASSERT_LT(at, processes.size()) << output;
 
-	Receiver commands;
+	ReceiverFolder commands;
 	commands.ps(output);
-	const std::map<std::string, std::string> environment = {{"PATH", (commands / "bin") + ":/usr/bin:/bin"}};
-	const std::string toQuestion = "ok " + repeat("down ", row) + "ok ";
-	const size_t asked = static_cast<size_t>(row) + 2;
+	const std::string path = std::getenv("PATH");
+	setenv("PATH", ((commands / "bin") + ":/usr/bin:/bin").c_str(), 1);
 	const std::string question = "Kill " + std::to_string(sleeper.pid()) + " pid?";
-
-	// No one else's process may die of a mistake in this test: look first, answer in a second run.
-	const Play look = play("", toQuestion + "exit exit exit", {}, environment);
-	ASSERT_EQ(look.widget(asked, "eLabel")["text"], question);
-	ASSERT_TRUE(sleeper.lives());
-
-	const Play kill = play("", toQuestion + "ok exit", {}, environment);
-	EXPECT_EQ(kill.widget(asked, "eLabel")["text"], question);
-	EXPECT_EQ(kill.window(asked + 1)["class"], "eVexloMenu");
-	EXPECT_EQ(sleeper.deathSignal(), SIGKILL);
+	auto viewer = std::make_unique<CarefulViewer>(row, question);
+	const CarefulViewer &saw = *viewer;
+	desk::Desk::get().setScreen(std::move(viewer));
+	EXPECT_EQ(support::playInside(), -1);
+	setenv("PATH", path.c_str(), 1);
+	EXPECT_EQ(saw.questions, Lines{question});
+	desk::Desk::get().setScreen(nullptr);
+	EXPECT_EQ(sleeper.exitStatus(), killed);
+	EXPECT_TRUE(bystander.lives());
 }
 
 TEST(Ps, should_kill_in_the_list_of_the_full_ps)

@@ -315,6 +315,13 @@ TEST(FileSize, IsThePositionOfTheEndAndThePositionStays)
 	EXPECT_EQ(fgetc(stream.get()), ruler(101)[100]);
 }
 
+TEST(ScanLog, TheSizeIsWhatItIsAfterTheReading)
+{
+	const ScanLogContents contents = parseScanLog(growingStream("a\n", "b\n").get(), "log");
+	EXPECT_EQ(texts(contents), Strings({"0 a\n", "1 b\n"}));
+	EXPECT_EQ(contents.summary, "size of log : 4 bytes");
+}
+
 TEST(FileSize, OfAStreamWithoutAPositionIsMinusOne)
 {
 	int ends[2];

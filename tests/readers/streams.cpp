@@ -6,21 +6,23 @@
 #include <cerrno>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace
 {
 
-struct FailingSource
+struct Source
 {
 	std::string bytes;
 	std::size_t at = 0;
 	bool failsFirst = false;
 	bool failsAtEnd = false;
+	std::string later = {}; ///< comes once the rest has been read
 };
 
 ssize_t readSource(void *cookie, char *buffer, size_t size)
 {
-	FailingSource &source = *static_cast<FailingSource *>(cookie);
+	Source &source = *static_cast<Source *>(cookie);
 	const std::size_t count = std::min(size, source.bytes.size() - source.at);
 	if (source.failsFirst || (source.failsAtEnd && count == 0)) {
 		source.failsFirst = false;
@@ -29,12 +31,23 @@ ssize_t readSource(void *cookie, char *buffer, size_t size)
 	}
 	source.bytes.copy(buffer, count, source.at);
 	source.at += count;
+	if (source.at == source.bytes.size())
+		source.bytes += std::exchange(source.later, {});
 	return static_cast<ssize_t>(count);
+}
+
+int seekSource(void *cookie, off64_t *offset, int whence)
+{
+	Source &source = *static_cast<Source *>(cookie);
+	const std::size_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? source.at : source.bytes.size();
+	source.at = from + static_cast<std::size_t>(*offset);
+	*offset = static_cast<off64_t>(source.at);
+	return 0;
 }
 
 int closeSource(void *cookie)
 {
-	delete static_cast<FailingSource *>(cookie);
+	delete static_cast<Source *>(cookie);
 	return 0;
 }
 
@@ -50,7 +63,16 @@ Stream failingStream(const std::string &bytes, bool recovers)
 	cookie_io_functions_t functions = {};
 	functions.read = readSource;
 	functions.close = closeSource;
-	return Stream(fopencookie(new FailingSource{bytes, 0, recovers, !recovers}, "r", functions));
+	return Stream(fopencookie(new Source{bytes, 0, recovers, !recovers}, "r", functions));
+}
+
+Stream growingStream(const std::string &bytes, const std::string &later)
+{
+	cookie_io_functions_t functions = {};
+	functions.read = readSource;
+	functions.seek = seekSource;
+	functions.close = closeSource;
+	return Stream(fopencookie(new Source{bytes, 0, false, false, later}, "r", functions));
 }
 
 std::string fixture(const std::string &name)

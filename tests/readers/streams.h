@@ -20,6 +20,9 @@ Stream streamOf(std::string &&) = delete;
 /// reading fails and what follows works.
 Stream failingStream(const std::string &bytes, bool recovers = false);
 
+/// A stream that gives `bytes`, and then `later`, which was not there before.
+Stream growingStream(const std::string &bytes, const std::string &later);
+
 /// The contents of tests/fixtures/`name`; fails the test when it cannot be read.
 std::string fixture(const std::string &name);
 

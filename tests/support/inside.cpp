@@ -1,0 +1,29 @@
+#include "inside.h"
+
+#include "desk.h"
+#include "play.h"
+#include "plugin.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace support
+{
+
+int playInside(const std::string &keys)
+{
+	std::string error;
+	const auto script = desk::parseKeyScript(keys, error);
+	const auto plugin = desk::Plugin::load(pluginPath(), error);
+	if (!script || !plugin)
+		throw std::runtime_error(error);
+	desk::Desk &desk = desk::Desk::get();
+	desk.press(*script);
+	desk.beginPlay();
+	const int result = plugin->exec();
+	desk.endPlay();
+	return result;
+}
+
+} // namespace support
