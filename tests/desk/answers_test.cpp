@@ -14,7 +14,7 @@
 
 using desk::Desk;
 using desk::Key;
-using support::Receiver;
+using support::ReceiverFolder;
 
 namespace
 {
@@ -22,7 +22,7 @@ namespace
 int returned;
 
 /// Plays keys with every question answered by `answer`; the trace's lines.
-std::vector<std::string> playAnswering(const Receiver &receiver, int answer, const std::string &keys)
+std::vector<std::string> playAnswering(const ReceiverFolder &receiver, int answer, const std::string &keys)
 {
 	std::string error;
 	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
@@ -45,7 +45,7 @@ class Answer : public ::testing::TestWithParam<int>
 
 TEST_P(Answer, should_kill_unless_it_is_no_or_none)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps("PID\n123 telnetd\n");
 	const auto trace = playAnswering(receiver, GetParam(), "ok ok");
 	const bool consent = GetParam() != -1 && GetParam() != 8;
@@ -59,7 +59,7 @@ TEST_P(Answer, should_kill_unless_it_is_no_or_none)
 
 TEST_P(Answer, should_delete_only_when_it_is_a_plain_yes)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	const auto trace = playAnswering(receiver, GetParam(), "down down ok red");
 	const bool consent = GetParam() == 4;
@@ -71,7 +71,7 @@ TEST_P(Answer, should_delete_only_when_it_is_a_plain_yes)
 
 TEST(Result, should_be_what_the_menus_run_returned)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	for (const int result : {-1, 0, 1, 8, 1234567, -1234567}) {
 		Desk::get().setLeft(result);
 		const auto trace = playAnswering(receiver, 4, "exit");
@@ -83,7 +83,7 @@ TEST(Result, should_be_what_the_menus_run_returned)
 
 TEST(Result, should_not_depend_on_what_a_screen_returned)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df("heading\n");
 	Desk::get().setLeft(5);
 	const auto trace = playAnswering(receiver, 4, "4 ok exit");

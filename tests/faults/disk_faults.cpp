@@ -4,7 +4,8 @@
 //   DISK_FAULTS_BREAK=A:B:...  reading these paths through a stream fails ...
 //   DISK_FAULTS_AFTER=N        ... after their first N bytes
 
-#include <dlfcn.h>
+#include "libc.h"
+
 #include <fcntl.h>
 #include <sys/types.h>
 
@@ -16,11 +17,6 @@
 
 namespace
 {
-
-template <class Function> Function *next(const char *name)
-{
-	return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
-}
 
 /// Where a path really lies.
 class Place

@@ -23,7 +23,7 @@
 using support::Json;
 using support::Play;
 using support::play;
-using support::Receiver;
+using support::ReceiverFolder;
 
 namespace
 {
@@ -91,7 +91,7 @@ constexpr size_t diskBlock = 512; // the shell's unit of ulimit -f
 /// A receiver of whose sources one is about to be spoilt, and what then still reaches the plugin.
 struct Setting
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	std::string varTmp = receiver / "private/tmp";
 	std::map<std::string, std::string> environment;
 	bool dropRights = false; ///< for the superuser: go without the right to open everything

@@ -32,7 +32,7 @@ using desk::Desk;
 using desk::Files;
 using desk::Key;
 using desk::Plugin;
-using support::Receiver;
+using support::ReceiverFolder;
 
 namespace
 {
@@ -102,7 +102,7 @@ void expectNothingLeft()
 }
 
 /// A receiver whose commands cost little but are real.
-struct SmallReceiver : Receiver
+struct SmallReceiver : ReceiverFolder
 {
 	SmallReceiver()
 	{

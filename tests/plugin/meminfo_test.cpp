@@ -4,11 +4,7 @@
 
 #include <gtest/gtest.h>
 
-using support::Json;
-using support::Play;
-using support::play;
-using support::Receiver;
-using Lines = std::vector<std::string>;
+using namespace support;
 
 namespace
 {
@@ -22,7 +18,7 @@ const std::string olderLayout = "        total:    used:    free:  shared: buffe
 
 TEST(MemInfo, should_place_and_fill_two_labels)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
 	const Play run = play(receiver.path(), "down ok exit exit");
 	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
@@ -48,7 +44,7 @@ TEST(MemInfo, should_place_and_fill_two_labels)
 
 TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
 	const Play run = play(receiver.path(), "down ok exit exit");
 	for (const std::string &line : run.trace) {
@@ -61,7 +57,7 @@ TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
 
 TEST(MemInfo, should_reach_five_pixels_below_its_client_area)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Play run = play(receiver.path(), "down ok");
 	EXPECT_EQ(run.window(2)["client"], Json({225, 113, 270, 350}));
 	EXPECT_EQ(run.widget(2, "eLabel", 0)["rect"], Json({5, 5, 150, 350}));
@@ -70,14 +66,14 @@ TEST(MemInfo, should_reach_five_pixels_below_its_client_area)
 
 TEST(MemInfo, should_not_translate_its_title)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Play run = play(receiver.path(), "down ok", {"--lang", "de"});
 	EXPECT_EQ(run.window(2)["title"], "Memory info");
 }
 
 TEST(MemInfo, should_read_anew_at_every_opening)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
 	const Play run = play(receiver.path(), "down ok exit ok exit exit");
 	int opened = 0;
@@ -103,7 +99,7 @@ class MemInfoSource : public ::testing::TestWithParam<Source>
 
 TEST_P(MemInfoSource, should_open_an_empty_screen)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.meminfo(GetParam().content);
 	const Play run = play(receiver.path(), "down ok exit exit");
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
@@ -120,9 +116,9 @@ INSTANTIATE_TEST_SUITE_P(Unusable, MemInfoSource,
 
 TEST(MemInfo, should_open_empty_when_the_file_is_missing_or_a_folder)
 {
-	Receiver missing;
+	ReceiverFolder missing;
 	EXPECT_EQ(play(missing.path(), "down ok").widget(2, "eLabel")["text"], "");
-	Receiver folder;
+	ReceiverFolder folder;
 	folder.write("proc/meminfo/inside", "");
 	const Play run = play(folder.path(), "down ok");
 	EXPECT_EQ(run.widget(2, "eLabel")["text"], "");
@@ -134,7 +130,7 @@ TEST(MemInfo, should_show_binary_data_without_harm)
 	std::string bytes;
 	for (int i = 0; i < 4096; ++i)
 		bytes += static_cast<char>((i * 151 + i / 256) & 0xff);
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.meminfo(bytes);
 	support::TempFolder pictures;
 	const Play run = play(receiver.path(), "down ok exit exit", {"--pictures", pictures.path()});

@@ -4,11 +4,7 @@
 
 #include <gtest/gtest.h>
 
-using support::Json;
-using support::Play;
-using support::play;
-using support::Receiver;
-using Lines = std::vector<std::string>;
+using namespace support;
 
 namespace
 {
@@ -30,7 +26,7 @@ const Lines built = {
 
 TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Play run = play(receiver.path(), "exit");
 	Lines expected = built;
 	expected.insert(expected.end(), {"eSetupWindow#1.exec() = -1", "eSetupWindow#1.hide()",
@@ -43,7 +39,7 @@ TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
 
 TEST(Menu, should_stand_at_its_place_with_ten_rows_and_400_pixels)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Play run = play(receiver.path(), "");
 	const Json &window = run.window(0);
 	EXPECT_EQ(window["class"], "eVexloMenu");
@@ -58,7 +54,7 @@ TEST(Menu, should_stand_at_its_place_with_ten_rows_and_400_pixels)
 
 TEST(Menu, should_hold_four_entries_with_their_numbered_help)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Play run = play(receiver.path(), "down down down down up");
 	const char *list = "eListBox<eListBoxEntryMenu>";
 	EXPECT_EQ(run.widget(0, list)["rows"], Json({"process info", "memory info", "scan log", "system info"}));
@@ -76,7 +72,7 @@ TEST(Menu, should_hold_four_entries_with_their_numbered_help)
 
 TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroyed)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Play run = play(receiver.path(), "down ok exit exit");
 	EXPECT_EQ(run.traceBetween("eSetupWindow#1.exec()", "eSetupWindow#1.exec() = -1"),
 	          (Lines{
@@ -107,7 +103,7 @@ TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroye
 
 TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps("PID\n");
 	receiver.df("Filesystem\n");
 	const Lines screens = {"ePsDialog", "eMemInfoDialog", "eScanLogDialog", "eSysInfDialog"};
@@ -127,7 +123,7 @@ TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)
 
 TEST(Menu, should_open_the_entry_of_a_digit)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps("PID\n");
 	receiver.df("Filesystem\n");
 	const Play run = play(receiver.path(), "2 exit 4 exit 5 9 0 exit");
@@ -139,7 +135,7 @@ TEST(Menu, should_open_the_entry_of_a_digit)
 
 TEST(Menu, should_be_shown_again_after_a_screen_that_was_accepted)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df("Filesystem\n");
 	const Play run = play(receiver.path(), "up ok green exit");
 	EXPECT_EQ(run.window(2)["class"], "eSysInfDialog");

@@ -13,12 +13,7 @@
 #include <csignal>
 #include <cstdlib>
 
-using support::Json;
-using support::Play;
-using support::play;
-using support::Receiver;
-using support::ReceiverFolder;
-using Lines = std::vector<std::string>;
+using namespace support;
 
 namespace
 {
@@ -63,7 +58,7 @@ Lines construction(int fontSize)
 
 TEST(Ps, should_be_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_size)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 0)});
 	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(20));
@@ -71,7 +66,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_si
 
 TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 30)});
 	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(30));
@@ -81,7 +76,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
 
 TEST(Ps, should_list_the_processes_under_their_heading)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit", {"--lang", "de"});
 	EXPECT_EQ(run.window(1)["title"], "Info") << "whatever the language";
@@ -94,7 +89,7 @@ TEST(Ps, should_list_the_processes_under_their_heading)
 
 TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok exit exit");
 	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
@@ -105,7 +100,7 @@ TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
 
 TEST(Ps, should_ask_and_kill_on_yes)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok down ok ok exit");
 	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
@@ -132,7 +127,7 @@ TEST(Ps, should_ask_and_kill_on_yes)
 
 TEST(Ps, should_ask_in_a_box_above_itself)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok down ok");
 	ASSERT_EQ(run.moments[3]["windows"].size(), 2u);
@@ -149,7 +144,7 @@ TEST(Ps, should_ask_in_a_box_above_itself)
 
 void expectSpared(const std::string &keys, const std::string &result)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok down ok " + keys + " exit exit");
 	EXPECT_EQ(run.traceBetween("eMessageBox#1.exec()", "eMessageBox#1.~eMessageBox()"),
@@ -173,7 +168,7 @@ TEST(Ps, should_stay_as_it_was_when_the_box_is_left)
 
 TEST(Ps, should_translate_format_and_caption_of_the_question)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const Play run = play(receiver.path(), "ok down ok", {"--lang", "de"});
 	const std::string question = run.widget(3, "eLabel")["text"];
@@ -184,7 +179,7 @@ TEST(Ps, should_translate_format_and_caption_of_the_question)
 
 TEST(Ps, should_offer_nothing_when_there_is_only_a_heading)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps("  PID USER COMMAND\n");
 	const Play run = play(receiver.path(), "ok ok down up pageup pagedown home end ok exit exit");
 	EXPECT_EQ(run.widget(2, list)["count"], 0);
@@ -196,14 +191,14 @@ TEST(Ps, should_offer_nothing_when_there_is_only_a_heading)
 
 TEST(Ps, should_open_empty_when_ps_is_missing_or_prints_nothing)
 {
-	Receiver silent;
+	ReceiverFolder silent;
 	silent.ps("");
 	Play run = play(silent.path(), "ok exit exit");
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
 	EXPECT_EQ(run.widget(1, list)["count"], 0);
 
 	// A search path without any command but sh: the shell says that it finds no ps.
-	Receiver none;
+	ReceiverFolder none;
 	run = play(none.path(), "ok exit exit", {}, {{"PATH", none / "bin"}});
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
 	EXPECT_EQ(run.widget(1, list)["count"], 0);
@@ -214,7 +209,7 @@ TEST(Ps, should_open_empty_when_ps_is_missing_or_prints_nothing)
 /// Something else stands where the temporary file should: the command cannot write, fopen fails.
 TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_same)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	ASSERT_EQ(symlink("/var/tmp/no-such-folder/ps.tmp", "/var/tmp/ps.tmp"), 0);
 	const Play run = play(receiver.path(), "ok exit exit");
@@ -248,7 +243,7 @@ TEST(Ps, should_draw_whatever_bytes_a_process_name_holds)
 	bytes += '\n';
 	for (const int length : {1022, 1023, 2000, 5000})
 		bytes += "9 " + std::string(static_cast<size_t>(length) - 2, 'x') + '\n';
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(bytes);
 	support::TempFolder pictures;
 	const Play run = play(receiver.path(), "ok down pagedown exit exit", {"--pictures", pictures.path()});
@@ -264,7 +259,7 @@ TEST(Ps, should_scroll_through_ten_thousand_processes)
 	std::string output = "PID\n";
 	for (int i = 1; i <= 10000; ++i)
 		output += std::to_string(i) + " sleep\n";
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps(output);
 	const Play run = play(receiver.path(), "ok end home pagedown up down up up exit exit");
 	EXPECT_EQ(run.widget(1, list)["count"], 10000);
@@ -285,7 +280,7 @@ struct Sleeper : support::Child
 constexpr int killed = 128 + SIGKILL;
 
 /// A ps that prints only the lines of these processes, from the real table.
-void onlyThese(const Receiver &receiver, const std::vector<pid_t> &pids)
+void onlyThese(const ReceiverFolder &receiver, const std::vector<pid_t> &pids)
 {
 	std::string wanted;
 	for (const pid_t pid : pids)
@@ -296,7 +291,7 @@ void onlyThese(const Receiver &receiver, const std::vector<pid_t> &pids)
 TEST(Ps, should_kill_the_chosen_process_and_no_other)
 {
 	Sleeper first, second, third;
-	Receiver receiver;
+	ReceiverFolder receiver;
 	onlyThese(receiver, {first.pid(), second.pid(), third.pid()});
 	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
 	const Play run = play("", "ok down ok ok exit", {}, {{"PATH", path}});
@@ -311,7 +306,7 @@ TEST(Ps, should_kill_the_chosen_process_and_no_other)
 TEST(Ps, should_spare_the_chosen_process_on_no)
 {
 	Sleeper sleeper;
-	Receiver receiver;
+	ReceiverFolder receiver;
 	onlyThese(receiver, {sleeper.pid()});
 	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
 	const Play run = play("", "ok ok right ok exit exit", {}, {{"PATH", path}});
@@ -323,7 +318,7 @@ TEST(Ps, should_spare_the_chosen_process_on_no)
 TEST(Ps, should_signal_nobody_with_a_root)
 {
 	Sleeper sleeper;
-	Receiver receiver;
+	ReceiverFolder receiver;
 	onlyThese(receiver, {sleeper.pid()});
 	const Play run = play(receiver.path(), "ok ok ok exit");
 	const std::string command = "kill -9 " + std::to_string(sleeper.pid());

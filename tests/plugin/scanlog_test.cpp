@@ -4,11 +4,7 @@
 
 #include <gtest/gtest.h>
 
-using support::Json;
-using support::Play;
-using support::play;
-using support::Receiver;
-using Lines = std::vector<std::string>;
+using namespace support;
 
 namespace
 {
@@ -69,7 +65,7 @@ const Lines noFile = {
 
 TEST(ScanLog, should_be_laid_out_around_the_log)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\nb\n");
 	for (const int fontSize : {0, 20, 30}) {
 		const Play run =
@@ -81,7 +77,7 @@ TEST(ScanLog, should_be_laid_out_around_the_log)
 
 TEST(ScanLog, should_be_laid_out_without_a_log)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	for (const int fontSize : {20, 30}) {
 		const Play run =
 			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
@@ -92,7 +88,7 @@ TEST(ScanLog, should_be_laid_out_without_a_log)
 
 TEST(ScanLog, should_list_numbered_lines_with_the_list_in_focus)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\nb");
 	const Play run = play(receiver.path(), keys);
 	EXPECT_EQ(run.window(opened)["class"], "eScanLogDialog");
@@ -108,7 +104,7 @@ TEST(ScanLog, should_split_marker_lines)
 	const std::string line = "0123456789 start at 01234567890123456789012345678901234567890123456789"
 							 "abcdefghijklmnopqrstuvwxyzABCDE";
 	ASSERT_EQ(line.size(), 101u);
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog(line + "\n");
 	const Play run = play(receiver.path(), keys);
 	EXPECT_EQ(run.widget(opened, list)["rows"],
@@ -117,7 +113,7 @@ TEST(ScanLog, should_split_marker_lines)
 
 TEST(ScanLog, should_translate_the_button_and_neither_title_nor_summary)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	const Play run = play(receiver.path(), keys, {"--lang", "de"});
 	EXPECT_EQ(run.window(opened)["title"], "Info");
@@ -127,7 +123,7 @@ TEST(ScanLog, should_translate_the_button_and_neither_title_nor_summary)
 
 TEST(ScanLog, should_do_nothing_when_a_line_is_chosen)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\nb\n");
 	const Play run = play(receiver.path(), keys + "ok down ok");
 	EXPECT_EQ(run.window(opened + 3)["class"], "eScanLogDialog");
@@ -136,7 +132,7 @@ TEST(ScanLog, should_do_nothing_when_a_line_is_chosen)
 
 TEST(ScanLog, should_ask_and_delete_on_yes)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	const Play run = play(receiver.path(), keys + "red ok ok exit exit");
 	ASSERT_EQ(run.moments[opened + 1]["windows"].size(), 2u);
@@ -168,7 +164,7 @@ TEST(ScanLog, should_ask_and_delete_on_yes)
 
 void expectKept(const std::string &answer, const std::string &result)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	const Play run = play(receiver.path(), keys + "red " + answer);
 	EXPECT_EQ(run.traceBetween("eMessageBox#1.exec()", "eMessageBox#1.~eMessageBox()"),
@@ -191,7 +187,7 @@ TEST(ScanLog, should_keep_the_log_when_the_box_is_left)
 
 TEST(ScanLog, should_ask_also_from_the_button_itself)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	const Play run = play(receiver.path(), keys + "right ok");
 	EXPECT_EQ(run.widget(opened + 1, "eButton")["focus"], true);
@@ -200,7 +196,7 @@ TEST(ScanLog, should_ask_also_from_the_button_itself)
 
 TEST(ScanLog, should_ask_without_a_log_and_close_without_a_word)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Play run = play(receiver.path(), keys + "red ok exit");
 	EXPECT_EQ(run.window(opened + 1)["class"], "eMessageBox");
 	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
@@ -209,7 +205,7 @@ TEST(ScanLog, should_ask_without_a_log_and_close_without_a_word)
 
 TEST(ScanLog, should_close_also_when_the_log_cannot_be_deleted)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.write("var/scaning.log/inside", "");
 	const Play run = play(receiver.path(), keys + "red ok exit");
 	EXPECT_EQ(run.widget(opened, "eLabel")["text"].get<std::string>().rfind("size of /var/scaning.log : ", 0),
@@ -222,7 +218,7 @@ TEST(ScanLog, should_close_also_when_the_log_cannot_be_deleted)
 
 TEST(ScanLog, should_translate_the_question_as_a_whole)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	const Play run = play(receiver.path(), keys + "red", {"--lang", "de"});
 	const std::string question = run.widget(opened + 1, "eLabel")["text"];
@@ -249,7 +245,7 @@ class ScanLogContent : public ::testing::TestWithParam<Log>
 
 TEST_P(ScanLogContent, should_be_shown_and_measured)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog(GetParam().content);
 	support::TempFolder pictures;
 	const Play run = play(receiver.path(), keys, {"--pictures", pictures.path()});
@@ -281,7 +277,7 @@ TEST(ScanLog, should_draw_every_byte_value)
 	for (int round = 0; round < 4; ++round)
 		for (int i = 0; i < 256; ++i)
 			bytes += static_cast<char>(i);
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog(bytes);
 	support::TempFolder pictures;
 	const Play run = play(receiver.path(), keys + "exit exit", {"--pictures", pictures.path()});
@@ -291,7 +287,7 @@ TEST(ScanLog, should_draw_every_byte_value)
 
 TEST(ScanLog, should_not_mind_a_log_that_changes_while_it_is_shown)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	// The screen runs no command of its own: the log goes while the process screen is built.
 	receiver.write("bin/ps", "#!/bin/sh\nrm -f '" + (receiver / "var/scaning.log") + "'\necho PID\n", true);

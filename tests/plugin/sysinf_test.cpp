@@ -6,12 +6,7 @@
 
 #include <unistd.h>
 
-using support::Json;
-using support::Play;
-using support::play;
-using support::Receiver;
-using support::repeat;
-using Lines = std::vector<std::string>;
+using namespace support;
 
 namespace
 {
@@ -102,7 +97,7 @@ Lines construction(int f)
 
 TEST(SysInf, should_be_laid_out_by_the_font_size)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.mtd(onePartition);
 	receiver.df(threeMounts);
 	for (const int fontSize : {0, 20, 16, 30}) {
@@ -115,7 +110,7 @@ TEST(SysInf, should_be_laid_out_by_the_font_size)
 
 TEST(SysInf, should_overlap_and_overhang_as_laid_out)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.mtd(onePartition);
 	receiver.df(threeMounts);
 	const Play run = play(receiver.path(), keys);
@@ -131,7 +126,7 @@ TEST(SysInf, should_overlap_and_overhang_as_laid_out)
 
 TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	for (const char *way : {"ok", "green"}) {
 		const Play run = play(receiver.path(), keys + way + " exit");
@@ -148,7 +143,7 @@ TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
 
 TEST(SysInf, should_give_the_button_the_focus_and_the_green_key)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	const Play run = play(receiver.path(), keys);
 	const Json &button = run.widget(opened, "eButton");
@@ -160,7 +155,7 @@ TEST(SysInf, should_give_the_button_the_focus_and_the_green_key)
 
 TEST(SysInf, should_translate_nothing_but_the_button)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	const Play plain = play(receiver.path(), keys);
 	const Play arabic = play(receiver.path(), keys, {"--lang", "ar"});
@@ -172,7 +167,7 @@ TEST(SysInf, should_translate_nothing_but_the_button)
 
 TEST(SysInf, should_show_headings_only_when_there_is_nothing_to_read)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df("");
 	const Play run = play(receiver.path(), keys);
 	const char *const texts[] = {"MTD blocks:", "dev:\n", "size\n", "erasesize\n", "name\n", "Mounts:\n\n"};
@@ -186,12 +181,12 @@ TEST(SysInf, should_show_headings_only_when_there_is_nothing_to_read)
 
 TEST(SysInf, should_open_when_df_is_missing_or_fails)
 {
-	Receiver missing;
+	ReceiverFolder missing;
 	Play run = play(missing.path(), keys + "exit exit", {}, {{"PATH", missing / "bin"}});
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
 	EXPECT_EQ(run.outcome.status, 0);
 
-	Receiver failing;
+	ReceiverFolder failing;
 	failing.write("bin/df", "#!/bin/sh\necho 'df: /media/net: Permission denied' >&2\necho heading\nexit 1\n",
 	              true);
 	run = play(failing.path(), keys + "exit exit");
@@ -201,7 +196,7 @@ TEST(SysInf, should_open_when_df_is_missing_or_fails)
 
 TEST(SysInf, should_remove_the_file_also_when_it_could_not_be_written)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	ASSERT_EQ(symlink("/var/tmp/no-such-folder/df.tmp", "/var/tmp/df.tmp"), 0);
 	const Play run = play(receiver.path(), keys + "exit exit");
@@ -215,7 +210,7 @@ TEST(SysInf, should_remove_the_file_also_when_it_could_not_be_written)
 
 TEST(SysInf, should_end_when_the_partition_list_cannot_be_read)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	receiver.write("proc/mtd/inside", "");
 	const Play run = play(receiver.path(), keys + "exit exit");
@@ -226,7 +221,7 @@ TEST(SysInf, should_end_when_the_partition_list_cannot_be_read)
 TEST(SysInf, should_show_long_words_whole_in_their_own_columns)
 {
 	const std::string device(60, 'd'), longDevice(300, 'e'), mount(200, 'm');
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df("heading\n" + device + " 1023.9G 1 2 3% " + mount + "\n" + longDevice + " 1 2 3 4% /\n");
 	const Play run = play(receiver.path(), keys);
 	EXPECT_EQ(run.widget(opened, "eLabel", 6)["text"],
@@ -238,7 +233,7 @@ TEST(SysInf, should_show_long_words_whole_in_their_own_columns)
 
 TEST(SysInf, should_not_break_with_forty_mounts_and_bad_bytes)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.mtd("heading\n" + repeat("mtd1: 80000000 00020000 \"\xff\xfe\x1b[2J\"\n", 30));
 	receiver.df("heading\n" + repeat("/dev/x\xff 1G 1G 1G 1% /m\x1b\n", 40) + std::string("a\0b\n", 4));
 	support::TempFolder pictures;

@@ -6,9 +6,7 @@
 
 #include <filesystem>
 
-using support::Json;
-using support::Receiver;
-using Lines = std::vector<std::string>;
+using namespace support;
 
 namespace
 {
@@ -78,7 +76,7 @@ protected:
 	}
 
 	support::TempFolder place;
-	Receiver receiver;
+	ReceiverFolder receiver;
 };
 
 TEST_F(Translated, the_menu_with_its_labels_and_help)

@@ -1,11 +1,12 @@
 #include "fake_platform.h"
 
+#include "libc.h"
+
 #include "debug_line.h"
 
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <libintl.h>
 #include <utility>
 
@@ -13,11 +14,6 @@ namespace
 {
 
 FakePlatform *current = nullptr;
-
-template <typename Function> Function *next(const char *name)
-{
-	return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
-}
 
 std::string quoted(const char *text)
 {

@@ -51,12 +51,12 @@ Strings row(const std::string &line)
 	return {columns.filesystem.substr(deviceHeading.size()), columns.usage.substr(usageHeading.size())};
 }
 
-TEST(Mounts, NoOutputGivesTheHeadingsAlone)
+TEST(Mounts, no_output_gives_the_headings_alone)
 {
 	expectColumns(parse(""), "", "", 2);
 }
 
-TEST(Mounts, TheHeadingsHave35And79CharactersAndRoomForOneMoreRow)
+TEST(Mounts, the_headings_have_35_and_79_characters_and_room_for_one_more_row)
 {
 	const MountColumns columns = parse("Filesystem Size Used Avail Use% Mounted on\n");
 	expectColumns(columns, "", "", 2);
@@ -65,14 +65,14 @@ TEST(Mounts, TheHeadingsHave35And79CharactersAndRoomForOneMoreRow)
 	EXPECT_EQ(parse("no line end").rows, 2);
 }
 
-TEST(Mounts, TheFirstLineIsDiscardedWhateverItHolds)
+TEST(Mounts, the_first_line_is_discarded_whatever_it_holds)
 {
 	const MountColumns columns = parse("/dev/a 1 2 3 4 /a\n/dev/b 5 6 7 8 /b\n");
 	EXPECT_EQ(columns.rows, 3);
 	EXPECT_EQ(columns.filesystem, deviceHeading + "/dev/b" + blanks(29) + "\n");
 }
 
-TEST(Mounts, AnOrdinaryLineIsPaddedAsTheHeadingIs)
+TEST(Mounts, an_ordinary_line_is_padded_as_the_heading_is)
 {
 	const Strings columns = row("/dev/root  7.8M  3.1M   4.7M  40% /var\n");
 	EXPECT_EQ(columns[0], "/dev/root" + blanks(26) + "\n");
@@ -80,34 +80,34 @@ TEST(Mounts, AnOrdinaryLineIsPaddedAsTheHeadingIs)
 	EXPECT_EQ(columns[1].size(), usageHeading.size());
 }
 
-TEST(Mounts, ALastLineWithoutAnEndIsShown)
+TEST(Mounts, a_last_line_without_an_end_is_shown)
 {
 	EXPECT_EQ(row("a 1 2 3 4% /b"), row("a 1 2 3 4% /b\n"));
 }
 
-TEST(Mounts, CarriageReturnsAndTabsAreBlanks)
+TEST(Mounts, carriage_returns_and_tabs_are_blanks)
 {
 	EXPECT_EQ(row("a\t1\v2\f3 4%\r/b\r\n"), row("a 1 2 3 4% /b\n"));
 }
 
-TEST(Mounts, ALineOfFewerThanSixFieldsLeavesTheRestBlank)
+TEST(Mounts, a_line_of_fewer_than_six_fields_leaves_the_rest_blank)
 {
 	EXPECT_EQ(row("a 1 2\n")[1], "1       2       " + blanks(8) + blanks(5) + blanks(50) + "\n");
 	EXPECT_EQ(row("a 1 2 3 4%\n")[1], "1       2       3       4%   " + blanks(50) + "\n");
 }
 
-TEST(Mounts, FieldsAfterTheSixthAreDropped)
+TEST(Mounts, fields_after_the_sixth_are_dropped)
 {
 	EXPECT_EQ(row("a 1 2 3 4% /media/my disk\n"), row("a 1 2 3 4% /media/my\n"));
 }
 
-TEST(Mounts, ABlankLineIsARowOfBlanks)
+TEST(Mounts, a_blank_line_is_a_row_of_blanks)
 {
 	EXPECT_EQ(row("\n"), Strings({blanks(35) + "\n", blanks(79) + "\n"}));
 	EXPECT_EQ(row(" \t \n"), Strings({blanks(35) + "\n", blanks(79) + "\n"}));
 }
 
-TEST(Mounts, ALineThatDfBreaksMakesTwoRows)
+TEST(Mounts, a_line_that_df_breaks_makes_two_rows)
 {
 	const std::string device = "/dev/disk/by-label/recordings_of_the_living_room";
 	const MountColumns columns = parse("heading\n" + device + "\n      37.2G  36.9G  332.0M  99% /hdd\n");
@@ -115,7 +115,7 @@ TEST(Mounts, ALineThatDfBreaksMakesTwoRows)
 	              blanks(79) + "\n" + "36.9G   332.0M  99%     /hdd " + blanks(50) + "\n", 4);
 }
 
-TEST(Mounts, NothingOfALineShowsInTheNext)
+TEST(Mounts, nothing_of_a_line_shows_in_the_next)
 {
 	const MountColumns columns = parse("heading\na 1 2 3 4% /b\n\nc\n");
 	expectColumns(
@@ -123,7 +123,7 @@ TEST(Mounts, NothingOfALineShowsInTheNext)
 		"1       2       3       4%   /b" + blanks(48) + "\n" + blanks(79) + "\n" + blanks(79) + "\n", 5);
 }
 
-TEST(Mounts, ALongWordIsShownWholeAndPushesTheRestOfItsLine)
+TEST(Mounts, a_long_word_is_shown_whole_and_pushes_the_rest_of_its_line)
 {
 	EXPECT_EQ(row("a 1023.9G 1000.1G 23.8G 97.68% /b\n")[1],
 	          "1023.9G  1000.1G  23.8G   97.68% /b" + blanks(48) + "\n");
@@ -142,7 +142,7 @@ TEST(Mounts, ALongWordIsShownWholeAndPushesTheRestOfItsLine)
 	}
 }
 
-TEST(Mounts, ALineOfOver1022CharactersMakesFurtherRows)
+TEST(Mounts, a_line_of_over_1022_characters_makes_further_rows)
 {
 	const std::string device(1020, 'd');
 	EXPECT_EQ(parse("heading\n" + device + "1\n").rows, 3);
@@ -152,13 +152,13 @@ TEST(Mounts, ALineOfOver1022CharactersMakesFurtherRows)
 	EXPECT_EQ(parse(std::string(2000, 'h') + "\n").rows, 3);
 }
 
-TEST(Mounts, ALineEndsAtANulByte)
+TEST(Mounts, a_line_ends_at_a_nul_byte)
 {
 	EXPECT_EQ(row("a 1\0 2 3 4% /b\n"s), row("a 1\n"));
 	EXPECT_EQ(row("\0a 1 2 3 4% /b\n"s), row("\n"));
 }
 
-TEST(Mounts, EveryOtherByteAndThePercentSignStayInAField)
+TEST(Mounts, every_other_byte_and_the_percent_sign_stay_in_a_field)
 {
 	for (int byte = 1; byte < 256; ++byte) {
 		if (byte == ' ' || (byte >= '\t' && byte <= '\r'))
@@ -170,7 +170,7 @@ TEST(Mounts, EveryOtherByteAndThePercentSignStayInAField)
 	}
 }
 
-TEST(Mounts, FortyMountsAreFortyRows)
+TEST(Mounts, forty_mounts_are_forty_rows)
 {
 	std::string bytes = "heading\n";
 	for (int mount = 0; mount < 40; ++mount)
@@ -181,19 +181,19 @@ TEST(Mounts, FortyMountsAreFortyRows)
 	EXPECT_EQ(columns.usage.size(), 41u * 80);
 }
 
-TEST(Mounts, AReadErrorKeepsTheRowsBeforeIt)
+TEST(Mounts, a_read_error_keeps_the_rows_before_it)
 {
 	expectColumns(parseMountColumns(failingStream("heading\na\n").get()), "a" + blanks(34) + "\n",
 	              blanks(79) + "\n", 3);
 	EXPECT_EQ(parseMountColumns(failingStream("").get()).rows, 2);
 }
 
-TEST(Mounts, AHeadingThatCannotBeReadMakesNoDifference)
+TEST(Mounts, a_heading_that_cannot_be_read_makes_no_difference)
 {
 	EXPECT_EQ(parseMountColumns(failingStream("a\n", true).get()).rows, 3);
 }
 
-TEST(Mounts, FixturesBecomeTheirColumns)
+TEST(Mounts, fixtures_become_their_columns)
 {
 	const Strings names = fixturesIn("df");
 	EXPECT_GE(names.size(), 6u);
@@ -207,7 +207,7 @@ TEST(Mounts, FixturesBecomeTheirColumns)
 	}
 }
 
-TEST(Mounts, GeneratedOutputsReadAsTheModelReadsThem)
+TEST(Mounts, generated_outputs_read_as_the_model_reads_them)
 {
 	Generator generator(5201, {"/dev/root", "7.8M", "1023.9G", "40%", "/var", "tmpfs", std::string(60, '/')},
 	                    {1022, 2044});
@@ -224,7 +224,7 @@ TEST(Mounts, GeneratedOutputsReadAsTheModelReadsThem)
 	EXPECT_GT(rows, 100000);
 }
 
-TEST(ReadMountColumns, RunsTheCommandReadsClosesAndRemovesInThisOrder)
+TEST(ReadMountColumns, runs_the_command_reads_closes_and_removes_in_this_order)
 {
 	FakePlatform platform;
 	platform.replaceShell([] { writeFile(dfFile, "heading\na\n"); });
@@ -235,7 +235,7 @@ TEST(ReadMountColumns, RunsTheCommandReadsClosesAndRemovesInThisOrder)
 	EXPECT_FALSE(exists(dfFile));
 }
 
-TEST(ReadMountColumns, AFileThatDoesNotOpenIsRemovedAndNothingIsClosed)
+TEST(ReadMountColumns, a_file_that_does_not_open_is_removed_and_nothing_is_closed)
 {
 	FakePlatform platform;
 	platform.replaceShell([] { writeFile(dfFile, "heading\na\n"); });
@@ -246,7 +246,7 @@ TEST(ReadMountColumns, AFileThatDoesNotOpenIsRemovedAndNothingIsClosed)
 	EXPECT_FALSE(exists(dfFile));
 }
 
-TEST(ReadMountColumns, AReadErrorStillClosesAndRemoves)
+TEST(ReadMountColumns, a_read_error_still_closes_and_removes)
 {
 	FakePlatform platform;
 	platform.replaceShell();
@@ -256,14 +256,14 @@ TEST(ReadMountColumns, AReadErrorStillClosesAndRemoves)
 	          Strings({"fclose(stream)", "remove(\"/var/tmp/df.tmp\")"}));
 }
 
-TEST(ReadMountColumns, AFolderInPlaceOfTheFileGivesTheHeadingsAndIsRemoved)
+TEST(ReadMountColumns, a_folder_in_place_of_the_file_gives_the_headings_and_is_removed)
 {
 	ASSERT_EQ(mkdir(dfFile, 0700), 0);
 	expectColumns(readMountColumns(), "", "", 2);
 	EXPECT_FALSE(exists(dfFile));
 }
 
-TEST(ReadMountColumns, TheRealCommandListsWhatIsMounted)
+TEST(ReadMountColumns, the_real_command_lists_what_is_mounted)
 {
 	writeFile(dfFile, "left over\nfrom before\n");
 	const MountColumns columns = readMountColumns();
@@ -274,7 +274,7 @@ TEST(ReadMountColumns, TheRealCommandListsWhatIsMounted)
 	EXPECT_FALSE(exists(dfFile));
 }
 
-TEST(ReadMountColumns, ACommandThatDoesNotExistGivesTheHeadingsAlone)
+TEST(ReadMountColumns, a_command_that_does_not_exist_gives_the_headings_alone)
 {
 	const std::string path = getenv("PATH");
 	setenv("PATH", "/nonexistent", 1);

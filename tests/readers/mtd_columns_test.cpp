@@ -37,18 +37,18 @@ Strings row(const std::string &line)
 
 const Strings blankRow = {"mtd0:\n", "00000000\n", "00000000\n", "  \n"};
 
-TEST(Mtd, AnEmptyFileGivesTheHeadingsAlone)
+TEST(Mtd, an_empty_file_gives_the_headings_alone)
 {
 	EXPECT_EQ(joined(parse("")), "dev:\n|size\n|erasesize\n|name\n|1");
 }
 
-TEST(Mtd, AHeadingAloneGivesTheHeadingsAlone)
+TEST(Mtd, a_heading_alone_gives_the_headings_alone)
 {
 	EXPECT_EQ(joined(parse("dev:    size   erasesize  name\n")), "dev:\n|size\n|erasesize\n|name\n|1");
 	EXPECT_EQ(joined(parse("dev:    size")), "dev:\n|size\n|erasesize\n|name\n|1");
 }
 
-TEST(Mtd, EveryLineAfterTheHeadingMakesOneLinePerColumn)
+TEST(Mtd, every_line_after_the_heading_makes_one_line_per_column)
 {
 	const MtdColumns columns = parse("dev:    size   erasesize  name\n"
 	                                 "mtd0: 00020000 00004000 \"boot loader\"\n"
@@ -60,52 +60,52 @@ TEST(Mtd, EveryLineAfterTheHeadingMakesOneLinePerColumn)
 	EXPECT_EQ(columns.rows, 3);
 }
 
-TEST(Mtd, TheFirstLineIsDiscardedWhateverItHolds)
+TEST(Mtd, the_first_line_is_discarded_whatever_it_holds)
 {
 	const MtdColumns columns = parse("mtd0: 00020000 00004000 \"boot\"\nmtd1: 00600000 00020000 \"root\"\n");
 	EXPECT_EQ(columns.dev, "dev:\nmtd1:\n");
 	EXPECT_EQ(columns.rows, 2);
 }
 
-TEST(Mtd, ALastLineWithoutAnEndIsShown)
+TEST(Mtd, a_last_line_without_an_end_is_shown)
 {
 	EXPECT_EQ(row("mtd3: 00020000 00004000 \"boot\""),
 	          Strings({"mtd3:\n", "00020000\n", "00004000\n", "\"boot\"  \n"}));
 }
 
-TEST(Mtd, ANameOfOneOrTwoWordsGetsTrailingBlanks)
+TEST(Mtd, a_name_of_one_or_two_words_gets_trailing_blanks)
 {
 	EXPECT_EQ(row("mtd0: 1 2 \"kernel\"\n")[3], "\"kernel\"  \n");
 	EXPECT_EQ(row("mtd0: 1 2 \"root fs\"\n")[3], "\"root fs\" \n");
 	EXPECT_EQ(row("mtd0: 1 2\n")[3], "  \n");
 }
 
-TEST(Mtd, ANameOfThreeOrMoreWordsShowsItsFirstThree)
+TEST(Mtd, a_name_of_three_or_more_words_shows_its_first_three)
 {
 	EXPECT_EQ(row("mtd0: 1 2 \"a b c\"\n")[3], "\"a b c\"\n");
 	EXPECT_EQ(row("mtd0: 1 2 \"a  b\tc d\"\n")[3], "\"a b c\n");
 	EXPECT_EQ(row("mtd0: 1 2 \"a b c d e\"\n")[3], "\"a b c\n");
 }
 
-TEST(Mtd, SizesHaveEightDigitsAlways)
+TEST(Mtd, sizes_have_eight_digits_always)
 {
 	EXPECT_EQ(row("mtd12: 4000 200 \"x\"\n"), Strings({"mtd12:\n", "00004000\n", "00000200\n", "\"x\"  \n"}));
 	EXPECT_EQ(row("mtd0: ABCDEF ff \"x\"\n")[1], "00abcdef\n");
 }
 
-TEST(Mtd, ASizeOf0x80000000OrMoreIsPrintedBackUnchanged)
+TEST(Mtd, a_size_of_0_x_80000000_or_more_is_printed_back_unchanged)
 {
 	EXPECT_EQ(row("mtd0: 80000000 ffffffff \"x\"\n"),
 	          Strings({"mtd0:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
 }
 
-TEST(Mtd, NumbersBeyond32BitsLoseTheirUpperPart)
+TEST(Mtd, numbers_beyond_32_bits_lose_their_upper_part)
 {
 	EXPECT_EQ(row("mtd4294967298: 180000000 fffffffffffffffff \"x\"\n"),
 	          Strings({"mtd2:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
 }
 
-TEST(Mtd, ALineThatIsNoPartitionMakesABlankRow)
+TEST(Mtd, a_line_that_is_no_partition_makes_a_blank_row)
 {
 	EXPECT_EQ(row("\n"), blankRow);
 	EXPECT_EQ(row("   \n"), blankRow);
@@ -116,7 +116,7 @@ TEST(Mtd, ALineThatIsNoPartitionMakesABlankRow)
 	EXPECT_EQ(row("\0mtd5: 1 2\n"s), blankRow);
 }
 
-TEST(Mtd, ALineThatMatchesInPartShowsThatPart)
+TEST(Mtd, a_line_that_matches_in_part_shows_that_part)
 {
 	EXPECT_EQ(row("mtd5\n"), Strings({"mtd5:\n", "00000000\n", "00000000\n", "  \n"}));
 	EXPECT_EQ(row("mtd5 : 1 2\n"), Strings({"mtd5:\n", "00000000\n", "00000000\n", "  \n"}));
@@ -125,7 +125,7 @@ TEST(Mtd, ALineThatMatchesInPartShowsThatPart)
 	EXPECT_EQ(row("mtd 5:1 2x\n"), Strings({"mtd5:\n", "00000001\n", "00000002\n", "x  \n"}));
 }
 
-TEST(Mtd, NothingOfALineShowsInTheNext)
+TEST(Mtd, nothing_of_a_line_shows_in_the_next)
 {
 	const MtdColumns columns = parse("heading\nmtd7: 11 22 a b c\nx\nmtd8: 33\nmtd9: 44 55 d\n");
 	EXPECT_EQ(columns.dev, "dev:\nmtd7:\nmtd0:\nmtd8:\nmtd9:\n");
@@ -134,13 +134,13 @@ TEST(Mtd, NothingOfALineShowsInTheNext)
 	EXPECT_EQ(columns.name, "name\na b c\n  \n  \nd  \n");
 }
 
-TEST(Mtd, SignsAndPrefixesAreReadAsTheCLibraryReadsThem)
+TEST(Mtd, signs_and_prefixes_are_read_as_the_c_library_reads_them)
 {
 	EXPECT_EQ(row("mtd-8: -1 +2 \"x\"\n"), Strings({"mtd-8:\n", "ffffffff\n", "00000002\n", "\"x\"  \n"}));
 	EXPECT_EQ(row("mtd+8:0x20\t0X40 x\n"), Strings({"mtd8:\n", "00000020\n", "00000040\n", "x  \n"}));
 }
 
-TEST(Mtd, ALongWordIsNeitherCutNorSplit)
+TEST(Mtd, a_long_word_is_neither_cut_nor_split)
 {
 	for (const std::size_t length : {49u, 50u, 60u, 300u, 960u}) {
 		const std::string word(length, 'w');
@@ -150,7 +150,7 @@ TEST(Mtd, ALongWordIsNeitherCutNorSplit)
 	}
 }
 
-TEST(Mtd, ALineOfOver1022CharactersMakesFurtherRows)
+TEST(Mtd, a_line_of_over_1022_characters_makes_further_rows)
 {
 	const std::string start = "mtd1: 10 20 ";
 	const std::string name(1022 - start.size(), 'n');
@@ -165,12 +165,12 @@ TEST(Mtd, ALineOfOver1022CharactersMakesFurtherRows)
 	EXPECT_EQ(parse(std::string(2000, 'h') + "\n").rows, 2);
 }
 
-TEST(Mtd, ALineEndsAtANulByte)
+TEST(Mtd, a_line_ends_at_a_nul_byte)
 {
 	EXPECT_EQ(row("mtd1: 10 20 \"a\0b\" c\n"s), Strings({"mtd1:\n", "00000010\n", "00000020\n", "\"a  \n"}));
 }
 
-TEST(Mtd, EveryOtherByteAndThePercentSignStayInAName)
+TEST(Mtd, every_other_byte_and_the_percent_sign_stay_in_a_name)
 {
 	for (int byte = 1; byte < 256; ++byte) {
 		if (byte == ' ' || (byte >= '\t' && byte <= '\r'))
@@ -180,19 +180,19 @@ TEST(Mtd, EveryOtherByteAndThePercentSignStayInAName)
 	}
 }
 
-TEST(Mtd, AReadErrorKeepsTheRowsBeforeIt)
+TEST(Mtd, a_read_error_keeps_the_rows_before_it)
 {
 	EXPECT_EQ(joined(parseMtdColumns(failingStream("heading\nmtd1: 1 2 x\n").get())),
 	          "dev:\nmtd1:\n|size\n00000001\n|erasesize\n00000002\n|name\nx  \n|2");
 	EXPECT_EQ(parseMtdColumns(failingStream("").get()).rows, 1);
 }
 
-TEST(Mtd, AHeadingThatCannotBeReadMakesNoDifference)
+TEST(Mtd, a_heading_that_cannot_be_read_makes_no_difference)
 {
 	EXPECT_EQ(parseMtdColumns(failingStream("mtd1: 1 2 x\n", true).get()).dev, "dev:\nmtd1:\n");
 }
 
-TEST(Mtd, FixturesBecomeTheirColumns)
+TEST(Mtd, fixtures_become_their_columns)
 {
 	const Strings names = fixturesIn("mtd");
 	EXPECT_GE(names.size(), 7u);
@@ -208,7 +208,7 @@ TEST(Mtd, FixturesBecomeTheirColumns)
 	}
 }
 
-TEST(Mtd, GeneratedFilesReadAsTheModelReadsThem)
+TEST(Mtd, generated_files_read_as_the_model_reads_them)
 {
 	Generator generator(5101,
 	                    {"mtd", "mtd0:", "mtd7: ", "\nmtd1: 00020000 00004000 ", "\nmtd9: 10 20 \"", "\nmtd",
@@ -224,7 +224,7 @@ TEST(Mtd, GeneratedFilesReadAsTheModelReadsThem)
 	EXPECT_GT(rows, 100000);
 }
 
-TEST(ReadMtdColumns, OpensReadsAndCloses)
+TEST(ReadMtdColumns, opens_reads_and_closes)
 {
 	const std::string bytes = fixture("mtd/receiver.txt");
 	FakePlatform platform;
@@ -233,7 +233,7 @@ TEST(ReadMtdColumns, OpensReadsAndCloses)
 	EXPECT_EQ(platform.calls, Strings({"fopen(\"/proc/mtd\", \"r\")", "fclose(stream)"}));
 }
 
-TEST(ReadMtdColumns, AFileThatDoesNotOpenGivesTheHeadingsAlone)
+TEST(ReadMtdColumns, a_file_that_does_not_open_gives_the_headings_alone)
 {
 	FakePlatform platform;
 	platform.failOpening("/proc/mtd");
@@ -241,7 +241,7 @@ TEST(ReadMtdColumns, AFileThatDoesNotOpenGivesTheHeadingsAlone)
 	EXPECT_EQ(platform.calls, Strings({"fopen(\"/proc/mtd\", \"r\")"}));
 }
 
-TEST(ReadMtdColumns, AFolderInItsPlaceGivesTheHeadingsAlone)
+TEST(ReadMtdColumns, a_folder_in_its_place_gives_the_headings_alone)
 {
 	FILE *const folder = fopen("/proc", "r");
 	ASSERT_NE(folder, nullptr);

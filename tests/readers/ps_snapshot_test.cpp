@@ -45,21 +45,21 @@ Strings pids(const PsSnapshot &snapshot)
 	return result;
 }
 
-TEST(PsSnapshot, NoOutputGivesAnEmptyHeaderAndNoRows)
+TEST(PsSnapshot, no_output_gives_an_empty_header_and_no_rows)
 {
 	const PsSnapshot snapshot = parse("");
 	EXPECT_EQ(snapshot.header, "");
 	EXPECT_TRUE(snapshot.rows.empty());
 }
 
-TEST(PsSnapshot, OneLineIsTheHeaderAndNoRow)
+TEST(PsSnapshot, one_line_is_the_header_and_no_row)
 {
 	const PsSnapshot snapshot = parse("  PID TTY          TIME CMD\n");
 	EXPECT_EQ(snapshot.header, "  PID TTY          TIME CMD\n");
 	EXPECT_TRUE(snapshot.rows.empty());
 }
 
-TEST(PsSnapshot, TheFirstLineIsTheHeaderWhateverItHolds)
+TEST(PsSnapshot, the_first_line_is_the_header_whatever_it_holds)
 {
 	const PsSnapshot snapshot = parse("    1 root     init\n    2 root     sh\n");
 	EXPECT_EQ(snapshot.header, "    1 root     init\n");
@@ -67,37 +67,37 @@ TEST(PsSnapshot, TheFirstLineIsTheHeaderWhateverItHolds)
 	EXPECT_EQ(parse("\n1 a\n").header, "\n");
 }
 
-TEST(PsSnapshot, EachRowHasThePidOfItsOwnLineInTheOrderPrinted)
+TEST(PsSnapshot, each_row_has_the_pid_of_its_own_line_in_the_order_printed)
 {
 	const PsSnapshot snapshot = parse("PID CMD\n  1 init\n 300 sh\n20 top\n");
 	EXPECT_EQ(texts(snapshot), Strings({"  1 init\n", " 300 sh\n", "20 top\n"}));
 	EXPECT_EQ(pids(snapshot), Strings({"1", "300", "20"}));
 }
 
-TEST(PsSnapshot, ARowWithoutANumberHasThePidOfTheNearestNumberAbove)
+TEST(PsSnapshot, a_row_without_a_number_has_the_pid_of_the_nearest_number_above)
 {
 	const PsSnapshot snapshot = parse("PID CMD\nnone\n\n 17 sh\nnone\n   \nx 18\n19 top\nnone\n");
 	EXPECT_EQ(pids(snapshot), Strings({"0", "0", "17", "17", "17", "17", "19", "19"}));
 	EXPECT_EQ(snapshot.rows.size(), 8u);
 }
 
-TEST(PsSnapshot, ANumberInTheHeaderIsCarriedIntoTheRowsBelow)
+TEST(PsSnapshot, a_number_in_the_header_is_carried_into_the_rows_below)
 {
 	EXPECT_EQ(pids(parse("7 processes\nnone\n8 sh\n")), Strings({"7", "8"}));
 }
 
-TEST(PsSnapshot, EverySnapshotStartsAtPid0)
+TEST(PsSnapshot, every_snapshot_starts_at_pid_0)
 {
 	parse("PID\n5 sh\n");
 	EXPECT_EQ(pids(parse("PID\nnone\n")), Strings({"0"}));
 }
 
-TEST(PsSnapshot, RowsKeepTheirLineEndsAsRead)
+TEST(PsSnapshot, rows_keep_their_line_ends_as_read)
 {
 	EXPECT_EQ(texts(parse("PID\n1 a\n2 b\r\n3 c")), Strings({"1 a\n", "2 b\r\n", "3 c"}));
 }
 
-TEST(PsSnapshot, APidIsReadAsTheCLibraryReadsAnInt)
+TEST(PsSnapshot, a_pid_is_read_as_the_c_library_reads_an_int)
 {
 	EXPECT_EQ(pids(parse("PID\n\t\v 5x\n+6 a\n-7 a\n0x10\n007 a\n8\n- 9\n+\n")),
 	          Strings({"5", "6", "-7", "0", "7", "8", "8", "8"}));
@@ -105,13 +105,13 @@ TEST(PsSnapshot, APidIsReadAsTheCLibraryReadsAnInt)
 	          Strings({"2147483647", "-2147483648", "2", "-1"}));
 }
 
-TEST(PsSnapshot, ALineOf1021CharactersAndItsEndIsOneRow)
+TEST(PsSnapshot, a_line_of_1021_characters_and_its_end_is_one_row)
 {
 	const std::string line = "5 " + std::string(1019, 'x') + '\n';
 	EXPECT_EQ(texts(parse("PID\n" + line)), Strings({line}));
 }
 
-TEST(PsSnapshot, ALineEndBeyond1022CharactersIsARowOfItsOwn)
+TEST(PsSnapshot, a_line_end_beyond_1022_characters_is_a_row_of_its_own)
 {
 	const std::string line = "5 " + std::string(1020, 'x');
 	const PsSnapshot snapshot = parse("PID\n" + line + "\n6 y\n");
@@ -119,13 +119,13 @@ TEST(PsSnapshot, ALineEndBeyond1022CharactersIsARowOfItsOwn)
 	EXPECT_EQ(pids(snapshot), Strings({"5", "5", "6"}));
 }
 
-TEST(PsSnapshot, ALineOf1023CharactersMakesTwoRows)
+TEST(PsSnapshot, a_line_of_1023_characters_makes_two_rows)
 {
 	const std::string line = "5 " + std::string(1021, 'x');
 	EXPECT_EQ(texts(parse("PID\n" + line + '\n')), Strings({line.substr(0, 1022), "x\n"}));
 }
 
-TEST(PsSnapshot, TheRestOfALongLineInheritsThePid)
+TEST(PsSnapshot, the_rest_of_a_long_line_inherits_the_pid)
 {
 	const std::string line = "1234 " + std::string(1995, 'x');
 	const PsSnapshot snapshot = parse("PID\n" + line + '\n');
@@ -133,27 +133,27 @@ TEST(PsSnapshot, TheRestOfALongLineInheritsThePid)
 	EXPECT_EQ(pids(snapshot), Strings({"1234", "1234"}));
 }
 
-TEST(PsSnapshot, TheRestOfALongLineHasItsOwnPidWhenItBeginsWithANumber)
+TEST(PsSnapshot, the_rest_of_a_long_line_has_its_own_pid_when_it_begins_with_a_number)
 {
 	const PsSnapshot snapshot = parse("PID\n5 " + std::string(1020, 'x') + "77 bottles\n");
 	EXPECT_EQ(pids(snapshot), Strings({"5", "77"}));
 }
 
-TEST(PsSnapshot, ALineOf5000CharactersMakesFiveRows)
+TEST(PsSnapshot, a_line_of_5000_characters_makes_five_rows)
 {
 	const PsSnapshot snapshot = parse("PID\n9 " + std::string(4998, 'x') + "\n10 y\n");
 	EXPECT_EQ(pids(snapshot), Strings({"9", "9", "9", "9", "9", "10"}));
 	EXPECT_EQ(snapshot.rows[4].text.size(), 5000u - 4 * 1022 + 1);
 }
 
-TEST(PsSnapshot, ALongHeadersRestIsARow)
+TEST(PsSnapshot, a_long_headers_rest_is_a_row)
 {
 	const PsSnapshot snapshot = parse(std::string(1022, 'H') + "REST\n1 a\n");
 	EXPECT_EQ(snapshot.header, std::string(1022, 'H'));
 	EXPECT_EQ(texts(snapshot), Strings({"REST\n", "1 a\n"}));
 }
 
-TEST(PsSnapshot, ARowEndsAtANulByteAndTheNextLineIsWhole)
+TEST(PsSnapshot, a_row_ends_at_a_nul_byte_and_the_next_line_is_whole)
 {
 	const PsSnapshot snapshot = parse("P\0ID\n1 a\0 b\n\0 2\n3 c\n"s);
 	EXPECT_EQ(snapshot.header, "P");
@@ -161,7 +161,7 @@ TEST(PsSnapshot, ARowEndsAtANulByteAndTheNextLineIsWhole)
 	EXPECT_EQ(pids(snapshot), Strings({"1", "1", "3"}));
 }
 
-TEST(PsSnapshot, EveryOtherByteAndThePercentSignStayAsTheyAre)
+TEST(PsSnapshot, every_other_byte_and_the_percent_sign_stay_as_they_are)
 {
 	std::string line = "5 %s%n%d%% \x1b[2J ";
 	for (int byte = 1; byte < 256; ++byte) {
@@ -172,7 +172,7 @@ TEST(PsSnapshot, EveryOtherByteAndThePercentSignStayAsTheyAre)
 	EXPECT_EQ(texts(parse("PID\n" + line)), Strings({line}));
 }
 
-TEST(PsSnapshot, TenThousandProcessesAreTenThousandRows)
+TEST(PsSnapshot, ten_thousand_processes_are_ten_thousand_rows)
 {
 	std::string bytes = "PID CMD\n";
 	for (int pid = 1; pid <= 10000; ++pid)
@@ -183,7 +183,7 @@ TEST(PsSnapshot, TenThousandProcessesAreTenThousandRows)
 		ASSERT_EQ(snapshot.rows[row].pid, std::to_string(row + 1));
 }
 
-TEST(PsSnapshot, RowsButNotTheHeaderAreLookedUpWholeAndInOrder)
+TEST(PsSnapshot, rows_but_not_the_header_are_looked_up_whole_and_in_order)
 {
 	FakePlatform platform;
 	parse("PID CMD\n 1 init\n 2 sh");
@@ -191,7 +191,7 @@ TEST(PsSnapshot, RowsButNotTheHeaderAreLookedUpWholeAndInOrder)
 	          Strings({"dcgettext(null, \" 1 init\n\", 5)", "dcgettext(null, \" 2 sh\", 5)"}));
 }
 
-TEST(PsSnapshot, ARowReadsAsTheCatalogueHasItAndKeepsThePidOfTheOutput)
+TEST(PsSnapshot, a_row_reads_as_the_catalogue_has_it_and_keeps_the_pid_of_the_output)
 {
 	FakePlatform platform;
 	platform.catalogue = {{" 1 init\n", "99 der erste Prozess"}, {"PID CMD\n", "not to be used"}};
@@ -201,7 +201,7 @@ TEST(PsSnapshot, ARowReadsAsTheCatalogueHasItAndKeepsThePidOfTheOutput)
 	EXPECT_EQ(pids(snapshot), Strings({"1", "1"}));
 }
 
-TEST(PsSnapshot, ANullTranslationIsAnEmptyRow)
+TEST(PsSnapshot, a_null_translation_is_an_empty_row)
 {
 	FakePlatform platform;
 	platform.catalogueIsNull = true;
@@ -211,14 +211,14 @@ TEST(PsSnapshot, ANullTranslationIsAnEmptyRow)
 	EXPECT_EQ(pids(snapshot), Strings({"1"}));
 }
 
-TEST(PsSnapshot, AReadErrorKeepsTheRowsBeforeIt)
+TEST(PsSnapshot, a_read_error_keeps_the_rows_before_it)
 {
 	const PsSnapshot snapshot = parsePsSnapshot(failingStream("PID\n1 a\n2 b\n").get());
 	EXPECT_EQ(texts(snapshot), Strings({"1 a\n", "2 b\n"}));
 	EXPECT_EQ(parsePsSnapshot(failingStream("").get()).header, "");
 }
 
-TEST(PsSnapshot, CapturedListingsBecomeTheirLinesAndPids)
+TEST(PsSnapshot, captured_listings_become_their_lines_and_pids)
 {
 	const Strings names = fixturesIn("ps");
 	EXPECT_GE(names.size(), 9u);
@@ -239,7 +239,7 @@ TEST(PsSnapshot, CapturedListingsBecomeTheirLinesAndPids)
 	}
 }
 
-TEST(PsSnapshot, GeneratedListingsReadAsTheModelReadsThem)
+TEST(PsSnapshot, generated_listings_read_as_the_model_reads_them)
 {
 	Generator generator(2101, {"PID", "root", "sh", "123", "  1 ", "[kworker/0:1]", "99999999999"},
 	                    {1022, 2044});
@@ -256,7 +256,7 @@ TEST(PsSnapshot, GeneratedListingsReadAsTheModelReadsThem)
 	EXPECT_GT(rows, 100000u);
 }
 
-TEST(TakePsSnapshot, RunsTheCommandReadsClosesAndRemovesInThisOrder)
+TEST(TakePsSnapshot, runs_the_command_reads_closes_and_removes_in_this_order)
 {
 	FakePlatform platform;
 	platform.replaceShell([] { writeFile(psFile, "PID CMD\n 1 init\n"); });
@@ -269,7 +269,7 @@ TEST(TakePsSnapshot, RunsTheCommandReadsClosesAndRemovesInThisOrder)
 	EXPECT_FALSE(exists(psFile));
 }
 
-TEST(TakePsSnapshot, AFileThatDoesNotOpenIsClosedAsANullStreamAndRemoved)
+TEST(TakePsSnapshot, a_file_that_does_not_open_is_closed_as_a_null_stream_and_removed)
 {
 	FakePlatform platform;
 	platform.replaceShell([] { writeFile(psFile, "PID CMD\n 1 init\n"); });
@@ -283,7 +283,7 @@ TEST(TakePsSnapshot, AFileThatDoesNotOpenIsClosedAsANullStreamAndRemoved)
 	EXPECT_FALSE(exists(psFile));
 }
 
-TEST(TakePsSnapshot, AFileThatIsMissingGivesNothing)
+TEST(TakePsSnapshot, a_file_that_is_missing_gives_nothing)
 {
 	FakePlatform platform;
 	platform.replaceShell();
@@ -293,7 +293,7 @@ TEST(TakePsSnapshot, AFileThatIsMissingGivesNothing)
 	EXPECT_EQ(platform.calls[3], "fclose(null)");
 }
 
-TEST(TakePsSnapshot, AFolderInPlaceOfTheFileGivesNothingAndIsRemoved)
+TEST(TakePsSnapshot, a_folder_in_place_of_the_file_gives_nothing_and_is_removed)
 {
 	ASSERT_EQ(mkdir(psFile, 0700), 0);
 	const PsSnapshot snapshot = takePsSnapshot();
@@ -302,7 +302,7 @@ TEST(TakePsSnapshot, AFolderInPlaceOfTheFileGivesNothingAndIsRemoved)
 	EXPECT_FALSE(exists(psFile));
 }
 
-TEST(TakePsSnapshot, AReadErrorStillClosesAndRemoves)
+TEST(TakePsSnapshot, a_read_error_still_closes_and_removes)
 {
 	FakePlatform platform;
 	platform.replaceShell();
@@ -312,7 +312,7 @@ TEST(TakePsSnapshot, AReadErrorStillClosesAndRemoves)
 	          Strings({"fclose(stream)", "remove(\"/var/tmp/ps.tmp\")"}));
 }
 
-TEST(TakePsSnapshot, TheRealCommandListsThisProcess)
+TEST(TakePsSnapshot, the_real_command_lists_this_process)
 {
 	writeFile(psFile, "left over\n0 from before\n");
 	const PsSnapshot snapshot = takePsSnapshot();
@@ -326,7 +326,7 @@ TEST(TakePsSnapshot, TheRealCommandListsThisProcess)
 	EXPECT_FALSE(exists(psFile));
 }
 
-TEST(TakePsSnapshot, ACommandThatDoesNotExistGivesNothing)
+TEST(TakePsSnapshot, a_command_that_does_not_exist_gives_nothing)
 {
 	const std::string path = getenv("PATH");
 	setenv("PATH", "/nonexistent", 1);
@@ -337,7 +337,7 @@ TEST(TakePsSnapshot, ACommandThatDoesNotExistGivesNothing)
 	EXPECT_FALSE(exists(psFile));
 }
 
-TEST(KillPid, SaysSoAndRunsTheShellsKill)
+TEST(KillPid, says_so_and_runs_the_shells_kill)
 {
 	FakePlatform platform;
 	platform.replaceShell();
@@ -345,7 +345,7 @@ TEST(KillPid, SaysSoAndRunsTheShellsKill)
 	EXPECT_EQ(platform.calls, Strings({"eDebug(\"-----kill pid  - 123-----\")", "system(\"kill -9 123\")"}));
 }
 
-TEST(KillPid, TakesAnyTextForAPid)
+TEST(KillPid, takes_any_text_for_a_pid)
 {
 	FakePlatform platform;
 	platform.replaceShell();
@@ -361,7 +361,7 @@ TEST(KillPid, TakesAnyTextForAPid)
 	                                   "system(\"kill -9 " + digits + "\")"}));
 }
 
-TEST(KillPid, EndsThatProcessAndNoOther)
+TEST(KillPid, ends_that_process_and_no_other)
 {
 	pid_t children[2];
 	for (pid_t &child : children) {

@@ -55,7 +55,7 @@ std::string marker(std::size_t length)
 	return "start at" + ruler(length).substr(8);
 }
 
-TEST(ScanLog, AnEmptyFileGivesNoEntriesAndTheSize0)
+TEST(ScanLog, an_empty_file_gives_no_entries_and_the_size_0)
 {
 	const ScanLogContents contents = parse("");
 	EXPECT_TRUE(contents.entries.empty());
@@ -63,7 +63,7 @@ TEST(ScanLog, AnEmptyFileGivesNoEntriesAndTheSize0)
 	EXPECT_TRUE(contents.found);
 }
 
-TEST(ScanLog, LinesAreNumberedFrom0AndKeepTheirEnds)
+TEST(ScanLog, lines_are_numbered_from_0_and_keep_their_ends)
 {
 	const ScanLogContents contents = parse("a\nb\r\n\nd");
 	EXPECT_EQ(texts(contents), Strings({"0 a\n", "1 b\r\n", "2 \n", "3 d"}));
@@ -71,13 +71,13 @@ TEST(ScanLog, LinesAreNumberedFrom0AndKeepTheirEnds)
 	EXPECT_EQ(contents.summary, "size of /var/scaning.log : 7 bytes");
 }
 
-TEST(ScanLog, OneByteIsALine)
+TEST(ScanLog, one_byte_is_a_line)
 {
 	EXPECT_EQ(texts(parse("x")), Strings({"0 x"}));
 	EXPECT_EQ(texts(parse("\n")), Strings({"0 \n"}));
 }
 
-TEST(ScanLog, AMarkerLineOf100CharactersShowsItsCharacters1To46And46To91)
+TEST(ScanLog, a_marker_line_of_100_characters_shows_its_characters_1_to_46_and_46_to_91)
 {
 	const std::string line = marker(100);
 	const ScanLogContents contents = parse("0\n1\n2\n3\n4\n5\n6\n" + line + "\nnext\n");
@@ -89,20 +89,20 @@ TEST(ScanLog, AMarkerLineOf100CharactersShowsItsCharacters1To46And46To91)
 	EXPECT_EQ(contents.entries[9].text, "8 next\n");
 }
 
-TEST(ScanLog, TheMarkerIsFoundAnywhereInTheLine)
+TEST(ScanLog, the_marker_is_found_anywhere_in_the_line)
 {
 	EXPECT_EQ(texts(parse("we restart at dawn\n")), Strings({"0 e restart at dawn\n", "0 "}));
 	EXPECT_EQ(parse("x start at").entries.size(), 2u);
 	EXPECT_EQ(parse(ruler(1000) + "start at\n").entries.size(), 2u);
 }
 
-TEST(ScanLog, OnlyTheExactWordsAreTheMarker)
+TEST(ScanLog, only_the_exact_words_are_the_marker)
 {
 	EXPECT_EQ(texts(parse("Start at\nSTART AT\nstart  at\nstart\tat\nstart a\nstar at\n")).size(), 6u);
 	EXPECT_EQ(parse("start at").entries.size(), 2u);
 }
 
-TEST(ScanLog, TwoMarkerLinesInARowGiveTheirOwnPieces)
+TEST(ScanLog, two_marker_lines_in_a_row_give_their_own_pieces)
 {
 	const std::string first = marker(100);
 	const std::string second = "xstart at" + ruler(60);
@@ -111,21 +111,21 @@ TEST(ScanLog, TwoMarkerLinesInARowGiveTheirOwnPieces)
 	                   "1 " + (second + "\n").substr(46, 46)}));
 }
 
-TEST(ScanLog, AMarkerLineOf47CharactersWithItsEndHasTheEndAloneInItsSecondPiece)
+TEST(ScanLog, a_marker_line_of_47_characters_with_its_end_has_the_end_alone_in_its_second_piece)
 {
 	const std::string line = marker(46) + "\n";
 	EXPECT_EQ(texts(parse(ruler(200) + "\n" + line)),
 	          Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 \n"}));
 }
 
-TEST(ScanLog, AMarkerLineOf46CharactersWithItsEndHasAnEmptySecondPiece)
+TEST(ScanLog, a_marker_line_of_46_characters_with_its_end_has_an_empty_second_piece)
 {
 	const std::string line = marker(45) + "\n";
 	EXPECT_EQ(texts(parse(ruler(200) + "\n" + line)),
 	          Strings({"0 " + ruler(200) + "\n", "1 " + line.substr(1), "1 "}));
 }
 
-TEST(ScanLog, AShorterMarkerLineShowsWhatALongerLineLeftBehind)
+TEST(ScanLog, a_shorter_marker_line_shows_what_a_longer_line_left_behind)
 {
 	const std::string longer = ruler(200);
 	// Line and end take the places 0 to 44, the terminator 45.
@@ -134,7 +134,7 @@ TEST(ScanLog, AShorterMarkerLineShowsWhatALongerLineLeftBehind)
 	          Strings({"0 " + longer + "\n", "1 " + line.substr(1), "1 " + longer.substr(46, 46)}));
 }
 
-TEST(ScanLog, WhatWasLeftBehindEndsAtTheLongerLinesOwnEnd)
+TEST(ScanLog, what_was_left_behind_ends_at_the_longer_lines_own_end)
 {
 	const std::string longer = ruler(60) + "\n";
 	EXPECT_EQ(texts(parse(longer + "start at\n")),
@@ -144,13 +144,13 @@ TEST(ScanLog, WhatWasLeftBehindEndsAtTheLongerLinesOwnEnd)
 	EXPECT_EQ(texts(parse(ruler(45) + "\n" + "start at\n"))[2], "1 ");
 }
 
-TEST(ScanLog, AShortMarkerLineFirstInTheFileHasAnEmptySecondPiece)
+TEST(ScanLog, a_short_marker_line_first_in_the_file_has_an_empty_second_piece)
 {
 	EXPECT_EQ(texts(parse("start at\n" + ruler(200) + "\n")),
 	          Strings({"0 tart at\n", "0 ", "1 " + ruler(200) + "\n"}));
 }
 
-TEST(ScanLog, AShortMarkerLineShowsTheLaterOfTwoLongLinesUpToItsEnd)
+TEST(ScanLog, a_short_marker_line_shows_the_later_of_two_long_lines_up_to_its_end)
 {
 	const std::string longest = std::string(30, 'a') + ruler(170) + "\n";
 	const std::string shorter = std::string(30, 'b') + ruler(30) + "\n";
@@ -160,7 +160,7 @@ TEST(ScanLog, AShortMarkerLineShowsTheLaterOfTwoLongLinesUpToItsEnd)
 	EXPECT_EQ(texts(parse(shorter + longest + "start at\n"))[3], "2 " + longest.substr(46, 46));
 }
 
-TEST(ScanLog, APieceOfALongLineIsLeftBehindToo)
+TEST(ScanLog, a_piece_of_a_long_line_is_left_behind_too)
 {
 	const std::string longLine = ruler(1500) + "\n";
 	EXPECT_EQ(texts(parse(longLine + "start at\n"))[3], "2 " + longLine.substr(1022 + 46, 46));
@@ -168,20 +168,20 @@ TEST(ScanLog, APieceOfALongLineIsLeftBehindToo)
 	EXPECT_EQ(texts(parse(withShortRest + "start at\n"))[3], "2 " + withShortRest.substr(46, 46));
 }
 
-TEST(ScanLog, EveryReadingStartsWithACleanBuffer)
+TEST(ScanLog, every_reading_starts_with_a_clean_buffer)
 {
 	parse(ruler(1000) + "\n");
 	EXPECT_EQ(texts(parse("start at\n")), Strings({"0 tart at\n", "0 "}));
 }
 
-TEST(ScanLog, ANulByteEndsALineAndHidesAMarkerBehindIt)
+TEST(ScanLog, a_nul_byte_ends_a_line_and_hides_a_marker_behind_it)
 {
 	const ScanLogContents contents = parse("ab\0 start at\ncd\n"s);
 	EXPECT_EQ(texts(contents), Strings({"0 ab", "1 cd\n"}));
 	EXPECT_EQ(lines(contents), Strings({"ab", "cd\n"}));
 }
 
-TEST(ScanLog, ANulByteInAMarkerLineEndsItsFirstPieceAndNotItsSecond)
+TEST(ScanLog, a_nul_byte_in_a_marker_line_ends_its_first_piece_and_not_its_second)
 {
 	const std::string hidden = "start at" + std::string(1, '\0') + ruler(91) + "\n";
 	const ScanLogContents contents = parse(hidden);
@@ -189,24 +189,24 @@ TEST(ScanLog, ANulByteInAMarkerLineEndsItsFirstPieceAndNotItsSecond)
 	EXPECT_EQ(lines(contents), Strings({"start at", "start at"}));
 }
 
-TEST(ScanLog, ANulByteInALongerLineEndsWhatItLeftBehind)
+TEST(ScanLog, a_nul_byte_in_a_longer_line_ends_what_it_left_behind)
 {
 	std::string longer = ruler(200);
 	longer[60] = '\0';
 	EXPECT_EQ(texts(parse(longer + "\nstart at\n"))[2], "1 " + ruler(200).substr(46, 14));
 }
 
-TEST(ScanLog, ALineOf1021CharactersAndItsEndIsOneLine)
+TEST(ScanLog, a_line_of_1021_characters_and_its_end_is_one_line)
 {
 	EXPECT_EQ(texts(parse(ruler(1021) + "\n")), Strings({"0 " + ruler(1021) + "\n"}));
 }
 
-TEST(ScanLog, ALineOf1022CharactersHasItsEndInALineOfItsOwn)
+TEST(ScanLog, a_line_of_1022_characters_has_its_end_in_a_line_of_its_own)
 {
 	EXPECT_EQ(texts(parse(ruler(1022) + "\nb\n")), Strings({"0 " + ruler(1022), "1 \n", "2 b\n"}));
 }
 
-TEST(ScanLog, ALongLineIsNumberedInParts)
+TEST(ScanLog, a_long_line_is_numbered_in_parts)
 {
 	EXPECT_EQ(texts(parse(ruler(1023) + "\n")),
 	          Strings({"0 " + ruler(1022), "1 " + ruler(1023).substr(1022) + "\n"}));
@@ -216,7 +216,7 @@ TEST(ScanLog, ALongLineIsNumberedInParts)
 	                                       "4 " + line.substr(4088)}));
 }
 
-TEST(ScanLog, AMarkerThatIsCutIsNotFoundAndEachPartIsCheckedByItself)
+TEST(ScanLog, a_marker_that_is_cut_is_not_found_and_each_part_is_checked_by_itself)
 {
 	EXPECT_EQ(texts(parse(ruler(1018) + "start at\n")), Strings({"0 " + ruler(1018) + "star", "1 t at\n"}));
 	EXPECT_EQ(parse(ruler(1014) + "start at\n").entries.size(), 3u);
@@ -224,7 +224,7 @@ TEST(ScanLog, AMarkerThatIsCutIsNotFoundAndEachPartIsCheckedByItself)
 	EXPECT_EQ(texts(parse(ruler(1022) + "start at\n"))[1], "1 tart at\n");
 }
 
-TEST(ScanLog, PercentSignsAndEveryOtherByteStayAsTheyAre)
+TEST(ScanLog, percent_signs_and_every_other_byte_stay_as_they_are)
 {
 	std::string line = "%s%n%d%%";
 	for (int byte = 1; byte < 256; ++byte) {
@@ -235,7 +235,7 @@ TEST(ScanLog, PercentSignsAndEveryOtherByteStayAsTheyAre)
 	EXPECT_EQ(texts(parse("%s%n start at %d %%\n")), Strings({"0 s%n start at %d %%\n", "0 "}));
 }
 
-TEST(ScanLog, NeitherTheEntriesNorTheSummaryAreLookedUp)
+TEST(ScanLog, neither_the_entries_nor_the_summary_are_looked_up)
 {
 	FakePlatform platform;
 	platform.catalogueIsNull = true;
@@ -243,7 +243,7 @@ TEST(ScanLog, NeitherTheEntriesNorTheSummaryAreLookedUp)
 	EXPECT_TRUE(platform.lookUps.empty());
 }
 
-TEST(ScanLog, AReadErrorKeepsTheLinesBeforeIt)
+TEST(ScanLog, a_read_error_keeps_the_lines_before_it)
 {
 	const ScanLogContents contents = parseScanLog(failingStream("a\nb\nhalf").get(), "/log");
 	EXPECT_EQ(texts(contents), Strings({"0 a\n", "1 b\n"}));
@@ -251,7 +251,7 @@ TEST(ScanLog, AReadErrorKeepsTheLinesBeforeIt)
 	EXPECT_EQ(contents.summary, "size of /log : -1 bytes");
 }
 
-TEST(ScanLog, ManyLinesAreKeptToTheirSize)
+TEST(ScanLog, many_lines_are_kept_to_their_size)
 {
 	std::string bytes;
 	for (int line = 0; line < 100000; ++line)
@@ -266,7 +266,7 @@ TEST(ScanLog, ManyLinesAreKeptToTheirSize)
 	EXPECT_EQ(contents.summary, "size of /var/scaning.log : 10000000 bytes");
 }
 
-TEST(ScanLog, FixturesBecomeTheirEntries)
+TEST(ScanLog, fixtures_become_their_entries)
 {
 	const Strings names = fixturesIn("scanlog");
 	EXPECT_GE(names.size(), 3u);
@@ -279,7 +279,7 @@ TEST(ScanLog, FixturesBecomeTheirEntries)
 	}
 }
 
-TEST(ScanLog, GeneratedLogsReadAsTheModelReadsThem)
+TEST(ScanLog, generated_logs_read_as_the_model_reads_them)
 {
 	Generator generator(4101,
 	                    {"start at", "restart at 11778 MHz", "Start at", "star", "t at", "transponder", "%s"},
@@ -301,7 +301,7 @@ TEST(ScanLog, GeneratedLogsReadAsTheModelReadsThem)
 	EXPECT_GT(pieces, 50000u);
 }
 
-TEST(FileSize, IsThePositionOfTheEndAndThePositionStays)
+TEST(FileSize, is_the_position_of_the_end_and_the_position_stays)
 {
 	const TempFolder folder;
 	const std::string path = folder.write("file", ruler(5120));
@@ -315,14 +315,14 @@ TEST(FileSize, IsThePositionOfTheEndAndThePositionStays)
 	EXPECT_EQ(fgetc(stream.get()), ruler(101)[100]);
 }
 
-TEST(ScanLog, TheSizeIsWhatItIsAfterTheReading)
+TEST(ScanLog, the_size_is_what_it_is_after_the_reading)
 {
 	const ScanLogContents contents = parseScanLog(growingStream("a\n", "b\n").get(), "log");
 	EXPECT_EQ(texts(contents), Strings({"0 a\n", "1 b\n"}));
 	EXPECT_EQ(contents.summary, "size of log : 4 bytes");
 }
 
-TEST(FileSize, OfAStreamWithoutAPositionIsMinusOne)
+TEST(FileSize, of_a_stream_without_a_position_is_minus_one)
 {
 	int ends[2];
 	ASSERT_EQ(pipe(ends), 0);
@@ -331,7 +331,7 @@ TEST(FileSize, OfAStreamWithoutAPositionIsMinusOne)
 	close(ends[1]);
 }
 
-TEST(ReadScanLog, OpensReadsClosesAndSaysSoInThisOrder)
+TEST(ReadScanLog, opens_reads_closes_and_says_so_in_this_order)
 {
 	const TempFolder folder;
 	const std::string path = folder.write("file", ruler(5119) + "\n");
@@ -345,7 +345,7 @@ TEST(ReadScanLog, OpensReadsClosesAndSaysSoInThisOrder)
 	EXPECT_TRUE(exists(path));
 }
 
-TEST(ReadScanLog, AMissingFileIsNamedInTheSummaryAndInTheDebugOutput)
+TEST(ReadScanLog, a_missing_file_is_named_in_the_summary_and_in_the_debug_output)
 {
 	FakePlatform platform;
 	const ScanLogContents contents = readScanLog("/nonexistent/100%d.log");
@@ -356,7 +356,7 @@ TEST(ReadScanLog, AMissingFileIsNamedInTheSummaryAndInTheDebugOutput)
 	EXPECT_TRUE(contents.entries.empty());
 }
 
-TEST(ReadScanLog, AFileWithoutRightsReadsAsMissing)
+TEST(ReadScanLog, a_file_without_rights_reads_as_missing)
 {
 	const TempFolder folder;
 	const std::string path = folder.write("file", "a\n");
@@ -374,7 +374,7 @@ TEST(ReadScanLog, AFileWithoutRightsReadsAsMissing)
 	EXPECT_FALSE(contents.found);
 }
 
-TEST(ReadScanLog, AFolderInItsPlaceOpensAndReadsNothing)
+TEST(ReadScanLog, a_folder_in_its_place_opens_and_reads_nothing)
 {
 	const TempFolder folder;
 	const Stream stream(fopen(folder.path().c_str(), "r"));
@@ -388,7 +388,7 @@ TEST(ReadScanLog, AFolderInItsPlaceOpensAndReadsNothing)
 	EXPECT_EQ(platform.calls.back(), "eDebug(\"close file\")");
 }
 
-TEST(ReadScanLog, ALongPathIsNamedWhole)
+TEST(ReadScanLog, a_long_path_is_named_whole)
 {
 	const std::string path = "/" + std::string(1000, 'p');
 	EXPECT_EQ(readScanLog(path.c_str()).summary, "file \"" + path + "\" not found");

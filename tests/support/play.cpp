@@ -68,7 +68,7 @@ const Json &Play::widget(size_t index, const std::string &type, size_t nth) cons
 	                        std::to_string(index) + " in " + top.dump());
 }
 
-std::vector<std::string> Play::traceBetween(const std::string &from, const std::string &to) const
+Lines Play::traceBetween(const std::string &from, const std::string &to) const
 {
 	const auto first = std::find(trace.begin(), trace.end(), from);
 	if (first == trace.end()) {
@@ -80,10 +80,10 @@ std::vector<std::string> Play::traceBetween(const std::string &from, const std::
 		ADD_FAILURE() << "the trace has no line " << to << "\n" << ::testing::PrintToString(trace);
 		return {};
 	}
-	return std::vector<std::string>(first, last + 1);
+	return Lines(first, last + 1);
 }
 
-Play play(const std::string &root, const std::string &keys, const std::vector<std::string> &options,
+Play play(const std::string &root, const std::string &keys, const Lines &options,
           const Environment &environment)
 {
 	TempFolder folder;

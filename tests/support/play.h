@@ -25,19 +25,19 @@ std::string skinWithFontSize(const TempFolder &folder, int fontSize);
 struct Play
 {
 	Outcome outcome;
-	std::vector<std::string> trace; ///< its lines
-	std::vector<Json> moments;      ///< the dump's lines
+	Lines trace;               ///< its lines
+	std::vector<Json> moments; ///< the dump's lines
 
 	/// The topmost window after the key number `index` (0: the start).
 	const Json &window(size_t index) const;
 	/// The first widget of that class in that window.
 	const Json &widget(size_t index, const std::string &type, size_t nth = 0) const;
 	/// The trace's lines from the first one that is `from` up to the first one after it that is `to`.
-	std::vector<std::string> traceBetween(const std::string &from, const std::string &to) const;
+	Lines traceBetween(const std::string &from, const std::string &to) const;
 };
 
 /// `root` empty: this computer. Further options as on the command line.
-Play play(const std::string &root, const std::string &keys, const std::vector<std::string> &options = {},
+Play play(const std::string &root, const std::string &keys, const Lines &options = {},
           const Environment &environment = {});
 
 } // namespace support

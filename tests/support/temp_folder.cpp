@@ -60,9 +60,9 @@ bool exists(const std::string &path)
 	return fs::exists(fs::symlink_status(path, failed));
 }
 
-std::vector<std::string> lines(const std::string &text)
+Lines lines(const std::string &text)
 {
-	std::vector<std::string> result;
+	Lines result;
 	std::istringstream stream(text);
 	for (std::string line; std::getline(stream, line);)
 		result.push_back(line);

@@ -7,6 +7,8 @@
 namespace support
 {
 
+using Lines = std::vector<std::string>;
+
 /// A folder that goes with everything in it.
 class TempFolder
 {
@@ -35,7 +37,7 @@ void writeFile(const std::string &path, const std::string &content);
 /// Whether there is anything at `path`, be it a link that leads nowhere.
 bool exists(const std::string &path);
 
-std::vector<std::string> lines(const std::string &text);
+Lines lines(const std::string &text);
 std::string repeat(const std::string &text, int times);
 
 } // namespace support

@@ -8,17 +8,13 @@
 #include <algorithm>
 #include <map>
 
-using support::Outcome;
-using support::Play;
-using support::play;
-using support::Receiver;
-using Lines = std::vector<std::string>;
+using namespace support;
 
 namespace
 {
 
 /// Plays the plugin in the vendor's host; standard output is its trace.
-Outcome playVendor(const Receiver &receiver, const std::string &keys, const Lines &options = {})
+Outcome playVendor(const ReceiverFolder &receiver, const std::string &keys, const Lines &options = {})
 {
 	std::vector<std::string> command = {VENDOR_HOST, VENDOR_PLUGIN, receiver.path(), keys};
 	command.insert(command.end(), options.begin(), options.end());
@@ -83,7 +79,7 @@ protected:
 		return "none";
 	}
 
-	Receiver receiver;
+	ReceiverFolder receiver;
 };
 
 struct Script

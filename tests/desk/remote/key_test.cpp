@@ -26,7 +26,7 @@ Keys keysOf(std::string_view script)
 	return keys.value_or(Keys());
 }
 
-TEST(RemoteKeys, HaveTheNamesThatScriptsUse)
+TEST(RemoteKeys, have_the_names_that_scripts_use)
 {
 	const char *const names[] = {"up", "down", "left", "right", "pageup", "pagedown", "home", "end",
 	                             "ok", "exit", "red",  "green", "yellow", "blue",     "0",    "1",
@@ -40,7 +40,7 @@ TEST(RemoteKeys, HaveTheNamesThatScriptsUse)
 	EXPECT_EQ(static_cast<Key>(next - 1), Key::digit9);
 }
 
-TEST(RemoteKeys, HaveNoOtherNames)
+TEST(RemoteKeys, have_no_other_names)
 {
 	for (const char *name :
 	     {"", "OK", "Ok", "ok ", " ok", "okay", "o", "10", "-1", "page up", "digit1", "menu"})
@@ -48,20 +48,20 @@ TEST(RemoteKeys, HaveNoOtherNames)
 	EXPECT_FALSE(keyNamed(std::string_view("ok\0", 3)));
 }
 
-TEST(KeyScripts, AreNamesBetweenAnyWhiteSpace)
+TEST(KeyScripts, are_names_between_any_white_space)
 {
 	EXPECT_EQ(keysOf("down ok exit"), (Keys{Key::down, Key::ok, Key::exit}));
 	EXPECT_EQ(keysOf("  down\n\tok \r\n exit\v\f"), (Keys{Key::down, Key::ok, Key::exit}));
 	EXPECT_EQ(keysOf("7"), Keys{Key::digit7});
 }
 
-TEST(KeyScripts, MayBeEmpty)
+TEST(KeyScripts, may_be_empty)
 {
 	EXPECT_EQ(keysOf(""), Keys{});
 	EXPECT_EQ(keysOf(" \n\t "), Keys{});
 }
 
-TEST(KeyScripts, MayBeLong)
+TEST(KeyScripts, may_be_long)
 {
 	std::string script;
 	for (int i = 0; i < 100000; ++i)
@@ -69,7 +69,7 @@ TEST(KeyScripts, MayBeLong)
 	EXPECT_EQ(keysOf(script).size(), 100000u);
 }
 
-TEST(KeyScripts, NameTheUnknownKeyAndListTheKnownOnes)
+TEST(KeyScripts, name_the_unknown_key_and_list_the_known_ones)
 {
 	EXPECT_EQ(mistakeIn("down okay exit"),
 	          "unknown key \"okay\"; the keys are up down left right pageup pagedown home end ok exit "
@@ -77,7 +77,7 @@ TEST(KeyScripts, NameTheUnknownKeyAndListTheKnownOnes)
 	EXPECT_EQ(mistakeIn("down,ok").substr(0, 21), "unknown key \"down,ok\"");
 }
 
-TEST(KeyScripts, QuoteNastyBytesHarmlesslyAndBriefly)
+TEST(KeyScripts, quote_nasty_bytes_harmlessly_and_briefly)
 {
 	using namespace std::string_view_literals;
 	EXPECT_EQ(mistakeIn("\x1b[2J\x07\xff\0x"sv).substr(0, 24), "unknown key \"?[2J???x\"; ");

@@ -68,7 +68,7 @@ private:
 /// What was painted before the first key and after each.
 std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 {
-	support::Receiver receiver;
+	support::ReceiverFolder receiver;
 	receiver.ps(support::repeat("  123 root telnetd\n", 40));
 	receiver.df(support::repeat("/dev/root 7.8M 3.1M 4.7M 40% /\n", 5));
 	receiver.meminfo(support::repeat("MemTotal: 61888 kB\n", 12));
