@@ -9,6 +9,7 @@
 #include "recorder.h"
 #include "screen.h"
 #include "skin.h"
+#include "supervisor.h"
 #include "terminal_screen.h"
 #include "trace.h"
 #include "window_screen.h"
@@ -128,7 +129,7 @@ std::string pluginName(const std::string &path)
 
 std::unique_ptr<Screen> openScreen(const Options &options, std::string &error)
 {
-	const std::string name = options.screen.empty() ? likelyScreen() : options.screen;
+	const std::string &name = options.screen;
 	if (name == "window")
 		return makeWindowScreen(pluginName(options.plugin), error);
 	if (name == "terminal")
@@ -231,6 +232,10 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments, error);
 	if (!options.root.empty() && !Files::get().setRoot(options.root, error))
 		return fail(statusBadArguments, error);
+	if (options.screen.empty())
+		options.screen = likelyScreen();
+	if (options.screen == "terminal")
+		takeTerminal(); // before anything is opened: a trace to /dev/stderr is kept with the rest
 	Recorder recorder;
 	if (!options.pictures.empty() && !recorder.openPictures(options.pictures, error))
 		return fail(statusBadArguments, error);
@@ -249,6 +254,9 @@ int runApp(int argc, char **argv)
 	if (!screen)
 		return fail(statusBadArguments, error);
 
+	if (const int height = screen->rowHeight())
+		skin->setValue("fontsize", height);
+
 	Desk &desk = Desk::get();
 	desk.setSkin(std::move(*skin));
 	desk.setRecorder(&recorder);
@@ -263,7 +271,7 @@ int runApp(int argc, char **argv)
 		returned += play(*plugin, *keys);
 		plugin.reset();
 	}
-	desk.setScreen(nullptr); // gives the terminal back before anything is printed on it
+	desk.setScreen(nullptr);
 	desk.setRecorder(nullptr);
 	std::fputs(returned.c_str(), stdout);
 

@@ -42,7 +42,7 @@ enum class Emphasis
 {
 	none,
 	current, ///< the current entry, the button that has the focus
-	dim,     ///< present but secondary: a bar's track, the hint line
+	dim,     ///< present but secondary: a bar's track, the current entry of a list that has not the focus
 };
 
 /// How an area is filled. Canvases without the means leave out the gradient and the corners.

@@ -40,6 +40,8 @@ public:
 	/// An integer of the table [values], such as "fontsize"; nothing when the skin has none.
 	std::optional<int> value(const std::string &name) const;
 
+	void setValue(const std::string &name, int value) { values[name] = value; }
+
 	/// The decoration of that name; an unknown name gets the plainest one.
 	const Decoration &decoration(const std::string &name) const;
 

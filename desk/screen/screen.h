@@ -20,6 +20,9 @@ public:
 	/// What to paint the next frame on, or null when this screen shows nothing.
 	virtual Canvas *canvas() = 0;
 
+	/// The height in pixels that a row of text must have here; 0: any.
+	virtual int rowHeight() const { return 0; }
+
 	/// Shows what the canvas holds, which differs from the frame before only within `changed` (not empty,
 	/// within the screen). The screen keeps that frame and repairs it by itself (exposure, resizing)
 	/// while it waits for a key.

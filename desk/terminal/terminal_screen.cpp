@@ -1,15 +1,18 @@
 #include "terminal_screen.h"
 
 #include "cell_canvas.h"
+#include "note_log.h"
+#include "supervisor.h"
 #include "terminal_colours.h"
-#include "terminal_hold.h"
 #include "visible_text.h"
+
+#include <glib.h>
 
 #include <algorithm>
 #include <climits>
-#include <cstdint>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <cwchar>
 #include <map>
 #include <string>
@@ -17,22 +20,25 @@
 #include <utility>
 #include <vector>
 
+#include <langinfo.h>
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <curses.h>
 #include <term.h>
+#undef lines // these headers' macros name everything
 
 namespace desk
 {
 namespace
 {
 
-constexpr int helpRows = 1;
-constexpr int neededColumns = cellColumns;
-constexpr int neededRows = cellRows + helpRows;
-
+constexpr int neededColumns = 80;
+constexpr int neededRows = 24;
 constexpr int escapeDelay = 50; // milliseconds after which an Esc is no start of another key
+constexpr int logKey = KEY_F(9);
 
 /// Words of the help line; a key's name when `key`.
 const struct
@@ -40,10 +46,9 @@ const struct
 	bool key;
 	const char *text;
 } help[] = {
-	{true, "Arrows j k"},    {false, " move  "}, {true, "PgUp PgDn Home End"},
-	{false, " page  "},      {true, "Enter"},    {false, " ok  "},
-	{true, "Esc q"},         {false, " back  "}, {true, "F1-F4 r g y b"},
-	{false, " colour keys"},
+	{true, "Arrows j k"}, {false, " move  "},    {true, "PgUp PgDn"}, {false, " page  "},
+	{true, "Enter"},      {false, " ok  "},      {true, "Esc q"},     {false, " back  "},
+	{true, "r g y b"},    {false, " colours  "}, {true, "F9"},        {false, " log"},
 };
 
 /// What terminals send for a key, whatever their description says.
@@ -59,7 +64,7 @@ const struct
 	{"\033[5~", KEY_PPAGE}, {"\033[6~", KEY_NPAGE}, {"\033OM", KEY_ENTER},  {"\033OP", KEY_F(1)},
 	{"\033OQ", KEY_F(2)},   {"\033OR", KEY_F(3)},   {"\033OS", KEY_F(4)},   {"\033[11~", KEY_F(1)},
 	{"\033[12~", KEY_F(2)}, {"\033[13~", KEY_F(3)}, {"\033[14~", KEY_F(4)}, {"\033[[A", KEY_F(1)},
-	{"\033[[B", KEY_F(2)},  {"\033[[C", KEY_F(3)},  {"\033[[D", KEY_F(4)},
+	{"\033[[B", KEY_F(2)},  {"\033[[C", KEY_F(3)},  {"\033[[D", KEY_F(4)},  {"\033[20~", KEY_F(9)},
 };
 
 std::optional<Key> keyOfCode(wint_t code)
@@ -132,54 +137,33 @@ std::optional<Key> keyOfCharacter(wint_t character)
 std::string described(const char *name)
 {
 	static std::string out;
-	const char *string = tigetstr(name);
-	if (!string || string == reinterpret_cast<char *>(-1))
-		return {};
 	out.clear();
-	tputs(string, 1, [](int c) {
-		out += static_cast<char>(c);
-		return c;
-	});
+	const char *string = tigetstr(name);
+	if (string && string != reinterpret_cast<char *>(-1))
+		tputs(string, 1, [](int c) {
+			out += static_cast<char>(c);
+			return c;
+		});
 	return out;
 }
 
-std::string leavingFrom(int row)
+std::string leaving()
 {
-	static std::string out;
-	out.clear();
-	const char *move = tigetstr("cup");
-	tputs(tparm(move, row, 0, 0, 0, 0, 0, 0, 0, 0), 1, [](int c) {
-		out += static_cast<char>(c);
-		return c;
-	});
 	const std::string back = described("rmcup");
-	return described("op") + described("sgr0") + (back.empty() ? described("clear") : out + described("el")) +
-	       described("cnorm") + described("rmkx") + back;
+	return described("op") + described("sgr0") + described("cnorm") + described("rmkx") +
+	       (back.empty() ? described("clear") : back);
 }
 
-std::string entering()
+/// A glyph in the wide characters of this locale; false when it cannot be shown in `span` cells. Where the
+/// locale is not UTF-8, a byte beyond ASCII might be a control to the terminal.
+bool localized(const std::string &glyph, int span, std::wstring &out)
 {
-	return described("smcup") + described("smkx") + described("civis");
-}
-
-/// A glyph in the wide characters of this locale; false when it cannot be shown in `span` cells.
-bool localized(std::string_view glyph, int span, std::wstring &out)
-{
+	static const bool utf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
 	out.clear();
-	for (size_t i = 0; i < glyph.size();) {
-		const unsigned char lead = static_cast<unsigned char>(glyph[i++]);
-		uint32_t c = lead < 0x80   ? lead
-		             : lead < 0xE0 ? lead & 0x1Fu
-		             : lead < 0xF0 ? lead & 0x0Fu
-		                           : lead & 0x07u;
-		while (i < glyph.size() && (static_cast<unsigned char>(glyph[i]) & 0xC0) == 0x80)
-			c = c << 6 | (static_cast<unsigned char>(glyph[i++]) & 0x3Fu);
+	for (const char *at = glyph.c_str(); *at; at = g_utf8_next_char(at)) {
+		const gunichar c = g_utf8_get_char(at);
 		const wchar_t wide = static_cast<wchar_t>(c);
-		char bytes[MB_LEN_MAX];
-		mbstate_t state = {};
-		const bool known = wcrtomb(bytes, wide, &state) != static_cast<size_t>(-1);
-		const int width = known ? wcwidth(wide) : -1;
-		if (out.empty() ? width != span : width != 0)
+		if ((!utf8 && c > '~') || wcwidth(wide) != (out.empty() ? span : 0))
 			return false;
 		if (out.size() < CCHARW_MAX)
 			out += wide;
@@ -187,27 +171,53 @@ bool localized(std::string_view glyph, int span, std::wstring &out)
 	return true;
 }
 
-const cchar_t *ruleCharacter(Cell::Rule rule)
+const cchar_t *lineCharacter(Cell::Shape shape)
 {
-	switch (rule) {
-	case Cell::Rule::horizontal:
+	switch (shape) {
+	case Cell::Shape::horizontal:
 		return WACS_HLINE;
-	case Cell::Rule::vertical:
+	case Cell::Shape::vertical:
+	case Cell::Shape::track:
 		return WACS_VLINE;
-	case Cell::Rule::topLeft:
+	case Cell::Shape::topLeft:
 		return WACS_ULCORNER;
-	case Cell::Rule::topRight:
+	case Cell::Shape::topRight:
 		return WACS_URCORNER;
-	case Cell::Rule::bottomLeft:
+	case Cell::Shape::bottomLeft:
 		return WACS_LLCORNER;
-	case Cell::Rule::bottomRight:
+	case Cell::Shape::bottomRight:
 		return WACS_LRCORNER;
 	default:
 		return nullptr;
 	}
 }
 
-/// The screens in a terminal, by curses. The terminal is 90 x 30 at least: the cells and a line of help.
+volatile sig_atomic_t continued; // after a stop
+
+/// Lets signals come only while it sleeps, so that none is lost between a look and the sleep.
+class WakingSignals
+{
+public:
+	WakingSignals()
+	{
+		sigset_t waking;
+		sigemptyset(&waking);
+		sigaddset(&waking, SIGWINCH);
+		sigaddset(&waking, SIGCONT);
+		sigprocmask(SIG_BLOCK, &waking, &before);
+	}
+	~WakingSignals() { sigprocmask(SIG_SETMASK, &before, nullptr); }
+	WakingSignals(const WakingSignals &) = delete;
+	WakingSignals &operator=(const WakingSignals &) = delete;
+
+	void sleep(pollfd *ends, nfds_t count) const { ppoll(ends, count, nullptr, &before); }
+
+private:
+	sigset_t before;
+};
+
+/// The screens in a terminal, by curses, which also stops, goes on and resizes. The supervisor gives the
+/// terminal back.
 class TerminalScreen : public Screen
 {
 public:
@@ -215,88 +225,74 @@ public:
 	~TerminalScreen() override;
 
 	Canvas *canvas() override { return &cells; }
+	int rowHeight() const override { return CellCanvas::cellHeight; }
 	void present(const Rect &changed) override;
 	std::optional<Key> waitKey() override;
-	void note(const std::string &line) override;
-	void wake() override { hold.wake(); }
-	bool ownsTerminal() const override { return true; }
+	void wake() override { eventfd_write(wakeUp, 1); }
 
 private:
-	TerminalScreen() : hold(entering(), leavingFrom(std::max(0, tigetnum("lines") - 1))) {}
+	explicit TerminalScreen(TakenTerminal taken) : terminal(taken) {}
 
-	bool start();
+	bool start(const char *name);
 	bool fits() const { return LINES >= neededRows && COLS >= neededColumns; }
-	void fitSize();
-	void redraw();
 	void draw();
+	void redraw();
 	void drawCell(int row, int column, const Cell &cell, int span, int &textColour);
 	void drawHelp(int row, int column);
-	void drawTooSmall();
+	void drawLog();
 	int pair(int text, int ground);
-	std::optional<Key> readKey(bool &nothing);
-	void skipSequence();
+	std::optional<Key> keyOf(int kind, wint_t code);
+	bool skipSequence();
 
-	TerminalHold hold;
-	CellCanvas cells;
-	std::vector<Cell> frame;
+	const TakenTerminal terminal;
+	const int wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+	FILE *input = nullptr, *output = nullptr;
 	SCREEN *curses = nullptr;
 	ColourDepth depth = ColourDepth::none;
 	std::map<std::pair<int, int>, int> pairs;
-	bool closed = false;
+	CellCanvas cells;
+	bool showsLog = false;
 };
 
 std::unique_ptr<Screen> TerminalScreen::open(std::string &error)
 {
+	const TakenTerminal taken = takeTerminal();
 	const auto refuse = [&](const std::string &why) {
 		error = "cannot use the terminal: " + why + ", or use --screen none";
 		return nullptr;
 	};
-	if (!isatty(STDIN_FILENO))
+	if (!isatty(taken.input))
 		return refuse("standard input is not one; start it from a terminal");
-	if (!isatty(STDOUT_FILENO))
+	if (!isatty(taken.output))
 		return refuse("standard output is not one; leave out the redirection");
 	const char *name = getenv("TERM");
 	if (!name || !*name)
 		return refuse("TERM is not set; set it to the terminal's name");
 	const std::string shown = "TERM=" + visibleText(name);
 	int status = 0;
-	if (setupterm(name, STDOUT_FILENO, &status) != OK)
+	if (setupterm(name, taken.output, &status) != OK)
 		return refuse(status < 0 ? "there are no terminal descriptions here; install ncurses-base"
 		                         : shown + " is not known here; set TERM to what the terminal is");
-	const char *move = tigetstr("cup");
-	if (!move || move == reinterpret_cast<char *>(-1))
+	if (described("cup").empty())
 		return refuse(shown + " cannot move the cursor; set TERM to what the terminal is");
 
-	std::unique_ptr<TerminalScreen> screen(new TerminalScreen);
-	if (!screen->start()) {
-		screen.reset();
+	std::unique_ptr<TerminalScreen> screen(new TerminalScreen(taken));
+	if (!screen->start(name))
 		return refuse(shown + " does not work; set TERM to what the terminal is");
-	}
 	return screen;
 }
 
-bool TerminalScreen::start()
+bool TerminalScreen::start(const char *name)
 {
-	const std::string name = getenv("TERM");
-	TERMINAL *const asked = cur_term;
+	leaveTerminalBy(leaving());
 	depth = terminalColours();
-	if (depth == ColourDepth::direct && !describesDirectColours()) {
-		const char *folder = getenv("TERMINFO");
-		const std::string before = folder ? folder : "";
-		setenv("TERMINFO", withDirectColours(name).c_str(), 1);
-		curses = newterm(name.c_str(), stdout, stdin);
-		// Commands are to find the terminal as it was.
-		if (folder)
-			setenv("TERMINFO", before.c_str(), 1);
-		else
-			unsetenv("TERMINFO");
-		if (curses && tigetnum("colors") < 1 << 24)
-			depth = tigetnum("colors") >= 256 ? ColourDepth::indexed : ColourDepth::eight;
-	} else
-		curses = newterm(name.c_str(), stdout, stdin);
+	del_curterm(cur_term); // curses has its own
+	input = fdopen(dup(terminal.input), "r");
+	output = fdopen(dup(terminal.output), "w");
+	if (input && output)
+		curses = newterm(name, output, input);
 	if (!curses)
 		return false;
-	del_curterm(asked); // curses has its own
 
 	if (depth != ColourDepth::none) {
 		start_color();
@@ -314,29 +310,27 @@ bool TerminalScreen::start()
 		if (key_defined(key.bytes) == 0)
 			define_key(key.bytes, key.key);
 	curs_set(0);
-	hold.modeIsSet();
-	fitSize();
+	struct sigaction action = {};
+	action.sa_handler = [](int) { continued = 1; };
+	sigaction(SIGCONT, &action, nullptr);
 	return true;
 }
 
 TerminalScreen::~TerminalScreen()
 {
-	// Not endwin(): the terminal is given back in one way only, whoever ends the program.
-	if (curses)
+	if (curses) {
+		std::signal(SIGCONT, SIG_DFL);
+		endwin();
 		delscreen(curses);
-}
-
-void TerminalScreen::fitSize()
-{
-	winsize size = {};
-	if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0)
-		resizeterm(size.ws_row, size.ws_col);
-	hold.setLeave(leavingFrom(LINES - 1));
+	}
+	for (FILE *stream : {input, output})
+		if (stream)
+			fclose(stream);
+	close(wakeUp);
 }
 
 void TerminalScreen::present(const Rect &)
 {
-	frame = cells.cells();
 	draw();
 	refresh();
 }
@@ -352,72 +346,74 @@ void TerminalScreen::draw()
 {
 	erase();
 	if (!fits()) {
-		drawTooSmall();
+		mvprintw(0, 0,
+		         "The terminal is %d x %d.\nThis screen needs %d x %d.\nEnlarge it, or press q to leave.",
+		         COLS, LINES, neededColumns, neededRows);
 		return;
 	}
-	if (frame.empty())
+	if (showsLog) {
+		drawLog();
 		return;
-	const int top = (LINES - neededRows) / 2;
-	const int left = (COLS - neededColumns) / 2;
-	for (int row = 0; row < cellRows; ++row) {
+	}
+	const std::vector<int> rows = cells.rowsWithin(LINES - 1, LINES);
+	const int count = static_cast<int>(rows.size());
+	const int top = std::max(0, (LINES - 1 - count) / 2);
+	const int first = cells.firstColumnWithin(COLS);
+	const int end = std::min(first + COLS, cellColumns);
+	const int left = std::max(0, (COLS - cellColumns) / 2);
+	for (int row = 0; row < count; ++row) {
 		int textColour = depth == ColourDepth::none ? 0 : colourNumber({255, 255, 255}, depth);
-		for (int column = 0; column < cellColumns; ++column) {
-			const size_t i = static_cast<size_t>(row * cellColumns + column);
-			if (frame[i].glyph.empty())
+		for (int column = first; column < end; ++column) {
+			const Cell &cell = cells.at(rows[static_cast<size_t>(row)], column);
+			if (cell.glyph.empty())
 				continue;
-			const bool wide = column + 1 < cellColumns && frame[i + 1].glyph.empty();
-			drawCell(top + row, left + column, frame[i], wide ? 2 : 1, textColour);
+			const bool wide =
+				column + 1 < end && cells.at(rows[static_cast<size_t>(row)], column + 1).glyph.empty();
+			drawCell(top + row, left + column - first, cell, wide ? 2 : 1, textColour);
 		}
 	}
-	drawHelp(top + cellRows, left);
+	if (top + count < LINES)
+		drawHelp(top + count, left);
 }
 
 // `textColour` is that of the cell before. Blanks keep it, so that no change of colours is sent for them.
 void TerminalScreen::drawCell(int row, int column, const Cell &cell, int span, int &textColour)
 {
 	attr_t attributes = cell.bold ? A_BOLD : A_NORMAL;
-	const bool coarse =
-		depth == ColourDepth::none || depth == ColourDepth::eight || depth == ColourDepth::sixteen;
-	if (cell.dim && coarse)
-		attributes |= A_DIM;
 	int colours = 0;
-	bool told = false; // by its colours, that it is the current one
+	bool told = false; // by its colours, from what is around it
 	if (depth != ColourDepth::none) {
-		const Color shown = depth == ColourDepth::direct ? cell.ground : cell.plain;
-		const int ground = colourNumber(shown, depth);
-		told = colourNumber(cell.plain, depth) != colourNumber(cell.below, depth);
-		const bool blank = cell.glyph == " " && cell.rule == Cell::Rule::none && cell.bar == Cell::Bar::none;
-		if (!blank || (cell.current && !told))
-			textColour = legibleColour(cell.text, shown, depth);
-		colours = pair(textColour, ground);
-		if (coarse && textColour == 0)
+		const int ground = colourNumber(cell.ground, depth);
+		told = ground != colourNumber(cell.below, depth);
+		if (cell.glyph != " " || cell.shape != Cell::Shape::none || !told)
+			textColour = legibleColour(cell.text, cell.ground, depth);
+		if (depth == ColourDepth::eight && textColour == COLOR_BLACK)
 			attributes &= ~A_BOLD; // which makes a grey of black
+		colours = pair(textColour, ground);
 	}
-	if (cell.current && !told)
+	if (!told && cell.current)
 		attributes |= A_REVERSE;
+	if (!told && cell.dim)
+		attributes |= A_UNDERLINE;
 
 	std::wstring glyph;
-	const auto drawn = [&](const cchar_t *line) {
+	bool half = false; // a mark in place of a wide character leaves a blank beside it
+	const bool bar = cell.shape == Cell::Shape::track || cell.shape == Cell::Shape::thumb;
+	if (bar && depth == ColourDepth::indexed)
+		glyph = L" "; // its two colours may be one elsewhere
+	else if (const cchar_t *line = lineCharacter(cell.shape)) {
 		wchar_t text[CCHARW_MAX + 1] = {};
 		attr_t kind = 0;
 		short ignored = 0;
 		getcchar(line, text, &kind, &ignored, nullptr);
 		glyph = text;
 		attributes |= kind;
-	};
-	bool half = false; // a mark in place of a wide character leaves a blank beside it
-	if (const cchar_t *rule = ruleCharacter(cell.rule))
-		drawn(rule);
-	else if (cell.bar != Cell::Bar::none && coarse) {
-		// Its two colours may have become one.
-		colours = depth == ColourDepth::none ? 0 : pair(COLOR_WHITE, COLOR_BLACK);
-		if (cell.bar == Cell::Bar::track)
-			drawn(WACS_VLINE);
-		else {
-			glyph = L" ";
-			attributes |= A_REVERSE;
-		}
-	} else if (!localized(cell.glyph, span, glyph)) {
+	} else if (cell.shape == Cell::Shape::thumb) {
+		glyph = L" ";
+		attributes |= A_REVERSE;
+	} else if (!told && cell.end && cell.glyph == " ")
+		glyph = cell.end == '[' ? L"[" : L"]";
+	else if (!localized(cell.glyph, span, glyph)) {
 		glyph = L"?";
 		half = span == 2;
 	}
@@ -430,7 +426,6 @@ void TerminalScreen::drawCell(int row, int column, const Cell &cell, int span, i
 	}
 }
 
-// The pair of these colours; -1 is the terminal's own.
 int TerminalScreen::pair(int text, int ground)
 {
 	const auto known = pairs.find({text, ground});
@@ -452,100 +447,100 @@ void TerminalScreen::drawHelp(int row, int column)
 	attrset(A_NORMAL);
 }
 
-void TerminalScreen::drawTooSmall()
+// The last debug lines and notes, as many as there is room for.
+void TerminalScreen::drawLog()
 {
-	const std::string text = "The terminal is " + std::to_string(COLS) + " x " + std::to_string(LINES) +
-	                         "; this screen needs " + std::to_string(neededColumns) + " x " +
-	                         std::to_string(neededRows) + ". Enlarge it, or press q to leave.";
-	// Broken at blanks, for a terminal that is really small.
-	int row = 0, column = 0;
-	for (size_t start = 0; start < text.size() && row < LINES;) {
-		const size_t end = std::min(text.find(' ', start), text.size());
-		const int length = static_cast<int>(end - start);
-		if (column > 0 && column + length > COLS) {
-			++row;
-			column = 0;
+	const auto &lines = NoteLog::get().lines();
+	const size_t count = std::min(lines.size(), static_cast<size_t>(LINES - 1));
+	for (size_t i = 0; i < count; ++i) {
+		move(static_cast<int>(i), 0);
+		std::wstring wide, glyph;
+		const std::string &line = lines[lines.size() - count + i];
+		for (const char *at = line.c_str(), *next = at; *at; at = next) {
+			next = g_utf8_next_char(at);
+			const std::string character(at, next);
+			wide += localized(character, textColumns(character), glyph) ? glyph : L"?";
 		}
-		mvaddnstr(row, column, text.c_str() + start, std::min(length, COLS - column));
-		column += length + 1;
-		start = end + 1;
+		int fitting = 0;
+		for (int width = 0; fitting < static_cast<int>(wide.size()); ++fitting)
+			if ((width += std::max(0, wcwidth(wide[static_cast<size_t>(fitting)]))) > COLS)
+				break;
+		addnwstr(wide.c_str(), fitting);
 	}
+	attrset(A_BOLD);
+	mvaddstr(LINES - 1, 1,
+	         lines.empty() ? "There are no debug lines yet. Any key goes back."
+	                       : "The last debug lines. Any key goes back.");
+	attrset(A_NORMAL);
 }
 
 std::optional<Key> TerminalScreen::waitKey()
 {
-	while (!closed) {
-		bool nothing = false;
-		const std::optional<Key> key = readKey(nothing);
-		if (key && (fits() || *key == Key::exit))
-			return key;
-		if (!nothing)
-			continue;
-		// A frame may have been left half sent because keys were waiting.
-		refresh();
-		switch (hold.wait()) {
-		case TerminalHold::Wake::input:
-			break;
-		case TerminalHold::Wake::resized:
-		case TerminalHold::Wake::continued:
-			fitSize();
+	const WakingSignals signals;
+	for (;;) {
+		wint_t code = 0;
+		const int kind = get_wch(&code);
+		if (kind == ERR) {
+			// A frame may have been left half sent because keys were waiting.
+			refresh();
+			pollfd ends[] = {{terminal.input, POLLIN, 0}, {wakeUp, POLLIN, 0}};
+			signals.sleep(ends, 2);
+			if (eventfd_t wakes; ends[1].revents && eventfd_read(wakeUp, &wakes) == 0)
+				return std::nullopt;
+			int waiting = 0;
+			if (ends[0].revents && (ioctl(terminal.input, FIONREAD, &waiting) != 0 || waiting == 0))
+				return std::nullopt; // the terminal is gone
+			if (!continued)
+				continue;
+			// Others have used the terminal, which may have another size now.
+			continued = 0;
+			endwin();
+			winsize size = {};
+			if (ioctl(terminal.output, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0)
+				resizeterm(size.ws_row, size.ws_col);
 			redraw();
-			break;
-		case TerminalHold::Wake::closed:
-			closed = true;
-			break;
-		case TerminalHold::Wake::woken:
-			return std::nullopt;
-		}
+		} else if (kind == KEY_CODE_YES && code == KEY_RESIZE)
+			redraw();
+		else if (const std::optional<Key> key = keyOf(kind, code); key && (fits() || *key == Key::exit))
+			return key;
 	}
-	return std::nullopt;
 }
 
-// The next key that has been typed; `nothing` when there is none.
-std::optional<Key> TerminalScreen::readKey(bool &nothing)
+// The remote's key of what has been typed. Keys of the screen's own are dealt with here.
+std::optional<Key> TerminalScreen::keyOf(int kind, wint_t code)
 {
-	wint_t code = 0;
-	const int kind = get_wch(&code);
-	nothing = kind == ERR;
-	if (kind == ERR)
+	if (showsLog || (kind == KEY_CODE_YES && code == logKey)) {
+		showsLog = !showsLog;
+		redraw();
+		if (code == 033)
+			skipSequence();
 		return std::nullopt;
+	}
 	if (kind == KEY_CODE_YES)
 		return keyOfCode(code);
-	if (code == 'L' - 64) {
+	if (code == 'L' - 64)
 		redraw();
+	// The start of a key that nobody knows is no Esc.
+	if (code == 033 && skipSequence())
 		return std::nullopt;
-	}
-	if (code == 033) {
-		// The start of a key that nobody knows is no Esc.
-		wint_t next = 0;
-		const int more = get_wch(&next);
-		if (more == OK && (next == '[' || next == 'O')) {
-			skipSequence();
-			return std::nullopt;
-		}
-		if (more == OK)
-			unget_wch(static_cast<wchar_t>(next));
-		else if (more == KEY_CODE_YES)
-			ungetch(static_cast<int>(next));
-	}
 	return keyOfCharacter(code);
 }
 
-void TerminalScreen::skipSequence()
+// What has come after an Esc when it began a sequence; false when it did not.
+bool TerminalScreen::skipSequence()
 {
 	wint_t code = 0;
-	while (get_wch(&code) == OK)
-		if (code >= 0x40 && code <= 0x7E)
-			return;
-}
-
-void TerminalScreen::note(const std::string &line)
-{
-	// What does not go to the terminal cannot spoil it.
-	if (isatty(STDERR_FILENO))
-		hold.keep(visibleText(line));
-	else
-		Screen::note(line);
+	const int kind = get_wch(&code);
+	if (kind == OK && (code == '[' || code == 'O')) {
+		while (get_wch(&code) == OK && (code < 0x40 || code > 0x7E)) {
+		}
+		return true;
+	}
+	if (kind == OK)
+		unget_wch(static_cast<wchar_t>(code));
+	else if (kind == KEY_CODE_YES)
+		ungetch(static_cast<int>(code));
+	return false;
 }
 
 } // namespace

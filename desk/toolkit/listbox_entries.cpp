@@ -22,8 +22,9 @@ void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor curre
 	style.color = gPainter::color(isCurrent ? currentText : textColor);
 	style.rowHeight = area.height();
 	if (isCurrent) {
-		style.emphasis = desk::Emphasis::current;
-		target->canvas.fill(row, desk::Fill::plain(gPainter::color(currentBack), 0, desk::Emphasis::current));
+		const bool left = Desk::get().focus() != listbox; // the viewer is somewhere else
+		style.emphasis = left ? desk::Emphasis::dim : desk::Emphasis::current;
+		target->canvas.fill(row, desk::Fill::plain(gPainter::color(currentBack), 0, style.emphasis));
 	}
 	// A menu line is written for people. Other lines come from programs, in columns made with blanks.
 	int inset = Desk::get().skin().decoration("eListBox").padding;

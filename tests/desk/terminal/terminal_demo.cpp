@@ -1,12 +1,18 @@
-// A list on the terminal screen, with ways to end badly on the digits. What the keys were is said afterwards.
+// A list on the terminal screen, supervised as the desk host is, with ways to end badly on the digits. What the keys
+// were is said afterwards.
 //
 //   1 a note                5 a wild pointer     8 the message box comes or goes
 //   2 1200 notes            6 abort              9 busy, without waiting for keys, until a signal comes
 //   3 exit with status 7    7 a full stack       0 a command, as plugins run them
+//   4 what the variable DEMO_END says: a signal's number, or a word of end()
 
+#include "supervisor.h"
 #include "terminal_screen.h"
 
+#include <unistd.h>
+
 #include <clocale>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -95,6 +101,25 @@ int fillStack(volatile unsigned *depth)
 	return ++*depth ? fillStack(depth) + here[0] : 0;
 }
 
+void end(const std::string &way)
+{
+	if (way == "_exit")
+		_exit(7);
+	if (way == "quick_exit")
+		quick_exit(7);
+	if (way == "exec")
+		execlp("sh", "sh", "-c", "echo written by another program; exit 7", nullptr);
+	if (way == "print") {
+		printf("printed \033[31m in red\n");
+		system("echo by a command; echo and its error >&2; cat");
+	} else if (way == "ignore") {
+		for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+			std::signal(signal, SIG_IGN);
+		system("sleep 4323 & trap '' INT TERM; while :; do sleep 1; done");
+	} else
+		raise(std::stoi(way));
+}
+
 void misbehave(Key key, desk::Screen &screen, State &state)
 {
 	switch (key) {
@@ -107,6 +132,10 @@ void misbehave(Key key, desk::Screen &screen, State &state)
 		break;
 	case Key::digit3:
 		exit(7);
+	case Key::digit4:
+		if (const char *way = getenv("DEMO_END"))
+			end(way);
+		break;
 	case Key::digit5: {
 		// Not null, for which a sanitizer has its own end.
 		volatile uintptr_t nothing = 64;
@@ -139,7 +168,7 @@ void misbehave(Key key, desk::Screen &screen, State &state)
 
 } // namespace
 
-int main()
+int run()
 {
 	setlocale(LC_ALL, "");
 	std::string error;
@@ -171,4 +200,9 @@ int main()
 	screen.reset();
 	printf("keys:%s\n", keys.c_str());
 	return 0;
+}
+
+int main()
+{
+	return desk::supervise(run);
 }
