@@ -1,0 +1,163 @@
+#include "box.h"
+
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <stdexcept>
+
+namespace
+{
+
+constexpr std::chrono::seconds patience(150); // a busy machine is no failure
+constexpr int width = 720, height = 576;
+constexpr int screenLeft = 40, screenTop = 12; // of the picture, on a screen of 800 x 600
+
+/// What QEMU calls the keys of a keyboard that plays the remote control.
+std::string keyOnBoard(const std::string &key)
+{
+	static const std::map<std::string, std::string> names = {
+		{"ok", "ret"}, {"exit", "esc"}, {"pageup", "pgup"}, {"pagedown", "pgdn"},
+		{"red", "f1"}, {"green", "f2"}, {"yellow", "f3"},   {"blue", "f4"},
+	};
+	const auto found = names.find(key);
+	return found == names.end() ? key : found->second;
+}
+
+Picture cut(const std::string &png, int left, int top)
+{
+	const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t *)> surface(
+		cairo_image_surface_create_from_png(png.c_str()), cairo_surface_destroy);
+	Picture picture;
+	if (cairo_image_surface_get_width(surface.get()) < left + width ||
+	    cairo_image_surface_get_height(surface.get()) < top + height) {
+		ADD_FAILURE() << png << " is no picture of the screen";
+		return picture;
+	}
+	const unsigned char *data = cairo_image_surface_get_data(surface.get());
+	const int stride = cairo_image_surface_get_stride(surface.get());
+	for (int y = 0; y < height; ++y)
+		for (int x = 0; x < width; ++x) {
+			const unsigned char *p = data + (top + y) * stride + (left + x) * 4; // blue, green, red
+			picture.pixels.push_back(static_cast<uint16_t>(p[2] >> 3 << 11 | p[1] >> 2 << 5 | p[0] >> 3));
+		}
+	return picture;
+}
+
+} // namespace
+
+Picture inSixteenBits(const std::string &png)
+{
+	return cut(png, 0, 0);
+}
+
+Box::Box()
+{
+	for (const char *name : {"monitor.in", "monitor.out", "console.in", "console.out", "dump.in", "dump.out"})
+		mkfifo((folder / name).c_str(), 0600);
+	const auto end = [&](const char *name) { return open((folder / name).c_str(), O_RDWR | O_CLOEXEC); };
+	monitor = end("monitor.in");
+	monitorOut = end("monitor.out");
+	console = end("console.in");
+	consoleOut = end("console.out");
+	dump = end("dump.out");
+	qemu.start({support::sourcePath("receiver/qemu"), folder.path(), "-display", "none"}, {}, STDERR_FILENO);
+	command("qmp_capabilities", support::Json::object());
+}
+
+Box::~Box()
+{
+	qemu.end();
+	for (const int pipe : {monitor, monitorOut, console, consoleOut, dump})
+		close(pipe);
+}
+
+void Box::send(int pipe, const std::string &line)
+{
+	const std::string text = line + '\n';
+	if (write(pipe, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+		throw std::runtime_error("cannot write to the box");
+}
+
+std::string Box::line(int pipe, std::string &buffer)
+{
+	const auto end = std::chrono::steady_clock::now() + patience;
+	for (;;) {
+		if (const size_t newline = buffer.find('\n'); newline != buffer.npos) {
+			std::string next = buffer.substr(0, newline);
+			buffer.erase(0, newline + 1);
+			if (!next.empty() && next.back() == '\r')
+				next.pop_back();
+			return next;
+		}
+		if (!qemu.lives())
+			throw std::runtime_error("the box has ended: " + qemu.line());
+		if (std::chrono::steady_clock::now() > end)
+			throw std::runtime_error("the box does not answer");
+		pollfd ready = {pipe, POLLIN, 0};
+		char piece[4096];
+		if (poll(&ready, 1, 500) > 0)
+			if (const ssize_t length = read(pipe, piece, sizeof piece); length > 0)
+				buffer.append(piece, static_cast<size_t>(length));
+	}
+}
+
+support::Json Box::nextMoment()
+{
+	return support::Json::parse(line(dump, dumpText));
+}
+
+/// A command of QEMU's, carried out when this returns.
+void Box::command(const std::string &name, const support::Json &arguments)
+{
+	send(monitor, support::Json({{"execute", name}, {"arguments", arguments}, {"id", ++commands}}).dump());
+	support::Json answer;
+	do
+		answer = support::Json::parse(line(monitorOut, monitorText));
+	while (answer.value("id", 0) != commands);
+	EXPECT_FALSE(answer.contains("error")) << answer;
+}
+
+void Box::sendKey(const std::string &name)
+{
+	command("send-key", {{"keys", {{{"type", "qcode"}, {"data", name}}}}, {"hold-time", 20}});
+}
+
+support::Json Box::press(const std::string &key)
+{
+	sendKey(keyOnBoard(key));
+	support::Json moment = nextMoment();
+	EXPECT_EQ(moment["after"], key);
+	return moment;
+}
+
+std::string Box::shell(const std::string &words)
+{
+	// The mark is put together there, so that it is not mistaken for an echo.
+	send(console, words + "; echo; echo END-O''F-IT");
+	std::string output;
+	for (std::string next = line(consoleOut, consoleText); next != "END-OF-IT";
+	     next = line(consoleOut, consoleText))
+		output += next + '\n';
+	return output.empty() ? output : output.substr(0, output.size() - 1);
+}
+
+Picture Box::screen()
+{
+	const std::string png = folder / ("screen-" + std::to_string(++pictures) + ".png");
+	command("screendump", {{"filename", png}, {"format", "png"}});
+	return cut(png, screenLeft, screenTop);
+}
+
+bool Box::switchesOff()
+{
+	sendKey("power");
+	return qemu.exitStatus() == 0;
+}

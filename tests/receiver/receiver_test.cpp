@@ -1,0 +1,221 @@
+// The menu on a box that is there: its own processes, flash, mounts and files, its own screen.
+
+#include "box.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+
+namespace
+{
+
+using support::Json;
+
+/// The topmost window.
+const Json &window(const Json &moment)
+{
+	return moment.at("windows").back();
+}
+
+bool shows(const Json &moment, const std::string &text)
+{
+	return moment.dump().find(text) != std::string::npos;
+}
+
+/// A folder for commands that stands in the place of the box's own, until it is unmounted again.
+const char ownCommands[] = "mount -t tmpfs none /usr/bin && /bin/busybox --install -s /usr/bin";
+
+/// Keeps what a command prints for the menu, so that the desk host can be shown the same.
+std::string kept(const std::string &command)
+{
+	return "rm /usr/bin/" + command + "; echo '#!/bin/sh' >/usr/bin/" + command + "; echo 'busybox " +
+	       command + " \"$@\" | tee /tmp/" + command + "' >>/usr/bin/" + command + "; chmod +x /usr/bin/" +
+	       command;
+}
+
+/// One play on the box, with what was on its screen after each key.
+struct Session
+{
+	Box &box;
+	std::string keys;
+	std::vector<Json> moments;
+	std::vector<Picture> screens;
+
+	const Json &press(const std::string &key)
+	{
+		keys += (keys.empty() ? "" : " ") + key;
+		moments.push_back(box.press(key));
+		screens.push_back(box.screen());
+		return moments.back();
+	}
+	const Json &press(std::initializer_list<const char *> several)
+	{
+		for (const char *key : several)
+			press(key);
+		return moments.back();
+	}
+};
+
+class OnTheBoard : public testing::Test
+{
+protected:
+	static void SetUpTestSuite()
+	{
+		ASSERT_TRUE(support::exists(support::sourcePath("build/receiver/squashfs")))
+			<< "there is no receiver to boot: ./test makes it, or receiver/make after a build for MIPS";
+		box = new Box;
+		start = box->started();
+	}
+	static void TearDownTestSuite() { delete box; }
+
+	/// Opens all screens, in a fresh menu, and leaves it; each must be there.
+	void allScreensOpen(const std::string &when)
+	{
+		const char *dialogs[] = {"ePsDialog", "eMemInfoDialog", "eScanLogDialog", "eSysInfDialog"};
+		for (size_t i = 0; i < 4; ++i) {
+			EXPECT_EQ(window(box->press("ok"))["class"], dialogs[i]) << when;
+			EXPECT_EQ(window(box->press("exit"))["class"], "eVexloMenu") << when;
+			box->press("down");
+		}
+	}
+
+	static Box *box;
+	static Json start;
+};
+
+Box *OnTheBoard::box = nullptr;
+Json OnTheBoard::start;
+
+TEST_F(OnTheBoard, should_show_and_do_what_the_desk_shows)
+{
+	box->shell(ownCommands);
+	box->shell(kept("ps"));
+	box->shell(kept("df"));
+	box->shell("cat /proc/meminfo >/tmp/meminfo && mount --bind /tmp/meminfo /proc/meminfo"); // held still
+	support::Receiver receiver;
+	receiver.meminfo(box->shell("cat /proc/meminfo"));
+	receiver.mtd(box->shell("cat /proc/mtd"));
+	receiver.scanLog(box->shell("cat /var/scaning.log"));
+
+	Session session{*box, "", {start}, {box->screen()}};
+
+	// A service is killed.
+	EXPECT_EQ(window(session.press("ok"))["class"], "ePsDialog");
+	const std::string processes = box->shell("cat /tmp/ps");
+	receiver.ps(processes);
+	const std::vector<std::string> lines = support::lines(processes);
+	size_t victim = 0;
+	while (victim < lines.size() && lines[victim].find("/usr/sbin/epgd") == std::string::npos)
+		++victim;
+	ASSERT_LT(victim, lines.size()) << processes;
+	const std::string id = std::to_string(std::stoi(lines[victim]));
+	session.press("end");
+	for (size_t i = victim + 1; i < lines.size(); ++i)
+		session.press("up");
+	EXPECT_TRUE(shows(session.press("ok"), "Kill " + id + " pid?"));
+	EXPECT_EQ(box->shell("test -d /proc/" + id + " && echo there"), "there\n");
+	EXPECT_EQ(window(session.press("ok"))["class"], "eVexloMenu");
+	EXPECT_EQ(box->shell("test -d /proc/" + id + " || echo gone"), "gone\n");
+	EXPECT_EQ(box->shell("busybox ps").find("epgd"), std::string::npos);
+
+	// The memory summary.
+	EXPECT_EQ(window(session.press({"down", "ok"}))["class"], "eMemInfoDialog");
+
+	// The scan log is deleted.
+	EXPECT_TRUE(shows(session.press({"exit", "down", "ok"}), "tuner A start at 474000 kHz"));
+	session.press({"down", "pagedown", "red"});
+	EXPECT_EQ(box->shell("test -e /var/scaning.log && echo there"), "there\n");
+	session.press("ok");
+	EXPECT_EQ(box->shell("test -e /var/scaning.log || echo gone"), "gone\n");
+
+	// Flash and mounts.
+	while (window(session.moments.back())["class"] != "eVexloMenu")
+		session.press("exit");
+	const Json &flash = session.press({"down", "ok"});
+	receiver.df(box->shell("cat /tmp/df"));
+	EXPECT_EQ(window(flash)["class"], "eSysInfDialog");
+	std::istringstream mtd(box->shell("tail -n +2 /proc/mtd"));
+	int partitions = 0;
+	for (std::string line; std::getline(mtd, line); ++partitions)
+		EXPECT_TRUE(shows(flash, line.substr(0, line.find(':')))) << line;
+	EXPECT_EQ(partitions, 5);
+	EXPECT_TRUE(shows(flash, "/config")) << flash;
+	EXPECT_TRUE(shows(flash, "1.6M")) << "its size, " << flash;
+	session.press("exit");
+
+	// The same keys on the same files make the same windows and pictures on the desk.
+	support::TempFolder drawn;
+	const support::Play desk = support::play(receiver.path(), session.keys, {"--pictures", drawn.path()});
+	ASSERT_EQ(desk.moments.size(), session.moments.size()) << desk.outcome.err;
+	std::vector<std::string> pictures;
+	for (const auto &entry : std::filesystem::directory_iterator(drawn.path()))
+		pictures.push_back(entry.path());
+	std::sort(pictures.begin(), pictures.end());
+	ASSERT_EQ(pictures.size(), session.screens.size());
+	for (size_t i = 0; i < pictures.size(); ++i) {
+		EXPECT_EQ(desk.moments[i], session.moments[i]);
+		size_t differing = 0;
+		const Picture there = inSixteenBits(pictures[i]);
+		for (size_t at = 0; at < there.pixels.size(); ++at)
+			differing += there.pixels[at] != session.screens[i].pixels[at];
+		EXPECT_EQ(differing, 0u) << pictures[i];
+	}
+	box->press("exit");
+	box->started(); // init starts the menu again
+	box->shell("umount /proc/meminfo; umount /usr/bin");
+}
+
+TEST_F(OnTheBoard, should_open_all_screens_when_nothing_more_fits_into_var_tmp)
+{
+	box->shell("mount -t tmpfs -o size=64k none /var/tmp; dd if=/dev/zero of=/var/tmp/full 2>/dev/null");
+	EXPECT_EQ(box->shell("echo x 2>/dev/null >/var/tmp/x || echo full"), "full\n");
+	allScreensOpen("/var/tmp is full");
+	box->shell("umount /var/tmp");
+}
+
+TEST_F(OnTheBoard, should_open_all_screens_on_read_only_flash)
+{
+	box->shell("mkdir -p /config/var/tmp; echo '0 a log on flash' >/config/var/scaning.log; "
+	           "mount --bind /config/var /var; mount -o remount,ro /config");
+	EXPECT_EQ(box->shell("echo x 2>/dev/null >/var/x || echo readonly"), "readonly\n");
+	allScreensOpen("flash is read-only");
+	// The log cannot be deleted, and stays.
+	box->press("down");
+	box->press("down");
+	EXPECT_TRUE(shows(box->press("ok"), "a log on flash"));
+	box->press("red");
+	Json moment = box->press("ok");
+	EXPECT_EQ(box->shell("cat /var/scaning.log"), "0 a log on flash\n");
+	while (window(moment)["class"] != "eVexloMenu")
+		moment = box->press("exit");
+	box->press("up");
+	box->press("up");
+	box->shell("umount /var; mount -o remount,rw /config");
+}
+
+TEST_F(OnTheBoard, should_open_all_screens_when_the_log_was_on_a_mount_that_is_gone)
+{
+	box->shell("mkdir -p /tmp/stick; mount -t tmpfs none /tmp/stick; echo '0 x' >/tmp/stick/log; "
+	           "ln -sf /tmp/stick/log /var/scaning.log; umount -l /tmp/stick");
+	allScreensOpen("the log's mount is gone");
+	box->shell("rm /var/scaning.log");
+}
+
+TEST_F(OnTheBoard, should_open_all_screens_without_ps)
+{
+	box->shell(ownCommands);
+	box->shell("rm /usr/bin/ps");
+	EXPECT_EQ(box->shell("ps 2>/dev/null || echo none"), "none\n");
+	allScreensOpen("there is no ps");
+	box->shell("umount /usr/bin");
+}
+
+// The last one: afterwards there is no box.
+TEST_F(OnTheBoard, should_switch_off_by_the_power_key)
+{
+	EXPECT_TRUE(box->switchesOff());
+}
+
+} // namespace
