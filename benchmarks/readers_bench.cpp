@@ -207,9 +207,11 @@ std::vector<Pair> pairs()
 					   PlainRows list = {};
 					   plainScanLog(stream, &list);
 					   bool same = equal(ours.summary, list.header) && ours.entries.size() == list.count;
-					   for (size_t i = 0; same && i < list.count; ++i)
-						   same = ours.entries[i].text == list.rows[i].text &&
-			                      ours.entries[i].line == list.rows[i].line;
+					   const PlainRow *row = list.rows;
+					   for (const ScanLogEntry &entry : ours.entries) {
+						   same = same && entry.text == row->text && entry.line == row->line;
+						   ++row;
+					   }
 					   release(&list);
 					   return same;
 				   }});

@@ -54,6 +54,11 @@ vexlo_append_known(compiler_flag code_flags
 set(link_flags -nostartfiles)
 vexlo_append_known(linker_flag link_flags
   -Wl,--gc-sections -Wl,--as-needed -Wl,--hash-style=${hash_style} -Wl,-O1 -Wl,-z,noseparate-code -Wl,-z,now)
+if(VEXLO_RECEIVER)
+  # Where flash counts: without a part that is read-only after loading, which would be padded to a page,
+  # and without an identifier of the build.
+  vexlo_append_known(linker_flag link_flags -Wl,-z,norelro -Wl,--build-id=none)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Seen as a whole, the tables of dialogs of one shape fall together. The objects are fat, so that
   # the readers also link into programs that are not made this way.

@@ -18,7 +18,7 @@ ePsDialog::ePsDialog() : eWindow(1)
 	for (const PsEntry &row : snapshot.rows)
 		new eListBoxEntryText(processList, row.text.c_str(), new eString(row.pid.c_str()));
 
-	// Reaches 5 pixels past the client area: laid out so.
+	// Reaches 5 pixels past the client area, which cuts them off.
 	screen::addLabel(*this, snapshot.header.c_str(), ePoint(5, 5), eSize(500, fontSize));
 
 	processList->selected.connect(SigC::slot(*this, &ePsDialog::selectedItem));

@@ -27,7 +27,7 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 		new eListBoxEntryText(logList, entry.text.c_str(), new eString(entry.line.c_str()));
 	}
 
-	// As wide as the client area although it starts in its middle: laid out so.
+	// As wide as the client area although it starts in its middle: the window cuts off the rest.
 	screen::addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));
 
 	deleteButton->selected.connect(SigC::slot(*this, &eScanLogDialog::dellog));

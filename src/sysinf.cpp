@@ -14,7 +14,8 @@ eSysInfDialog::eSysInfDialog() : eWindow(1)
 	okButton = screen::addButton(*this, VEXLO_CLIENT_HEIGHT(*this), "green", translate("OK"));
 	okButton->selected.connect(SigC::slot(*this, &eWidget::accept));
 
-	// The columns overlap a little, and the last of each table reaches past the client area: laid out so.
+	// The columns overlap a little, and the last of each table reaches past the client area, which cuts it
+	// off: each is as wide as what it may hold.
 	const MtdColumns partitions = readMtdColumns();
 	const int partitionsTop = fontSize + 5;
 	const int partitionsHeight = fontSize * partitions.rows; // heading included

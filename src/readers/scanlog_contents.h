@@ -2,7 +2,7 @@
 #define VEXLO_SCANLOG_CONTENTS_H
 
 #include <cstdio>
-#include <deque>
+#include <list>
 #include <string>
 
 /// One row of the scan log's list.
@@ -15,9 +15,9 @@ struct ScanLogEntry
 /// What the scan log held at one moment.
 struct ScanLogContents
 {
-	/// In the order of the file; two for a line that says "start at". A log can be large: a deque neither
+	/// In the order of the file; two for a line that says "start at". A log can be large: a list neither
 	/// copies while it grows nor keeps what has been taken from its front.
-	std::deque<ScanLogEntry> entries;
+	std::list<ScanLogEntry> entries;
 	std::string summary; ///< the file's size in bytes, or that it was not found
 	bool found;          ///< whether the file opened
 };

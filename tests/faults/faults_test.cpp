@@ -380,8 +380,9 @@ template <class Entries> void expectList(const Play &run, size_t moment, const E
 	const Json &rows = box.at("rows");
 	ASSERT_GE(rows.size(), std::min<size_t>(wanted.size(), 15)) << "the first rows are on the screen";
 	ASSERT_LE(rows.size(), wanted.size());
-	for (size_t row = 0; row < rows.size(); ++row)
-		expectText(rows[row].template get<std::string>(), wanted[row].text, "a row");
+	auto entry = wanted.begin();
+	for (const Json &row : rows)
+		expectText(row.get<std::string>(), (entry++)->text, "a row");
 }
 
 void expectScreens(const Play &run, const Setting &setting)

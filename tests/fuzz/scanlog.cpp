@@ -10,12 +10,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 	const ScanLogContents wanted = modelScanLog(bytes, "/var/scaning.log");
 	fuzz::require(read.found, "a log that is open was not found");
 	fuzz::require(read.summary == wanted.summary, "the summary differs from the model's");
-	const std::size_t count = wanted.entries.size();
-	fuzz::require(read.entries.size() == count, "the number of entries differs from the model's");
-	for (std::size_t i = 0; i < count; ++i) {
-		const ScanLogEntry &entry = read.entries[i];
-		fuzz::require(entry.text == wanted.entries[i].text, "an entry differs from the model's");
-		fuzz::require(entry.line == wanted.entries[i].line, "an entry's line differs from the model's");
+	fuzz::require(read.entries.size() == wanted.entries.size(),
+	              "the number of entries differs from the model's");
+	auto expected = wanted.entries.begin();
+	for (const ScanLogEntry &entry : read.entries) {
+		fuzz::require(entry.text == expected->text, "an entry differs from the model's");
+		fuzz::require(entry.line == expected->line, "an entry's line differs from the model's");
+		++expected;
 	}
 	return 0;
 }

@@ -6,6 +6,7 @@
 #include "temp_folder.h"
 
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -82,11 +83,14 @@ TEST(ScanLog, a_marker_line_of_100_characters_shows_its_characters_1_to_46_and_4
 	const std::string line = marker(100);
 	const ScanLogContents contents = parse("0\n1\n2\n3\n4\n5\n6\n" + line + "\nnext\n");
 	ASSERT_EQ(contents.entries.size(), 10u);
-	EXPECT_EQ(contents.entries[7].text, "7 " + line.substr(1, 46));
-	EXPECT_EQ(contents.entries[8].text, "7 " + line.substr(46, 46));
-	EXPECT_EQ(contents.entries[7].line, line + "\n");
-	EXPECT_EQ(contents.entries[8].line, line + "\n");
-	EXPECT_EQ(contents.entries[9].text, "8 next\n");
+	auto entry = std::next(contents.entries.begin(), 7);
+	EXPECT_EQ(entry->text, "7 " + line.substr(1, 46));
+	EXPECT_EQ(entry->line, line + "\n");
+	++entry;
+	EXPECT_EQ(entry->text, "7 " + line.substr(46, 46));
+	EXPECT_EQ(entry->line, line + "\n");
+	++entry;
+	EXPECT_EQ(entry->text, "8 next\n");
 }
 
 TEST(ScanLog, the_marker_is_found_anywhere_in_the_line)
