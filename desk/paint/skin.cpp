@@ -4,11 +4,15 @@
 
 #include <toml++/toml.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <variant>
+#include <vector>
 
 namespace desk
 {
@@ -16,6 +20,7 @@ namespace
 {
 
 constexpr size_t mostBytes = 1 << 20; // no skin is as long; a device that never ends is
+constexpr int mostDots = 4000;        // each may lead one table deeper, and the parser calls itself for each
 constexpr int mostFontSize = 200, mostRadius = 100, mostPadding = 200;
 
 // The first thing that is wrong with a skin, and where.
@@ -30,15 +35,10 @@ std::optional<Color> hexColor(std::string_view text)
 	if (text.size() != 7 || text[0] != '#')
 		return std::nullopt;
 	unsigned value = 0;
-	for (const char c : text.substr(1)) {
-		const unsigned digit = c >= '0' && c <= '9'   ? static_cast<unsigned>(c - '0')
-		                       : c >= 'a' && c <= 'f' ? static_cast<unsigned>(c - 'a' + 10)
-		                       : c >= 'A' && c <= 'F' ? static_cast<unsigned>(c - 'A' + 10)
-		                                              : 16;
-		if (digit > 15)
-			return std::nullopt;
-		value = value << 4 | digit;
-	}
+	const char *const end = text.data() + text.size();
+	if (const auto read = std::from_chars(text.data() + 1, end, value, 16);
+	    read.ec != std::errc() || read.ptr != end)
+		return std::nullopt;
 	return Color{static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 8),
 	             static_cast<uint8_t>(value)};
 }
@@ -80,22 +80,38 @@ int integerOf(const toml::node &node, std::string_view name, int least, int most
 	return static_cast<int>(integer->get());
 }
 
+/// What an entry of a table sets.
+struct Number
+{
+	int *value;
+	int least, most;
+};
+struct Gradient
+{
+	Color *top, *bottom;
+};
+struct Entry
+{
+	std::string_view name;
+	std::variant<Color *, Gradient, std::optional<Fill> *, Number> target;
+};
+using Entries = std::vector<Entry>;
+
 } // namespace
 
 /// Reads the tables of one skin file; the first mistake ends it as an exception.
 class SkinReader
 {
 public:
-	SkinReader() { setPlainLook(); }
-
 	Skin read(const toml::table &file)
 	{
+		setPlainLook();
 		// Colours may refer to the palette wherever it stands in the file.
 		if (const toml::node *node = file.get("palette"))
 			for (const auto &[key, value] : tableOf(*node, "palette"))
 				palette[std::string(key.str())] = hexOf(value, key.str());
-		for (const auto &[key, value] : file)
-			section(key.str(), value);
+		for (const auto &[key, node] : file)
+			readTable(key.str(), node);
 		return std::move(skin);
 	}
 
@@ -118,6 +134,109 @@ private:
 		button.background = Fill::plain(grey);
 		button.focused = Fill::plain(light);
 		button.focusedText = dark;
+	}
+
+	void readTable(std::string_view name, const toml::node &node)
+	{
+		const std::map<std::string_view, Entries> fixed = {
+			{"palette", {}},
+			{"backdrop", {{"fill", Gradient{&skin.backdrop.top, &skin.backdrop.bottom}}}},
+			{"window",
+		     {{"border", &skin.window.border},
+		      {"title", Gradient{&skin.window.titleTop, &skin.window.titleBottom}},
+		      {"title_text", &skin.window.titleText},
+		      {"client", &skin.window.client},
+		      {"radius", Number{&skin.window.radius, 0, mostRadius}}}},
+			{"help", {{"text", &skin.hintText}, {"background", &skin.helpBackground}}},
+			{"keys",
+		     {{"red", &skin.keyRed},
+		      {"green", &skin.keyGreen},
+		      {"yellow", &skin.keyYellow},
+		      {"blue", &skin.keyBlue}}},
+		};
+		const toml::table &table = tableOf(node, name);
+		if (name == "palette")
+			return; // read already
+		if (name == "values")
+			for (const auto &[key, value] : table)
+				readValue(key.str(), value);
+		else if (name == "decoration")
+			for (const auto &[key, value] : table)
+				readDecoration(key.str(), value);
+		else if (const auto found = fixed.find(name); found != fixed.end())
+			readEntries(table, name, found->second);
+		else
+			fail(node, "unknown table [" + shortened(name) +
+			               "]; the tables are values, palette, backdrop, window, help, keys and decoration");
+	}
+
+	void readValue(std::string_view name, const toml::node &node)
+	{
+		int &value = skin.values[std::string(name)];
+		value = name == "fontsize" ? integerOf(node, name, 1, mostFontSize)
+		                           : integerOf(node, name, INT_MIN, INT_MAX);
+	}
+
+	void readDecoration(std::string_view name, const toml::node &node)
+	{
+		const std::string table = "decoration." + std::string(name);
+		const auto known = skin.decorations.find(std::string(name));
+		Decoration look = known != skin.decorations.end() ? known->second : skin.plain;
+		int radius = 0;
+		readEntries(tableOf(node, table), table,
+		            {{"background", &look.background},
+		             {"focused", &look.focused},
+		             {"radius", Number{&radius, 0, mostRadius}},
+		             {"padding", Number{&look.padding, 0, mostPadding}},
+		             {"text", &look.text},
+		             {"focused_text", &look.focusedText},
+		             {"current", &look.current},
+		             {"current_text", &look.currentText},
+		             {"current_unfocused", &look.currentUnfocused},
+		             {"bar", &look.bar},
+		             {"bar_thumb", &look.barThumb}});
+		for (std::optional<Fill> *fill : {&look.background, &look.focused})
+			if (*fill)
+				(*fill)->radius = radius;
+		skin.decorations[std::string(name)] = look;
+	}
+
+	void readEntries(const toml::table &table, std::string_view name, const Entries &entries)
+	{
+		for (const auto &[key, value] : table) {
+			const auto entry = std::find_if(entries.begin(), entries.end(),
+			                                [&](const Entry &known) { return known.name == key.str(); });
+			if (entry == entries.end())
+				fail(value, "unknown entry " + quoted(key.str()) + " in [" + shortened(name) +
+				                "]; remove or correct it");
+			std::visit([&](auto target) { set(target, value, entry->name); }, entry->target);
+		}
+	}
+
+	void set(Color *color, const toml::node &node, std::string_view name) const
+	{
+		*color = colorOf(node, name);
+	}
+
+	/// One colour, or an array of the upper and the lower one.
+	void set(Gradient gradient, const toml::node &node, std::string_view name) const
+	{
+		const toml::array *both = node.as_array();
+		if (both && both->size() != 2)
+			fail(node, quoted(name) + " must be one colour or two, the upper and the lower");
+		*gradient.top = colorOf(both ? *both->get(0) : node, name);
+		*gradient.bottom = colorOf(both ? *both->get(1) : node, name);
+	}
+
+	void set(std::optional<Fill> *fill, const toml::node &node, std::string_view name) const
+	{
+		fill->emplace();
+		set(Gradient{&(*fill)->top, &(*fill)->bottom}, node, name);
+	}
+
+	void set(const Number &number, const toml::node &node, std::string_view name) const
+	{
+		*number.value = integerOf(node, name, number.least, number.most);
 	}
 
 	Color hexOf(const toml::node &node, std::string_view name) const
@@ -143,150 +262,6 @@ private:
 		               "; define it in [palette] or write \"#rrggbb\"");
 	}
 
-	// One colour, or an array of the upper and the lower one.
-	Fill fillOf(const toml::node &node, std::string_view name) const
-	{
-		const toml::array *both = node.as_array();
-		if (!both)
-			return Fill::plain(colorOf(node, name));
-		if (both->size() != 2)
-			fail(node, quoted(name) + " must be one colour or two, the upper and the lower");
-		return {colorOf(*both->get(0), name), colorOf(*both->get(1), name), 0, Emphasis::none};
-	}
-
-	void section(std::string_view name, const toml::node &node)
-	{
-		const toml::table &table = tableOf(node, name);
-		if (name == "palette")
-			return;
-		for (const auto &[key, value] : table) {
-			const std::string_view entry = key.str();
-			bool known = true;
-			if (name == "values")
-				skin.values[std::string(entry)] = entry == "fontsize"
-				                                      ? integerOf(value, entry, 1, mostFontSize)
-				                                      : integerOf(value, entry, INT_MIN, INT_MAX);
-			else if (name == "backdrop")
-				known = backdrop(entry, value);
-			else if (name == "window")
-				known = window(entry, value);
-			else if (name == "help")
-				known = help(entry, value);
-			else if (name == "keys")
-				known = colourKey(entry, value);
-			else if (name == "decoration")
-				decoration(entry, tableOf(value, "decoration." + std::string(entry)));
-			else
-				break;
-			if (!known)
-				fail(value, unknown(entry, name));
-		}
-		if (name != "values" && name != "backdrop" && name != "window" && name != "help" && name != "keys" &&
-		    name != "decoration")
-			fail(node, "unknown table [" + shortened(name) +
-			               "]; the tables are values, palette, backdrop, window, help, keys and decoration");
-	}
-
-	static std::string unknown(std::string_view entry, std::string_view table)
-	{
-		return "unknown entry " + quoted(entry) + " in [" + shortened(table) + "]; remove or correct it";
-	}
-
-	bool backdrop(std::string_view entry, const toml::node &value)
-	{
-		if (entry != "fill")
-			return false;
-		skin.backdrop = fillOf(value, entry);
-		return true;
-	}
-
-	bool window(std::string_view entry, const toml::node &value)
-	{
-		if (entry == "border")
-			skin.window.border = colorOf(value, entry);
-		else if (entry == "title") {
-			const Fill fill = fillOf(value, entry);
-			skin.window.titleTop = fill.top;
-			skin.window.titleBottom = fill.bottom;
-		} else if (entry == "title_text")
-			skin.window.titleText = colorOf(value, entry);
-		else if (entry == "client")
-			skin.window.client = colorOf(value, entry);
-		else if (entry == "radius")
-			skin.window.radius = integerOf(value, entry, 0, mostRadius);
-		else
-			return false;
-		return true;
-	}
-
-	bool help(std::string_view entry, const toml::node &value)
-	{
-		if (entry == "text")
-			skin.hintText = colorOf(value, entry);
-		else if (entry == "background")
-			skin.helpBackground = colorOf(value, entry);
-		else
-			return false;
-		return true;
-	}
-
-	bool colourKey(std::string_view entry, const toml::node &value)
-	{
-		Color *key = entry == "red"      ? &skin.keyRed
-		             : entry == "green"  ? &skin.keyGreen
-		             : entry == "yellow" ? &skin.keyYellow
-		             : entry == "blue"   ? &skin.keyBlue
-		                                 : nullptr;
-		if (key)
-			*key = colorOf(value, entry);
-		return key != nullptr;
-	}
-
-	void decoration(std::string_view name, const toml::table &table)
-	{
-		const struct
-		{
-			const char *entry;
-			Color Decoration::*color;
-		} colors[] = {
-			{"text", &Decoration::text},
-			{"focused_text", &Decoration::focusedText},
-			{"current", &Decoration::current},
-			{"current_text", &Decoration::currentText},
-			{"current_unfocused", &Decoration::currentUnfocused},
-			{"bar", &Decoration::bar},
-			{"bar_thumb", &Decoration::barThumb},
-		};
-		const auto known = skin.decorations.find(std::string(name));
-		Decoration look = known != skin.decorations.end() ? known->second : skin.plain;
-		int radius = 0;
-		for (const auto &[key, value] : table) {
-			const std::string_view entry = key.str();
-			bool done = true;
-			if (entry == "background")
-				look.background = fillOf(value, entry);
-			else if (entry == "focused")
-				look.focused = fillOf(value, entry);
-			else if (entry == "radius")
-				radius = integerOf(value, entry, 0, mostRadius);
-			else if (entry == "padding")
-				look.padding = integerOf(value, entry, 0, mostPadding);
-			else
-				done = false;
-			for (const auto &color : colors)
-				if (entry == color.entry) {
-					look.*color.color = colorOf(value, entry);
-					done = true;
-				}
-			if (!done)
-				fail(value, unknown(entry, "decoration." + std::string(name)));
-		}
-		for (std::optional<Fill> *fill : {&look.background, &look.focused})
-			if (*fill)
-				(*fill)->radius = radius;
-		skin.decorations[std::string(name)] = look;
-	}
-
 	Skin skin;
 	std::map<std::string, Color> palette;
 };
@@ -294,13 +269,16 @@ private:
 std::optional<Skin> Skin::parse(std::string_view text, const std::string &name, std::string &error)
 {
 	Mistake mistake;
-	try {
-		return SkinReader().read(toml::parse(text));
-	} catch (const toml::parse_error &e) {
-		mistake = {e.source().begin.line, std::string(e.description())};
-	} catch (Mistake &found) {
-		mistake = std::move(found);
-	}
+	if (std::count(text.begin(), text.end(), '.') > mostDots)
+		mistake.text = "it has more than " + std::to_string(mostDots) + " dots; no skin is as deep";
+	else
+		try {
+			return SkinReader().read(toml::parse(text));
+		} catch (const toml::parse_error &e) {
+			mistake = {e.source().begin.line, std::string(e.description())};
+		} catch (Mistake &found) {
+			mistake = std::move(found);
+		}
 	// Both the name and what is quoted from the file may hold any bytes: one line it stays.
 	error = visibleText("skin \"" + name + "\"" +
 	                    (mistake.line ? ", line " + std::to_string(mistake.line) : std::string()) + ": " +

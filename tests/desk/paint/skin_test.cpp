@@ -247,4 +247,17 @@ TEST(Skins, NeverCrashOnAnyBytes)
 	mistakeIn("\0\0\0"s);
 }
 
+TEST(Skins, ThatNestTooDeepAreRefused)
+{
+	std::string key = "a";
+	for (int i = 0; i < 40000; ++i)
+		key += ".a";
+	for (const std::string &text :
+	     {key + " = 1\n", "[" + key + "]\n", "[window]\nclient = {" + key + " = 1}\n"})
+		EXPECT_EQ(mistakeIn(text), "skin \"test.toml\": it has more than 4000 dots; no skin is as deep");
+	key.resize(2 * 3990);
+	mistakeIn("[" + key + "a]\n");
+	skinOf("# " + std::string(3000, '.') + "\n");
+}
+
 } // namespace
