@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -30,16 +29,7 @@ struct Unref
 };
 template <typename T> using Handle = std::unique_ptr<T, Unref>;
 
-bool isControlPicture(std::string_view s)
-{
-	return s.size() >= 3 && s[0] == '\xE2' && s[1] == '\x90' && static_cast<uint8_t>(s[2]) <= 0xA1;
-}
-
-size_t sequenceLength(char lead)
-{
-	const auto byte = static_cast<uint8_t>(lead);
-	return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
-}
+constexpr gunichar firstPicture = 0x2400, lastPicture = 0x2421; // of the controls
 
 // One face in one size and weight, with the layout that all its lines are set in.
 struct Setting
@@ -90,14 +80,14 @@ void Setting::setLine(std::string_view line)
 	PangoAttrList *attributes = pango_attr_list_new();
 	const PangoRectangle box = {0, pango_units_from_double(-0.75 * rowHeight), pango_units_from_double(cell),
 	                            pango_units_from_double(rowHeight)};
-	for (size_t at = line.find("\xE2\x90"); at != line.npos; at = line.find("\xE2\x90", at + 3)) {
-		if (!isControlPicture(line.substr(at)))
+	for (const char *at = line.data(); at < line.data() + line.size(); at = g_utf8_next_char(at)) {
+		const gunichar c = g_utf8_get_char(at);
+		if (c < firstPicture || c > lastPicture)
 			continue;
-		const auto code = static_cast<guint>(static_cast<uint8_t>(line[at + 2]) - 0x80);
 		PangoAttribute *shape =
-			pango_attr_shape_new_with_data(&box, &box, GUINT_TO_POINTER(code), nullptr, nullptr);
-		shape->start_index = static_cast<guint>(at);
-		shape->end_index = static_cast<guint>(at + 3);
+			pango_attr_shape_new_with_data(&box, &box, GUINT_TO_POINTER(c - firstPicture), nullptr, nullptr);
+		shape->start_index = static_cast<guint>(at - line.data());
+		shape->end_index = shape->start_index + 3;
 		pango_attr_list_insert(attributes, shape);
 	}
 	pango_layout_set_attributes(layout.get(), attributes);
@@ -241,9 +231,13 @@ std::string_view startWithin(std::string_view line, int width, const Setting &se
 	const double narrowest = column / 4; // of a letter in any font that may stand in
 	const size_t mostBytes = mostBytesWithin(width);
 	double least = 0;
-	size_t at = 0;
-	while (at < line.size() && least <= width + column && at < mostBytes) {
-		const std::string_view c = line.substr(at, sequenceLength(line[at]));
+	const auto character = [&](const char *at) {
+		return std::string_view(at, static_cast<size_t>(g_utf8_next_char(at) - at));
+	};
+	const char *at = line.data();
+	const char *const end = at + line.size();
+	while (at < end && least <= width + column && at < line.data() + mostBytes) {
+		const std::string_view c = character(at);
 		if (setting.face == Face::columns)
 			least += c.size() == 1 ? column : textColumns(c) * column;
 		else if (textColumns(c) > 0)
@@ -251,16 +245,27 @@ std::string_view startWithin(std::string_view line, int width, const Setting &se
 		at += c.size();
 	}
 	// What combines with the last character belongs to it.
-	for (size_t marks = 0; at < line.size() && marks < 16; ++marks) {
-		const std::string_view c = line.substr(at, sequenceLength(line[at]));
-		if (textColumns(c) > 0)
-			break;
-		at += c.size();
-	}
-	return line.substr(0, at);
+	for (int marks = 0; at < end && marks < 16 && textColumns(character(at)) == 0; ++marks)
+		at = g_utf8_next_char(at);
+	return line.substr(0, static_cast<size_t>(at - line.data()));
 }
 
 } // namespace
+
+bool haveLetters()
+{
+	// Asked first, because without any font Pango complains by itself.
+	const Handle<PangoFontMap> fonts(pango_cairo_font_map_new());
+	PangoFontFamily **families = nullptr;
+	int count = 0;
+	pango_font_map_list_families(fonts.get(), &families, &count);
+	g_free(families);
+	if (count == 0)
+		return false;
+	Setting &setting = typesetter().setting(Face::columns, 20, false);
+	setting.setLine("Az0");
+	return pango_layout_get_unknown_glyphs_count(setting.layout.get()) == 0;
+}
 
 int lineWidth(std::string_view line, Face face, int rowHeight, bool bold)
 {

@@ -16,6 +16,9 @@ namespace desk
 /// `line` is what visibleText() gives: valid UTF-8 without controls. `rowHeight` is brought into the
 /// range 1 to 200.
 
+/// Whether the fonts of this computer have letters and digits.
+bool haveLetters();
+
 /// Pixels that the line is wide.
 int lineWidth(std::string_view line, Face face, int rowHeight, bool bold);
 

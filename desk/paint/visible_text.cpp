@@ -3,118 +3,88 @@
 #include "typesetter.h"
 
 #include <glib.h>
+#include <pango/pango.h>
+
+#include <langinfo.h>
 
 #include <algorithm>
-#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <vector>
 
 namespace desk
 {
 namespace
 {
 
-constexpr std::string_view replacement = "\xEF\xBF\xBD"; // U+FFFD
-constexpr int cellWidth = 8;                             // of a terminal's canvas, in pixels
+constexpr char replacement[] = "\xEF\xBF\xBD"; // U+FFFD
+constexpr int tabStop = 8;                     // in columns
+constexpr int cellWidth = 8;                   // of a terminal's canvas, in pixels
 
-// Bytes of the well-formed sequence at the start of `s` and its character; 0 when it is not well-formed.
-// Surrogates count as well-formed here: each is one wrong character, not three wrong bytes.
-size_t decode(std::string_view s, uint32_t &character)
+/// Characters that are not to be drawn as they are: controls, and what leaves no trace on a screen.
+/// The marks of direction, U+200E and U+200F, stay: translations need them, and they end with their word.
+bool isHidden(gunichar c)
 {
-	const auto byte = [&](size_t i) { return static_cast<uint8_t>(s[i]); };
-	const uint8_t lead = byte(0);
-	if (lead < 0x80) {
-		character = lead;
-		return 1;
-	}
-	const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-	if (lead < 0xC2 || lead > 0xF4 || s.size() < length)
-		return 0;
-	uint32_t c = lead & (0x7Fu >> length);
-	for (size_t i = 1; i < length; ++i) {
-		if ((byte(i) & 0xC0u) != 0x80u)
-			return 0;
-		c = c << 6 | (byte(i) & 0x3Fu);
-	}
-	constexpr uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
-	if (c < least[length] || c > 0x10FFFF)
-		return 0;
-	character = c;
-	return length;
+	constexpr struct
+	{
+		gunichar first, last;
+	} ranges[] = {
+		{0x80, 0x9F}, // C1 controls
+		{0xAD, 0xAD}, // from here on Unicode's Default_Ignorable_Code_Point ...
+		{0x34F, 0x34F},   {0x61C, 0x61C},     {0x115F, 0x1160},   {0x17B4, 0x17B5},   {0x180B, 0x180F},
+		{0x200B, 0x200D}, {0x2028, 0x202E}, // ... with the separators of lines and paragraphs
+		{0x2060, 0x206F}, {0x3164, 0x3164},   {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},   {0xFFA0, 0xFFA0},
+		{0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}, // tags
+	};
+	const auto *range = std::lower_bound(std::begin(ranges), std::end(ranges), c,
+	                                     [](const auto &r, gunichar value) { return r.last < value; });
+	return range != std::end(ranges) && c >= range->first;
 }
 
-bool mayBeDrawn(uint32_t c)
+int columnsOf(gunichar c)
 {
-	if (c >= 0x80 && c <= 0x9F)
-		return false;
-	if (c >= 0xD800 && c <= 0xDFFF)
-		return false;
-	// Line and paragraph separators; bidirectional embeddings, overrides and isolates.
-	if ((c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069))
-		return false;
-	return true;
+	return g_unichar_iszerowidth(c) ? 0 : g_unichar_iswide(c) ? 2 : 1;
 }
 
-// The length of the first character of `text` with all that combines with it.
-size_t clusterLength(std::string_view text)
+/// Without the blanks at its end.
+std::string_view trimmed(std::string_view text)
 {
-	uint32_t c = 0;
-	size_t length = decode(text, c);
-	constexpr size_t most = 64; // bytes; beyond that it is no writing system's letter
-	while (length < text.size()) {
-		const size_t next = decode(text.substr(length), c);
-		if (length + next > most || !g_unichar_iszerowidth(c))
-			break;
-		length += next;
-	}
-	return length;
+	return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-// How much of `word` a line of `width` pixels takes, at least one character.
-size_t fittingLength(std::string_view word, int width, int rowHeight, bool bold)
-{
-	size_t length = clusterLength(word);
-	for (size_t next = length; next < word.size(); length = next) {
-		next += clusterLength(word.substr(next));
-		// What takes no room at all is cut somewhere, too.
-		if (next > static_cast<size_t>(std::max(width, 1)) * 8 ||
-		    textWidth(word.substr(0, next), rowHeight, bold) > width)
-			break;
-	}
-	return length;
-}
-
+/// Appends a line of visible text to `out`, broken where Pango allows it and, if nothing else helps, between
+/// any two letters.
 void wrapLine(std::string_view line, int width, int rowHeight, bool bold, std::string &out)
 {
-	std::string current;
-	const auto flush = [&] {
-		out += current;
-		out += '\n';
-		current.clear();
+	const auto fits = [&](std::string_view piece) {
+		// What is far too long is not measured.
+		return piece.size() <= mostBytesWithin(width) && textColumns(piece) * cellWidth <= width &&
+		       textWidth(piece, rowHeight, bold) <= width;
 	};
-	while (!line.empty()) {
-		const size_t blanks = std::min(line.find_first_not_of(' '), line.size());
-		const size_t wordEnd = std::min(line.find(' ', blanks), line.size());
-		// A word that no line can hold is not measured whole.
-		const std::string_view piece = line.substr(0, wordEnd);
-		const bool fits = piece.size() / 4 <= static_cast<size_t>(width) &&
-		                  textWidth(current + std::string(piece), rowHeight, bold) <= width;
-		if (fits) {
-			current += piece;
-			line.remove_prefix(wordEnd);
-		} else if (blanks == line.size())
-			break; // blanks beyond the edge make no line of their own
-		else if (!current.empty()) {
-			flush();
-			line.remove_prefix(blanks);
-		} else {
-			line.remove_prefix(blanks);
-			const size_t length = fittingLength(line.substr(0, wordEnd - blanks), width, rowHeight, bold);
-			current = line.substr(0, length);
-			line.remove_prefix(length);
-			if (!line.empty() && line.front() != ' ')
-				flush();
-		}
+	const auto length = static_cast<size_t>(g_utf8_strlen(line.data(), static_cast<gssize>(line.size())));
+	std::vector<PangoLogAttr> places(length + 1);
+	pango_get_log_attrs(line.data(), static_cast<int>(line.size()), -1, pango_language_get_default(),
+	                    places.data(), static_cast<int>(places.size()));
+
+	size_t start = 0, good = 0, any = 0; // of the line in hand; its last good place to end, its last at all
+	const auto end = [&](size_t place) {
+		if (const std::string_view whole = trimmed(line.substr(start, place - start)); !whole.empty())
+			out.append(whole) += '\n';
+		start = place;
+	};
+	size_t at = 0;
+	for (size_t i = 1; i <= length; ++i) {
+		const bool blank = line[at] == ' ';
+		at = static_cast<size_t>(g_utf8_next_char(line.data() + at) - line.data());
+		if (!places[i].is_cursor_position)
+			continue;
+		while (!blank && any > start && !fits(line.substr(start, at - start)))
+			end(good > start ? good : any);
+		any = at;
+		if (places[i].is_line_break)
+			good = at;
 	}
-	out += current;
+	out += trimmed(line.substr(start));
 }
 
 } // namespace
@@ -125,32 +95,54 @@ std::string visibleText(std::string_view bytes)
 		bytes.remove_suffix(1);
 	std::string out;
 	out.reserve(bytes.size());
+	int column = 0;
 	while (!bytes.empty()) {
-		uint32_t c = 0;
-		const size_t length = decode(bytes, c);
-		if (length == 0)
-			out += replacement;
-		else if (c < 0x20 || c == 0x7F) {
+		const auto lead = static_cast<unsigned char>(bytes.front());
+		const gunichar c =
+			lead < 0x80 ? lead : g_utf8_get_char_validated(bytes.data(), static_cast<gssize>(bytes.size()));
+		const bool valid = c <= 0x10FFFF;
+		const size_t length = valid ? static_cast<size_t>(g_unichar_to_utf8(c, nullptr)) : 1;
+		if (c == '\t') {
+			const int blanks = tabStop - column % tabStop;
+			out.append(static_cast<size_t>(blanks), ' ');
+			column += blanks;
+		} else if (c < 0x20 || c == 0x7F) {
 			out += "\xE2\x90"; // the control pictures, U+2400 to U+2421
 			out += static_cast<char>(c == 0x7F ? 0xA1 : 0x80 + c);
-		} else if (mayBeDrawn(c))
-			out += bytes.substr(0, length);
-		else
+			++column;
+		} else if (!valid || isHidden(c)) {
 			out += replacement;
-		bytes.remove_prefix(std::max<size_t>(length, 1));
+			++column;
+		} else {
+			out += bytes.substr(0, length);
+			column += columnsOf(c);
+		}
+		bytes.remove_prefix(length);
 	}
+	return out;
+}
+
+bool localeIsUtf8()
+{
+	return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+}
+
+std::string localText(std::string_view bytes)
+{
+	const std::string visible = visibleText(bytes);
+	if (localeIsUtf8())
+		return visible;
+	std::string out;
+	for (const char *at = visible.c_str(); *at; at = g_utf8_next_char(at))
+		out += static_cast<unsigned char>(*at) < 0x80 ? *at : '?';
 	return out;
 }
 
 int textColumns(std::string_view text)
 {
 	int columns = 0;
-	while (!text.empty()) {
-		uint32_t c = 0;
-		const size_t length = decode(text, c);
-		columns += length == 0 ? 1 : g_unichar_iszerowidth(c) ? 0 : g_unichar_iswide(c) ? 2 : 1;
-		text.remove_prefix(std::max<size_t>(length, 1));
-	}
+	for (const char *at = text.data(); at < text.data() + text.size(); at = g_utf8_next_char(at))
+		columns += columnsOf(g_utf8_get_char(at));
 	return columns;
 }
 

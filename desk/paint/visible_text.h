@@ -7,12 +7,20 @@
 namespace desk
 {
 
-/// `bytes` as valid UTF-8 without any control character, so that drawing it can obey nothing:
-/// C0 controls and DEL become their control pictures (U+2400...), C1 controls, surrogates, line and
-/// paragraph separators, bidirectional embeddings, overrides and isolates, and bytes that are no UTF-8
-/// become U+FFFD (one each). One line end at the end of the text ("\n") is left out: it is where the
-/// line ends.
+/// `bytes` as valid UTF-8 without anything that could be obeyed or overlooked: tabs become blanks up to the
+/// next column that is a multiple of 8, other C0 controls and DEL their control pictures (U+2400...); C1
+/// controls, separators of lines and paragraphs, what changes the direction of other text, characters that
+/// show nothing (zero-width ones, tags, variation selectors) and bytes that are no UTF-8 become U+FFFD, one
+/// each. Only the marks of direction (U+200E, U+200F) stay. One line end at the end of the text ("\n") is
+/// left out: it is where the line ends.
 std::string visibleText(std::string_view bytes);
+
+/// Whether UTF-8 is what the locale's characters are made of.
+bool localeIsUtf8();
+
+/// visibleText() for messages: where the locale's character set is not UTF-8, whatever is not ASCII becomes "?",
+/// because bytes of UTF-8 can be controls there.
+std::string localText(std::string_view bytes);
 
 /// Columns of `text` (valid UTF-8, as visibleText() gives it) in a terminal: 0 for combining
 /// characters, 2 for wide ones.
@@ -22,8 +30,8 @@ int textColumns(std::string_view text);
 /// textColumns() cells. For layouts that must not lose text anywhere.
 int textWidth(std::string_view line, int rowHeight, bool bold);
 
-/// `text` broken at blanks into lines no wider than `width` pixels (prose face); a word wider than
-/// that is broken within, at least one character a line. Line ends in the text stay line ends. Takes any
+/// `text` broken into lines no wider than `width` pixels (prose face), where Pango allows it; a word wider
+/// than that is broken within, at least one letter a line. Line ends in the text stay line ends. Takes any
 /// bytes; returns the lines, as visibleText() gives them, joined by "\n".
 std::string wrapText(std::string_view text, int width, int rowHeight, bool bold);
 

@@ -10,7 +10,7 @@ namespace desk
 
 void Screen::note(const std::string &line)
 {
-	const std::string shown = visibleText(line);
+	const std::string shown = localText(line);
 	NoteLog::get().add(shown);
 	// One write a line: what commands print beside it then falls between lines, not into them.
 	fputs((shown + "\n").c_str(), stderr);

@@ -1,6 +1,7 @@
 #include "visible_text.h"
 
 #include <algorithm>
+#include <clocale>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -42,10 +43,44 @@ TEST(VisibleText, LeavesOrdinaryTextAsItIs)
 
 TEST(VisibleText, ShowsEveryControlAsItsPicture)
 {
-	for (uint32_t c = 0; c < 0x20; ++c)
+	for (uint32_t c = 0; c < 0x20; ++c) {
+		if (c == '\t')
+			continue;
 		EXPECT_EQ(visibleText("a"s + static_cast<char>(c) + "b"), "a" + utf8(0x2400 + c) + "b") << c;
+	}
 	EXPECT_EQ(visibleText("a\x7F"), "a" + utf8(0x2421));
 	EXPECT_EQ(visibleText("\x1b[31m"), utf8(0x241B) + "[31m");
+}
+
+TEST(VisibleText, MakesBlanksOfTabsUpToTheNextStop)
+{
+	EXPECT_EQ(visibleText("\tb"), "        b");
+	EXPECT_EQ(visibleText("1234567\tb"), "1234567 b");
+	EXPECT_EQ(visibleText("12345678\tb"), "12345678        b");
+	EXPECT_EQ(visibleText("日本\tb\tc"), "日本    b       c") << "by columns, not by bytes";
+	EXPECT_EQ(visibleText("\x1b\xff\t|"), utf8(0x241B) + mark + "      |");
+}
+
+TEST(VisibleText, MarksWhatShowsNothing)
+{
+	for (uint32_t c : {0xADu,   0x34Fu,   0x61Cu,   0x115Fu,  0x180Eu,  0x200Bu, 0x200Cu, 0x200Du,
+	                   0x2060u, 0x2064u,  0x206Fu,  0x3164u,  0xFE00u,  0xFE0Fu, 0xFEFFu, 0xFFA0u,
+	                   0xFFF9u, 0x1D173u, 0xE0001u, 0xE0041u, 0xE007Fu, 0xE0100u})
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
+	for (uint32_t c :
+	     {0xACu, 0xAEu, 0x301u, 0x34Eu, 0x600u, 0x20ACu, 0x3163u, 0xFE10u, 0xFEFEu, 0xFFFCu, 0x1F600u})
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + utf8(c) + "b") << std::hex << c;
+}
+
+TEST(LocalText, IsAsciiWhereTheLocaleIsNotUtf8)
+{
+	const std::string before = setlocale(LC_CTYPE, nullptr);
+	ASSERT_TRUE(setlocale(LC_CTYPE, "C.UTF-8"));
+	EXPECT_EQ(localText("ö\x1b\xff日"), "ö" + utf8(0x241B) + mark + "日");
+	setlocale(LC_CTYPE, "C");
+	EXPECT_EQ(localText("ö\x1b\xff日 ~\n"), "???? ~");
+	EXPECT_EQ(localText(utf8(0x9B) + "31m"), "?31m");
+	setlocale(LC_CTYPE, before.c_str());
 }
 
 TEST(VisibleText, MarksEveryC1Control)
@@ -61,16 +96,15 @@ TEST(VisibleText, MarksSeparatorsAndBidirectionalFormattingOnceEach)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
 	for (uint32_t c = 0x2066; c <= 0x2069; ++c)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
-	// Marks of direction only help, and end with their letter.
-	for (uint32_t c : {0x200Eu, 0x200Fu, 0x2027u, 0x202Fu, 0x2065u, 0x206Au})
+	// Marks of direction only help, and end with their word.
+	for (uint32_t c : {0x200Eu, 0x200Fu, 0x2027u, 0x202Fu})
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + utf8(c) + "b") << std::hex << c;
 }
 
-TEST(VisibleText, MarksASurrogateOnce)
+TEST(VisibleText, MarksEveryByteOfASurrogate)
 {
 	for (uint32_t c : {0xD800u, 0xDABCu, 0xDBFFu, 0xDC00u, 0xDFFFu})
-		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
-	EXPECT_EQ(visibleText(utf8(0xD83D) + utf8(0xDE00)), marks(2));
+		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + marks(3) + "b") << std::hex << c;
 	EXPECT_EQ(visibleText(utf8(0xD7FF) + utf8(0xE000)), utf8(0xD7FF) + utf8(0xE000));
 }
 
@@ -145,7 +179,7 @@ TEST(TextColumns, CountNarrowWideAndCombiningCharacters)
 	EXPECT_EQ(textColumns("日本"), 4);
 	EXPECT_EQ(textColumns("\xE2\x80\x8D"), 0); // the joiner
 	EXPECT_EQ(textColumns("عربي"), 4);
-	EXPECT_EQ(textColumns(visibleText("\x1b\xff\t")), 3);
+	EXPECT_EQ(textColumns(visibleText("\x1b\xff\t")), 8);
 }
 
 TEST(TextWidth, IsNeverLessThanTheCellsOfATerminal)
