@@ -3,7 +3,7 @@
 
 #include "elistbox.h"
 
-#include <vector>
+#include <deque>
 
 namespace desk
 {
@@ -51,7 +51,7 @@ struct eListBoxBase::List
 	void settle();
 
 	eListBoxBase &box;
-	std::vector<eListBoxEntry *> entries;
+	std::deque<eListBoxEntry *> entries; ///< in blocks: a list that grows is never copied
 	int current = 0;
 	int top = 0;
 	int entryHeight = 1;

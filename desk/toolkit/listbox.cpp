@@ -37,7 +37,7 @@ eListBoxBase::~eListBoxBase()
 
 void eListBoxBase::List::dispose()
 {
-	std::vector<eListBoxEntry *> going;
+	std::deque<eListBoxEntry *> going;
 	going.swap(entries);
 	current = top = 0;
 	for (eListBoxEntry *entry : going) {
@@ -114,7 +114,7 @@ void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 	if (!entry)
 		return;
 	if (atTop)
-		list->entries.insert(list->entries.begin(), entry);
+		list->entries.push_front(entry);
 	else
 		list->entries.push_back(entry);
 	if (makeCurrent)

@@ -68,7 +68,7 @@ TEST(Entry, should_append_itself_at_the_end_of_its_list)
 	const Entry *first = new Entry(box);
 	const Entry *second = new Entry(box);
 	EXPECT_EQ(box->kept().entries,
-	          (std::vector<eListBoxEntry *>{const_cast<Entry *>(first), const_cast<Entry *>(second)}));
+	          (std::deque<eListBoxEntry *>{const_cast<Entry *>(first), const_cast<Entry *>(second)}));
 	EXPECT_EQ(box->kept().current, 0);
 }
 
@@ -79,7 +79,7 @@ TEST(Entry, should_take_itself_out_of_its_list)
 	Entry *first = new Entry(box);
 	Entry *second = new Entry(box);
 	delete first;
-	EXPECT_EQ(box->kept().entries, std::vector<eListBoxEntry *>{second});
+	EXPECT_EQ(box->kept().entries, std::deque<eListBoxEntry *>{second});
 }
 
 TEST(Entry, should_still_have_its_help_when_it_is_taken_out)
