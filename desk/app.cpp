@@ -5,6 +5,7 @@
 #include "framebuffer_screen.h"
 #include "key.h"
 #include "note_log.h"
+#include "pixel_canvas.h"
 #include "plugin.h"
 #include "recorder.h"
 #include "screen.h"
@@ -12,17 +13,23 @@
 #include "supervisor.h"
 #include "terminal_screen.h"
 #include "trace.h"
+#include "visible_text.h"
 #include "window_screen.h"
 
 #include <CLI/CLI.hpp>
 
+#include <fcntl.h>
 #include <libintl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <iterator>
+#include <set>
 #include <vector>
 
 namespace desk
@@ -33,7 +40,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-constexpr int statusNotLoaded = 1;
+constexpr int statusNotStarted = 1;
 constexpr int statusBadArguments = 2;
 
 struct Options
@@ -54,8 +61,42 @@ struct Options
 
 int fail(int status, const std::string &message)
 {
-	std::fprintf(stderr, "deskhost: %s\n", message.c_str());
+	std::fprintf(stderr, "deskhost: %s\n", localText(message).c_str());
 	return status;
+}
+
+/// A standard stream that is closed must not become the first file that is opened: it is taken up in the
+/// direction in which it cannot be used.
+void occupyStandardStreams()
+{
+	for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+		if (fcntl(stream, F_GETFD) < 0)
+			::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+/// Whether what is recorded would overwrite something else that is written, by whatever name.
+bool overwrites(const Options &options, std::string &error)
+{
+	const struct
+	{
+		const char *name;
+		std::string path;
+	} outputs[] = {{"standard output", "/proc/self/fd/1"},
+	               {"standard error", "/proc/self/fd/2"},
+	               {"--dump", options.dump},
+	               {"--trace", options.trace},
+	               {"--debug", options.debug}};
+	std::error_code failed;
+	for (size_t recorded = 2; recorded < std::size(outputs); ++recorded)
+		for (size_t other = 0; other < recorded; ++other)
+			if (fs::is_regular_file(outputs[recorded].path, failed) &&
+			    fs::equivalent(outputs[recorded].path, outputs[other].path, failed)) {
+				error = std::string(outputs[other].name) + " and " + outputs[recorded].name +
+				        " would overwrite each other in '" + outputs[recorded].path +
+				        "'; give each a file of its own";
+				return true;
+			}
+	return false;
 }
 
 fs::path programFolder()
@@ -95,17 +136,20 @@ bool setLanguage(const std::string &lang, std::string &error)
 	};
 
 	std::error_code failed;
-	std::string known;
+	std::set<std::string> known = {"en"}; // the language of the texts themselves
 	for (const fs::directory_entry &entry : fs::directory_iterator(catalogues, failed))
 		if (const std::string name = entry.path().filename(); fs::exists(file(name), failed))
-			known += ' ' + name;
+			known.insert(name);
 	// "de_AT.UTF-8" may do with "de".
 	const std::string territory = lang.substr(0, lang.find_first_of(".@"));
 	const std::string language = territory.substr(0, territory.find('_'));
+	if (language == "en")
+		return true;
 	const bool plain = lang.find('/') == std::string::npos && !language.empty();
 	if (!plain || (!fs::exists(file(territory), failed) && !fs::exists(file(language), failed))) {
-		error = "there is no message catalogue for '" + lang + "'; " +
-		        (known.empty() ? "none is built" : "--lang knows:" + known);
+		error = "there is no message catalogue for '" + lang + "'; --lang knows:";
+		for (const std::string &name : known)
+			error += ' ' + name;
 		return false;
 	}
 	// The catalogues are UTF-8, and so is the screen; of the locale only this must not be "C".
@@ -146,13 +190,19 @@ std::string play(Plugin &plugin, const std::vector<Key> &keys)
 	desk.beginPlay();
 	const int result = plugin.exec();
 	desk.endPlay();
-	return "plugin_exec returned " + std::to_string(result) + '\n';
+	// -1 would read like a failure.
+	return "plugin_exec returned " + std::to_string(result) +
+	       (result == -1 ? ": the viewer left the menu\n" : "\n");
 }
 
 } // namespace
 
 int runApp(int argc, char **argv)
 {
+	occupyStandardStreams();
+	// Only what characters are is the desk's: numbers and messages are the same everywhere.
+	std::setlocale(LC_CTYPE, "");
+
 	Options options;
 	options.plugin = find({"vexlomenu.so.0", DESK_INSTALLED_PLUGIN});
 	options.skin = find({"skins/default.toml", "../share/deskhost/skins/default.toml"});
@@ -218,9 +268,6 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments, std::string(problem.what()) + "; see deskhost --help");
 	}
 
-	// Only what characters are is the desk's: numbers and messages are the same everywhere.
-	std::setlocale(LC_CTYPE, "");
-
 	std::string error;
 	const std::optional<std::vector<Key>> keys = parseKeyScript(options.keys, error);
 	if (!keys)
@@ -245,11 +292,19 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments, error);
 	if (!options.debug.empty() && !NoteLog::get().open(options.debug, error))
 		return fail(statusBadArguments, error);
+	if (overwrites(options, error))
+		return fail(statusBadArguments, error);
+	if (options.screen.empty())
+		options.screen = likelyScreen();
+	const bool drawsPixels = options.screen != "terminal" && options.screen != "none";
+	if ((drawsPixels || !options.pictures.empty()) && !PixelCanvas::canDrawText())
+		return fail(statusNotStarted,
+		            "there is no font to draw with; install one, such as fonts-dejavu-core");
 
 	// Loading comes before the screen, so that a plugin that cannot be loaded flashes nothing up.
 	std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
 	if (!plugin)
-		return fail(statusNotLoaded, error);
+		return fail(statusNotStarted, error);
 	std::unique_ptr<Screen> screen = openScreen(options, error);
 	if (!screen)
 		return fail(statusBadArguments, error);
@@ -261,6 +316,9 @@ int runApp(int argc, char **argv)
 	desk.setSkin(std::move(*skin));
 	desk.setRecorder(&recorder);
 	desk.setScreen(std::move(screen));
+	if (!options.lang.empty() && options.screen == "terminal" && !localeIsUtf8())
+		desk.screen().note("deskhost: letters that the locale's character set lacks are shown as question "
+		                   "marks; set LC_ALL=C.UTF-8 to see them");
 
 	std::string returned = play(*plugin, *keys);
 	plugin.reset();
@@ -273,10 +331,12 @@ int runApp(int argc, char **argv)
 	}
 	desk.setScreen(nullptr);
 	desk.setRecorder(nullptr);
-	std::fputs(returned.c_str(), stdout);
+	errno = 0;
+	const bool printed = std::fputs(returned.c_str(), stdout) != EOF && std::fflush(stdout) == 0;
+	const std::string whyNot = std::strerror(errno);
 
 	if (!error.empty()) // the plugin has gone between two plays
-		return fail(statusNotLoaded, error);
+		return fail(statusNotStarted, error);
 	if (!recorder.close(error))
 		return fail(statusBadArguments, error);
 	if (!Trace::get().close())
@@ -285,6 +345,8 @@ int runApp(int argc, char **argv)
 	if (!NoteLog::get().close())
 		return fail(statusBadArguments,
 		            "cannot write all debug lines to '" + options.debug + "'; is the disk full?");
+	if (!printed)
+		return fail(statusBadArguments, "cannot write to standard output: " + whyNot);
 	return 0;
 }
 

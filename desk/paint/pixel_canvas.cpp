@@ -4,6 +4,8 @@
 #include "visible_text.h"
 
 #include <cairo.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -223,6 +225,11 @@ void PixelCanvas::keySymbol(const Rect &area, ColourKey, Color color)
 	cairo_restore(s->cairo);
 }
 
+bool PixelCanvas::canDrawText()
+{
+	return haveLetters();
+}
+
 const unsigned char *PixelCanvas::pixels()
 {
 	cairo_surface_flush(s->surface);
@@ -248,7 +255,11 @@ bool PixelCanvas::writePng(const std::string &path, std::string &error)
 	int reason = status == CAIRO_STATUS_SUCCESS ? 0 : errno ? errno : EIO;
 	if (fclose(file) != 0 && !reason)
 		reason = errno;
-	return reason ? failed(reason) : true;
+	if (reason == 0)
+		return true;
+	if (struct stat written; lstat(path.c_str(), &written) == 0 && S_ISREG(written.st_mode))
+		unlink(path.c_str()); // rather none than a part of one
+	return failed(reason);
 }
 
 } // namespace desk

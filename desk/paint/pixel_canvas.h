@@ -28,6 +28,9 @@ public:
 	const unsigned char *pixels();
 	int stride() const;
 
+	/// Whether there is a font that has letters; without one a text is a row of boxes.
+	static bool canDrawText();
+
 	/// Writes a PNG. False when the file cannot be written; `error` then says why, in one line.
 	bool writePng(const std::string &path, std::string &error);
 

@@ -49,8 +49,7 @@ void Recorder::moment(const std::string &after, const std::function<nlohmann::or
 		nlohmann::ordered_json object;
 		object["after"] = after;
 		object["windows"] = describe();
-		const std::string line =
-			object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+		const std::string line = object.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
 		if (std::fprintf(dump, "%s\n", line.c_str()) < 0 || std::fflush(dump) != 0)
 			if (failure.empty())
 				failure = "cannot write the dump to '" + dumpPath + "': " + std::strerror(errno);

@@ -74,7 +74,7 @@ void Trace::line(const std::string &text)
 
 std::string Trace::argument(std::string_view text)
 {
-	return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+	return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
 }
 
 } // namespace desk

@@ -85,6 +85,92 @@ TEST(App, should_refuse_files_that_it_cannot_use)
 	expectRefused(deskhost({"--trace", missing}), 2, missing);
 }
 
+TEST(App, should_refuse_to_record_twice_into_one_file)
+{
+	TempFolder folder;
+	const std::string file = folder / "file", other = folder / "other";
+	const Lines play = {"--screen", "none", "--plugin", testPlugin("result.so.0")};
+	const auto recording = [&](const std::string &dump, const std::string &trace) {
+		Lines options = play;
+		options.insert(options.end(), {"--dump", dump, "--trace", trace});
+		return deskhost(options);
+	};
+	expectRefused(recording(file, file), 2,
+	              "--dump and --trace would overwrite each other in '" + file + "'");
+	ASSERT_EQ(link(file.c_str(), other.c_str()), 0);
+	expectRefused(recording(file, other), 2, other);
+	EXPECT_EQ(recording("/dev/null", "/dev/null").status, 0);
+
+	const Outcome shell =
+		support::run({"/bin/sh", "-c",
+	                  "exec '" + support::deskhostPath() + "' --screen none --keys exit --dump '" + file +
+	                      "' >>'" + file + "'"});
+	expectRefused(shell, 2, "standard output");
+}
+
+TEST(App, should_report_that_it_could_not_print)
+{
+	TempFolder folder;
+	const std::string dump = folder / "dump";
+	for (const char *closing : {">&-", ">/dev/full"}) {
+		const Outcome outcome =
+			support::run({"/bin/sh", "-c",
+		                  "exec '" + support::deskhostPath() + "' --screen none --keys exit --dump '" + dump +
+		                      "' " + closing});
+		expectRefused(outcome, 2, "standard output");
+		EXPECT_EQ(support::readFile(dump).find("plugin_exec"), std::string::npos) << closing;
+	}
+}
+
+TEST(App, should_report_a_picture_that_does_not_fit_and_leave_no_part_of_it)
+{
+	TempFolder pictures;
+	const Outcome outcome =
+		support::run({"/bin/sh", "-c",
+	                  "trap '' XFSZ; ulimit -f 1; exec '" + support::deskhostPath() +
+	                      "' --screen none --keys exit --pictures '" + pictures.path() + "'"});
+	EXPECT_EQ(outcome.status, 2);
+	EXPECT_NE(outcome.err.find("00-start.png"), std::string::npos) << outcome.err;
+	EXPECT_FALSE(support::exists(pictures / "00-start.png"));
+}
+
+TEST(App, should_never_hand_controls_on_to_a_terminal)
+{
+	TempFolder folder;
+	const std::string csi = "\xc2\x9b", name = "no\x1b[2J" + csi + "31m\xff.so";
+	const auto isClean = [](const std::string &text) {
+		return std::all_of(text.begin(), text.end(),
+		                   [](char c) { return c == '\n' || (c >= ' ' && c < 0x7f); });
+	};
+	for (const char *option :
+	     {"--plugin", "--root", "--skin", "--dump", "--trace", "--lang", "--keys", "--screen", "--plays"}) {
+		const Outcome outcome =
+			deskhost({"--screen", "none", option, folder / "none/" + name}, {{"LC_ALL", "C"}});
+		EXPECT_NE(outcome.status, 0) << option;
+		EXPECT_TRUE(isClean(outcome.err)) << outcome.err;
+	}
+	Receiver receiver;
+	receiver.scanLog(name + "\n");
+	const Outcome outcome = deskhost({"--screen", "none", "--root", receiver.path(), "--keys", "3", "--dump",
+	                                  folder / "dump", "--trace", folder / "trace"});
+	EXPECT_EQ(outcome.status, 0);
+	EXPECT_TRUE(isClean(support::readFile(folder / "dump")));
+	EXPECT_TRUE(isClean(support::readFile(folder / "trace")));
+}
+
+TEST(App, should_say_that_there_is_no_font)
+{
+	TempFolder folder;
+	const std::string none = folder.write("fonts.conf", "<fontconfig></fontconfig>");
+	const auto drawing = [&](const Lines &options) {
+		Lines all = {"--screen", "none", "--keys", "exit"};
+		all.insert(all.end(), options.begin(), options.end());
+		return deskhost(all, {{"FONTCONFIG_FILE", none}});
+	};
+	expectRefused(drawing({"--pictures", folder / "pictures"}), 1, "font");
+	EXPECT_EQ(drawing({}).status, 0) << "nothing is drawn";
+}
+
 TEST(App, should_refuse_a_screen_that_it_cannot_open)
 {
 	expectRefused(deskhost({"--screen", "window"}, {{"DISPLAY", ":987"},
@@ -134,7 +220,7 @@ TEST(App, should_give_up_on_a_plugin_that_never_returns)
 TEST(App, should_choose_no_screen_without_display_and_terminal)
 {
 	const Outcome outcome = deskhost({"--keys", "exit"}, {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
-	EXPECT_EQ(outcome.out, "plugin_exec returned -1\n");
+	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 }
 
 TEST(App, should_press_exit_until_the_plugin_returns)
@@ -143,7 +229,7 @@ TEST(App, should_press_exit_until_the_plugin_returns)
 	receiver.ps("PID\n1 init\n");
 	for (const char *keys : {"", "ok", "ok ok", "down ok"}) {
 		const Play run = play(receiver.path(), keys);
-		EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n") << keys;
+		EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n") << keys;
 		EXPECT_EQ(run.outcome.status, 0);
 	}
 }
@@ -160,7 +246,7 @@ TEST(App, should_play_as_often_as_told)
 {
 	Receiver receiver;
 	const Play run = play(receiver.path(), "down exit", {"--plays", "3"});
-	EXPECT_EQ(run.outcome.out, support::repeat("plugin_exec returned -1\n", 3));
+	EXPECT_EQ(run.outcome.out, support::repeat("plugin_exec returned -1: the viewer left the menu\n", 3));
 	ASSERT_EQ(run.moments.size(), 9u);
 	for (size_t i = 0; i < 9; i += 3) {
 		EXPECT_EQ(run.moments[i]["after"], "start");
@@ -254,6 +340,14 @@ TEST(App, should_show_the_texts_of_the_asked_language)
 	const Json &list = run.widget(0, "eListBox<eListBoxEntryMenu>");
 	EXPECT_EQ(list["help"].get<std::string>().rfind("(1) ", 0), 0u) << "the number is no text";
 	EXPECT_NE(list["help"], "(1) show current processes in memory");
+}
+
+TEST(App, should_know_english_and_list_the_languages_in_order)
+{
+	Receiver receiver;
+	for (const char *english : {"en", "en_GB.UTF-8"})
+		EXPECT_EQ(play(receiver.path(), "", {"--lang", english}).window(0)["title"], "Vexlo service menu");
+	expectRefused(deskhost({"--lang", "tlh"}), 2, "--lang knows: ar de el en es fr it pl ru tr");
 }
 
 TEST(App, should_number_the_help_in_every_language)
@@ -381,7 +475,8 @@ TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
 
 	Play run = play("", "exit exit", options);
 	EXPECT_EQ(run.moments[0]["windows"][0]["widgets"].size(), 6u);
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n") << "the list has gone while it was left";
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n")
+		<< "the list has gone while it was left";
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 
 	// The focus goes to a widget two levels down, which is deleted with what it stands in.

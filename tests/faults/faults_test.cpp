@@ -434,7 +434,7 @@ Play playAll(const Setting &setting)
 void expectGoodEnd(const Play &run, const Setting &setting)
 {
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n");
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 	for (const size_t moment : menus) {
 		ASSERT_EQ(run.moments[moment].at("windows").size(), 1u);
 		EXPECT_EQ(run.window(moment).at("class"), "eVexloMenu") << "after key number " << moment;

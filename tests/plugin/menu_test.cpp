@@ -33,7 +33,7 @@ TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
 	                                 "eSetupWindow#1.~eSetupWindow()"});
 	EXPECT_EQ(run.trace, expected);
 	EXPECT_EQ(run.outcome.status, 0);
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n");
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 	EXPECT_EQ(run.outcome.err, "");
 }
 
@@ -140,7 +140,7 @@ TEST(Menu, should_be_shown_again_after_a_screen_that_was_accepted)
 	const Play run = play(receiver.path(), "up ok green exit");
 	EXPECT_EQ(run.window(2)["class"], "eSysInfDialog");
 	EXPECT_EQ(run.window(3)["class"], "eVexloMenu");
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1\n");
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 }
 
 } // namespace
