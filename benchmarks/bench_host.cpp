@@ -78,9 +78,9 @@ void play(const std::string &path)
 	const std::unique_ptr<desk::Plugin> plugin = desk::Plugin::load(path, error);
 	if (!plugin)
 		fail(error);
-	desk.beginPlay();
+	desk.beginRun();
 	plugin->exec();
-	desk.endPlay();
+	desk.endRun();
 }
 
 double now()

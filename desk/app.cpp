@@ -56,7 +56,7 @@ struct Options
 	std::string root;
 	std::string skin;
 	std::string lang;
-	int plays = 1;
+	int runs = 1;
 };
 
 int fail(int status, const std::string &message)
@@ -183,13 +183,13 @@ std::unique_ptr<Screen> openScreen(const Options &options, std::string &error)
 	return makeNoScreen();
 }
 
-std::string play(Plugin &plugin, const std::vector<Key> &keys)
+std::string runOnce(Plugin &plugin, const std::vector<Key> &keys)
 {
 	Desk &desk = Desk::get();
 	desk.press(keys);
-	desk.beginPlay();
+	desk.beginRun();
 	const int result = plugin.exec();
-	desk.endPlay();
+	desk.endRun();
 	// -1 would read like a failure.
 	return "plugin_exec returned " + std::to_string(result) +
 	       (result == -1 ? ": the viewer left the menu\n" : "\n");
@@ -234,7 +234,7 @@ int runApp(int argc, char **argv)
 	cli.add_option("--pictures", options.pictures,
 	               "Write a PNG of the screen at the start and after every key: 00-start.png, 01-ok.png, ...")
 		->type_name("DIR");
-	cli.add_option("--dump", options.dump, "Write what is on the screen at the same moments, as JSON lines")
+	cli.add_option("--dump", options.dump, "Write what is on the screen at the same times, as JSON lines")
 		->type_name("FILE");
 	cli.add_option("--trace", options.trace,
 	               "Write every call that the plugin makes to its host, a line each")
@@ -248,7 +248,7 @@ int runApp(int argc, char **argv)
 	cli.add_option("--skin", options.skin, "The look: a skin file")->type_name("FILE");
 	cli.add_option("--lang", options.lang, "The language of the plugin's texts, such as de")
 		->type_name("LANG");
-	cli.add_option("--plays", options.plays, "Load, run and unload the plugin N times in one process")
+	cli.add_option("--plays", options.runs, "Load, run and unload the plugin N times in one process")
 		->type_name("N")
 		->check(CLI::Range(1, 1000000000));
 	// An empty name is a variable that was not set, not a wish.
@@ -320,13 +320,13 @@ int runApp(int argc, char **argv)
 		desk.screen().note("deskhost: letters that the locale's character set lacks are shown as question "
 		                   "marks; set LC_ALL=C.UTF-8 to see them");
 
-	std::string returned = play(*plugin, *keys);
+	std::string returned = runOnce(*plugin, *keys);
 	plugin.reset();
-	for (int i = 1; i < options.plays; ++i) {
+	for (int i = 1; i < options.runs; ++i) {
 		plugin = Plugin::load(options.plugin, error);
 		if (!plugin)
 			break;
-		returned += play(*plugin, *keys);
+		returned += runOnce(*plugin, *keys);
 		plugin.reset();
 	}
 	desk.setScreen(nullptr);
@@ -335,7 +335,7 @@ int runApp(int argc, char **argv)
 	const bool printed = std::fputs(returned.c_str(), stdout) != EOF && std::fflush(stdout) == 0;
 	const std::string whyNot = std::strerror(errno);
 
-	if (!error.empty()) // the plugin has gone between two plays
+	if (!error.empty()) // the plugin has gone between two runs
 		return fail(statusNotStarted, error);
 	if (!recorder.close(error))
 		return fail(statusBadArguments, error);

@@ -42,7 +42,7 @@ bool Recorder::openDump(const std::string &file, std::string &error)
 	return dump != nullptr;
 }
 
-void Recorder::moment(const std::string &after, const std::function<nlohmann::ordered_json()> &describe,
+void Recorder::record(const std::string &after, const std::function<nlohmann::ordered_json()> &describe,
                       const std::function<void(Canvas &)> &paint)
 {
 	if (dump) {

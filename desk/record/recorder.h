@@ -28,9 +28,9 @@ public:
 
 	bool on() const { return dump || !pictures.empty(); }
 
-	/// Records one moment: after `after` ("start" or a key's name), with what `describe` tells and
-	/// `paint` draws. They are called only for what is recorded.
-	void moment(const std::string &after, const std::function<nlohmann::ordered_json()> &describe,
+	/// Records the screen after `after` ("start" or a key's name), as `describe` and `paint` give it.
+	/// They are called only for what is recorded.
+	void record(const std::string &after, const std::function<nlohmann::ordered_json()> &describe,
 	            const std::function<void(Canvas &)> &paint);
 
 	/// Ends the recording. False when not everything could be written; `error` then says what.

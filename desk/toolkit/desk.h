@@ -2,13 +2,12 @@
 #define DESK_TOOLKIT_DESK_H
 
 #include "display_list.h"
-#include "ewidget.h"
-#include "key.h"
+#include "key_source.h"
 #include "recorder.h"
 #include "screen.h"
 #include "skin.h"
+#include "windows.h"
 
-#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,7 +16,14 @@
 namespace desk
 {
 
-/// The receiver that is not there: the windows that are open, the screen they are on, and the keys.
+/// What hosts differ in; tests imitate others.
+struct HostHabits
+{
+	std::optional<int> answer; ///< what every message box returns at once, without a key; nothing: its answer
+	int left = -1;             ///< what exec() returns for a window that the viewer has left
+};
+
+/// The receiver that is not there: its skin, its screen, its windows and its keys.
 ///
 /// One for the process, because the toolkit's operations name none. Everything runs on one thread.
 class Desk
@@ -32,59 +38,39 @@ public:
 
 	const Skin &skin() const { return activeSkin; }
 	Screen &screen();
+	Windows &windows() { return openWindows; }
+	const Windows &windows() const { return openWindows; }
+
+	HostHabits habits;
 
 	/// Presses these keys before any of the screen's.
-	void press(const std::vector<Key> &keys) { script.insert(script.end(), keys.begin(), keys.end()); }
+	void press(const std::vector<Key> &script) { keys.press(script); }
 
-	/// Begins or ends one play of the plugin. The end shows and records what the last key has left.
-	void beginPlay();
-	void endPlay();
-
-	/// Makes every message box return `answer` at once, without a key; nothing: as usual.
-	/// Hosts differ in their answers; this is how they are imitated.
-	void setAnswer(std::optional<int> answer) { forcedAnswer = answer; }
-	std::optional<int> answer() const { return forcedAnswer; }
-
-	/// What exec() returns for a window that the viewer has left; hosts differ in that as well.
-	void setLeft(int value) { leftResult = value; }
+	/// Begins or ends one run of the plugin. The end shows and records what the last key has left.
+	void beginRun();
+	void endRun();
 
 	/// The height in pixels of one row of text.
 	int fontSize() const { return activeSkin.value("fontsize").value_or(20); }
 
-	// Called by the widgets.
-	void shown(eWidget &window);
-	void hidden(eWidget &window);
-	void gone(eWidget &widget);
-	bool run(eWidget &window);   ///< the modal loop, to the end of the window's run; false: it is destroyed
-	void leave(eWidget &window); ///< ends the window's run, if it still runs: the viewer has left it
-	void updateFocus();
-	eWidget *focus() const { return focused; }
+	/// The modal loop of a window, to the end of its run; false: the window is destroyed.
+	bool run(eWidget &window);
+	/// Ends the window's run, if it still runs: the viewer has left it.
+	void leave(eWidget &window);
 
 	void paint(Canvas &canvas) const;
-	nlohmann::ordered_json describe() const;
 
 private:
 	Key nextKey();
-	void settle();
-	void dispatch(Key key);
-	bool runs(const eWidget &window) const;
+	void showFrame();
 
 	Skin activeSkin;
 	std::unique_ptr<Screen> activeScreen;
 	Recorder *activeRecorder = nullptr;
-	std::optional<int> forcedAnswer;
-	int leftResult = -1;
-
-	DisplayList frame; ///< what the screen shows
-
-	std::vector<eWidget *> visible; ///< top-level windows, from bottom to top
-	std::vector<eWidget *> running; ///< windows in exec(), the innermost last
-	eWidget *focused = nullptr;     ///< the one widget that has the focus
-
-	std::deque<Key> script;
-	bool leaving = false;           ///< nobody presses keys any more: exit until the plugin returns
-	int exits = 0;                  ///< pressed because of that, in this play
-	std::optional<std::string> due; ///< the moment that is not recorded yet
+	Windows openWindows;
+	KeySource keys;
+	DisplayList frame;              ///< what the screen shows
+	std::optional<std::string> due; ///< what is to be recorded with the next frame: "start" or a key's name
 };
 
 } // namespace desk

@@ -46,7 +46,7 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 {
 	const eWidget::State &state = eWidget::State::of(widget);
 	const Skin &skin = Desk::get().skin();
-	const bool focused = Desk::get().focus() == &widget;
+	const bool focused = Desk::get().windows().focus() == &widget;
 	const Rect area{painter.x, painter.y, state.width, state.height};
 
 	if (const std::optional<Fill> &back = focused && look->focused ? look->focused : look->background) {

@@ -48,7 +48,7 @@ struct eListBoxBase::List
 	void dispose();
 
 	/// Keeps `current` and `top` within the entries.
-	void settle();
+	void keepInRange();
 
 	eListBoxBase &box;
 	std::deque<eListBoxEntry *> entries; ///< in blocks: a list that grows is never copied

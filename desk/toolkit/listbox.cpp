@@ -60,7 +60,7 @@ int eListBoxBase::List::shown() const
 	return std::clamp(count() - top, 0, rows());
 }
 
-void eListBoxBase::List::settle()
+void eListBoxBase::List::keepInRange()
 {
 	current = std::clamp(current, 0, std::max(0, count() - 1));
 	top = std::clamp(top, 0, std::max(0, count() - rows()));
@@ -74,7 +74,7 @@ void eListBoxBase::List::moveTo(int index)
 {
 	const int before = current;
 	current = index;
-	settle();
+	keepInRange();
 	if (current != before)
 		box.SendSelChanged(entries[static_cast<size_t>(current)]);
 }
@@ -121,7 +121,7 @@ void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 		list->current = atTop ? 0 : list->count() - 1;
 	else if (atTop && list->count() > 1)
 		++list->current; // it stays on the entry it was on
-	list->settle();
+	list->keepInRange();
 }
 
 void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
@@ -135,7 +135,7 @@ void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
 	if (index < list->current)
 		--list->current;
 	list->entries.erase(place);
-	list->settle();
+	list->keepInRange();
 	entry->listbox = nullptr; // it outlives the list now, perhaps
 	Trace::get().forget(entry);
 	if (wasCurrent)
@@ -148,7 +148,7 @@ void eListBoxBase::lostFocus() {}
 void eListBoxBase::recalcClientRect()
 {
 	eDecoWidget::recalcClientRect();
-	list->settle();
+	list->keepInRange();
 }
 
 int eListBoxBase::eventHandler(const eWidgetEvent &event)
@@ -204,7 +204,7 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 	if (look.background)
 		canvas.fill(area, *look.background);
 
-	const bool focused = Desk::get().focus() == this;
+	const bool focused = Desk::get().windows().focus() == this;
 	const bool scrolls = list->count() > list->rows();
 	const int rowWidth = state->width - (scrolls ? barWidth + 4 : 0);
 	const gColor currentBack = gPainter::index(focused ? look.current : look.currentUnfocused);

@@ -31,7 +31,7 @@ eWidget::~eWidget()
 	for (eWidget *above = state->parent; above; above = above->state->parent)
 		if (above->state->focus == this)
 			above->state->focus = nullptr;
-	Desk::get().gone(*this);
+	Desk::get().windows().forget(*this);
 	delete state;
 }
 
@@ -137,7 +137,8 @@ void eWidget::show()
 	willShow();
 	state->visible = true;
 	if (!state->parent)
-		Desk::get().shown(*this);
+		Desk::get().windows().show(*this);
+	Desk::get().windows().updateFocus();
 }
 
 void eWidget::hide()
@@ -147,10 +148,9 @@ void eWidget::hide()
 		return;
 	willHide();
 	state->visible = false;
-	if (state->parent)
-		Desk::get().updateFocus();
-	else
-		Desk::get().hidden(*this);
+	if (!state->parent)
+		Desk::get().windows().hide(*this);
+	Desk::get().windows().updateFocus();
 }
 
 int eWidget::exec()
@@ -159,8 +159,8 @@ int eWidget::exec()
 	state->running = true;
 	state->ended = false;
 	state->result = 0;
-	if (state->isMessageBox && Desk::get().answer())
-		state->end(*Desk::get().answer());
+	if (const auto &answer = Desk::get().habits.answer; answer && state->isMessageBox)
+		state->end(*answer);
 	if (!Desk::get().run(*this))
 		return -1; // the window has been destroyed by what it ran
 	state->running = false;
@@ -186,7 +186,7 @@ void eWidget::setFocus(eWidget *child)
 	if (child && &State::window(*child) != &State::window(*this))
 		return;
 	state->focus = child;
-	Desk::get().updateFocus();
+	Desk::get().windows().updateFocus();
 }
 
 void eWidget::setShortcut(const eString &key)

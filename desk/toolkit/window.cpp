@@ -66,7 +66,7 @@ void moveFocus(eWidget &window, int direction)
 	const size_t count = stops.size();
 	const size_t index = here == stops.end() ? 0 : static_cast<size_t>(here - stops.begin());
 	state.focus = stops[(index + (direction > 0 ? 1 : count - 1)) % count];
-	Desk::get().updateFocus();
+	Desk::get().windows().updateFocus();
 }
 
 bool isColour(Key key)

@@ -27,9 +27,9 @@ std::vector<std::string> playAnswering(const ReceiverFolder &receiver, int answe
 	std::string error;
 	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
 	EXPECT_TRUE(desk::Trace::get().open(receiver / "trace", error)) << error;
-	Desk::get().setAnswer(answer);
+	Desk::get().habits.answer = answer;
 	returned = support::playInside(keys);
-	Desk::get().setAnswer(std::nullopt);
+	Desk::get().habits.answer.reset();
 	EXPECT_TRUE(desk::Trace::get().close());
 	return support::lines(support::readFile(receiver / "trace"));
 }
@@ -73,23 +73,23 @@ TEST(Result, should_be_what_the_menus_run_returned)
 {
 	ReceiverFolder receiver;
 	for (const int result : {-1, 0, 1, 8, 1234567, -1234567}) {
-		Desk::get().setLeft(result);
+		Desk::get().habits.left = result;
 		const auto trace = playAnswering(receiver, 4, "exit");
 		EXPECT_EQ(returned, result);
 		EXPECT_TRUE(has(trace, "eSetupWindow#1.exec() = " + std::to_string(result)));
 	}
-	Desk::get().setLeft(-1);
+	Desk::get().habits.left = -1;
 }
 
 TEST(Result, should_not_depend_on_what_a_screen_returned)
 {
 	ReceiverFolder receiver;
 	receiver.df("heading\n");
-	Desk::get().setLeft(5);
+	Desk::get().habits.left = 5;
 	const auto trace = playAnswering(receiver, 4, "4 ok exit");
 	EXPECT_TRUE(has(trace, "eWindow#1.exec() = 0"));
 	EXPECT_EQ(returned, 5);
-	Desk::get().setLeft(-1);
+	Desk::get().habits.left = -1;
 }
 
 INSTANTIATE_TEST_SUITE_P(OfHosts, Answer, ::testing::Values(4, 8, -1, 0, 1, 2, 5, 12, 64, 76, -2, 1000000),

@@ -2,6 +2,7 @@
 // plugin loaded and unloaded. Nothing may grow, and nothing may be left.
 
 #include "app.h"
+#include "description.h"
 #include "desk.h"
 #include "files.h"
 #include "inside.h"
@@ -138,7 +139,7 @@ public:
 		inside = !inside;
 		if (!inside) {
 			if (++opened == 1 || left == 0)
-				dialogs.push_back(Desk::get().describe().back().at("class"));
+				dialogs.push_back(desk::describe(Desk::get().windows()).back().at("class"));
 			return Key::exit;
 		}
 		standings.push_back(Standing());
@@ -229,9 +230,9 @@ TEST(Loading, should_leave_nothing_of_the_plugin_behind)
 		ASSERT_TRUE(plugin) << error;
 		ASSERT_TRUE(isMapped());
 		desk.press({Key::exit});
-		desk.beginPlay();
+		desk.beginRun();
 		ASSERT_EQ(plugin->exec(), -1);
-		desk.endPlay();
+		desk.endRun();
 		plugin.reset();
 		ASSERT_EQ(dlopen(support::pluginPath().c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr)
 			<< "after load " << load;

@@ -1,5 +1,6 @@
 // The process screen, call by call and by keys, on a receiver's output and on real processes.
 
+#include "description.h"
 #include "desk.h"
 #include "inside.h"
 #include "support.h"
@@ -339,7 +340,7 @@ public:
 
 	std::optional<desk::Key> waitKey() override
 	{
-		const Json window = desk::Desk::get().describe().back();
+		const Json window = desk::describe(desk::Desk::get().windows()).back();
 		if (window.at("class") == "eMessageBox")
 			return answer(window.at("widgets").at(0).at("text"));
 		if (leaves)

@@ -20,9 +20,9 @@ int playInside(const std::string &keys)
 		throw std::runtime_error(error);
 	desk::Desk &desk = desk::Desk::get();
 	desk.press(*script);
-	desk.beginPlay();
+	desk.beginRun();
 	const int result = plugin->exec();
-	desk.endPlay();
+	desk.endRun();
 	return result;
 }
 

@@ -84,9 +84,9 @@ std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 	const auto loaded = desk::Plugin::load(plugin, error);
 	EXPECT_TRUE(loaded) << error;
 	if (loaded) {
-		Desk::get().beginPlay();
+		Desk::get().beginRun();
 		loaded->exec();
-		Desk::get().endPlay();
+		Desk::get().endRun();
 	}
 	Desk::get().setScreen(nullptr);
 	return changes;
