@@ -294,8 +294,6 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments, error);
 	if (overwrites(options, error))
 		return fail(statusBadArguments, error);
-	if (options.screen.empty())
-		options.screen = likelyScreen();
 	const bool drawsPixels = options.screen != "terminal" && options.screen != "none";
 	if ((drawsPixels || !options.pictures.empty()) && !PixelCanvas::canDrawText())
 		return fail(statusNotStarted,

@@ -22,7 +22,7 @@ void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor curre
 	style.color = gPainter::color(isCurrent ? currentText : textColor);
 	style.rowHeight = area.height();
 	if (isCurrent) {
-		const bool left = Desk::get().focus() != listbox; // the viewer is somewhere else
+		const bool left = Desk::get().windows().focus() != listbox; // the viewer is somewhere else
 		style.emphasis = left ? desk::Emphasis::dim : desk::Emphasis::current;
 		target->canvas.fill(row, desk::Fill::plain(gPainter::color(currentBack), 0, style.emphasis));
 	}
