@@ -30,6 +30,7 @@
 #include <filesystem>
 #include <iterator>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace desk
@@ -115,16 +116,28 @@ fs::path find(std::initializer_list<const char *> places)
 	return (programFolder() / *places.begin()).lexically_normal();
 }
 
-/// What there is to show and press keys on: a display, else a terminal, else nothing.
-std::string likelyScreen()
+bool displayIsNamed()
 {
 	const auto given = [](const char *name) {
 		const char *value = std::getenv(name);
 		return value && *value;
 	};
-	if (given("DISPLAY") || given("WAYLAND_DISPLAY"))
+	return given("DISPLAY") || given("WAYLAND_DISPLAY");
+}
+
+/// What there is to show and press keys on: a display, else a terminal, else nothing. `note` says why a
+/// display that is named is not it.
+std::string likelyScreen(std::string &note)
+{
+	const std::string otherwise = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
+	std::string why;
+	if (!displayIsNamed())
+		return otherwise;
+	if (displayAnswers(why))
 		return "window";
-	return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
+	// It was named long ago, as in a terminal that has outlived it.
+	note = "deskhost: " + why + "; this is --screen " + otherwise;
+	return otherwise;
 }
 
 /// Makes the message catalogue of `lang` the current one, under the null domain.
@@ -279,8 +292,9 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments, error);
 	if (!options.root.empty() && !Files::get().setRoot(options.root, error))
 		return fail(statusBadArguments, error);
+	std::string note;
 	if (options.screen.empty())
-		options.screen = likelyScreen();
+		options.screen = likelyScreen(note);
 	if (options.screen == "terminal")
 		takeTerminal(); // before anything is opened: a trace to /dev/stderr is kept with the rest
 	Recorder recorder;
@@ -314,19 +328,22 @@ int runApp(int argc, char **argv)
 	desk.setSkin(std::move(*skin));
 	desk.setRecorder(&recorder);
 	desk.setScreen(std::move(screen));
+	if (!note.empty())
+		desk.screen().note(note);
 	if (!options.lang.empty() && options.screen == "terminal" && !localeIsUtf8())
 		desk.screen().note("deskhost: letters that the locale's character set lacks are shown as question "
 		                   "marks; set LC_ALL=C.UTF-8 to see them");
 
 	std::string returned = runOnce(*plugin, *keys);
 	plugin.reset();
-	for (int i = 1; i < options.runs; ++i) {
+	for (int i = 1; i < options.runs && !desk.screen().closed(); ++i) {
 		plugin = Plugin::load(options.plugin, error);
 		if (!plugin)
 			break;
 		returned += runOnce(*plugin, *keys);
 		plugin.reset();
 	}
+	const std::string lost = desk.screen().lost();
 	desk.setScreen(nullptr);
 	desk.setRecorder(nullptr);
 	errno = 0;
@@ -335,6 +352,8 @@ int runApp(int argc, char **argv)
 
 	if (!error.empty()) // the plugin has gone between two runs
 		return fail(statusNotStarted, error);
+	if (!lost.empty())
+		return fail(statusNotStarted, lost);
 	if (!recorder.close(error))
 		return fail(statusBadArguments, error);
 	if (!Trace::get().close())

@@ -78,8 +78,8 @@ cairo_status_t writeTo(void *file, const unsigned char *data, unsigned int lengt
 
 struct PixelCanvas::State
 {
-	cairo_surface_t *surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, screenWidth, screenHeight);
-	cairo_t *cairo = cairo_create(surface);
+	cairo_surface_t *surface;
+	cairo_t *cairo;
 	size_t clips = 0;
 
 	/// What can be seen of what is drawn now.
@@ -91,7 +91,9 @@ struct PixelCanvas::State
 		        static_cast<int>(bottom - top)};
 	}
 
-	State() = default;
+	State(int width, int height)
+		: surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)), cairo(cairo_create(surface))
+	{}
 	State(const State &) = delete;
 	State &operator=(const State &) = delete;
 	~State()
@@ -101,7 +103,7 @@ struct PixelCanvas::State
 	}
 };
 
-PixelCanvas::PixelCanvas() : s(std::make_unique<State>())
+PixelCanvas::PixelCanvas(int width, int height) : s(std::make_unique<State>(width, height))
 {
 	setSource(s->cairo, {});
 	cairo_paint(s->cairo);

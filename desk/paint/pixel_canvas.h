@@ -9,11 +9,11 @@
 namespace desk
 {
 
-/// A canvas of 720 x 576 pixels, drawn by Cairo and Pango.
+/// A canvas of pixels, as many as the receiver's screen unless told otherwise, drawn by Cairo and Pango.
 class PixelCanvas : public Canvas
 {
 public:
-	PixelCanvas();
+	explicit PixelCanvas(int width = screenWidth, int height = screenHeight);
 	~PixelCanvas() override;
 
 	void pushClip(const Rect &area) override;

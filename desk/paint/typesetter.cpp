@@ -220,7 +220,7 @@ Setting &Typesetter::setting(Face face, int rowHeight, bool bold)
 
 Typesetter &typesetter()
 {
-	static Typesetter only;
+	static thread_local Typesetter only; // Pango's objects belong to one thread
 	return only;
 }
 

@@ -4,9 +4,12 @@
 #include "canvas.h"
 #include "key.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace desk
 {
@@ -35,6 +38,16 @@ public:
 	/// Makes the waitKey() that sleeps, or the next one, return nothing once. From any thread.
 	virtual void wake() {}
 
+	/// True once the viewer has closed the screen or it has gone: no key is wanted any more, not even of
+	/// those that were to be pressed without the viewer.
+	virtual bool closed() const { return false; }
+
+	/// Why the screen has gone by itself, one line; empty: it has not.
+	virtual std::string lost() const { return {}; }
+
+	/// Tells screens with a pointer which keys do what a click at a place of the screen, in its pixels, means.
+	void onClick(std::function<std::vector<Key>(int x, int y)> keys) { keysOfClick = std::move(keys); }
+
 	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that
 	/// was only reported. It goes to standard error, at once or when the screen is given back, and to
 	/// the NoteLog.
@@ -43,6 +56,9 @@ public:
 	/// True when commands' own output would spoil this screen; their standard output and error are
 	/// then handed to note() line by line.
 	virtual bool ownsTerminal() const { return false; }
+
+protected:
+	std::function<std::vector<Key>(int x, int y)> keysOfClick;
 };
 
 /// A screen that shows nothing and has no keys.

@@ -22,6 +22,8 @@ void Desk::setScreen(std::unique_ptr<Screen> screen)
 {
 	activeScreen = std::move(screen);
 	frame = {};
+	if (activeScreen)
+		activeScreen->onClick([this](int x, int y) { return openWindows.keysAt(x, y); });
 }
 
 Screen &Desk::screen()

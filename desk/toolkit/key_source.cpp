@@ -11,6 +11,8 @@ void KeySource::restart()
 
 std::optional<KeySource::Press> KeySource::next(Screen &screen)
 {
+	if (screen.closed())
+		script.clear();
 	if (!script.empty()) {
 		const Key key = script.front();
 		script.pop_front();

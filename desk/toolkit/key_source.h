@@ -12,8 +12,8 @@
 namespace desk
 {
 
-/// Where the keys of a run come from: a script, then the screen, and then, when nobody presses any more,
-/// exit until the plugin returns.
+/// Where the keys of a run come from: a script, then the screen, and then, when nobody presses any more or the
+/// screen is closed, exit until the plugin returns.
 class KeySource
 {
 public:

@@ -11,6 +11,9 @@ namespace desk
 /// How much further in than the lines of other lists those of a menu begin, in pixels.
 constexpr int menuInset = 10;
 
+/// Of the scroll bar at a list's right edge, in pixels.
+constexpr int barWidth = 8;
+
 } // namespace desk
 
 /// What the host keeps of a list box.
@@ -31,6 +34,8 @@ struct eListBoxBase::List
 
 	/// Whole rows that the box shows.
 	int rows() const;
+
+	bool scrolls() const { return count() > rows(); }
 
 	/// Entries on the screen: from `top` on, `shown()` of them.
 	int shown() const;

@@ -8,18 +8,12 @@
 
 #include <algorithm>
 
+using desk::barWidth;
 using desk::Desk;
 using desk::Fill;
 using desk::Key;
 using desk::Rect;
 using desk::Trace;
-
-namespace
-{
-
-constexpr int barWidth = 8; // of the scroll bar, in pixels
-
-} // namespace
 
 eListBoxBase::eListBoxBase(eWidget *parent, const eWidget *description, int takefocus, int entryHeight,
                            const char *decoration)
@@ -205,7 +199,7 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 		canvas.fill(area, *look.background);
 
 	const bool focused = Desk::get().windows().focus() == this;
-	const bool scrolls = list->count() > list->rows();
+	const bool scrolls = list->scrolls();
 	const int rowWidth = state->width - (scrolls ? barWidth + 4 : 0);
 	const gColor currentBack = gPainter::index(focused ? look.current : look.currentUnfocused);
 	const gColor currentText = gPainter::index(look.currentText);

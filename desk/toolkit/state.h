@@ -86,6 +86,9 @@ struct eWidget::State
 		return *top;
 	}
 
+	/// The widgets of a window that can have the focus, in the order in which it moves.
+	static std::vector<eWidget *> stops(const eWidget &window);
+
 	static void place(eWidget &widget, int x, int y, int width, int height);
 
 	static int filter(eWidget &w, const eWidgetEvent &event) { return w.eventFilter(event); }

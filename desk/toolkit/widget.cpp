@@ -35,6 +35,15 @@ eWidget::~eWidget()
 	delete state;
 }
 
+std::vector<eWidget *> eWidget::State::stops(const eWidget &window)
+{
+	std::vector<eWidget *> stops;
+	for (eWidget *child : of(window).children)
+		if (of(*child).takesFocus && of(*child).visible)
+			stops.push_back(child);
+	return stops;
+}
+
 void eWidget::State::place(eWidget &widget, int x, int y, int width, int height)
 {
 	State &state = of(widget);

@@ -56,10 +56,7 @@ private:
 void moveFocus(eWidget &window, int direction)
 {
 	eWidget::State &state = eWidget::State::of(window);
-	std::vector<eWidget *> stops;
-	for (eWidget *child : state.children)
-		if (eWidget::State::of(*child).takesFocus && eWidget::State::of(*child).visible)
-			stops.push_back(child);
+	const std::vector<eWidget *> stops = eWidget::State::stops(window);
 	if (stops.empty())
 		return;
 	const auto here = std::find(stops.begin(), stops.end(), state.focus);

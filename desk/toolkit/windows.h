@@ -36,6 +36,9 @@ public:
 	/// Hands a key to the widget that has the focus, then to its window. A window must be running.
 	void dispatch(Key key);
 
+	/// The keys that do what a click at this place of the screen means; none: there is nothing to click.
+	std::vector<Key> keysAt(int x, int y) const;
+
 private:
 	std::vector<eWidget *> shown;
 	std::vector<eWidget *> running; ///< the innermost last

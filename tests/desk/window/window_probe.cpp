@@ -1,11 +1,14 @@
 // Opens a window, paints it green with a red corner, and prints the name of every key that arrives.
 // After "red" it paints a blue frame without presenting it, after "green" it presents that.
+// It prints where it is clicked, and says that a click means "up ok". `window_probe busy` asks for no key.
 
 #include "window_screen.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 
-int main()
+int main(int argc, char **)
 {
 	std::string error;
 	const auto screen = desk::makeWindowScreen("probe", error);
@@ -21,6 +24,13 @@ int main()
 	screen->present(desk::wholeScreen);
 	std::puts("ready");
 	std::fflush(stdout);
+	while (argc > 1)
+		pause();
+	screen->onClick([](int x, int y) {
+		std::printf("click %d %d\n", x, y);
+		std::fflush(stdout);
+		return std::vector<desk::Key>{desk::Key::up, desk::Key::ok};
+	});
 	while (const auto key = screen->waitKey()) {
 		if (key == desk::Key::red)
 			paint({0, 0, 255});
@@ -29,6 +39,8 @@ int main()
 		std::puts(desk::keyName(*key));
 		std::fflush(stdout);
 	}
+	if (!screen->lost().empty())
+		std::printf("lost: %s\n", screen->lost().c_str());
 	std::puts(screen->waitKey() ? "a key after the end" : "closed");
 	return 0;
 }

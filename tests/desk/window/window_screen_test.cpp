@@ -1,5 +1,7 @@
-#include "process.h"
+#include "temp_folder.h"
+#include "window_on_display.h"
 
+#include <cairo.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -7,132 +9,53 @@
 #include <csignal>
 #include <string>
 #include <thread>
-#include <vector>
-
-// Last: its macros are everyday words.
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
+#include <utility>
 
 namespace
 {
 
-using Strings = std::vector<std::string>;
 using support::Child;
-using support::Environment;
+using support::Command;
 using support::eventually;
+using Strings = support::Command;
 
-/// The test's own environment, without any display but this one; empty: none.
-Environment onDisplay(const std::string &display)
-{
-	return {{"DISPLAY", display}, {"WAYLAND_DISPLAY", ""}, {"SDL_VIDEODRIVER", ""}};
-}
-
-/// A display, the probe's window on it, and a view of both from outside.
-class WindowScreen : public testing::Test
+/// The probe's window: what a screen is to its program.
+class WindowScreen : public WindowOnDisplay
 {
 protected:
 	void SetUp() override { open("1000x800x24"); }
 
 	// A display of other pixels shows other values for the same colours.
-	void open(const std::string &geometry, unsigned long shownGreen = green)
+	void open(const std::string &geometry, unsigned long shownGreen = green, bool busy = false)
 	{
-		server.start({XVFB, "-displayfd", "7", "-screen", "0", geometry, "-nolisten", "tcp"}, onDisplay(""),
-		             7);
-		const std::string number = server.line();
-		ASSERT_NE(number, "(nothing)") << "no virtual display";
-		name = ":" + number;
-		view = XOpenDisplay(name.c_str());
-		XSetErrorHandler([](Display *, XErrorEvent *) { return 0; }); // a place not yet on the screen
-		ASSERT_TRUE(view);
-		probe.start({WINDOW_PROBE}, onDisplay(name));
-		ASSERT_EQ(probe.line(), "ready");
-		ASSERT_TRUE(eventually([&] { return (window = find()) != 0; }));
-		ASSERT_TRUE(eventually([&] { return pixel(400, 300) == shownGreen; }));
-		// There is no window manager that would do this.
-		XSetInputFocus(view, window, RevertToParent, CurrentTime);
-		XSync(view, False);
-	}
-
-	void TearDown() override
-	{
-		probe.end();
-		if (view)
-			XCloseDisplay(view);
-	}
-
-	void reopen(const std::string &geometry, unsigned long shownGreen = green)
-	{
-		TearDown();
-		server.end();
-		open(geometry, shownGreen);
-	}
-
-	Window find()
-	{
-		Window root = 0, parent = 0, *children = nullptr;
-		unsigned count = 0;
-		XQueryTree(view, DefaultRootWindow(view), &root, &parent, &children, &count);
-		Window found = 0;
-		for (unsigned i = 0; i < count; ++i) {
-			XWindowAttributes attributes;
-			char *title = nullptr;
-			if (XGetWindowAttributes(view, children[i], &attributes) && attributes.map_state == IsViewable &&
-			    XFetchName(view, children[i], &title) && title) {
-				if (std::string(title).find("F1-F4 (red green yellow blue)") != std::string::npos)
-					found = children[i];
-				XFree(title);
-			}
-		}
-		if (children)
-			XFree(children);
-		return found;
-	}
-
-	/// The colour that can be seen at a place of the window.
-	unsigned long pixel(int x, int y)
-	{
-		XImage *image = XGetImage(view, window, x, y, 1, 1, AllPlanes, ZPixmap);
-		if (!image)
-			return 1;
-		const unsigned long value = XGetPixel(image, 0, 0) & 0xFFFFFF;
-		XDestroyImage(image);
-		return value;
-	}
-
-	void press(const Strings &keys)
-	{
-		Strings words = {XDOTOOL, "key"};
-		words.insert(words.end(), keys.begin(), keys.end());
-		Child tool;
-		tool.start(words, onDisplay(name));
-		ASSERT_EQ(tool.exitStatus(), 0);
+		closeAll();
+		openDisplay(geometry);
+		Command probe = {"env", "-C", folder.path(), WINDOW_PROBE};
+		if (busy)
+			probe.push_back("busy");
+		openWindow(probe);
+		ASSERT_EQ(program.line(), "ready");
+		const XWindowAttributes place = this->geometry();
+		ASSERT_TRUE(eventually([&] { return pixel(place.width / 2, place.height / 2) == shownGreen; }));
 	}
 
 	void pressAndExpect(const char *keyboard, const char *remote)
 	{
 		press({keyboard});
-		EXPECT_EQ(probe.line(), remote) << keyboard;
+		EXPECT_EQ(program.line(), remote) << keyboard;
 	}
 
-	/// What a window manager sends when its close button is pressed.
-	void askToClose()
+	void openBusy() { open("1000x800x24", green, true); }
+
+	void clickAndExpect(int x, int y, int button, const char *remote)
 	{
-		XEvent event = {};
-		event.xclient.type = ClientMessage;
-		event.xclient.window = window;
-		event.xclient.message_type = XInternAtom(view, "WM_PROTOCOLS", False);
-		event.xclient.format = 32;
-		event.xclient.data.l[0] = static_cast<long>(XInternAtom(view, "WM_DELETE_WINDOW", False));
-		XSendEvent(view, window, False, NoEventMask, &event);
-		XSync(view, False);
+		click(x, y, button);
+		EXPECT_EQ(program.line(), remote) << "button " << button << " at " << x << ", " << y;
 	}
 
 	static constexpr unsigned long green = 0x00FF00, red = 0xFF0000, blue = 0x0000FF, black = 0;
 
-	Child server, probe;
-	std::string name;
-	Display *view = nullptr;
-	Window window = 0;
+	support::TempFolder folder; // in which the probe runs
 };
 
 TEST_F(WindowScreen, TurnsTheKeyboardIntoTheRemoteControl)
@@ -143,7 +66,9 @@ TEST_F(WindowScreen, TurnsTheKeyboardIntoTheRemoteControl)
 		{"Escape", "exit"},   {"F1", "red"},    {"F2", "green"},  {"F3", "yellow"},   {"F4", "blue"},
 		{"0", "0"},           {"1", "1"},       {"2", "2"},       {"3", "3"},         {"4", "4"},
 		{"5", "5"},           {"6", "6"},       {"7", "7"},       {"8", "8"},         {"9", "9"},
-		{"KP_0", "0"},        {"KP_1", "1"},    {"KP_5", "5"},    {"KP_9", "9"},
+		{"KP_0", "0"},        {"KP_1", "1"},    {"KP_5", "5"},    {"KP_9", "9"},      {"k", "up"},
+		{"j", "down"},        {"h", "left"},    {"l", "right"},   {"q", "exit"},      {"r", "red"},
+		{"g", "green"},       {"y", "yellow"},  {"b", "blue"},
 	};
 	for (const auto &key : keys)
 		pressAndExpect(key[0], key[1]);
@@ -151,7 +76,7 @@ TEST_F(WindowScreen, TurnsTheKeyboardIntoTheRemoteControl)
 
 TEST_F(WindowScreen, LeavesOtherKeysAlone)
 {
-	press({"a", "space", "Tab", "F5", "F12", "ctrl+c", "ctrl+1", "alt+F4", "shift"});
+	press({"a", "space", "Tab", "F5", "ctrl+c", "ctrl+j", "ctrl+1", "alt+F4", "shift"});
 	pressAndExpect("Down", "down");
 }
 
@@ -162,9 +87,9 @@ TEST_F(WindowScreen, KeepsTheOrderOfFastKeys)
 		keys.insert(keys.end(), {"1", "2", "Down"});
 	press(keys);
 	for (int i = 0; i < 20; ++i) {
-		EXPECT_EQ(probe.line(), "1");
-		EXPECT_EQ(probe.line(), "2");
-		EXPECT_EQ(probe.line(), "down");
+		EXPECT_EQ(program.line(), "1");
+		EXPECT_EQ(program.line(), "2");
+		EXPECT_EQ(program.line(), "down");
 	}
 }
 
@@ -175,28 +100,148 @@ TEST_F(WindowScreen, ShowsWhatIsPresentedAndOnlyThat)
 	EXPECT_EQ(pixel(100, 100), green);
 	EXPECT_EQ(pixel(719, 575), green);
 	pressAndExpect("F1", "red"); // has painted, not presented
-	XResizeWindow(view, window, 720, 600);
+	XResizeWindow(view, window, 720, 700);
 	EXPECT_TRUE(eventually([&] { return pixel(360, 2) == black && pixel(360, 300) == green; }));
-	XResizeWindow(view, window, 720, 576);
+	XResizeWindow(view, window, 720, 672);
 	pressAndExpect("F2", "green");
 	EXPECT_TRUE(eventually([&] { return pixel(400, 300) == blue; }));
 }
 
 TEST_F(WindowScreen, ScalesItsFrameIntoTheMiddle)
 {
-	XResizeWindow(view, window, 360, 500); // half the size: 360 x 288, 106 rows free above
+	XResizeWindow(view, window, 360, 500); // half the size: 360 x 336 with the keys, 82 rows free above
 	EXPECT_TRUE(eventually([&] { return pixel(180, 50) == black && pixel(180, 250) == green; }));
-	EXPECT_EQ(pixel(180, 104), black);
-	EXPECT_EQ(pixel(180, 108), green);
-	EXPECT_EQ(pixel(20, 120), red);
-	EXPECT_EQ(pixel(60, 120), green);
-	EXPECT_EQ(pixel(180, 392), green);
-	EXPECT_EQ(pixel(180, 396), black);
-	XResizeWindow(view, window, 800, 576); // 40 columns free on both sides
+	EXPECT_EQ(pixel(180, 80), black);
+	EXPECT_EQ(pixel(180, 84), green);
+	EXPECT_EQ(pixel(20, 100), red);
+	EXPECT_EQ(pixel(60, 100), green);
+	EXPECT_EQ(pixel(180, 367), green);
+	EXPECT_NE(pixel(180, 372), green);
+	EXPECT_NE(pixel(180, 372), black);
+	EXPECT_EQ(pixel(180, 420), black);
+	clickAndExpect(100, 82 + 50, 1, "click 200 100");
+	XResizeWindow(view, window, 800, 672); // 40 columns free on both sides
 	EXPECT_TRUE(eventually([&] { return pixel(20, 300) == black && pixel(400, 300) == green; }));
 	EXPECT_EQ(pixel(38, 300), black);
 	EXPECT_EQ(pixel(42, 300), green);
 	EXPECT_EQ(pixel(779, 300), black);
+}
+
+TEST_F(WindowScreen, OpensAtASizeThatSuitsTheDisplay)
+{
+	const struct
+	{
+		const char *display;
+		int width, height;
+	} sizes[] = {
+		{"1280x800x24", 720, 672},
+		{"640x480x24", 462, 432}, // smoothly smaller: it is seen whole, with room for a title bar
+		{"3840x2160x24", 3 * 720, 3 * 672},
+	};
+	for (const auto &size : sizes) {
+		open(size.display);
+		EXPECT_EQ(geometry().width, size.width) << size.display;
+		EXPECT_EQ(geometry().height, size.height) << size.display;
+	}
+}
+
+TEST_F(WindowScreen, TurnsAClickIntoTheKeysThatItMeans)
+{
+	clickAndExpect(300, 200, 1, "click 300 200");
+	EXPECT_EQ(program.line(), "up"); // what the probe says that it means
+	EXPECT_EQ(program.line(), "ok");
+	clickAndExpect(719, 575, 1, "click 719 575");
+}
+
+TEST_F(WindowScreen, TurnsTheWheelIntoUpAndDownAndTheRightButtonIntoExit)
+{
+	clickAndExpect(300, 200, 4, "up");
+	clickAndExpect(300, 200, 5, "down");
+	clickAndExpect(300, 200, 3, "exit");
+	click(300, 200, 2); // the middle button means nothing
+	pressAndExpect("Down", "down");
+}
+
+TEST_F(WindowScreen, HasARemoteControlToClick)
+{
+	clickAndExpect(33, 576 + 27, 1, "left");
+	clickAndExpect(85, 576 + 27, 1, "up");
+	clickAndExpect(137, 576 + 27, 1, "down");
+	clickAndExpect(189, 576 + 27, 1, "right");
+	clickAndExpect(262, 576 + 27, 1, "ok");
+	clickAndExpect(336, 576 + 27, 1, "exit");
+	clickAndExpect(412, 576 + 27, 1, "red");
+	clickAndExpect(470, 576 + 27, 1, "green");
+	clickAndExpect(586, 576 + 27, 1, "blue");
+	clickAndExpect(33, 576 + 68, 1, "home");
+	clickAndExpect(85, 576 + 68, 1, "pageup");
+	clickAndExpect(137, 576 + 68, 1, "pagedown");
+	clickAndExpect(189, 576 + 68, 1, "end");
+	clickAndExpect(244, 576 + 68, 1, "1");
+	clickAndExpect(595, 576 + 68, 1, "0");
+	click(215, 576 + 48); // between the buttons
+	pressAndExpect("Down", "down");
+}
+
+TEST_F(WindowScreen, SavesThePictureUnderTheNextFreeName)
+{
+	press({"F12"});
+	const auto saved = [&](const char *file) { return support::exists(folder / file); };
+	EXPECT_TRUE(eventually([&] { return saved("deskhost-1.png"); }));
+	// Its name is told over the picture, until the next key.
+	EXPECT_TRUE(eventually([&] { return pixel(700, 560) != green; }));
+	pressAndExpect("Down", "down");
+	EXPECT_TRUE(eventually([&] { return pixel(700, 560) == green; }));
+	click(660, 576 + 68);
+	EXPECT_TRUE(eventually([&] { return saved("deskhost-2.png"); }));
+	pressAndExpect("Down", "down"); // all of it is written
+
+	cairo_surface_t *picture = cairo_image_surface_create_from_png((folder / "deskhost-2.png").c_str());
+	ASSERT_EQ(cairo_surface_status(picture), CAIRO_STATUS_SUCCESS);
+	EXPECT_EQ(cairo_image_surface_get_width(picture), 720);
+	EXPECT_EQ(cairo_image_surface_get_height(picture), 576);
+	const auto at = [&](int x, int y) {
+		const unsigned char *p =
+			cairo_image_surface_get_data(picture) + y * cairo_image_surface_get_stride(picture) + 4 * x;
+		return static_cast<unsigned long>(p[2] << 16 | p[1] << 8 | p[0]);
+	};
+	EXPECT_EQ(at(50, 50), red);
+	EXPECT_EQ(at(700, 560), green); // nothing that lies over it
+	cairo_surface_destroy(picture);
+}
+
+TEST_F(WindowScreen, EndsWhenItIsClosedWhateverItsProgramDoes)
+{
+	openBusy();
+	const auto before = std::chrono::steady_clock::now();
+	askToClose();
+	EXPECT_EQ(program.exitStatus(), 1);
+	EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(10));
+
+	openBusy();
+	program.signal(SIGTERM);
+	EXPECT_EQ(program.exitStatus(), 1);
+}
+
+TEST_F(WindowScreen, RepairsItselfWhileItsProgramIsBusy)
+{
+	openBusy();
+	XResizeWindow(view, window, 720, 700);
+	EXPECT_TRUE(eventually([&] { return pixel(360, 2) == black && pixel(360, 300) == green; }));
+}
+
+TEST_F(WindowScreen, EndsInOrderWhenItsDisplayGoes)
+{
+	// More than once: it may be drawing, asking or sleeping.
+	for (int i = 0; i < 6; ++i) {
+		XCloseDisplay(std::exchange(view, nullptr));
+		server.signal(SIGKILL);
+		EXPECT_EQ(program.line(),
+		          "lost: the display has gone: its server has ended or the connection to it broke");
+		EXPECT_EQ(program.line(), "closed");
+		ASSERT_EQ(program.exitStatus(), 0);
+		open("1000x800x24");
+	}
 }
 
 TEST_F(WindowScreen, RepairsItselfWhenItIsUncovered)
@@ -216,9 +261,9 @@ TEST_F(WindowScreen, UsesNoCpuWhileItIsIdle)
 {
 	// Until what the opening brings has passed.
 	std::this_thread::sleep_for(std::chrono::seconds(1));
-	const long before = probe.cpu();
+	const long before = program.cpu();
 	std::this_thread::sleep_for(std::chrono::seconds(3));
-	EXPECT_LE(probe.cpu() - before, 0);
+	EXPECT_LE(program.cpu() - before, 0);
 	pressAndExpect("Down", "down");
 }
 
@@ -227,26 +272,26 @@ TEST_F(WindowScreen, HasNoMoreKeysOnceItIsClosed)
 	// More than once: ending at once after a wait has its races.
 	for (int i = 0; i < 10; ++i) {
 		askToClose();
-		EXPECT_EQ(probe.line(), "closed");
-		ASSERT_EQ(probe.exitStatus(), 0);
-		reopen("1000x800x24");
+		EXPECT_EQ(program.line(), "closed");
+		ASSERT_EQ(program.exitStatus(), 0);
+		open("1000x800x24");
 	}
 }
 
 TEST_F(WindowScreen, HasNoMoreKeysOnceASignalEndsIt)
 {
-	probe.signal(SIGTERM);
-	EXPECT_EQ(probe.line(), "closed");
-	EXPECT_EQ(probe.exitStatus(), 0);
-	reopen("1000x800x24");
-	probe.signal(SIGINT);
-	EXPECT_EQ(probe.line(), "closed");
-	EXPECT_EQ(probe.exitStatus(), 0);
+	program.signal(SIGTERM);
+	EXPECT_EQ(program.line(), "closed");
+	EXPECT_EQ(program.exitStatus(), 0);
+	open("1000x800x24");
+	program.signal(SIGINT);
+	EXPECT_EQ(program.line(), "closed");
+	EXPECT_EQ(program.exitStatus(), 0);
 }
 
 TEST_F(WindowScreen, WorksOnADisplayOf16BitsAPixel)
 {
-	reopen("1000x800x16", 0x07E0);
+	open("1000x800x16", 0x07E0);
 	EXPECT_EQ(pixel(50, 50), 0xF800u);
 }
 

@@ -1,0 +1,174 @@
+// The menu in its window, with a mouse: a click does what the keys of the remote control do.
+
+#include "support.h"
+#include "window_on_display.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace
+{
+
+using support::Command;
+using support::eventually;
+using support::Json;
+using Keys = std::vector<std::string>;
+
+class HostInWindow : public WindowOnDisplay
+{
+protected:
+	void SetUp() override
+	{
+		openDisplay("1000x800x24");
+		receiver.ps("  PID  Uid VmSize Stat Command\n" + support::repeat("    1 root 400 S init\n", 40));
+		receiver.scanLog(support::repeat("a line\n", 100));
+	}
+
+	void start(const Command &options = {}, int output = 1)
+	{
+		Command command = {support::deskhostPath(), "--screen", "window",       "--root",
+		                   receiver.path(),         "--dump",   folder / "dump"};
+		command.insert(command.end(), options.begin(), options.end());
+		openWindow(command, output);
+		ASSERT_TRUE(eventually([&] { return !moments().empty(); }));
+	}
+
+	std::vector<Json> moments() const
+	{
+		std::vector<Json> all;
+		const std::string text = support::readFile(folder / "dump");
+		if (const size_t end = text.rfind('\n'); end != text.npos)
+			for (const std::string &line : support::lines(text.substr(0, end + 1)))
+				all.push_back(Json::parse(line));
+		return all;
+	}
+
+	/// Clicks, and waits for what has been recorded since the last time: these keys.
+	void clickAndExpect(int x, int y, const Keys &expected, int button = 1)
+	{
+		click(x, y, button);
+		EXPECT_TRUE(eventually([&] { return moments().size() >= seen + expected.size(); }));
+		Keys pressed;
+		const std::vector<Json> all = moments();
+		for (size_t i = seen; i < all.size(); ++i)
+			pressed.push_back(all[i]["after"]);
+		EXPECT_EQ(pressed, expected) << "after a click at " << x << ", " << y;
+		seen = all.size();
+	}
+
+	std::string title() const { return moments().back()["windows"].back()["title"]; }
+
+	Json list() const
+	{
+		const Json top = moments().back()["windows"].back();
+		for (const Json &widget : top["widgets"])
+			if (widget.contains("rows"))
+				return widget;
+		return {};
+	}
+
+	support::ReceiverFolder receiver;
+	support::TempFolder folder;
+	size_t seen = 1; // the start
+};
+
+TEST_F(HostInWindow, OpensTheEntryThatIsClicked)
+{
+	start();
+	clickAndExpect(250, 156, {"ok"});                 // "process info", the current one
+	clickAndExpect(600, 400, {"exit"}, 3);            // the right button
+	clickAndExpect(250, 196, {"down", "down", "ok"}); // "scan log"
+	EXPECT_EQ(title(), "Info");
+	clickAndExpect(600, 400, {"exit"}, 3);
+	clickAndExpect(250, 156, {"up", "up", "ok"});
+	EXPECT_EQ(list()["count"], 40);
+	clickAndExpect(600, 20, {"exit"}, 3);
+	click(20, 20);   // the backdrop
+	click(250, 300); // below the last entry
+	clickAndExpect(250, 216, {"down", "down", "down", "ok"});
+}
+
+TEST_F(HostInWindow, PressesTheButtonAndTheAnswerThatAreClicked)
+{
+	start({"--keys", "down down ok"});
+	ASSERT_TRUE(eventually([&] { return moments().size() == 4; }));
+	seen = 4;
+	clickAndExpect(150, 500, {"red"}); // "delete log"
+	EXPECT_EQ(title(), "Warning");
+	const Json question = moments().back()["windows"].back();
+	const auto middle = [&](const char *text) {
+		for (const Json &widget : question["widgets"])
+			if (widget["text"] == text)
+				return std::pair<int, int>(question["client"][0].get<int>() + widget["rect"][0].get<int>() +
+				                               widget["rect"][2].get<int>() / 2,
+				                           question["client"][1].get<int>() + widget["rect"][1].get<int>() +
+				                               widget["rect"][3].get<int>() / 2);
+		return std::pair<int, int>(0, 0);
+	};
+	const auto [x, y] = middle("No");
+	const bool noIsFocused = question["widgets"][2]["focus"];
+	clickAndExpect(150, 500, {}); // what lies under a question is out of reach
+	clickAndExpect(x, y, noIsFocused ? Keys{"ok"} : Keys{"right", "ok"});
+	EXPECT_EQ(title(), "Info");
+	EXPECT_TRUE(support::exists(receiver / "var/scaning.log"));
+	clickAndExpect(150, 500, {"red"});
+	const auto [yesX, yesY] = middle("Yes");
+	clickAndExpect(yesX, yesY, noIsFocused ? Keys{"right", "ok"} : Keys{"ok"});
+	EXPECT_TRUE(eventually([&] { return !support::exists(receiver / "var/scaning.log"); }));
+}
+
+TEST_F(HostInWindow, PagesWhereTheScrollBarIsClicked)
+{
+	start({"--keys", "down down ok"});
+	ASSERT_TRUE(eventually([&] { return moments().size() == 4; }));
+	seen = 4;
+	clickAndExpect(650, 400, {"pagedown"}); // below the thumb
+	EXPECT_EQ(list()["rows"].size(), 20u);
+	clickAndExpect(650, 80, {"pageup"});
+	EXPECT_EQ(list()["current"], 0);
+	clickAndExpect(300, 200, {"down"}, 5); // the wheel
+	clickAndExpect(300, 200, {"up"}, 4);
+}
+
+TEST_F(HostInWindow, EndsAtOnceWhenItIsClosedUnderManyKeys)
+{
+	// Such scripts would go on for a long time.
+	start({"--keys", support::repeat("down ", 20000), "--plays", "1000000"});
+	askToClose();
+	EXPECT_EQ(program.line(), "plugin_exec returned -1");
+	EXPECT_EQ(program.exitStatus(), 0);
+}
+
+TEST_F(HostInWindow, EndsWhenItIsClosedWhileACommandRuns)
+{
+	receiver.write("bin/ps", "#!/bin/sh\nexec sleep 20\n", true);
+	start();
+	click(250, 156);
+	ASSERT_TRUE(eventually([&] { return moments().size() == 1; }));
+	askToClose();
+	EXPECT_EQ(program.exitStatus(), 1);
+}
+
+TEST_F(HostInWindow, SaysThatTheDisplayHasGone)
+{
+	start({}, 2);
+	XCloseDisplay(std::exchange(view, nullptr));
+	server.signal(SIGKILL);
+	EXPECT_EQ(program.line(),
+	          "deskhost: the display has gone: its server has ended or the connection to it broke");
+	EXPECT_EQ(program.exitStatus(), 1);
+}
+
+TEST(HostWithAStaleDisplay, DoesWithoutAndSaysSo)
+{
+	const support::ReceiverFolder receiver;
+	const support::Outcome outcome = support::run(
+		{support::deskhostPath(), "--root", receiver.path(), "--keys", "exit"}, onDisplay(":63999"));
+	EXPECT_EQ(outcome.status, 0);
+	EXPECT_EQ(outcome.out, "plugin_exec returned -1\n");
+	EXPECT_EQ(outcome.err.find("deskhost: cannot open a window: display \":63999\""), 0u) << outcome.err;
+	EXPECT_NE(outcome.err.find("; this is --screen none\n"), outcome.err.npos) << outcome.err;
+}
+
+} // namespace
