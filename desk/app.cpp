@@ -254,9 +254,10 @@ int runApp(int argc, char **argv)
 		->type_name("FILE");
 	cli.add_option("--debug", options.debug, "Write debug lines and other notes to this file as well")
 		->type_name("FILE");
-	cli.add_option("--root", options.root,
-	               "Serve the receiver's files from this folder and find commands in its bin; kills are only "
-	               "reported")
+	cli.add_option(
+		   "--root", options.root,
+		   "Serve the receiver's files from this folder and run the commands in its bin, none else. Kills\n"
+		   "are only reported, and commands can signal nobody where the kernel has process namespaces")
 		->type_name("DIR");
 	cli.add_option("--skin", options.skin, "The look: a skin file")->type_name("FILE");
 	cli.add_option("--lang", options.lang, "The language of the plugin's texts, such as de")

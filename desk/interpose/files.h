@@ -1,44 +1,39 @@
 #ifndef DESK_INTERPOSE_FILES_H
 #define DESK_INTERPOSE_FILES_H
 
+#include <cstdio>
 #include <string>
+#include <vector>
 
 namespace desk
 {
 
-/// The receiver's files and commands, as the plugin sees them.
-///
-/// The program exports its own fopen, fclose, remove and system. While the plugin runs, its calls are
-/// traced and, with a root folder, led to that folder; the calls of other libraries go to libc untouched.
+/// The receiver's files, as the plugin sees them: this computer's, or those in a folder.
 class Files
 {
 public:
 	static Files &get();
 
-	/// Serves /proc/meminfo, /proc/mtd and /var/scaning.log from `folder`, lets commands find
-	/// `folder`/bin first, and only reports commands that kill, wherever in a command the word stands.
-	/// On failure returns false and leaves one line in `error`.
+	/// Serves /proc/meminfo, /proc/mtd and /var/scaning.log from `folder`; commands are then those of
+	/// `folder`/bin. On failure returns false and leaves one line in `error`.
 	bool setRoot(const std::string &folder, std::string &error);
 
-	/// Around each call of the plugin's entry; `handle` is what dlopen gave.
-	void pluginStarts(void *handle);
-	void pluginEnds() { plugin = nullptr; }
+	/// Serves one more file from the root. On failure returns false and leaves one line in `error`.
+	bool serve(const std::string &path, std::string &error);
 
-	bool pluginRuns() const { return plugin != nullptr; }
-
-	/// Whether a call that returns to `caller` is the plugin's. It may return to this program as well: a
-	/// slot that ends in the call jumps there, and the program opens no files of its own meanwhile.
-	bool fromPlugin(const void *caller) const;
-
-	/// Where the plugin's `path` really lies.
-	std::string resolve(const char *path) const;
-
-	/// Runs a command of the plugin's, as the system library's system() does.
-	int run(const char *command) const;
+	/// Like their namesakes in libc. A served path means what lies in the root, where links lead to
+	/// places in the root as well: nothing outside is reached.
+	FILE *open(const char *path, const char *mode) const;
+	int remove(const char *path) const;
+	int unlink(const char *path) const;
 
 private:
-	std::string root;             ///< empty: this computer is the receiver
-	const void *plugin = nullptr; ///< where it is loaded, while it runs
+	bool serves(const char *path) const;
+	int openInRoot(const char *path, int flags) const;
+	int removeInRoot(const char *path, bool foldersToo) const;
+
+	int root = -1; ///< the folder; -1: this computer is the receiver
+	std::vector<std::string> served = {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"};
 };
 
 } // namespace desk

@@ -1,6 +1,6 @@
 #include "plugin.h"
 
-#include "files.h"
+#include "caller.h"
 
 #include <dlfcn.h>
 #include <sys/stat.h>
@@ -41,6 +41,7 @@ std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error
 		error = failure(path, "it is no file", "name the plugin itself with --plugin");
 		return nullptr;
 	}
+	const PluginRuns constructors;
 	void *handle = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
 	if (!handle) {
 		const char *said = dlerror();
@@ -59,15 +60,14 @@ std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error
 
 Plugin::~Plugin()
 {
+	const PluginRuns destructors;
 	dlclose(handle);
 }
 
 int Plugin::exec()
 {
-	Files::get().pluginStarts(handle);
-	const int result = entry();
-	Files::get().pluginEnds();
-	return result;
+	const PluginRuns runs;
+	return entry();
 }
 
 } // namespace desk

@@ -29,6 +29,9 @@ public:
 	/// Whether lines are written just now.
 	bool on() const { return file && quiet == 0; }
 
+	/// Whether the host works for itself just now.
+	bool isQuiet() const { return quiet > 0; }
+
 	/// While one lives, the host works for itself: nothing is written.
 	class Quiet
 	{

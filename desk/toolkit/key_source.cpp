@@ -1,5 +1,7 @@
 #include "key_source.h"
 
+#include "trace.h"
+
 namespace desk
 {
 
@@ -19,6 +21,7 @@ std::optional<KeySource::Press> KeySource::next(Screen &screen)
 		return Press{key, true};
 	}
 	if (!leaving) {
+		const Trace::Quiet waiting;
 		if (const std::optional<Key> key = screen.waitKey())
 			return Press{*key, true};
 		leaving = true;

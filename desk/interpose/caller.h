@@ -1,0 +1,29 @@
+#ifndef DESK_INTERPOSE_CALLER_H
+#define DESK_INTERPOSE_CALLER_H
+
+namespace desk
+{
+
+/// Stands while the plugin runs on this thread. What it calls of the program's functions is then the
+/// plugin's call, unless the trace is quiet: the host at work for itself.
+class PluginRuns
+{
+public:
+	PluginRuns() { count() += 1; }
+	~PluginRuns() { count() -= 1; }
+	PluginRuns(const PluginRuns &) = delete;
+	PluginRuns &operator=(const PluginRuns &) = delete;
+
+	static bool here() { return count() > 0; }
+
+private:
+	static int &count()
+	{
+		thread_local int runs = 0;
+		return runs;
+	}
+};
+
+} // namespace desk
+
+#endif

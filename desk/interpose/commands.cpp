@@ -1,0 +1,195 @@
+#include "commands.h"
+
+#include "desk.h"
+#include "libc.h"
+#include "trace.h"
+
+#include <fcntl.h>
+#include <linux/sched.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace desk
+{
+
+namespace
+{
+
+constexpr int notExecutable = 126, notFound = 127; // a shell's exit statuses
+
+/// Whether `kill` stands in the command as a word, at whatever path.
+bool kills(const std::string &command)
+{
+	const auto isWord = [&](size_t at) {
+		const unsigned char c = at < command.size() ? static_cast<unsigned char>(command[at]) : 0;
+		return std::isalnum(c) || c == '_' || c == '-' || c == '.';
+	};
+	for (size_t at = command.find("kill"); at != std::string::npos; at = command.find("kill", at + 1)) {
+		const bool all = command.compare(at, 7, "killall") == 0;
+		const bool starts = at == 0 || !isWord(at - 1) || command[at - 1] == 'p';
+		if (starts && (all || !isWord(at + 4)))
+			return true;
+	}
+	return false;
+}
+
+void report(const std::string &what)
+{
+	Desk::get().screen().note(what + " (reported only: with --root nobody is signalled)");
+}
+
+/// fork() into a process namespace of the child's own. Root needs nothing else for it, others a user
+/// namespace, in which they stay who they are; where the kernel permits neither, it is a plain fork().
+pid_t forkApart()
+{
+	const auto same = [](unsigned id) { return std::to_string(id) + ' ' + std::to_string(id) + " 1"; };
+	const std::string user = same(geteuid()), group = same(getegid());
+	clone_args how = {};
+	how.exit_signal = SIGCHLD;
+	for (const unsigned namespaces : {CLONE_NEWPID, CLONE_NEWPID | CLONE_NEWUSER}) {
+		how.flags = namespaces;
+		const pid_t process = static_cast<pid_t>(syscall(SYS_clone3, &how, sizeof how));
+		if (process == 0 && (namespaces & CLONE_NEWUSER)) {
+			const auto write = [](const char *path, const std::string &text) {
+				const int file = open(path, O_WRONLY | O_CLOEXEC);
+				[[maybe_unused]] const ssize_t written = ::write(file, text.data(), text.size());
+				close(file);
+			};
+			write("/proc/self/setgroups", "deny");
+			write("/proc/self/uid_map", user);
+			write("/proc/self/gid_map", group);
+		}
+		if (process >= 0)
+			return process;
+	}
+	return fork();
+}
+
+/// This process's environment. Without a PATH in it, a shell does not export the one that it is told:
+/// what the scripts in a root's bin run is then found as ever.
+std::vector<char *> environment(bool withPath)
+{
+	std::vector<char *> variables;
+	for (char **variable = environ; *variable; ++variable)
+		if (withPath || std::strncmp(*variable, "PATH=", 5) != 0)
+			variables.push_back(*variable);
+	variables.push_back(nullptr);
+	return variables;
+}
+
+} // namespace
+
+Commands &Commands::get()
+{
+	static Commands commands;
+	return commands;
+}
+
+void Commands::takeFrom(int root)
+{
+	rooted = true;
+	// Through the descriptor, because a PATH cannot name a folder with a colon.
+	before = "PATH=/proc/self/fd/" + std::to_string(root) + "/bin; ";
+}
+
+bool Commands::refuses(const char *command) const
+{
+	if (!rooted || !kills(command))
+		return false;
+	report(command);
+	return true;
+}
+
+Commands::Running Commands::start(const char *command, int in, int out) const
+{
+	const int said = memfd_create("output", MFD_CLOEXEC);
+	const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+	const std::string text = before + command;
+	const std::vector<char *> variables = environment(!rooted);
+	const pid_t process = rooted ? forkApart() : fork();
+	if (process == 0) {
+		prctl(PR_SET_PDEATHSIG, SIGKILL); // no command outlives the desk host
+		dup2(in < 0 ? nothing : in, STDIN_FILENO);
+		dup2(out < 0 ? said : out, STDOUT_FILENO);
+		dup2(said, STDERR_FILENO);
+		execle("/bin/sh", "sh", "-c", text.c_str(), static_cast<char *>(nullptr), variables.data());
+		_exit(notFound);
+	}
+	::close(nothing);
+	return {process, said};
+}
+
+int Commands::finish(const Running &command) const
+{
+	const Trace::Quiet reading;
+	int status = -1;
+	while (command.process > 0 && waitpid(command.process, &status, 0) < 0 && errno == EINTR) {
+	}
+	Screen &screen = Desk::get().screen();
+	FILE *said = fdopen(command.said, "r");
+	rewind(said);
+	char *line = nullptr;
+	size_t room = 0;
+	for (ssize_t length; (length = getline(&line, &room, said)) > 0;)
+		screen.note(std::string(line, static_cast<size_t>(length)));
+	free(line);
+	fclose(said);
+	if (rooted && WIFEXITED(status) &&
+	    (WEXITSTATUS(status) == notFound || WEXITSTATUS(status) == notExecutable))
+		screen.note("deskhost: with --root, commands are those in its bin; there this one cannot be run");
+	return status;
+}
+
+int Commands::run(const char *command)
+{
+	if (!command)
+		return 1; // there is a shell
+	return refuses(command) ? 0 : finish(start(command, -1, -1));
+}
+
+FILE *Commands::open(const char *command, const char *type)
+{
+	const bool reads = type[0] == 'r';
+	int ends[2];
+	if (pipe2(ends, O_CLOEXEC) != 0)
+		return nullptr;
+	const int theirs = ends[reads ? 1 : 0], ours = ends[reads ? 0 : 1];
+	const char *what = refuses(command) ? ":" : command;
+	const Running running = start(what, reads ? -1 : theirs, reads ? theirs : -1);
+	::close(theirs);
+	FILE *stream = fdopen(ours, reads ? "r" : "w");
+	streams[stream] = running;
+	return stream;
+}
+
+int Commands::close(FILE *stream)
+{
+	const auto found = streams.find(stream);
+	if (found == streams.end())
+		return next<int(FILE *)>("pclose")(stream);
+	const Running running = found->second;
+	streams.erase(found);
+	const Trace::Quiet closing;
+	fclose(stream);
+	return finish(running);
+}
+
+int Commands::signal(pid_t process, int number) const
+{
+	if (!rooted || number == 0 || process == getpid())
+		return next<int(pid_t, int)>("kill")(process, number);
+	report("kill(" + std::to_string(process) + ", " + std::to_string(number) + ')');
+	return 0;
+}
+
+} // namespace desk

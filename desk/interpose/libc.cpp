@@ -1,0 +1,117 @@
+// The functions of libc that the program offers in libc's place. Host and libraries call them as well:
+// those calls are served alike, but only the plugin's are traced.
+
+#include "libc.h"
+
+#include "caller.h"
+#include "commands.h"
+#include "files.h"
+#include "trace.h"
+
+#include <sys/types.h>
+
+using desk::Commands;
+using desk::Files;
+using desk::next;
+using desk::Trace;
+
+namespace
+{
+
+bool byPlugin()
+{
+	return desk::PluginRuns::here() && !Trace::get().isQuiet();
+}
+
+template <class... Args> void trace(const char *what, const Args &...args)
+{
+	if (byPlugin())
+		Trace::get().function(what, args...);
+}
+
+void traceStream(const FILE *stream, const char *what, const char *name, const char *how)
+{
+	Trace &trace = Trace::get();
+	if (byPlugin() && trace.on())
+		trace.line(trace.form(what, name, how) + (stream ? " = stream" : " = null"));
+}
+
+void traceClosing(const FILE *stream, const char *what, int result)
+{
+	Trace &trace = Trace::get();
+	if (byPlugin() && trace.on())
+		trace.line(std::string(what) + (stream ? "(stream) = " : "(null) = ") + std::to_string(result));
+}
+
+} // namespace
+
+#pragma GCC visibility push(default)
+
+extern "C" {
+
+FILE *fopen(const char *path, const char *mode)
+{
+	FILE *stream = Files::get().open(path, mode);
+	traceStream(stream, "fopen", path, mode);
+	return stream;
+}
+
+// What fopen is called where files may be larger than the machine's long.
+__attribute__((alias("fopen"))) FILE *fopen64(const char *path, const char *mode);
+
+int fclose(FILE *stream)
+{
+	static const auto real = next<int(FILE *)>("fclose");
+	// Closing a stream that never opened is survived, as the receiver's library does.
+	FILE *volatile given = stream;
+	const int result = given ? real(stream) : EOF;
+	traceClosing(stream, "fclose", result);
+	return result;
+}
+
+int remove(const char *path) noexcept
+{
+	trace("remove", path);
+	return Files::get().remove(path);
+}
+
+int unlink(const char *path) noexcept
+{
+	trace("unlink", path);
+	return Files::get().unlink(path);
+}
+
+int system(const char *command)
+{
+	if (!byPlugin())
+		return next<int(const char *)>("system")(command);
+	trace("system", command);
+	return Commands::get().run(command);
+}
+
+FILE *popen(const char *command, const char *type)
+{
+	if (!byPlugin())
+		return next<FILE *(const char *, const char *)>("popen")(command, type);
+	FILE *stream = Commands::get().open(command, type);
+	traceStream(stream, "popen", command, type);
+	return stream;
+}
+
+int pclose(FILE *stream)
+{
+	const int status = Commands::get().close(stream);
+	traceClosing(stream, "pclose", status);
+	return status;
+}
+
+int kill(pid_t process, int number) noexcept
+{
+	if (!byPlugin())
+		return next<int(pid_t, int)>("kill")(process, number);
+	trace("kill", process, number);
+	return Commands::get().signal(process, number);
+}
+}
+
+#pragma GCC visibility pop

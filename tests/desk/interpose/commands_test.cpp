@@ -1,0 +1,157 @@
+// Commands and signals of a plugin: what they can do, and what is seen of them.
+
+#include "reach.h"
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+
+namespace
+{
+
+using support::Play;
+using support::Receiver;
+using support::TempFolder;
+using Clock = std::chrono::steady_clock;
+
+bool has(const std::string &text, const std::string &part)
+{
+	return text.find(part) != std::string::npos;
+}
+
+/// A process of this computer that waits for its end.
+class Bystander
+{
+public:
+	Bystander() : process(fork())
+	{
+		if (process == 0)
+			for (;;)
+				pause();
+	}
+	~Bystander()
+	{
+		kill(process, SIGKILL);
+		waitpid(process, nullptr, 0);
+	}
+	std::string id() const { return std::to_string(process); }
+	bool lives() const { return waitpid(process, nullptr, WNOHANG) == 0; }
+
+private:
+	pid_t process;
+};
+
+TEST(Commands, should_signal_nobody_with_a_root)
+{
+	Receiver receiver;
+	Bystander bystander;
+	for (const auto &[how, on] : std::vector<std::pair<std::string, std::string>>{
+			 {"run", "kill -9 " + bystander.id()},
+			 {"run", "k=ki; ${k}ll -9 " + bystander.id()},
+			 {"pipe", "k=ki; ${k}ll -9 " + bystander.id()},
+			 {"pipe", "kill -9 " + bystander.id()},
+			 {"signal", bystander.id()},
+		 }) {
+		const Play run = reach(how, on, {"--root", receiver.path()});
+		EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+		EXPECT_TRUE(bystander.lives()) << how << ' ' << on;
+		if (has(on, "kill") || how == "signal")
+			EXPECT_TRUE(has(run.outcome.err, "reported only")) << run.outcome.err;
+		else
+			EXPECT_TRUE(has(run.outcome.err, "No such process")) << run.outcome.err;
+	}
+}
+
+TEST(Commands, should_signal_for_real_without_a_root)
+{
+	for (const char *how : {"run", "pipe", "signal"}) {
+		Bystander bystander;
+		const std::string command = std::string(how) == "signal" ? "" : "kill -9 ";
+		const Play run = reach(how, command + bystander.id());
+		EXPECT_FALSE(has(run.outcome.err, "reported only")) << run.outcome.err;
+		siginfo_t info = {};
+		EXPECT_EQ(waitid(P_PID, static_cast<id_t>(std::stoi(bystander.id())), &info, WEXITED | WNOWAIT), 0);
+		EXPECT_EQ(info.si_status, SIGKILL);
+	}
+}
+
+TEST(Commands, should_be_those_of_the_root_and_none_else)
+{
+	Receiver receiver;
+	Play run = reach("run", "ps", {"--root", receiver.path()});
+	EXPECT_TRUE(has(run.outcome.err, "not found")) << run.outcome.err;
+	EXPECT_TRUE(has(run.outcome.err, "those in its bin")) << "why the screen is empty: " << run.outcome.err;
+	EXPECT_FALSE(has(run.outcome.err, "PID")) << "no process of this computer: " << run.outcome.err;
+
+	receiver.write("bin/ps", "#!/bin/sh\ncat \"$0.text\"\n");
+	receiver.write("bin/ps.text", "the receiver's\n");
+	run = reach("run", "ps", {"--root", receiver.path()});
+	EXPECT_TRUE(has(run.outcome.err, "ermission denied")) << run.outcome.err;
+	EXPECT_TRUE(has(run.outcome.err, "those in its bin")) << run.outcome.err;
+	EXPECT_FALSE(has(run.outcome.err, "PID")) << run.outcome.err;
+
+	std::filesystem::permissions(receiver / "bin/ps", std::filesystem::perms::all);
+	run = reach("run", "ps", {"--root", receiver.path()});
+	EXPECT_TRUE(has(run.outcome.err, "the receiver's\n")) << "scripts find cat: " << run.outcome.err;
+	EXPECT_FALSE(has(run.outcome.err, "those in its bin")) << run.outcome.err;
+	run = reach("pipe", "ps", {"--root", receiver.path()});
+	EXPECT_TRUE(has(run.outcome.err, "popen: the receiver's\n")) << run.outcome.err;
+}
+
+TEST(Commands, should_be_found_in_a_root_with_a_colon_in_its_name)
+{
+	TempFolder folder;
+	folder.write("a:b/bin/ps", "#!/bin/sh\necho the receiver\\'s\n", true);
+	const Play run = reach("run", "ps", {"--root", folder / "a:b"});
+	EXPECT_TRUE(has(run.outcome.err, "the receiver's\n")) << run.outcome.err;
+}
+
+TEST(Commands, should_not_be_waited_for_when_they_stay_in_the_background)
+{
+	for (const char *how : {"run", "pipe"}) {
+		const auto start = Clock::now();
+		const Play run = reach(how, "echo begun; exec 1>&2; sleep 30 &");
+		EXPECT_LT(Clock::now() - start, std::chrono::seconds(10)) << how;
+		EXPECT_TRUE(has(run.outcome.err, "begun\n")) << run.outcome.err;
+	}
+}
+
+TEST(Commands, should_show_what_they_print_and_obey_none_of_it)
+{
+	const Play run = reach("run", "printf 'out\\033[2J\\n'; printf 'err\\033]0;x\\007 without an end' >&2");
+	EXPECT_TRUE(has(run.outcome.err, "out")) << run.outcome.err;
+	EXPECT_TRUE(has(run.outcome.err, "without an end\n")) << run.outcome.err;
+	EXPECT_FALSE(has(run.outcome.err, "\033")) << run.outcome.err;
+	EXPECT_FALSE(has(run.outcome.out, "out")) << "not among what the desk host answers";
+}
+
+TEST(Commands, should_have_nothing_to_read)
+{
+	EXPECT_TRUE(has(reach("run", "cat; echo end").outcome.err, "end\n"));
+}
+
+TEST(Commands, should_give_their_status)
+{
+	EXPECT_TRUE(has(reach("run", "exit 3").outcome.err, "system: 768\n"));
+	EXPECT_TRUE(has(reach("pipe", "echo a line; exit 3").outcome.err, "popen: a line\npclose: 768\n"));
+	EXPECT_TRUE(has(reach("feed", "read line; echo got $line").outcome.err, "got fed\npclose: 0\n"));
+	const Play asked = reach("shell", "");
+	EXPECT_TRUE(has(asked.outcome.err, "system: 1\n")) << "there is a shell";
+	EXPECT_EQ(asked.trace.front(), "system(null)");
+}
+
+TEST(Commands, should_be_traced_by_their_text_alone)
+{
+	EXPECT_EQ(
+		reach("pipe", "echo a line").trace,
+		(std::vector<std::string>{R"(popen("echo a line", "r") = stream)", R"(eDebug("popen: a line\n"))",
+	                              "pclose(stream) = 0", R"(eDebug("pclose: 0"))"}));
+	EXPECT_EQ(reach("run", "echo a line").trace.size(), 2u) << "nothing of what reading its output takes";
+}
+
+} // namespace

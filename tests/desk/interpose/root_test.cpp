@@ -1,0 +1,77 @@
+// With --root: nothing outside of the folder is read, written or removed through a served path.
+
+#include "reach.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+
+namespace
+{
+
+using support::exists;
+using support::Play;
+using support::readFile;
+using support::Receiver;
+using support::TempFolder;
+
+TEST(Root, should_reach_nothing_through_links_that_lead_out)
+{
+	TempFolder elsewhere;
+	const std::string log = elsewhere.write("scaning.log", "kept");
+	Receiver receiver;
+	ASSERT_EQ(symlink(elsewhere.path().c_str(), (receiver / "var").c_str()), 0);
+	for (const char *how : {"remove", "unlink", "write", "read"}) {
+		const Play run = reach(how, "/var/scaning.log", {"--root", receiver.path()});
+		EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+		EXPECT_EQ(run.outcome.err.find("kept"), std::string::npos) << run.outcome.err;
+		EXPECT_EQ(readFile(log), "kept") << how;
+	}
+}
+
+TEST(Root, should_follow_links_inside_itself)
+{
+	Receiver receiver;
+	receiver.write("data/scaning.log", "inside\n");
+	ASSERT_EQ(symlink("/data", (receiver / "var").c_str()), 0) << "as the receiver sees it";
+	EXPECT_NE(reach("read", "/var/scaning.log", {"--root", receiver.path()}).outcome.err.find("inside"),
+	          std::string::npos);
+	reach("remove", "/var/scaning.log", {"--root", receiver.path()});
+	EXPECT_FALSE(exists(receiver / "data/scaning.log"));
+}
+
+TEST(Root, should_serve_a_path_however_it_is_spelled)
+{
+	Receiver receiver;
+	receiver.meminfo("the receiver's\n");
+	for (const char *path : {"/proc/meminfo", "/proc//meminfo", "/proc/./../proc/meminfo"})
+		EXPECT_NE(reach("read", path, {"--root", receiver.path()}).outcome.err.find("the receiver's"),
+		          std::string::npos)
+			<< path;
+}
+
+TEST(Root, should_serve_writing_and_unlinking_as_well)
+{
+	Receiver receiver;
+	receiver.write("var/.keep", "");
+	reach("write", "/var/scaning.log", {"--root", receiver.path()});
+	EXPECT_EQ(readFile(receiver / "var/scaning.log"), "written");
+	const Play run = reach("unlink", "/var/scaning.log", {"--root", receiver.path()});
+	EXPECT_FALSE(exists(receiver / "var/scaning.log"));
+	EXPECT_EQ(run.trace.front(), R"(unlink("/var/scaning.log"))");
+}
+
+TEST(Root, should_remove_a_folder_that_stands_in_the_logs_place_when_it_is_empty)
+{
+	Receiver receiver;
+	receiver.write("var/scaning.log/inside", "");
+	EXPECT_NE(reach("remove", "/var/scaning.log", {"--root", receiver.path()}).outcome.err.find("remove: -1"),
+	          std::string::npos);
+	std::filesystem::remove(receiver / "var/scaning.log/inside");
+	reach("remove", "/var/scaning.log", {"--root", receiver.path()});
+	EXPECT_FALSE(exists(receiver / "var/scaning.log"));
+}
+
+} // namespace
