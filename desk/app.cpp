@@ -57,6 +57,9 @@ struct Options
 	std::string root;
 	std::string skin;
 	std::string lang;
+	std::string catalogue;
+	std::vector<std::string> served;
+	bool asIs = false;
 	int runs = 1;
 };
 
@@ -140,12 +143,16 @@ std::string likelyScreen(std::string &note)
 	return otherwise;
 }
 
-/// Makes the message catalogue of `lang` the current one, under the null domain.
-bool setLanguage(const std::string &lang, std::string &error)
+/// Makes the message catalogue of `lang` the current one, under the null domain. `catalogue` is
+/// DOMAIN[:FOLDER], the folder being by default the one that comes with this program.
+bool setLanguage(const std::string &lang, const std::string &catalogue, std::string &error)
 {
-	const fs::path catalogues = find({"../po", "../share/locale"});
+	const size_t colon = std::min(catalogue.find(':'), catalogue.size());
+	const std::string domain = catalogue.substr(0, colon);
+	const fs::path catalogues =
+		colon < catalogue.size() ? fs::path(catalogue.substr(colon + 1)) : find({"../po", "../share/locale"});
 	const auto file = [&](const std::string &name) {
-		return catalogues / name / "LC_MESSAGES" / "vexlomenu.mo";
+		return catalogues / name / "LC_MESSAGES" / (domain + ".mo");
 	};
 
 	std::error_code failed;
@@ -160,7 +167,7 @@ bool setLanguage(const std::string &lang, std::string &error)
 		return true;
 	const bool plain = lang.find('/') == std::string::npos && !language.empty();
 	if (!plain || (!fs::exists(file(territory), failed) && !fs::exists(file(language), failed))) {
-		error = "there is no message catalogue for '" + lang + "'; --lang knows:";
+		error = "there is no message catalogue '" + domain + "' for '" + lang + "'; --lang knows:";
 		for (const std::string &name : known)
 			error += ' ' + name;
 		return false;
@@ -171,9 +178,9 @@ bool setLanguage(const std::string &lang, std::string &error)
 		return false;
 	}
 	setenv("LANGUAGE", lang.c_str(), 1);
-	bindtextdomain("vexlomenu", catalogues.c_str());
-	bind_textdomain_codeset("vexlomenu", "UTF-8");
-	textdomain("vexlomenu");
+	bindtextdomain(domain.c_str(), fs::absolute(catalogues).c_str());
+	bind_textdomain_codeset(domain.c_str(), "UTF-8");
+	textdomain(domain.c_str());
 	return true;
 }
 
@@ -259,9 +266,22 @@ int runApp(int argc, char **argv)
 		   "Serve the receiver's files from this folder and run the commands in its bin, none else. Kills\n"
 		   "are only reported, and commands can signal nobody where the kernel has process namespaces")
 		->type_name("DIR");
+	cli.add_option("--serve", options.served,
+	               "Serve one more file from the --root folder, by its whole path; may be given again")
+		->type_name("PATH")
+		->needs("--root");
+	cli.add_flag(
+		   "--as-is", options.asIs,
+		   "Without --root: this computer's own ps, df, kill and memory summary, not those of a receiver")
+		->excludes("--root");
 	cli.add_option("--skin", options.skin, "The look: a skin file")->type_name("FILE");
 	cli.add_option("--lang", options.lang, "The language of the plugin's texts, such as de")
 		->type_name("LANG");
+	cli.add_option(
+		   "--catalogue", options.catalogue,
+		   "Where those texts are: the domain of the catalogue, by default the plugin's name, and the\n"
+		   "folder that holds LANG/LC_MESSAGES/DOMAIN.mo")
+		->type_name("DOMAIN[:FOLDER]");
 	cli.add_option("--plays", options.runs, "Load, run and unload the plugin N times in one process")
 		->type_name("N")
 		->check(CLI::Range(1, 1000000000));
@@ -289,10 +309,15 @@ int runApp(int argc, char **argv)
 	std::optional<Skin> skin = Skin::load(options.skin, error);
 	if (!skin)
 		return fail(statusBadArguments, error);
-	if (!options.lang.empty() && !setLanguage(options.lang, error))
+	if (!options.lang.empty() &&
+	    !setLanguage(options.lang, options.catalogue.empty() ? pluginName(options.plugin) : options.catalogue,
+	                 error))
 		return fail(statusBadArguments, error);
 	if (!options.root.empty() && !Files::get().setRoot(options.root, error))
 		return fail(statusBadArguments, error);
+	for (const std::string &path : options.served)
+		if (!Files::get().serve(path, error))
+			return fail(statusBadArguments, error);
 	std::string note;
 	if (options.screen.empty())
 		options.screen = likelyScreen(note);
@@ -318,6 +343,8 @@ int runApp(int argc, char **argv)
 	std::unique_ptr<Plugin> plugin = Plugin::load(options.plugin, error);
 	if (!plugin)
 		return fail(statusNotStarted, error);
+	if (options.root.empty() && !options.asIs)
+		Files::get().makeReceiver();
 	std::unique_ptr<Screen> screen = openScreen(options, error);
 	if (!screen)
 		return fail(statusBadArguments, error);

@@ -17,6 +17,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
 #include <vector>
 
 namespace desk
@@ -100,6 +101,19 @@ void Commands::takeFrom(int root)
 	rooted = true;
 	// Through the descriptor, because a PATH cannot name a folder with a colon.
 	before = "PATH=/proc/self/fd/" + std::to_string(root) + "/bin; ";
+}
+
+void Commands::takeFromBusybox()
+{
+	std::istringstream folders(std::getenv("PATH") ? std::getenv("PATH") : "");
+	for (std::string folder; std::getline(folders, folder, ':');)
+		if (access((folder + "/busybox").c_str(), X_OK) == 0) {
+			before =
+				R"(ps() { busybox ps "$@"; }; df() { busybox df "$@"; }; kill() { busybox kill "$@"; }; )";
+			return;
+		}
+	Desk::get().screen().note("deskhost: busybox is not installed: ps, df and kill are this computer's own, "
+	                          "and ps may list this terminal's processes only");
 }
 
 bool Commands::refuses(const char *command) const

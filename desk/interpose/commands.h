@@ -24,6 +24,10 @@ public:
 	/// own: it can signal no process of this computer, and what it leaves behind ends with it.
 	void takeFrom(int root);
 
+	/// The commands ps, df and kill are BusyBox's, as on most receivers. Without BusyBox they stay
+	/// this computer's, and a note says so.
+	void takeFromBusybox();
+
 	/// Runs a command and returns its status, as system() does.
 	int run(const char *command);
 

@@ -2,9 +2,12 @@
 
 #include "commands.h"
 #include "libc.h"
+#include "older_meminfo.h"
+#include "trace.h"
 
 #include <fcntl.h>
 #include <linux/openat2.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -31,6 +34,22 @@ int flagsOf(const char *mode)
 	if (std::strchr(mode, 'x'))
 		flags |= O_EXCL;
 	return flags;
+}
+
+/// /proc/meminfo in its older layout, at its start; null when there is none.
+FILE *openOlderMeminfo()
+{
+	const Trace::Quiet converting;
+	const int today = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
+	FILE *meminfo = today < 0 ? nullptr : fdopen(today, "r");
+	if (!meminfo)
+		return nullptr;
+	const std::string text = olderMeminfo(meminfo);
+	fclose(meminfo);
+	FILE *older = fdopen(memfd_create("meminfo", MFD_CLOEXEC), "w+");
+	fputs(text.c_str(), older);
+	rewind(older);
+	return older;
 }
 
 } // namespace
@@ -63,6 +82,12 @@ bool Files::setRoot(const std::string &folder, std::string &error)
 	return true;
 }
 
+void Files::makeReceiver()
+{
+	older = true;
+	Commands::get().takeFromBusybox();
+}
+
 bool Files::serve(const std::string &path, std::string &error)
 {
 	const std::filesystem::path whole(path);
@@ -93,6 +118,8 @@ int Files::openInRoot(const char *path, int flags) const
 
 FILE *Files::open(const char *path, const char *mode) const
 {
+	if (older && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
+		return openOlderMeminfo();
 	if (!serves(path))
 		return next<FILE *(const char *, const char *)>("fopen")(path, mode);
 	const int file = openInRoot(path, flagsOf(mode));

@@ -18,6 +18,10 @@ public:
 	/// `folder`/bin. On failure returns false and leaves one line in `error`.
 	bool setRoot(const std::string &folder, std::string &error);
 
+	/// Makes a receiver of this computer, for a plugin that expects an older kernel and BusyBox: its
+	/// memory in the older layout, and BusyBox's ps, df and kill where BusyBox is installed.
+	void makeReceiver();
+
 	/// Serves one more file from the root. On failure returns false and leaves one line in `error`.
 	bool serve(const std::string &path, std::string &error);
 
@@ -33,6 +37,7 @@ private:
 	int removeInRoot(const char *path, bool foldersToo) const;
 
 	int root = -1; ///< the folder; -1: this computer is the receiver
+	bool older = false;
 	std::vector<std::string> served = {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"};
 };
 

@@ -45,8 +45,9 @@ TEST(App, should_explain_itself)
 {
 	const Outcome help = deskhost({"--help"});
 	EXPECT_EQ(help.status, 0);
-	for (const char *option : {"--plugin", "--screen", "--framebuffer", "--remote", "--keys", "--pictures",
-	                           "--dump", "--trace", "--root", "--skin", "--lang", "--plays"})
+	for (const char *option :
+	     {"--plugin", "--screen", "--framebuffer", "--remote", "--keys", "--pictures", "--dump", "--trace",
+	      "--root", "--skin", "--lang", "--plays", "--serve", "--as-is", "--catalogue"})
 		EXPECT_NE(help.out.find(option), std::string::npos) << option;
 	EXPECT_EQ(deskhost({"--version"}).out.rfind("deskhost ", 0), 0u);
 }
@@ -348,6 +349,20 @@ TEST(App, should_know_english_and_list_the_languages_in_order)
 	for (const char *english : {"en", "en_GB.UTF-8"})
 		EXPECT_EQ(play(receiver.path(), "", {"--lang", english}).window(0)["title"], "Vexlo service menu");
 	expectRefused(deskhost({"--lang", "tlh"}), 2, "--lang knows: ar de el en es fr it pl ru tr");
+}
+
+TEST(App, should_take_the_texts_from_the_named_catalogue)
+{
+	Receiver receiver;
+	receiver.write("texts/xx/LC_MESSAGES/other.mo",
+	               support::readFile(support::buildPath("po/de/LC_MESSAGES/vexlomenu.mo")));
+	const std::string german = play(receiver.path(), "", {"--lang", "de"}).window(0)["title"];
+	const Play run =
+		play(receiver.path(), "", {"--lang", "xx", "--catalogue", "other:" + (receiver / "texts")});
+	EXPECT_EQ(run.window(0)["title"], german);
+	expectRefused(deskhost({"--lang", "de", "--catalogue", "other"}), 2, "'other'");
+	expectRefused(deskhost({"--lang", "de", "--catalogue", "vexlomenu:" + (receiver / "texts")}), 2,
+	              "--lang knows: en");
 }
 
 TEST(App, should_number_the_help_in_every_language)

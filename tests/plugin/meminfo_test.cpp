@@ -141,7 +141,7 @@ TEST(MemInfo, should_show_binary_data_without_harm)
 
 TEST(MemInfo, should_show_this_computers_memory_without_a_root)
 {
-	const Play run = play("", "down ok exit exit");
+	const Play run = play("", "down ok exit exit", {"--as-is"});
 	const std::string names = run.widget(2, "eLabel", 0)["text"];
 	const std::string values = run.widget(2, "eLabel", 1)["text"];
 	const std::string kernel = support::readFile("/proc/meminfo");

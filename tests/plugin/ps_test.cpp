@@ -295,7 +295,7 @@ TEST(Ps, should_kill_the_chosen_process_and_no_other)
 	ReceiverFolder receiver;
 	onlyThese(receiver, {first.pid(), second.pid(), third.pid()});
 	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
-	const Play run = play("", "ok down ok ok exit", {}, {{"PATH", path}});
+	const Play run = play("", "ok down ok ok exit", {"--as-is"}, {{"PATH", path}});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.widget(3, "eLabel")["text"], "Kill " + std::to_string(second.pid()) + " pid?");
 	EXPECT_EQ(run.window(4)["class"], "eVexloMenu");
@@ -310,7 +310,7 @@ TEST(Ps, should_spare_the_chosen_process_on_no)
 	ReceiverFolder receiver;
 	onlyThese(receiver, {sleeper.pid()});
 	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
-	const Play run = play("", "ok ok right ok exit exit", {}, {{"PATH", path}});
+	const Play run = play("", "ok ok right ok exit exit", {"--as-is"}, {{"PATH", path}});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.window(4)["class"], "ePsDialog");
 	EXPECT_TRUE(sleeper.lives());

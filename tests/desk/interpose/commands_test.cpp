@@ -4,11 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 
 namespace
@@ -24,26 +21,12 @@ bool has(const std::string &text, const std::string &part)
 	return text.find(part) != std::string::npos;
 }
 
-/// A process of this computer that waits for its end.
-class Bystander
+/// A process of this computer.
+class Bystander : public support::Child
 {
 public:
-	Bystander() : process(fork())
-	{
-		if (process == 0)
-			for (;;)
-				pause();
-	}
-	~Bystander()
-	{
-		kill(process, SIGKILL);
-		waitpid(process, nullptr, 0);
-	}
-	std::string id() const { return std::to_string(process); }
-	bool lives() const { return waitpid(process, nullptr, WNOHANG) == 0; }
-
-private:
-	pid_t process;
+	Bystander() { start({"sleep", "1000"}); }
+	std::string number() const { return std::to_string(pid()); }
 };
 
 TEST(Commands, should_signal_nobody_with_a_root)
@@ -51,11 +34,11 @@ TEST(Commands, should_signal_nobody_with_a_root)
 	Receiver receiver;
 	Bystander bystander;
 	for (const auto &[how, on] : std::vector<std::pair<std::string, std::string>>{
-			 {"run", "kill -9 " + bystander.id()},
-			 {"run", "k=ki; ${k}ll -9 " + bystander.id()},
-			 {"pipe", "k=ki; ${k}ll -9 " + bystander.id()},
-			 {"pipe", "kill -9 " + bystander.id()},
-			 {"signal", bystander.id()},
+			 {"run", "kill -9 " + bystander.number()},
+			 {"run", "k=ki; ${k}ll -9 " + bystander.number()},
+			 {"pipe", "k=ki; ${k}ll -9 " + bystander.number()},
+			 {"pipe", "kill -9 " + bystander.number()},
+			 {"signal", bystander.number()},
 		 }) {
 		const Play run = reach(how, on, {"--root", receiver.path()});
 		EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
@@ -72,11 +55,9 @@ TEST(Commands, should_signal_for_real_without_a_root)
 	for (const char *how : {"run", "pipe", "signal"}) {
 		Bystander bystander;
 		const std::string command = std::string(how) == "signal" ? "" : "kill -9 ";
-		const Play run = reach(how, command + bystander.id());
+		const Play run = reach(how, command + bystander.number());
 		EXPECT_FALSE(has(run.outcome.err, "reported only")) << run.outcome.err;
-		siginfo_t info = {};
-		EXPECT_EQ(waitid(P_PID, static_cast<id_t>(std::stoi(bystander.id())), &info, WEXITED | WNOWAIT), 0);
-		EXPECT_EQ(info.si_status, SIGKILL);
+		EXPECT_EQ(bystander.exitStatus(), 128 + SIGKILL) << how;
 	}
 }
 

@@ -63,6 +63,25 @@ TEST(Root, should_serve_writing_and_unlinking_as_well)
 	EXPECT_EQ(run.trace.front(), R"(unlink("/var/scaning.log"))");
 }
 
+TEST(Root, should_serve_further_files)
+{
+	Receiver receiver;
+	receiver.write("etc/hostname", "box\n");
+	const Play run = reach("read", "/etc/hostname",
+	                       {"--root", receiver.path(), "--serve", "/etc/issue", "--serve", "/etc/hostname"});
+	EXPECT_NE(run.outcome.err.find("fopen: box\n"), std::string::npos) << run.outcome.err;
+	EXPECT_NE(reach("read", "/etc/issue", {"--root", receiver.path(), "--serve", "/etc/issue"})
+	              .outcome.err.find("fopen: null"),
+	          std::string::npos)
+		<< "what the folder lacks is missing";
+	for (const char *path : {"etc/hostname", "/etc/", "/etc/../etc/hostname", "/"}) {
+		const Play refused = reach("read", "/", {"--root", receiver.path(), "--serve", path});
+		EXPECT_EQ(refused.outcome.status, 2) << path;
+		EXPECT_NE(refused.outcome.err.find(path), std::string::npos) << refused.outcome.err;
+	}
+	EXPECT_EQ(reach("read", "/", {"--serve", "/etc/hostname"}).outcome.status, 2) << "there is no root";
+}
+
 TEST(Root, should_remove_a_folder_that_stands_in_the_logs_place_when_it_is_empty)
 {
 	Receiver receiver;

@@ -118,7 +118,7 @@ TEST_F(HostInTerminal, AProcessIsKilledAndNoOther)
 		return stat.empty() ? 'X' : stat[stat.rfind(')') + 2];
 	};
 
-	terminal.start(host()); // on this computer
+	terminal.start(host("--as-is")); // on this computer
 	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
 	terminal.press("Enter");
 	ASSERT_TRUE(terminal.shows(victim));

@@ -1,0 +1,71 @@
+#include "older_meminfo.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+
+namespace desk
+{
+
+namespace
+{
+
+using Number = unsigned long long;
+using Quantities = std::map<std::string, Number>; ///< in kB
+
+template <class... Args> std::string formatted(const char *format, Args... args)
+{
+	char text[200];
+	snprintf(text, sizeof text, format, args...);
+	return text;
+}
+
+Quantities read(FILE *meminfo)
+{
+	Quantities quantities;
+	char line[200], name[64];
+	for (Number value; fgets(line, sizeof line, meminfo);)
+		if (sscanf(line, "%63[^:]: %llu", name, &value) == 2)
+			quantities[name] = value;
+	// What has gone since, or is there on 32-bit kernels only.
+	quantities.emplace("MemShared", quantities["Shmem"]);
+	quantities.emplace("LowTotal", quantities["MemTotal"]);
+	quantities.emplace("LowFree", quantities["MemFree"]);
+	return quantities;
+}
+
+/// The table's lines. No figure is larger than `most`.
+std::string table(Quantities quantities, Number most)
+{
+	const auto bytes = [&](const char *name, const char *without = nullptr) {
+		const Number rest = without ? quantities[without] : 0;
+		return std::min((quantities[name] - rest) * 1024, most);
+	};
+	return "        total:    used:    free:  shared: buffers:  cached:\n" +
+	       formatted("Mem:  %8llu %8llu %8llu %8llu %8llu %8llu\n", bytes("MemTotal"),
+	                 bytes("MemTotal", "MemFree"), bytes("MemFree"), bytes("MemShared"), bytes("Buffers"),
+	                 bytes("Cached")) +
+	       formatted("Swap: %8llu %8llu %8llu\n", bytes("SwapTotal"), bytes("SwapTotal", "SwapFree"),
+	                 bytes("SwapFree"));
+}
+
+} // namespace
+
+std::string olderMeminfo(FILE *meminfo)
+{
+	Quantities quantities = read(meminfo);
+	std::string text = table(quantities, std::numeric_limits<Number>::max());
+	// Who reads the table in pieces of 29 characters finds eight of them, as long as the line of the
+	// memory makes three. Beyond a terabyte it may not: then its figures end at twelve digits.
+	constexpr size_t heading = 60, pieces = 3 * 29;
+	if (text.find('\n', heading) >= heading + pieces)
+		text = table(quantities, 999'999'999'999);
+
+	for (const char *name :
+	     {"MemTotal", "MemFree", "MemShared", "Buffers", "Cached", "SwapCached", "Active", "Inactive",
+	      "HighTotal", "HighFree", "LowTotal", "LowFree", "SwapTotal", "SwapFree"})
+		text += formatted("%-14s%8llu kB\n", (std::string(name) + ':').c_str(), quantities[name]);
+	return text;
+}
+
+} // namespace desk
