@@ -14,6 +14,7 @@
 #include "terminal_screen.h"
 #include "trace.h"
 #include "visible_text.h"
+#include "watched_run.h"
 #include "window_screen.h"
 
 #include <CLI/CLI.hpp>
@@ -60,6 +61,7 @@ struct Options
 	std::string catalogue;
 	std::vector<std::string> served;
 	bool asIs = false;
+	bool watch = false;
 	int runs = 1;
 };
 
@@ -203,6 +205,13 @@ std::unique_ptr<Screen> openScreen(const Options &options, std::string &error)
 	return makeNoScreen();
 }
 
+std::string lineFor(int result)
+{
+	// -1 would read like a failure.
+	return "plugin_exec returned " + std::to_string(result) +
+	       (result == -1 ? ": the viewer left the menu\n" : "\n");
+}
+
 std::string runOnce(Plugin &plugin, const std::vector<Key> &keys)
 {
 	Desk &desk = Desk::get();
@@ -210,9 +219,7 @@ std::string runOnce(Plugin &plugin, const std::vector<Key> &keys)
 	desk.beginRun();
 	const int result = plugin.exec();
 	desk.endRun();
-	// -1 would read like a failure.
-	return "plugin_exec returned " + std::to_string(result) +
-	       (result == -1 ? ": the viewer left the menu\n" : "\n");
+	return lineFor(result);
 }
 
 } // namespace
@@ -285,6 +292,11 @@ int runApp(int argc, char **argv)
 	cli.add_option("--plays", options.runs, "Load, run and unload the plugin N times in one process")
 		->type_name("N")
 		->check(CLI::Range(1, 1000000000));
+	cli.add_flag(
+		   "--watch", options.watch,
+		   "Whenever the plugin's file changes, load it anew and press the same keys again, but none that\n"
+		   "killed or deleted")
+		->excludes("--plays");
 	// An empty name is a variable that was not set, not a wish.
 	for (CLI::Option *option : cli.get_options())
 		if (option->get_items_expected_max() > 0 && option->get_name() != "--keys")
@@ -345,6 +357,8 @@ int runApp(int argc, char **argv)
 		return fail(statusNotStarted, error);
 	if (options.root.empty() && !options.asIs)
 		Files::get().makeReceiver();
+	if (options.watch && options.screen == "none")
+		return fail(statusBadArguments, "--watch needs a screen to press keys on: a window or a terminal");
 	std::unique_ptr<Screen> screen = openScreen(options, error);
 	if (!screen)
 		return fail(statusBadArguments, error);
@@ -362,8 +376,16 @@ int runApp(int argc, char **argv)
 		desk.screen().note("deskhost: letters that the locale's character set lacks are shown as question "
 		                   "marks; set LC_ALL=C.UTF-8 to see them");
 
-	std::string returned = runOnce(*plugin, *keys);
-	plugin.reset();
+	std::string returned;
+	if (options.watch) {
+		plugin.reset();
+		int result = 0;
+		if (runWatched(options.plugin, *keys, result, error))
+			returned = lineFor(result);
+	} else {
+		returned = runOnce(*plugin, *keys);
+		plugin.reset();
+	}
 	for (int i = 1; i < options.runs && !desk.screen().closed(); ++i) {
 		plugin = Plugin::load(options.plugin, error);
 		if (!plugin)

@@ -12,12 +12,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <sstream>
+#include <string_view>
 #include <vector>
 
 namespace desk
@@ -28,18 +31,19 @@ namespace
 
 constexpr int notExecutable = 126, notFound = 127; // a shell's exit statuses
 
-/// Whether `kill` stands in the command as a word, at whatever path.
-bool kills(const std::string &command)
+/// Whether one of these stands in the command as a word, at whatever path.
+bool hasWord(const std::string &command, std::initializer_list<std::string_view> words)
 {
-	const auto isWord = [&](size_t at) {
-		const unsigned char c = at < command.size() ? static_cast<unsigned char>(command[at]) : 0;
-		return std::isalnum(c) || c == '_' || c == '-' || c == '.';
-	};
-	for (size_t at = command.find("kill"); at != std::string::npos; at = command.find("kill", at + 1)) {
-		const bool all = command.compare(at, 7, "killall") == 0;
-		const bool starts = at == 0 || !isWord(at - 1) || command[at - 1] == 'p';
-		if (starts && (all || !isWord(at + 4)))
+	const auto inWord = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == '-' || c == '.'; };
+	for (size_t end = 0; end < command.size();) {
+		const auto from = command.begin() + static_cast<std::ptrdiff_t>(end);
+		const auto start = std::find_if(from, command.end(), inWord);
+		const auto stop = std::find_if_not(start, command.end(), inWord);
+		const std::string_view word(command.data() + (start - command.begin()),
+		                            static_cast<size_t>(stop - start));
+		if (std::find(words.begin(), words.end(), word) != words.end())
 			return true;
+		end = static_cast<size_t>(stop - command.begin());
 	}
 	return false;
 }
@@ -118,10 +122,15 @@ void Commands::takeFromBusybox()
 
 bool Commands::refuses(const char *command) const
 {
-	if (!rooted || !kills(command))
+	if (hasWord(command, {"rm", "rmdir", "unlink"}) && !Desk::get().permits(command))
+		return true;
+	if (!hasWord(command, {"kill", "killall", "killall5", "pkill", "skill"}))
 		return false;
-	report(command);
-	return true;
+	if (!Desk::get().permits(command))
+		return true;
+	if (rooted)
+		report(command);
+	return rooted;
 }
 
 Commands::Running Commands::start(const char *command, int in, int out) const
@@ -200,9 +209,14 @@ int Commands::close(FILE *stream)
 
 int Commands::signal(pid_t process, int number) const
 {
-	if (!rooted || number == 0 || process == getpid())
+	const std::string what = "kill(" + std::to_string(process) + ", " + std::to_string(number) + ')';
+	if (number == 0 || process == getpid())
 		return next<int(pid_t, int)>("kill")(process, number);
-	report("kill(" + std::to_string(process) + ", " + std::to_string(number) + ')');
+	if (!Desk::get().permits(what))
+		return 0;
+	if (!rooted)
+		return next<int(pid_t, int)>("kill")(process, number);
+	report(what);
 	return 0;
 }
 

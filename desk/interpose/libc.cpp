@@ -5,10 +5,14 @@
 
 #include "caller.h"
 #include "commands.h"
+#include "desk.h"
 #include "files.h"
 #include "trace.h"
 
 #include <sys/types.h>
+
+#include <cerrno>
+#include <string_view>
 
 using desk::Commands;
 using desk::Files;
@@ -43,6 +47,16 @@ void traceClosing(const FILE *stream, const char *what, int result)
 		trace.line(std::string(what) + (stream ? "(stream) = " : "(null) = ") + std::to_string(result));
 }
 
+/// Whether the caller may delete this: a plugin's own temporary files are no loss.
+bool mayDelete(const char *path)
+{
+	const std::string_view name = path ? path : "";
+	if (!byPlugin() || name.rfind("/var/tmp/", 0) == 0 || name.rfind("/tmp/", 0) == 0)
+		return true;
+	errno = EPERM;
+	return desk::Desk::get().permits("remove " + std::string(name));
+}
+
 } // namespace
 
 #pragma GCC visibility push(default)
@@ -72,13 +86,13 @@ int fclose(FILE *stream)
 int remove(const char *path) noexcept
 {
 	trace("remove", path);
-	return Files::get().remove(path);
+	return mayDelete(path) ? Files::get().remove(path) : -1;
 }
 
 int unlink(const char *path) noexcept
 {
 	trace("unlink", path);
-	return Files::get().unlink(path);
+	return mayDelete(path) ? Files::get().unlink(path) : -1;
 }
 
 int system(const char *command)

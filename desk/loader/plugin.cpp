@@ -3,15 +3,18 @@
 #include "caller.h"
 
 #include <dlfcn.h>
-#include <sys/stat.h>
+#include <sys/mman.h>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace desk
 {
 
 namespace
 {
+
+namespace fs = std::filesystem;
 
 std::string failure(const std::string &path, std::string reason, const char *advice)
 {
@@ -26,26 +29,51 @@ const char *adviceFor(const std::string &reason)
 	return "name a plugin built for this computer with --plugin";
 }
 
+bool isFile(const std::string &path, std::string &error)
+{
+	std::error_code failed;
+	const fs::file_status status = fs::status(path, failed);
+	if (!fs::exists(status))
+		error = failure(path, "there is no such file", "build it, or name another one with --plugin");
+	else if (!fs::is_regular_file(status))
+		error = failure(path, "it is no file", "name the plugin itself with --plugin");
+	return fs::is_regular_file(status);
+}
+
 } // namespace
 
 std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error)
 {
 	// A bare name would be searched for among the system's libraries.
 	const std::string place = path.find('/') == std::string::npos ? "./" + path : path;
-	struct stat status;
-	if (stat(place.c_str(), &status) != 0) {
-		error = failure(path, "there is no such file", "build it, or name another one with --plugin");
+	return isFile(path, error) ? loadFrom(place, path, error) : nullptr;
+}
+
+std::unique_ptr<Plugin> Plugin::loadCopy(const std::string &path, std::string &error)
+{
+	if (!isFile(path, error))
+		return nullptr;
+	// The copy stays open: the loader takes a name that it has seen for the plugin that it knows by it.
+	const std::string copy = "/proc/self/fd/" + std::to_string(memfd_create("plugin", MFD_CLOEXEC));
+	std::error_code failed;
+	fs::copy_file(path, copy, fs::copy_options::overwrite_existing, failed);
+	if (failed) {
+		error = failure(path, failed.message(), "name a plugin that can be read with --plugin");
 		return nullptr;
 	}
-	if (!S_ISREG(status.st_mode)) {
-		error = failure(path, "it is no file", "name the plugin itself with --plugin");
-		return nullptr;
-	}
+	return loadFrom(copy, path, error);
+}
+
+std::unique_ptr<Plugin> Plugin::loadFrom(const std::string &place, const std::string &path,
+                                         std::string &error)
+{
 	const PluginRuns constructors;
 	void *handle = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
 	if (!handle) {
 		const char *said = dlerror();
-		const std::string reason = said ? said : "the loader does not say why";
+		std::string reason = said ? said : "the loader does not say why";
+		if (reason.rfind(place + ": ", 0) == 0)
+			reason.erase(0, place.size() + 2);
 		error = failure(path, reason, adviceFor(reason));
 		return nullptr;
 	}

@@ -47,6 +47,21 @@ void Desk::endRun()
 		screen().note("deskhost: the plugin returned before these keys were pressed:" + rest);
 }
 
+void Desk::pressAgain()
+{
+	if (const std::optional<Key> harmful = keys.pressAgain())
+		screen().note(std::string("deskhost: not pressed again, because it killed or deleted: ") +
+		              keyName(*harmful));
+}
+
+bool Desk::permits(const std::string &what)
+{
+	if (keys.permitsHarm())
+		return true;
+	screen().note("deskhost: not done, because nobody pressed the key: " + what);
+	return false;
+}
+
 void Desk::leave(eWidget &window)
 {
 	if (openWindows.runs(window))
@@ -82,6 +97,8 @@ Key Desk::nextKey()
 
 void Desk::showFrame()
 {
+	if (keys.restarts())
+		return;                 // the old picture stays
 	const Trace::Quiet drawing; // also of what the plugin's own classes call while they are drawn
 	if (Canvas *canvas = screen().canvas()) {
 		DisplayList next;

@@ -46,6 +46,18 @@ public:
 	/// Presses these keys before any of the screen's.
 	void press(const std::vector<Key> &script) { keys.press(script); }
 
+	/// Presses those keys again that were pressed before, up to the first one that did harm.
+	void pressAgain();
+
+	/// What is asked when the screen's wait ends without a key: whether the run is to end for another one,
+	/// with the picture left as it is. Null: never.
+	void setRestart(std::function<bool()> asked) { keys.setRestart(std::move(asked)); }
+	bool restarts() const { return keys.restarts(); }
+
+	/// To be asked before the plugin does harm: kills or deletes. False when it must not be done, because
+	/// nobody presses the keys.
+	bool permits(const std::string &what);
+
 	/// Begins or ends one run of the plugin. The end shows and records what the last key has left.
 	void beginRun();
 	void endRun();

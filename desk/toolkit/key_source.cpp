@@ -7,8 +7,29 @@ namespace desk
 
 void KeySource::restart()
 {
-	leaving = false;
+	leaving = restarting = false;
 	exits = 0;
+	history.clear();
+	harmless.reset();
+}
+
+std::optional<Key> KeySource::pressAgain()
+{
+	const size_t count = harmless.value_or(history.size());
+	script.assign(history.begin(), history.begin() + static_cast<std::ptrdiff_t>(count));
+	again = true;
+	return count < history.size() ? std::optional(history[count]) : std::nullopt;
+}
+
+bool KeySource::permitsHarm()
+{
+	if (!again && !restarting) {
+		if (!harmless)
+			harmless = history.empty() ? 0 : history.size() - 1;
+		return true;
+	}
+	script.clear();
+	return false;
 }
 
 std::optional<KeySource::Press> KeySource::next(Screen &screen)
@@ -18,13 +39,18 @@ std::optional<KeySource::Press> KeySource::next(Screen &screen)
 	if (!script.empty()) {
 		const Key key = script.front();
 		script.pop_front();
+		history.push_back(key);
 		return Press{key, true};
 	}
+	again = false;
 	if (!leaving) {
 		const Trace::Quiet waiting;
-		if (const std::optional<Key> key = screen.waitKey())
+		if (const std::optional<Key> key = screen.waitKey()) {
+			history.push_back(*key);
 			return Press{*key, true};
+		}
 		leaving = true;
+		restarting = restartAsked && restartAsked();
 	}
 	constexpr int mostExits = 1000;
 	if (++exits > mostExits)

@@ -5,6 +5,7 @@
 #include "screen.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +30,18 @@ public:
 	/// A run begins: the screen is asked again.
 	void restart();
 
+	/// Adds the keys of the run before, up to the first one that did harm, and returns that one. Until they are
+	/// pressed nobody answers for what they do.
+	std::optional<Key> pressAgain();
+
+	/// To be asked before the last key does harm. False, and an empty script: nobody pressed it.
+	bool permitsHarm();
+
+	/// What is asked when the screen's wait ends without a key: whether the run is to end for another one.
+	/// Null: never.
+	void setRestart(std::function<bool()> asked) { restartAsked = std::move(asked); }
+	bool restarts() const { return restarting; }
+
 	/// The next key; sleeps in the screen. Nothing: exit has been pressed a thousand times in vain.
 	std::optional<Press> next(Screen &screen);
 
@@ -39,6 +52,12 @@ private:
 	std::deque<Key> script;
 	bool leaving = false; ///< nobody presses keys any more
 	int exits = 0;        ///< pressed because of that
+
+	std::vector<Key> history;       ///< the keys of this run
+	std::optional<size_t> harmless; ///< how many of them came before the one that did harm
+	bool again = false;             ///< the script is not pressed by anybody
+	bool restarting = false;
+	std::function<bool()> restartAsked;
 };
 
 } // namespace desk

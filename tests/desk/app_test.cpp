@@ -47,7 +47,7 @@ TEST(App, should_explain_itself)
 	EXPECT_EQ(help.status, 0);
 	for (const char *option :
 	     {"--plugin", "--screen", "--framebuffer", "--remote", "--keys", "--pictures", "--dump", "--trace",
-	      "--root", "--skin", "--lang", "--plays", "--serve", "--as-is", "--catalogue"})
+	      "--root", "--skin", "--lang", "--plays", "--serve", "--as-is", "--catalogue", "--watch"})
 		EXPECT_NE(help.out.find(option), std::string::npos) << option;
 	EXPECT_EQ(deskhost({"--version"}).out.rfind("deskhost ", 0), 0u);
 }
@@ -57,6 +57,8 @@ TEST(App, should_refuse_arguments_that_it_does_not_know)
 	expectRefused(deskhost({"--sceen", "none"}), 2, "--sceen");
 	expectRefused(deskhost({"--screen", "hologram"}), 2, "hologram");
 	expectRefused(deskhost({"--plays", "0"}), 2, "0");
+	expectRefused(deskhost({"--watch", "--plays", "2"}), 2, "--watch");
+	expectRefused(deskhost({"--watch", "--screen", "none"}), 2, "--watch");
 	expectRefused(deskhost({"--plays", "many"}), 2, "many");
 	expectRefused(deskhost({"--keys", "down sideways ok"}), 2, "sideways");
 	expectRefused(deskhost({"--lang", "tlh"}), 2, "tlh");

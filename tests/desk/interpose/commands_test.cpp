@@ -12,7 +12,7 @@ namespace
 {
 
 using support::Play;
-using support::Receiver;
+using support::ReceiverFolder;
 using support::TempFolder;
 using Clock = std::chrono::steady_clock;
 
@@ -31,7 +31,7 @@ public:
 
 TEST(Commands, should_signal_nobody_with_a_root)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	Bystander bystander;
 	for (const auto &[how, on] : std::vector<std::pair<std::string, std::string>>{
 			 {"run", "kill -9 " + bystander.number()},
@@ -63,7 +63,7 @@ TEST(Commands, should_signal_for_real_without_a_root)
 
 TEST(Commands, should_be_those_of_the_root_and_none_else)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	Play run = reach("run", "ps", {"--root", receiver.path()});
 	EXPECT_TRUE(has(run.outcome.err, "not found")) << run.outcome.err;
 	EXPECT_TRUE(has(run.outcome.err, "those in its bin")) << "why the screen is empty: " << run.outcome.err;

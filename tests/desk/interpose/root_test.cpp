@@ -14,14 +14,14 @@ namespace
 using support::exists;
 using support::Play;
 using support::readFile;
-using support::Receiver;
+using support::ReceiverFolder;
 using support::TempFolder;
 
 TEST(Root, should_reach_nothing_through_links_that_lead_out)
 {
 	TempFolder elsewhere;
 	const std::string log = elsewhere.write("scaning.log", "kept");
-	Receiver receiver;
+	ReceiverFolder receiver;
 	ASSERT_EQ(symlink(elsewhere.path().c_str(), (receiver / "var").c_str()), 0);
 	for (const char *how : {"remove", "unlink", "write", "read"}) {
 		const Play run = reach(how, "/var/scaning.log", {"--root", receiver.path()});
@@ -33,7 +33,7 @@ TEST(Root, should_reach_nothing_through_links_that_lead_out)
 
 TEST(Root, should_follow_links_inside_itself)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.write("data/scaning.log", "inside\n");
 	ASSERT_EQ(symlink("/data", (receiver / "var").c_str()), 0) << "as the receiver sees it";
 	EXPECT_NE(reach("read", "/var/scaning.log", {"--root", receiver.path()}).outcome.err.find("inside"),
@@ -44,7 +44,7 @@ TEST(Root, should_follow_links_inside_itself)
 
 TEST(Root, should_serve_a_path_however_it_is_spelled)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.meminfo("the receiver's\n");
 	for (const char *path : {"/proc/meminfo", "/proc//meminfo", "/proc/./../proc/meminfo"})
 		EXPECT_NE(reach("read", path, {"--root", receiver.path()}).outcome.err.find("the receiver's"),
@@ -54,7 +54,7 @@ TEST(Root, should_serve_a_path_however_it_is_spelled)
 
 TEST(Root, should_serve_writing_and_unlinking_as_well)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.write("var/.keep", "");
 	reach("write", "/var/scaning.log", {"--root", receiver.path()});
 	EXPECT_EQ(readFile(receiver / "var/scaning.log"), "written");
@@ -65,7 +65,7 @@ TEST(Root, should_serve_writing_and_unlinking_as_well)
 
 TEST(Root, should_serve_further_files)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.write("etc/hostname", "box\n");
 	const Play run = reach("read", "/etc/hostname",
 	                       {"--root", receiver.path(), "--serve", "/etc/issue", "--serve", "/etc/hostname"});
@@ -84,7 +84,7 @@ TEST(Root, should_serve_further_files)
 
 TEST(Root, should_remove_a_folder_that_stands_in_the_logs_place_when_it_is_empty)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.write("var/scaning.log/inside", "");
 	EXPECT_NE(reach("remove", "/var/scaning.log", {"--root", receiver.path()}).outcome.err.find("remove: -1"),
 	          std::string::npos);
