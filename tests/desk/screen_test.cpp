@@ -3,6 +3,7 @@
 #include "terminal_screen.h"
 #include "window_screen.h"
 
+#include <clocale>
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -38,16 +39,34 @@ TEST(Notes, GoToStandardErrorALineEach)
 	EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
+/// The locale's character set, until the end of the scope.
+struct CharacterSet
+{
+	explicit CharacterSet(const char *locale) { std::setlocale(LC_CTYPE, locale); }
+	~CharacterSet() { std::setlocale(LC_CTYPE, "C"); }
+};
+
 TEST(Notes, ObeyNoControls)
 {
+	const CharacterSet utf8("C.UTF-8");
 	const auto screen = makeNoScreen();
 	testing::internal::CaptureStderr();
 	screen->note("a \x1b[2J name \xff");
 	EXPECT_EQ(testing::internal::GetCapturedStderr(), "a \xE2\x90\x9B[2J name \xEF\xBF\xBD\n");
 }
 
+TEST(Notes, AreAsciiWhereTheLocaleHasNoMore)
+{
+	const CharacterSet ascii("C");
+	testing::internal::CaptureStderr();
+	makeNoScreen()->note("a \x1b[2J name \xff \xC2\x9B" "31m");
+	for (const char c : testing::internal::GetCapturedStderr())
+		EXPECT_TRUE(c == '\n' || (c >= ' ' && c <= '~')) << static_cast<int>(c);
+}
+
 TEST(Notes, TheLastThousandAreKeptToLookBackAt)
 {
+	const CharacterSet utf8("C.UTF-8");
 	const auto screen = makeNoScreen();
 	testing::internal::CaptureStderr();
 	for (int i = 0; i < 1500; ++i)

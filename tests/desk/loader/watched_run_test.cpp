@@ -2,6 +2,7 @@
 
 #include "watched_run.h"
 
+#include "description.h"
 #include "desk.h"
 #include "files.h"
 #include "pixel_canvas.h"
@@ -103,7 +104,7 @@ protected:
 	Author::Step see(const std::string &text, Key key) const
 	{
 		return [text, key] {
-			const auto windows = Desk::get().describe();
+			const auto windows = desk::describe(Desk::get().windows());
 			EXPECT_EQ(windows.empty() ? "" : windows.back()["widgets"][0]["text"], text);
 			return key;
 		};
