@@ -39,14 +39,14 @@ std::optional<KeySource::Press> KeySource::next(Screen &screen)
 	if (!script.empty()) {
 		const Key key = script.front();
 		script.pop_front();
-		history.push_back(key);
+		remember(key);
 		return Press{key, true};
 	}
 	again = false;
 	if (!leaving) {
 		const Trace::Quiet waiting;
 		if (const std::optional<Key> key = screen.waitKey()) {
-			history.push_back(*key);
+			remember(*key);
 			return Press{*key, true};
 		}
 		leaving = true;
@@ -56,6 +56,12 @@ std::optional<KeySource::Press> KeySource::next(Screen &screen)
 	if (++exits > mostExits)
 		return std::nullopt;
 	return Press{Key::exit, false};
+}
+
+void KeySource::remember(Key key)
+{
+	if (restartAsked) // nothing else presses keys again
+		history.push_back(key);
 }
 
 std::string KeySource::takeRest()

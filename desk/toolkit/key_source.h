@@ -49,6 +49,8 @@ public:
 	std::string takeRest();
 
 private:
+	void remember(Key key);
+
 	std::deque<Key> script;
 	bool leaving = false; ///< nobody presses keys any more
 	int exits = 0;        ///< pressed because of that

@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdarg>
@@ -129,6 +130,17 @@ FILE *fopen(const char *path, const char *mode)
 FILE *fopen64(const char *path, const char *mode)
 {
 	return openStream("fopen64", path, mode);
+}
+
+// A host opens what lies in a folder of its own without a name.
+FILE *fdopen(int descriptor, const char *mode) noexcept
+{
+	char link[32], path[4096] = "";
+	std::snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor);
+	if (readlink(link, path, sizeof path - 1) < 0)
+		return nullptr;
+	FILE *file = next<FILE *(int, const char *)>("fdopen")(descriptor, mode);
+	return file && breaks(path) ? breaking(file) : file;
 }
 
 int remove(const char *path) noexcept

@@ -136,7 +136,7 @@ TEST_F(HostInWindow, EndsAtOnceWhenItIsClosedUnderManyKeys)
 	// Such scripts would go on for a long time.
 	start({"--keys", support::repeat("down ", 20000), "--plays", "1000000"});
 	askToClose();
-	EXPECT_EQ(program.line(), "plugin_exec returned -1");
+	EXPECT_EQ(program.line(), "plugin_exec returned -1: the viewer left the menu");
 	EXPECT_EQ(program.exitStatus(), 0);
 }
 
@@ -166,7 +166,7 @@ TEST(HostWithAStaleDisplay, DoesWithoutAndSaysSo)
 	const support::Outcome outcome = support::run(
 		{support::deskhostPath(), "--root", receiver.path(), "--keys", "exit"}, onDisplay(":63999"));
 	EXPECT_EQ(outcome.status, 0);
-	EXPECT_EQ(outcome.out, "plugin_exec returned -1\n");
+	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 	EXPECT_EQ(outcome.err.find("deskhost: cannot open a window: display \":63999\""), 0u) << outcome.err;
 	EXPECT_NE(outcome.err.find("; this is --screen none\n"), outcome.err.npos) << outcome.err;
 }
