@@ -17,7 +17,7 @@ namespace
 
 using namespace desk;
 
-TEST(NoScreen, ShowsNothingAndHasNoKeys)
+TEST(NoScreen, shows_nothing_and_has_no_keys)
 {
 	const auto screen = makeNoScreen();
 	EXPECT_EQ(screen->canvas(), nullptr);
@@ -27,7 +27,7 @@ TEST(NoScreen, ShowsNothingAndHasNoKeys)
 	EXPECT_FALSE(screen->ownsTerminal());
 }
 
-TEST(Notes, GoToStandardErrorALineEach)
+TEST(Notes, go_to_standard_error_a_line_each)
 {
 	const auto screen = makeNoScreen();
 	testing::internal::CaptureStdout();
@@ -46,7 +46,7 @@ struct CharacterSet
 	~CharacterSet() { std::setlocale(LC_CTYPE, "C"); }
 };
 
-TEST(Notes, ObeyNoControls)
+TEST(Notes, obey_no_controls)
 {
 	const CharacterSet utf8("C.UTF-8");
 	const auto screen = makeNoScreen();
@@ -55,16 +55,17 @@ TEST(Notes, ObeyNoControls)
 	EXPECT_EQ(testing::internal::GetCapturedStderr(), "a \xE2\x90\x9B[2J name \xEF\xBF\xBD\n");
 }
 
-TEST(Notes, AreAsciiWhereTheLocaleHasNoMore)
+TEST(Notes, are_ascii_where_the_locale_has_no_more)
 {
 	const CharacterSet ascii("C");
 	testing::internal::CaptureStderr();
-	makeNoScreen()->note("a \x1b[2J name \xff \xC2\x9B" "31m");
+	makeNoScreen()->note("a \x1b[2J name \xff \xC2\x9B"
+	                     "31m");
 	for (const char c : testing::internal::GetCapturedStderr())
 		EXPECT_TRUE(c == '\n' || (c >= ' ' && c <= '~')) << static_cast<int>(c);
 }
 
-TEST(Notes, TheLastThousandAreKeptToLookBackAt)
+TEST(Notes, the_last_thousand_are_kept_to_look_back_at)
 {
 	const CharacterSet utf8("C.UTF-8");
 	const auto screen = makeNoScreen();
@@ -83,7 +84,7 @@ TEST(Notes, TheLastThousandAreKeptToLookBackAt)
 	EXPECT_EQ(lines[999], std::string(4095, 'x')) << "a character is not cut in two";
 }
 
-TEST(Notes, GoToAFileAsWellLineByLine)
+TEST(Notes, go_to_a_file_as_well_line_by_line)
 {
 	const std::string path = testing::TempDir() + "notes." + std::to_string(getpid());
 	std::string error;

@@ -91,7 +91,7 @@ std::vector<int> strokes(PixelCanvas &canvas, int y)
 	return found;
 }
 
-TEST(Rectangles, AreCutByOthers)
+TEST(Rectangles, are_cut_by_others)
 {
 	const auto cut = [](Rect a, Rect b) { return a.intersected(b); };
 	const Rect part = cut({10, 10, 20, 20}, {20, 5, 30, 10});
@@ -101,13 +101,13 @@ TEST(Rectangles, AreCutByOthers)
 	EXPECT_EQ(cut({0, 0, 10, 10}, {50, 50, 10, 10}).w, 0);
 }
 
-TEST(PixelCanvas, BeginsBlack)
+TEST(PixelCanvas, begins_black)
 {
 	PixelCanvas canvas;
 	EXPECT_TRUE(painted(canvas).empty());
 }
 
-TEST(PixelCanvas, FillsExactlyTheAreaAndNoMore)
+TEST(PixelCanvas, fills_exactly_the_area_and_no_more)
 {
 	PixelCanvas canvas;
 	canvas.fill({10, 20, 30, 40}, Fill::plain(red));
@@ -118,7 +118,7 @@ TEST(PixelCanvas, FillsExactlyTheAreaAndNoMore)
 	EXPECT_TRUE(all.x == 10 && all.y == 20 && all.w == 30 && all.h == 40) << all;
 }
 
-TEST(PixelCanvas, FillsNothingWhereThereIsNoArea)
+TEST(PixelCanvas, fills_nothing_where_there_is_no_area)
 {
 	PixelCanvas canvas;
 	canvas.fill({10, 10, 0, 10}, Fill::plain(red));
@@ -129,7 +129,7 @@ TEST(PixelCanvas, FillsNothingWhereThereIsNoArea)
 	EXPECT_TRUE(painted(canvas).empty());
 }
 
-TEST(PixelCanvas, FillsFromTheUpperColourToTheLower)
+TEST(PixelCanvas, fills_from_the_upper_colour_to_the_lower)
 {
 	PixelCanvas canvas;
 	canvas.fill({0, 0, 100, 200}, {white, {0, 0, 1}, 0, Emphasis::none});
@@ -139,7 +139,7 @@ TEST(PixelCanvas, FillsFromTheUpperColourToTheLower)
 		ASSERT_LE(at(canvas, 50, y).r, at(canvas, 50, y - 1).r);
 }
 
-TEST(PixelCanvas, RoundsCorners)
+TEST(PixelCanvas, rounds_corners)
 {
 	PixelCanvas canvas;
 	canvas.fill({0, 0, 40, 40}, Fill::plain(red, 10));
@@ -150,7 +150,7 @@ TEST(PixelCanvas, RoundsCorners)
 	EXPECT_EQ(at(canvas, 20, 20), red);
 }
 
-TEST(PixelCanvas, NestsClipsEachCutByTheOneAround)
+TEST(PixelCanvas, nests_clips_each_cut_by_the_one_around)
 {
 	PixelCanvas canvas;
 	canvas.pushClip({10, 10, 50, 50});
@@ -168,7 +168,7 @@ TEST(PixelCanvas, NestsClipsEachCutByTheOneAround)
 	EXPECT_EQ(at(canvas, 199, 199), blue);
 }
 
-TEST(PixelCanvas, DrawsNothingInAnEmptyClip)
+TEST(PixelCanvas, draws_nothing_in_an_empty_clip)
 {
 	for (const Rect &clip : {Rect{10, 10, 0, 0}, Rect{10, 10, -5, 20}, Rect{-50, -50, 20, 20}}) {
 		PixelCanvas canvas;
@@ -179,7 +179,7 @@ TEST(PixelCanvas, DrawsNothingInAnEmptyClip)
 	}
 }
 
-TEST(PixelCanvas, TouchesNothingOutsideOfTheClip)
+TEST(PixelCanvas, touches_nothing_outside_of_the_clip)
 {
 	const Rect clip = {100, 100, 200, 60};
 	PixelCanvas canvas;
@@ -193,7 +193,7 @@ TEST(PixelCanvas, TouchesNothingOutsideOfTheClip)
 	EXPECT_FALSE(painted(canvas).empty());
 }
 
-TEST(PixelCanvas, CutsTextAtItsArea)
+TEST(PixelCanvas, cuts_text_at_its_area)
 {
 	const Rect area = {100, 100, 50, 14};
 	for (const TextStyle &style :
@@ -205,7 +205,7 @@ TEST(PixelCanvas, CutsTextAtItsArea)
 	}
 }
 
-TEST(PixelCanvas, DrawsColumnsExactlyEightPixelsApart)
+TEST(PixelCanvas, draws_columns_exactly_eight_pixels_apart)
 {
 	PixelCanvas canvas;
 	canvas.text({0, 0, 720, 20}, std::string(90, '|'), columns());
@@ -216,7 +216,7 @@ TEST(PixelCanvas, DrawsColumnsExactlyEightPixelsApart)
 	EXPECT_LT(found[0], 8);
 }
 
-TEST(PixelCanvas, KeepsColumnsInLineWhateverStandsBefore)
+TEST(PixelCanvas, keeps_columns_in_line_whatever_stands_before)
 {
 	const char *const before[] = {"abcdefgh",
 	                              "iiiiiiii",
@@ -245,7 +245,7 @@ TEST(PixelCanvas, KeepsColumnsInLineWhateverStandsBefore)
 		}
 }
 
-TEST(PixelCanvas, StandsTextInTheMiddleOfItsArea)
+TEST(PixelCanvas, stands_text_in_the_middle_of_its_area)
 {
 	for (int height : {20, 40, 60}) {
 		PixelCanvas canvas;
@@ -256,7 +256,7 @@ TEST(PixelCanvas, StandsTextInTheMiddleOfItsArea)
 	}
 }
 
-TEST(PixelCanvas, DrawsNeighbouringRowsApart)
+TEST(PixelCanvas, draws_neighbouring_rows_apart)
 {
 	PixelCanvas canvas;
 	canvas.text({0, 100, 200, 20}, "gjpqy|(", columns());
@@ -265,7 +265,7 @@ TEST(PixelCanvas, DrawsNeighbouringRowsApart)
 	EXPECT_GE(rows.h, 16) << "it uses the row it has";
 }
 
-TEST(PixelCanvas, AlignsProse)
+TEST(PixelCanvas, aligns_prose)
 {
 	const Rect area = {100, 100, 300, 20};
 	const auto drawn = [&](const char *text, Align align) {
@@ -285,14 +285,14 @@ TEST(PixelCanvas, AlignsProse)
 	EXPECT_GT(drawn("(2) عرض الذاكرة", Align::start).right(), 390);
 }
 
-TEST(PixelCanvas, KeepsColumnsFromTheLeftAlsoInArabic)
+TEST(PixelCanvas, keeps_columns_from_the_left_also_in_arabic)
 {
 	PixelCanvas canvas;
 	canvas.text({100, 100, 300, 20}, "عربي 12", columns());
 	EXPECT_LT(painted(canvas).right(), 170);
 }
 
-TEST(PixelCanvas, ShowsTheStartOfATextThatIsTooLong)
+TEST(PixelCanvas, shows_the_start_of_a_text_that_is_too_long)
 {
 	const std::string text = "The beginning of a text that is by far too long for where it stands";
 	for (const Align align : {Align::start, Align::centre, Align::end}) {
@@ -305,7 +305,7 @@ TEST(PixelCanvas, ShowsTheStartOfATextThatIsTooLong)
 	}
 }
 
-TEST(PixelCanvas, LosesNothingThatCanBeSeenOfALongLine)
+TEST(PixelCanvas, loses_nothing_that_can_be_seen_of_a_long_line)
 {
 	// What is cut away before it is laid out must not change a pixel of what is seen.
 	const std::string pieces[] = {"word ",        "iiii", "||||",     "e\xCC\x81\xCC\xA3",
@@ -326,7 +326,7 @@ TEST(PixelCanvas, LosesNothingThatCanBeSeenOfALongLine)
 		}
 }
 
-TEST(PixelCanvas, DrawsALineOf1022CharactersAsCheaplyAsAShortOne)
+TEST(PixelCanvas, draws_a_line_of_1022_characters_as_cheaply_as_a_short_one)
 {
 	std::string line;
 	while (line.size() < 1022)
@@ -351,7 +351,7 @@ TEST(PixelCanvas, DrawsALineOf1022CharactersAsCheaplyAsAShortOne)
 	EXPECT_LT(time(std::string(1000000, 'x')), 50 * once);
 }
 
-TEST(PixelCanvas, ShowsControlsAndInvalidBytes)
+TEST(PixelCanvas, shows_controls_and_invalid_bytes)
 {
 	for (const std::string &nasty :
 	     {"\x1b"s, "\x07"s, "\v"s, "\0"s, "\xff"s, "\xc2\x9b"s, "\x7f"s, "\xe2\x80\xae"s}) {
@@ -364,7 +364,7 @@ TEST(PixelCanvas, ShowsControlsAndInvalidBytes)
 	}
 }
 
-TEST(PixelCanvas, TellsTheControlsApart)
+TEST(PixelCanvas, tells_the_controls_apart)
 {
 	std::set<std::string> pictures;
 	for (char c = 0; c < 0x20; ++c) {
@@ -377,7 +377,7 @@ TEST(PixelCanvas, TellsTheControlsApart)
 	EXPECT_EQ(pictures.size(), 30u);
 }
 
-TEST(PixelCanvas, DrawsAnyBytesAtAnySize)
+TEST(PixelCanvas, draws_any_bytes_at_any_size)
 {
 	std::mt19937 random(4);
 	std::uniform_int_distribution<int> byte(0, 255), length(0, 300), place(-100, 800), size(-5, 300);
@@ -394,7 +394,7 @@ TEST(PixelCanvas, DrawsAnyBytesAtAnySize)
 	}
 }
 
-TEST(PixelCanvas, ObeysNoBidirectionalOverride)
+TEST(PixelCanvas, obeys_no_bidirectional_override)
 {
 	PixelCanvas plain, nasty;
 	plain.text({0, 0, 300, 20},
@@ -408,7 +408,7 @@ TEST(PixelCanvas, ObeysNoBidirectionalOverride)
 	EXPECT_EQ(copyOf(plain), copyOf(nasty));
 }
 
-TEST(PixelCanvas, DrawsTheSameWhateverTheMachineSettings)
+TEST(PixelCanvas, draws_the_same_whatever_the_machine_settings)
 {
 	PixelCanvas canvas;
 	canvas.text({0, 0, 300, 20}, "Text", columns());
@@ -420,7 +420,7 @@ TEST(PixelCanvas, DrawsTheSameWhateverTheMachineSettings)
 		}
 }
 
-TEST(PixelCanvas, FramesAWindow)
+TEST(PixelCanvas, frames_a_window)
 {
 	const FrameStyle style = {red, green, green, white, blue, 8};
 	const Rect outer = {96, 70, 408, 264}, client = {100, 100, 400, 230};
@@ -444,7 +444,7 @@ TEST(PixelCanvas, FramesAWindow)
 	EXPECT_EQ(at(canvas, 300, 40), white) << "the shadow is narrow";
 }
 
-TEST(PixelCanvas, DrawsTheColourKeyInItsColourWithinItsArea)
+TEST(PixelCanvas, draws_the_colour_key_in_its_colour_within_its_area)
 {
 	const Rect area = {100, 100, 24, 20};
 	PixelCanvas canvas;
@@ -456,7 +456,7 @@ TEST(PixelCanvas, DrawsTheColourKeyInItsColourWithinItsArea)
 	EXPECT_EQ(at(canvas, 100, 100), Color{});
 }
 
-TEST(PixelCanvas, WritesAPng)
+TEST(PixelCanvas, writes_a_png)
 {
 	const support::TempFolder folder;
 	PixelCanvas canvas;

@@ -57,7 +57,7 @@ double contrast(Color a, Color b)
 	return x > y ? x / y : y / x;
 }
 
-TEST(StandardSkin, HasWhatThePluginAsksFor)
+TEST(StandardSkin, has_what_the_plugin_asks_for)
 {
 	std::string error;
 	const auto skin = Skin::load(standard, error);
@@ -70,7 +70,7 @@ TEST(StandardSkin, HasWhatThePluginAsksFor)
 	EXPECT_GT(skin->decoration("eListBox").padding, 0);
 }
 
-TEST(StandardSkin, IsLegibleFromASofa)
+TEST(StandardSkin, is_legible_from_a_sofa)
 {
 	const Skin skin = skinOf(support::readFile(standard));
 	const Color back = skin.window.client;
@@ -89,14 +89,14 @@ TEST(StandardSkin, IsLegibleFromASofa)
 	EXPECT_GT(contrast(list.current, list.currentUnfocused), 1.5);
 }
 
-TEST(Skins, MayLeaveOutTheFontSize)
+TEST(Skins, may_leave_out_the_font_size)
 {
 	EXPECT_EQ(skinOf("[values]\n").value("fontsize"), std::nullopt);
 	EXPECT_EQ(skinOf("").value("fontsize"), std::nullopt);
 	EXPECT_EQ(skinOf("[values]\nother = -7\n").value("other"), -7);
 }
 
-TEST(Skins, ThatLeaveOutEverythingAreStillLegible)
+TEST(Skins, that_leave_out_everything_are_still_legible)
 {
 	const Skin skin = skinOf("");
 	EXPECT_GT(contrast(skin.decoration("eListBox").text, skin.window.client), 7);
@@ -105,7 +105,7 @@ TEST(Skins, ThatLeaveOutEverythingAreStillLegible)
 	EXPECT_GT(contrast(skin.decoration("unheard of").text, skin.window.client), 7);
 }
 
-TEST(Skins, TakeColoursFromThePaletteWhereverItStands)
+TEST(Skins, take_colours_from_the_palette_wherever_it_stands)
 {
 	const Skin skin = skinOf("[window]\nclient = 'deep'\nborder = \"#A1b2C3\"\ntitle = ['deep', '#010203']\n"
 	                         "title_text = 'snow'\nradius = 9\n"
@@ -131,7 +131,7 @@ TEST(Skins, TakeColoursFromThePaletteWhereverItStands)
 	EXPECT_EQ(skin.backdrop.bottom, deep);
 }
 
-TEST(Skins, TellWhatIsWrongAndWhere)
+TEST(Skins, tell_what_is_wrong_and_where)
 {
 	const struct
 	{
@@ -178,14 +178,14 @@ TEST(Skins, TellWhatIsWrongAndWhere)
 		EXPECT_EQ(mistakeIn(mistake.text), mistake.error);
 }
 
-TEST(Skins, TellTheLineOfASyntaxError)
+TEST(Skins, tell_the_line_of_a_syntax_error)
 {
 	EXPECT_EQ(mistakeIn("[values]\nfontsize 20\n").find("skin \"test.toml\", line 2: "), 0u);
 	EXPECT_EQ(mistakeIn("[values\n").find("skin \"test.toml\", line 1: "), 0u);
 	EXPECT_EQ(mistakeIn("a = 1\na = 2\n").find("skin \"test.toml\", line 2: "), 0u);
 }
 
-TEST(SkinFiles, ThatCannotBeReadAreNamed)
+TEST(SkinFiles, that_cannot_be_read_are_named)
 {
 	const support::TempFolder folder;
 	EXPECT_EQ(loadMistake(folder.path() + "/none.toml"),
@@ -204,13 +204,13 @@ TEST(SkinFiles, ThatCannotBeReadAreNamed)
 	}
 }
 
-TEST(SkinFiles, WithNastyNamesStayOneLineInErrors)
+TEST(SkinFiles, with_nasty_names_stay_one_line_in_errors)
 {
 	EXPECT_EQ(loadMistake("no\nsuch\x1b[2Jfile"),
 	          "cannot read the skin \"no\xE2\x90\x8Asuch\xE2\x90\x9B[2Jfile\": No such file or directory");
 }
 
-TEST(Skins, NeverCrashOnAnyBytes)
+TEST(Skins, never_crash_on_any_bytes)
 {
 	const std::string good = support::readFile(standard);
 	std::mt19937 random(3);
@@ -247,7 +247,7 @@ TEST(Skins, NeverCrashOnAnyBytes)
 	mistakeIn("\0\0\0"s);
 }
 
-TEST(Skins, ThatNestTooDeepAreRefused)
+TEST(Skins, that_nest_too_deep_are_refused)
 {
 	std::string key = "a";
 	for (int i = 0; i < 40000; ++i)

@@ -34,14 +34,14 @@ std::string utf8(uint32_t c)
 	        byte(0x80 | (c & 0x3F))};
 }
 
-TEST(VisibleText, LeavesOrdinaryTextAsItIs)
+TEST(VisibleText, leaves_ordinary_text_as_it_is)
 {
 	for (const char *text : {"", "plain ASCII ~", "Größe, żółć, Ελληνικά, Русский, العربية, 日本語",
 	                         "\xF0\x9F\x98\x80", "e\xCC\x81", "50% {} \\n"})
 		EXPECT_EQ(visibleText(text), text);
 }
 
-TEST(VisibleText, ShowsEveryControlAsItsPicture)
+TEST(VisibleText, shows_every_control_as_its_picture)
 {
 	for (uint32_t c = 0; c < 0x20; ++c) {
 		if (c == '\t')
@@ -52,7 +52,7 @@ TEST(VisibleText, ShowsEveryControlAsItsPicture)
 	EXPECT_EQ(visibleText("\x1b[31m"), utf8(0x241B) + "[31m");
 }
 
-TEST(VisibleText, MakesBlanksOfTabsUpToTheNextStop)
+TEST(VisibleText, makes_blanks_of_tabs_up_to_the_next_stop)
 {
 	EXPECT_EQ(visibleText("\tb"), "        b");
 	EXPECT_EQ(visibleText("1234567\tb"), "1234567 b");
@@ -61,7 +61,7 @@ TEST(VisibleText, MakesBlanksOfTabsUpToTheNextStop)
 	EXPECT_EQ(visibleText("\x1b\xff\t|"), utf8(0x241B) + mark + "      |");
 }
 
-TEST(VisibleText, MarksWhatShowsNothing)
+TEST(VisibleText, marks_what_shows_nothing)
 {
 	for (uint32_t c : {0xADu,   0x34Fu,   0x61Cu,   0x115Fu,  0x180Eu,  0x200Bu, 0x200Cu, 0x200Du,
 	                   0x2060u, 0x2064u,  0x206Fu,  0x3164u,  0xFE00u,  0xFE0Fu, 0xFEFFu, 0xFFA0u,
@@ -72,7 +72,7 @@ TEST(VisibleText, MarksWhatShowsNothing)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + utf8(c) + "b") << std::hex << c;
 }
 
-TEST(LocalText, IsAsciiWhereTheLocaleIsNotUtf8)
+TEST(LocalText, is_ascii_where_the_locale_is_not_utf_8)
 {
 	const std::string before = setlocale(LC_CTYPE, nullptr);
 	ASSERT_TRUE(setlocale(LC_CTYPE, "C.UTF-8"));
@@ -83,14 +83,14 @@ TEST(LocalText, IsAsciiWhereTheLocaleIsNotUtf8)
 	setlocale(LC_CTYPE, before.c_str());
 }
 
-TEST(VisibleText, MarksEveryC1Control)
+TEST(VisibleText, marks_every_c1_control)
 {
 	for (uint32_t c = 0x80; c < 0xA0; ++c)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << c;
 	EXPECT_EQ(visibleText(utf8(0xA0)), utf8(0xA0));
 }
 
-TEST(VisibleText, MarksSeparatorsAndBidirectionalFormattingOnceEach)
+TEST(VisibleText, marks_separators_and_bidirectional_formatting_once_each)
 {
 	for (uint32_t c = 0x2028; c <= 0x202E; ++c)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
@@ -101,14 +101,14 @@ TEST(VisibleText, MarksSeparatorsAndBidirectionalFormattingOnceEach)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + utf8(c) + "b") << std::hex << c;
 }
 
-TEST(VisibleText, MarksEveryByteOfASurrogate)
+TEST(VisibleText, marks_every_byte_of_a_surrogate)
 {
 	for (uint32_t c : {0xD800u, 0xDABCu, 0xDBFFu, 0xDC00u, 0xDFFFu})
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + marks(3) + "b") << std::hex << c;
 	EXPECT_EQ(visibleText(utf8(0xD7FF) + utf8(0xE000)), utf8(0xD7FF) + utf8(0xE000));
 }
 
-TEST(VisibleText, MarksEveryByteThatIsNoUtf8)
+TEST(VisibleText, marks_every_byte_that_is_no_utf_8)
 {
 	EXPECT_EQ(visibleText("a\xFE\xFF"
 	                      "b"),
@@ -119,7 +119,7 @@ TEST(VisibleText, MarksEveryByteThatIsNoUtf8)
 		EXPECT_EQ(visibleText(std::string(1, static_cast<char>(lead)) + "\x80\x80\x80"), marks(4)) << lead;
 }
 
-TEST(VisibleText, MarksEveryByteOfAnOverlongForm)
+TEST(VisibleText, marks_every_byte_of_an_overlong_form)
 {
 	EXPECT_EQ(visibleText("\xC0\x80"), marks(2));
 	EXPECT_EQ(visibleText("\xC1\xBF"), marks(2));
@@ -129,13 +129,13 @@ TEST(VisibleText, MarksEveryByteOfAnOverlongForm)
 	EXPECT_EQ(visibleText("\xF0\x90\x80\x80"), "\xF0\x90\x80\x80");
 }
 
-TEST(VisibleText, MarksWhatLiesBeyondUnicode)
+TEST(VisibleText, marks_what_lies_beyond_unicode)
 {
 	EXPECT_EQ(visibleText("\xF4\x8F\xBF\xBD"), "\xF4\x8F\xBF\xBD");
 	EXPECT_EQ(visibleText("\xF4\x90\x80\x80"), marks(4));
 }
 
-TEST(VisibleText, MarksEveryByteOfATruncatedSequence)
+TEST(VisibleText, marks_every_byte_of_a_truncated_sequence)
 {
 	for (const std::string &whole : {utf8(0xE9), utf8(0x20AC), utf8(0x1F600)})
 		for (size_t length = 1; length < whole.size(); ++length) {
@@ -146,7 +146,7 @@ TEST(VisibleText, MarksEveryByteOfATruncatedSequence)
 		}
 }
 
-TEST(VisibleText, LeavesOutOneLineEndAtTheEnd)
+TEST(VisibleText, leaves_out_one_line_end_at_the_end)
 {
 	EXPECT_EQ(visibleText("line\n"), "line");
 	EXPECT_EQ(visibleText("line\n\n"), "line" + utf8(0x240A));
@@ -155,7 +155,7 @@ TEST(VisibleText, LeavesOutOneLineEndAtTheEnd)
 	EXPECT_EQ(visibleText("\n"), "");
 }
 
-TEST(VisibleText, IsNeverChangedByASecondTime)
+TEST(VisibleText, is_never_changed_by_a_second_time)
 {
 	std::mt19937 random(1);
 	std::uniform_int_distribution<int> byte(0, 255), length(0, 40);
@@ -170,7 +170,7 @@ TEST(VisibleText, IsNeverChangedByASecondTime)
 	}
 }
 
-TEST(TextColumns, CountNarrowWideAndCombiningCharacters)
+TEST(TextColumns, count_narrow_wide_and_combining_characters)
 {
 	EXPECT_EQ(textColumns(""), 0);
 	EXPECT_EQ(textColumns("abc"), 3);
@@ -182,7 +182,7 @@ TEST(TextColumns, CountNarrowWideAndCombiningCharacters)
 	EXPECT_EQ(textColumns(visibleText("\x1b\xff\t")), 8);
 }
 
-TEST(TextWidth, IsNeverLessThanTheCellsOfATerminal)
+TEST(TextWidth, is_never_less_than_the_cells_of_a_terminal)
 {
 	EXPECT_GE(textWidth("iiiiiiiiii", 20, false), 80);
 	EXPECT_GE(textWidth("日本", 8, false), 32);
@@ -212,7 +212,7 @@ std::string without(std::string text, const std::string &characters)
 	return text;
 }
 
-TEST(WrapText, LeavesShortLinesAndLineEndsAsTheyAre)
+TEST(WrapText, leaves_short_lines_and_line_ends_as_they_are)
 {
 	EXPECT_EQ(wrapText("", 300, 20, false), "");
 	EXPECT_EQ(wrapText("Kill 77 pid?", 300, 20, false), "Kill 77 pid?");
@@ -220,7 +220,7 @@ TEST(WrapText, LeavesShortLinesAndLineEndsAsTheyAre)
 	EXPECT_EQ(wrapText("  indented", 300, 20, false), "  indented");
 }
 
-TEST(WrapText, BreaksAtBlanks)
+TEST(WrapText, breaks_at_blanks)
 {
 	const std::string text = "Delete the whole log of the last scan of all the channels that there are?";
 	const std::string wrapped = wrapText(text, 200, 20, false);
@@ -231,13 +231,13 @@ TEST(WrapText, BreaksAtBlanks)
 	EXPECT_EQ(joined, text);
 }
 
-TEST(WrapText, MakesNoLineOfBlanksBeyondTheEdge)
+TEST(WrapText, makes_no_line_of_blanks_beyond_the_edge)
 {
 	EXPECT_EQ(wrapText("word" + std::string(200, ' '), 100, 20, false), "word");
 	EXPECT_EQ(wrapText("word" + std::string(200, ' ') + "next", 100, 20, false), "word\nnext");
 }
 
-TEST(WrapText, BreaksALongWordWithin)
+TEST(WrapText, breaks_a_long_word_within)
 {
 	const std::string word(300, 'w');
 	const std::string wrapped = wrapText("a " + word + " b", 200, 20, false);
@@ -245,7 +245,7 @@ TEST(WrapText, BreaksALongWordWithin)
 	EXPECT_EQ(without(wrapped, " \n"), "a" + word + "b");
 }
 
-TEST(WrapText, KeepsMarksWithTheirLetters)
+TEST(WrapText, keeps_marks_with_their_letters)
 {
 	std::string word;
 	for (int i = 0; i < 100; ++i)
@@ -256,7 +256,7 @@ TEST(WrapText, KeepsMarksWithTheirLetters)
 	EXPECT_EQ(wrapped.find("\n\xCC"), wrapped.npos);
 }
 
-TEST(WrapText, BreaksRightToLeftTextInItsOrderOfReading)
+TEST(WrapText, breaks_right_to_left_text_in_its_order_of_reading)
 {
 	const std::string text = "هل تريد حذف سجل البحث كله عن القنوات من هذا الجهاز الآن أم لا؟";
 	const std::string wrapped = wrapText(text, 200, 20, false);
@@ -266,13 +266,13 @@ TEST(WrapText, BreaksRightToLeftTextInItsOrderOfReading)
 	EXPECT_EQ(joined, text);
 }
 
-TEST(WrapText, GivesEveryCharacterALineWhenThereIsNoRoom)
+TEST(WrapText, gives_every_character_a_line_when_there_is_no_room)
 {
 	for (int width : {0, -5, 1, 7})
 		EXPECT_EQ(wrapText("abc d", width, 20, false), "a\nb\nc\nd") << width;
 }
 
-TEST(WrapText, TakesAnyBytes)
+TEST(WrapText, takes_any_bytes)
 {
 	std::mt19937 random(2);
 	std::uniform_int_distribution<int> byte(0, 255), length(0, 120), width(-10, 300), row(-5, 60);

@@ -67,7 +67,7 @@ void backdrop(CellCanvas &canvas)
 	canvas.fill({0, 0, screenWidth, screenHeight}, Fill::plain(black));
 }
 
-TEST(CellCanvas, ALineStandsInTheRowThatItsMiddleIsIn)
+TEST(CellCanvas, a_line_stands_in_the_row_that_its_middle_is_in)
 {
 	CellCanvas canvas;
 	canvas.text({16, 0, 400, 20}, "first", style());
@@ -79,7 +79,7 @@ TEST(CellCanvas, ALineStandsInTheRowThatItsMiddleIsIn)
 	EXPECT_EQ(rowText(canvas, 3), "  fourth");
 }
 
-TEST(CellCanvas, RowsOfTheDefaultHeightAreConsecutiveWhereverTheyStart)
+TEST(CellCanvas, rows_of_the_default_height_are_consecutive_wherever_they_start)
 {
 	for (int y = 0; y < 40; ++y) {
 		CellCanvas canvas;
@@ -91,14 +91,14 @@ TEST(CellCanvas, RowsOfTheDefaultHeightAreConsecutiveWhereverTheyStart)
 	}
 }
 
-TEST(CellCanvas, TheLastRowIsOneThoughItIsNotWholeOnTheScreen)
+TEST(CellCanvas, the_last_row_is_one_though_it_is_not_whole_on_the_screen)
 {
 	CellCanvas canvas;
 	canvas.text({0, 560, 400, 20}, "down here", style());
 	EXPECT_EQ(rowText(canvas, 28), "down here");
 }
 
-TEST(CellCanvas, TheFirstColumnIsTheNearest)
+TEST(CellCanvas, the_first_column_is_the_nearest)
 {
 	CellCanvas canvas;
 	canvas.text({3, 0, 400, 20}, "a", style());
@@ -109,7 +109,7 @@ TEST(CellCanvas, TheFirstColumnIsTheNearest)
 	EXPECT_EQ(rowText(canvas, 2), "  c");
 }
 
-TEST(CellCanvas, TextIsAlignedInItsArea)
+TEST(CellCanvas, text_is_aligned_in_its_area)
 {
 	CellCanvas canvas;
 	canvas.text({0, 0, 80, 20}, "abcd", style(20, Face::prose, Align::centre));
@@ -120,7 +120,7 @@ TEST(CellCanvas, TextIsAlignedInItsArea)
 	EXPECT_EQ(rowText(canvas, 2), "ab");
 }
 
-TEST(CellCanvas, TextIsCutAtItsAreaAndAtTheClip)
+TEST(CellCanvas, text_is_cut_at_its_area_and_at_the_clip)
 {
 	CellCanvas canvas;
 	canvas.text({0, 0, 40, 20}, "0123456789", style());
@@ -140,7 +140,7 @@ TEST(CellCanvas, TextIsCutAtItsAreaAndAtTheClip)
 	EXPECT_EQ(rowText(canvas, 20), "");
 }
 
-TEST(CellCanvas, WideCharactersTakeTwoCellsAndAreNeverSplit)
+TEST(CellCanvas, wide_characters_take_two_cells_and_are_never_split)
 {
 	CellCanvas canvas;
 	canvas.text({0, 0, 400, 20}, "a\xE6\x97\xA5z", style());
@@ -160,7 +160,7 @@ TEST(CellCanvas, WideCharactersTakeTwoCellsAndAreNeverSplit)
 	EXPECT_EQ(rowText(canvas, 3), "");
 }
 
-TEST(CellCanvas, CombiningCharactersShareTheCellOfTheirBase)
+TEST(CellCanvas, combining_characters_share_the_cell_of_their_base)
 {
 	CellCanvas canvas;
 	canvas.text({0, 0, 400, 20}, "e\xCC\x81x", style());
@@ -176,7 +176,7 @@ TEST(CellCanvas, CombiningCharactersShareTheCellOfTheirBase)
 	EXPECT_EQ(cellAt(canvas, 2, 1).glyph, "x");
 }
 
-TEST(CellCanvas, NastyBytesBecomeVisibleMarks)
+TEST(CellCanvas, nasty_bytes_become_visible_marks)
 {
 	CellCanvas canvas;
 	canvas.text({0, 0, 400, 20}, std::string_view("a\0b\033[2J\xFF\n", 9), style());
@@ -186,7 +186,7 @@ TEST(CellCanvas, NastyBytesBecomeVisibleMarks)
 	EXPECT_EQ(rowText(canvas, 1), std::string(50, 'x'));
 }
 
-TEST(CellCanvas, AFillGoesToTheNearestCellEdges)
+TEST(CellCanvas, a_fill_goes_to_the_nearest_cell_edges)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
@@ -197,7 +197,7 @@ TEST(CellCanvas, AFillGoesToTheNearestCellEdges)
 				<< row << ' ' << column;
 }
 
-TEST(CellCanvas, AThinBarIsAColumnAndAHairlineIsNothing)
+TEST(CellCanvas, a_thin_bar_is_a_column_and_a_hairline_is_nothing)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
@@ -208,7 +208,7 @@ TEST(CellCanvas, AThinBarIsAColumnAndAHairlineIsNothing)
 		EXPECT_NE(cellAt(canvas, 3, column).ground, red);
 }
 
-TEST(CellCanvas, TheScrollBarsPartsAreKnown)
+TEST(CellCanvas, the_scroll_bars_parts_are_known)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
@@ -220,7 +220,7 @@ TEST(CellCanvas, TheScrollBarsPartsAreKnown)
 	EXPECT_FALSE(cellAt(canvas, 2, 10).current);
 }
 
-TEST(CellCanvas, AFillCoversTheTextsWhoseMiddleItCovers)
+TEST(CellCanvas, a_fill_covers_the_texts_whose_middle_it_covers)
 {
 	CellCanvas canvas;
 	canvas.text({0, 0, 400, 20}, "abcdef", style());
@@ -235,7 +235,7 @@ TEST(CellCanvas, AFillCoversTheTextsWhoseMiddleItCovers)
 	EXPECT_EQ(rowText(canvas, 1), "aftere") << "what is painted later is in front";
 }
 
-TEST(CellCanvas, TextStandsOnWhatIsBeneathAndItsBlanksHideNothing)
+TEST(CellCanvas, text_stands_on_what_is_beneath_and_its_blanks_hide_nothing)
 {
 	CellCanvas canvas;
 	canvas.fill({0, 0, 400, 20}, Fill::plain(blue));
@@ -246,7 +246,7 @@ TEST(CellCanvas, TextStandsOnWhatIsBeneathAndItsBlanksHideNothing)
 	EXPECT_EQ(cellAt(canvas, 0, 4).text, white);
 }
 
-TEST(CellCanvas, TheCurrentEntryIsMarkedOverItsWholeWidth)
+TEST(CellCanvas, the_current_entry_is_marked_over_its_whole_width)
 {
 	CellCanvas canvas;
 	canvas.fill({0, 0, 400, 400}, Fill::plain(grey));
@@ -260,7 +260,7 @@ TEST(CellCanvas, TheCurrentEntryIsMarkedOverItsWholeWidth)
 	EXPECT_FALSE(cellAt(canvas, 2, 0).current);
 }
 
-TEST(CellCanvas, AButtonIsARowHigh)
+TEST(CellCanvas, a_button_is_a_row_high)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
@@ -273,7 +273,7 @@ TEST(CellCanvas, AButtonIsARowHigh)
 	EXPECT_EQ(rowText(canvas, 4), std::string(19, ' ') + "OK");
 }
 
-TEST(CellCanvas, AFrameIsDrawnAroundItsClientArea)
+TEST(CellCanvas, a_frame_is_drawn_around_its_client_area)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
@@ -291,7 +291,7 @@ TEST(CellCanvas, AFrameIsDrawnAroundItsClientArea)
 	EXPECT_TRUE(cellAt(canvas, 2, 11).bold);
 }
 
-TEST(CellCanvas, ALongTitleIsCutAndAnEmptyOneIsALine)
+TEST(CellCanvas, a_long_title_is_cut_and_an_empty_one_is_a_line)
 {
 	CellCanvas canvas;
 	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "A title that is long", FrameStyle());
@@ -300,7 +300,7 @@ TEST(CellCanvas, ALongTitleIsCutAndAnEmptyOneIsALine)
 	EXPECT_EQ(rowText(canvas, 2), "         +----------+");
 }
 
-TEST(CellCanvas, AWindowCoversWhatIsBeneath)
+TEST(CellCanvas, a_window_covers_what_is_beneath)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
@@ -313,7 +313,7 @@ TEST(CellCanvas, AWindowCoversWhatIsBeneath)
 	EXPECT_EQ(rowText(canvas, 8), std::string(40, 'i'));
 }
 
-TEST(CellCanvas, AWindowAtTheEdgeLosesOnlyTheLinesBeyond)
+TEST(CellCanvas, a_window_at_the_edge_loses_only_the_lines_beyond)
 {
 	CellCanvas canvas;
 	canvas.frame({0, 0, 720, 576}, {0, 30, 720, 546}, "Whole", FrameStyle());
@@ -324,7 +324,7 @@ TEST(CellCanvas, AWindowAtTheEdgeLosesOnlyTheLinesBeyond)
 	EXPECT_EQ(rowText(canvas, 28), "last");
 }
 
-TEST(CellCanvas, TextStaysInsideOfItsWindow)
+TEST(CellCanvas, text_stays_inside_of_its_window)
 {
 	for (int y = 50; y < 90; ++y) {
 		CellCanvas canvas;
@@ -347,7 +347,7 @@ TEST(CellCanvas, TextStaysInsideOfItsWindow)
 	}
 }
 
-TEST(CellCanvas, AColourKeyIsItsInitialOnItsColour)
+TEST(CellCanvas, a_colour_key_is_its_initial_on_its_colour)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
@@ -382,7 +382,7 @@ void paintWindow(CellCanvas &canvas, const std::vector<int> &written, int curren
 	}
 }
 
-TEST(CellCanvas, WhereRowsAreFewWhatIsOutsideOfTheWindowsIsLeftOutFirst)
+TEST(CellCanvas, where_rows_are_few_what_is_outside_of_the_windows_is_left_out_first)
 {
 	CellCanvas canvas;
 	paintWindow(canvas, {10, 11, 15, 19}, 11);
@@ -397,7 +397,7 @@ TEST(CellCanvas, WhereRowsAreFewWhatIsOutsideOfTheWindowsIsLeftOutFirst)
 	EXPECT_EQ(rows.back(), 20);
 }
 
-TEST(CellCanvas, ThenRowsWithoutTextAreLeftOutAndNoOthers)
+TEST(CellCanvas, then_rows_without_text_are_left_out_and_no_others)
 {
 	CellCanvas canvas;
 	paintWindow(canvas, {10, 11, 15, 19}, 11);
@@ -410,7 +410,7 @@ TEST(CellCanvas, ThenRowsWithoutTextAreLeftOutAndNoOthers)
 	EXPECT_EQ(canvas.rowsWithin(1, 6), (std::vector<int>{9, 10, 12, 19, 20})) << "an empty entry is one";
 }
 
-TEST(CellCanvas, WhenTextMustGiveWayTheViewFollowsTheViewer)
+TEST(CellCanvas, when_text_must_give_way_the_view_follows_the_viewer)
 {
 	const std::vector<int> all = {10, 11, 12, 13, 14, 15, 16, 17, 18, 19};
 	for (const int current : all) {
@@ -422,7 +422,7 @@ TEST(CellCanvas, WhenTextMustGiveWayTheViewFollowsTheViewer)
 	}
 }
 
-TEST(CellCanvas, WhereColumnsAreFewTheMiddleIsShownUnlessAWindowBeginsBefore)
+TEST(CellCanvas, where_columns_are_few_the_middle_is_shown_unless_a_window_begins_before)
 {
 	CellCanvas canvas;
 	paintWindow(canvas, {10}, 10);
@@ -432,7 +432,7 @@ TEST(CellCanvas, WhereColumnsAreFewTheMiddleIsShownUnlessAWindowBeginsBefore)
 	EXPECT_EQ(canvas.firstColumnWithin(80), 1);
 }
 
-TEST(CellCanvas, AButtonKnowsWhereItBeginsAndEnds)
+TEST(CellCanvas, a_button_knows_where_it_begins_and_ends)
 {
 	CellCanvas canvas;
 	canvas.fill({0, 0, 400, 400}, Fill::plain(grey));
@@ -443,7 +443,7 @@ TEST(CellCanvas, AButtonKnowsWhereItBeginsAndEnds)
 	EXPECT_EQ(cellAt(canvas, 4, 10).below, grey);
 }
 
-TEST(CellCanvas, RepeatedPaintingNeedsNoMoreTime)
+TEST(CellCanvas, repeated_painting_needs_no_more_time)
 {
 	CellCanvas canvas;
 	std::string first;
@@ -457,7 +457,7 @@ TEST(CellCanvas, RepeatedPaintingNeedsNoMoreTime)
 	EXPECT_EQ(allText(canvas), first);
 }
 
-TEST(CellCanvas, NoNumbersAreTooStrange)
+TEST(CellCanvas, no_numbers_are_too_strange)
 {
 	std::mt19937 random(1);
 	const auto pick = [&](int from, int to) { return std::uniform_int_distribution<int>(from, to)(random); };

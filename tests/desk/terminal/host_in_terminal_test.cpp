@@ -45,7 +45,7 @@ protected:
 	support::Receiver receiver;
 };
 
-TEST_F(HostInTerminal, AllFourScreensCanBeReadAndLeft)
+TEST_F(HostInTerminal, all_four_screens_can_be_read_and_left)
 {
 	Tmux terminal(80, 24);
 	open(terminal);
@@ -84,7 +84,7 @@ TEST_F(HostInTerminal, AllFourScreensCanBeReadAndLeft)
 	EXPECT_EQ(terminal.state(), "0 1 0");
 }
 
-TEST_F(HostInTerminal, ALogIsDeletedWhenTheViewerSaysYes)
+TEST_F(HostInTerminal, a_log_is_deleted_when_the_viewer_says_yes)
 {
 	Tmux terminal(80, 24);
 	open(terminal);
@@ -105,7 +105,7 @@ TEST_F(HostInTerminal, ALogIsDeletedWhenTheViewerSaysYes)
 	EXPECT_EQ(terminal.screen().find("first line"), std::string::npos);
 }
 
-TEST_F(HostInTerminal, AProcessIsKilledAndNoOther)
+TEST_F(HostInTerminal, a_process_is_killed_and_no_other)
 {
 	Tmux terminal(80, 24);
 	terminal.enter("sleep 4321 & echo $! >" + terminal.folder() + "/victim; sleep 4322 & echo $! >" +
@@ -152,7 +152,7 @@ TEST_F(HostInTerminal, AProcessIsKilledAndNoOther)
 	EXPECT_TRUE(terminal.shows("plugin_exec returned "));
 }
 
-TEST_F(HostInTerminal, CommandsDoNotTearTheScreen)
+TEST_F(HostInTerminal, commands_do_not_tear_the_screen)
 {
 	receiver.write("bin/df", "#!/bin/sh\nprintf '\\033[2J\\033[HOUT OF ORDER\\n' >&2\nstty -echo </dev/tty\n",
 	               true);
@@ -169,7 +169,7 @@ TEST_F(HostInTerminal, CommandsDoNotTearTheScreen)
 	EXPECT_TRUE(terminal.shows("OUT OF ORDER")); // kept until now
 }
 
-TEST_F(HostInTerminal, ResizingAndCtrlCLeaveAllInOrder)
+TEST_F(HostInTerminal, resizing_and_ctrl_c_leave_all_in_order)
 {
 	Tmux terminal(80, 24);
 	open(terminal);
@@ -184,7 +184,7 @@ TEST_F(HostInTerminal, ResizingAndCtrlCLeaveAllInOrder)
 	EXPECT_EQ(terminal.state(), "0 1 0");
 }
 
-TEST_F(HostInTerminal, ATerminalThatCannotBeUsedIsOneClearLine)
+TEST_F(HostInTerminal, a_terminal_that_cannot_be_used_is_one_clear_line)
 {
 	Tmux terminal(150, 30, "dumb");
 	terminal.start(host());

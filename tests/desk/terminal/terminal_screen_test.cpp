@@ -59,7 +59,7 @@ void expectRestored(int status, const End &end, const std::string &also = "", co
 	EXPECT_TRUE(terminal.shows("the shell lives"));
 }
 
-TEST(TerminalScreen, KeysOfEveryKindArrive)
+TEST(TerminalScreen, keys_of_every_kind_arrive)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -88,7 +88,7 @@ TEST(TerminalScreen, KeysOfEveryKindArrive)
 	EXPECT_EQ(said.substr(0, said.find("status")), "keys:" + all + " exit");
 }
 
-TEST(TerminalScreen, KeysThatOtherTerminalsSendArriveToo)
+TEST(TerminalScreen, keys_that_other_terminals_send_arrive_too)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -104,7 +104,7 @@ TEST(TerminalScreen, KeysThatOtherTerminalsSendArriveToo)
 	}
 }
 
-TEST(TerminalScreen, EscIsExit)
+TEST(TerminalScreen, esc_is_exit)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -114,7 +114,7 @@ TEST(TerminalScreen, EscIsExit)
 	EXPECT_TRUE(terminal.shows("status=0"));
 }
 
-TEST(TerminalScreen, UnknownKeysDoNothing)
+TEST(TerminalScreen, unknown_keys_do_nothing)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -129,7 +129,7 @@ TEST(TerminalScreen, UnknownKeysDoNothing)
 	EXPECT_TRUE(terminal.shows("keys: down exit\n"));
 }
 
-TEST(TerminalScreen, AScreenIsDrawnWithLinesAndHelp)
+TEST(TerminalScreen, a_screen_is_drawn_with_lines_and_help)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -151,7 +151,7 @@ TEST(TerminalScreen, AScreenIsDrawnWithLinesAndHelp)
 	EXPECT_TRUE(terminal.shows("\u2502 entry 9 "));
 }
 
-TEST(TerminalScreen, ATerminalThatIsTooSmallSaysSoAndGoesOnWhenItIsLarger)
+TEST(TerminalScreen, a_terminal_that_is_too_small_says_so_and_goes_on_when_it_is_larger)
 {
 	Tmux terminal(60, 20);
 	terminal.start(demo);
@@ -176,7 +176,7 @@ TEST(TerminalScreen, ATerminalThatIsTooSmallSaysSoAndGoesOnWhenItIsLarger)
 	EXPECT_TRUE(terminal.shows("keys: exit"));
 }
 
-TEST(TerminalScreen, IsWholeIn80Columns24Rows)
+TEST(TerminalScreen, is_whole_in_80_columns_24_rows)
 {
 	Tmux terminal(80, 24);
 	terminal.start(demo);
@@ -189,7 +189,7 @@ TEST(TerminalScreen, IsWholeIn80Columns24Rows)
 	EXPECT_NE(row(screen, 23).find(helpLine), std::string::npos) << screen;
 }
 
-TEST(TerminalScreen, F9ShowsTheLastNotesUntilAKeyIsPressed)
+TEST(TerminalScreen, f9_shows_the_last_notes_until_a_key_is_pressed)
 {
 	Tmux terminal(80, 24);
 	terminal.start(demo);
@@ -214,7 +214,7 @@ TEST(TerminalScreen, F9ShowsTheLastNotesUntilAKeyIsPressed)
 	EXPECT_TRUE(terminal.shows("status=0"));
 }
 
-TEST(TerminalScreen, ALargerTerminalHasTheScreenInItsMiddle)
+TEST(TerminalScreen, a_larger_terminal_has_the_screen_in_its_middle)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -225,22 +225,22 @@ TEST(TerminalScreen, ALargerTerminalHasTheScreenInItsMiddle)
 	EXPECT_EQ(row(screen, 34).find("Arrows"), 11u) << screen;
 }
 
-TEST(TerminalScreen, TheEndGivesTheTerminalBack)
+TEST(TerminalScreen, the_end_gives_the_terminal_back)
 {
 	expectRestored(0, [](const Tmux &terminal, int) { terminal.press("q"); });
 }
 
-TEST(TerminalScreen, ExitInTheMiddleGivesTheTerminalBack)
+TEST(TerminalScreen, exit_in_the_middle_gives_the_terminal_back)
 {
 	expectRestored(7, [](const Tmux &terminal, int) { terminal.press("3"); });
 }
 
-TEST(TerminalScreen, CtrlCGivesTheTerminalBack)
+TEST(TerminalScreen, ctrl_c_gives_the_terminal_back)
 {
 	expectRestored(130, [](const Tmux &terminal, int) { terminal.press("C-c"); });
 }
 
-TEST(TerminalScreen, CtrlCEndsWhatIsBusyToo)
+TEST(TerminalScreen, ctrl_c_ends_what_is_busy_too)
 {
 	expectRestored(130, [](const Tmux &terminal, int) {
 		terminal.press("9");
@@ -249,27 +249,27 @@ TEST(TerminalScreen, CtrlCEndsWhatIsBusyToo)
 	});
 }
 
-TEST(TerminalScreen, SigtermGivesTheTerminalBack)
+TEST(TerminalScreen, sigterm_gives_the_terminal_back)
 {
 	expectRestored(143, [](const Tmux &, int process) { kill(process, SIGTERM); });
 }
 
-TEST(TerminalScreen, SighupGivesTheTerminalBack)
+TEST(TerminalScreen, sighup_gives_the_terminal_back)
 {
 	expectRestored(129, [](const Tmux &, int process) { kill(process, SIGHUP); });
 }
 
-TEST(TerminalScreen, ACrashGivesTheTerminalBack)
+TEST(TerminalScreen, a_crash_gives_the_terminal_back)
 {
 	expectRestored(139, [](const Tmux &terminal, int) { terminal.press("5"); });
 }
 
-TEST(TerminalScreen, AnAbortGivesTheTerminalBack)
+TEST(TerminalScreen, an_abort_gives_the_terminal_back)
 {
 	expectRestored(134, [](const Tmux &terminal, int) { terminal.press("6"); });
 }
 
-TEST(TerminalScreen, AFullStackGivesTheTerminalBack)
+TEST(TerminalScreen, a_full_stack_gives_the_terminal_back)
 {
 	expectRestored(139, [](const Tmux &terminal, int) { terminal.press("7"); });
 }
@@ -282,20 +282,20 @@ void expectRestoredAfter(const std::string &way, int status, const std::string &
 		status, [](const Tmux &terminal, int) { terminal.press("4"); }, also, "env DEMO_END=" + way + " ");
 }
 
-TEST(TerminalScreen, EverySignalThatEndsGivesTheTerminalBack)
+TEST(TerminalScreen, every_signal_that_ends_gives_the_terminal_back)
 {
 	for (const int signal : {SIGXFSZ, SIGTRAP, SIGALRM, SIGKILL})
 		expectRestoredAfter(std::to_string(signal), 128 + signal);
 }
 
-TEST(TerminalScreen, EndsWithoutAWordGiveTheTerminalBack)
+TEST(TerminalScreen, ends_without_a_word_give_the_terminal_back)
 {
 	expectRestoredAfter("_exit", 7);
 	expectRestoredAfter("quick_exit", 7);
 	expectRestoredAfter("exec", 7, "written by another program");
 }
 
-TEST(TerminalScreen, ASignalEndsWhatIgnoresItAndWhatItHasStarted)
+TEST(TerminalScreen, a_signal_ends_what_ignores_it_and_what_it_has_started)
 {
 	for (const char *key : {"C-c", "TERM", "HUP"}) {
 		SCOPED_TRACE(key);
@@ -324,7 +324,7 @@ TEST(TerminalScreen, ASignalEndsWhatIgnoresItAndWhatItHasStarted)
 	}
 }
 
-TEST(TerminalScreen, WhatIsPrintedBesideTheScreenIsShownAfterwardsAndNotObeyed)
+TEST(TerminalScreen, what_is_printed_beside_the_screen_is_shown_afterwards_and_not_obeyed)
 {
 	Tmux terminal(90, 30);
 	terminal.start("env DEMO_END=print " + demo);
@@ -339,7 +339,7 @@ TEST(TerminalScreen, WhatIsPrintedBesideTheScreenIsShownAfterwardsAndNotObeyed)
 		terminal.shows("printed \u241B[31m in red\nby a command\nand its error\nkeys: 4 down exit\n"));
 }
 
-TEST(TerminalScreen, NotesAreShownWhenTheTerminalIsGivenBack)
+TEST(TerminalScreen, notes_are_shown_when_the_terminal_is_given_back)
 {
 	const auto note = [](const Tmux &terminal) {
 		terminal.press("1");
@@ -369,7 +369,7 @@ TEST(TerminalScreen, NotesAreShownWhenTheTerminalIsGivenBack)
 		"a note");
 }
 
-TEST(TerminalScreen, NotesAreBounded)
+TEST(TerminalScreen, notes_are_bounded)
 {
 	Tmux terminal(90, 30);
 	const std::string file = terminal.folder() + "/notes";
@@ -387,7 +387,7 @@ TEST(TerminalScreen, NotesAreBounded)
 	EXPECT_EQ(notes.find("note 200."), std::string::npos);
 }
 
-TEST(TerminalScreen, NotesGoAtOnceToAStandardErrorElsewhere)
+TEST(TerminalScreen, notes_go_at_once_to_a_standard_error_elsewhere)
 {
 	Tmux terminal(90, 30);
 	const std::string file = terminal.folder() + "/notes";
@@ -398,7 +398,7 @@ TEST(TerminalScreen, NotesGoAtOnceToAStandardErrorElsewhere)
 	EXPECT_EQ(support::readFile(file), "a note \u241B[31m in red\n");
 }
 
-TEST(TerminalScreen, StoppingGivesTheTerminalBackUntilTheProgramGoesOn)
+TEST(TerminalScreen, stopping_gives_the_terminal_back_until_the_program_goes_on)
 {
 	Tmux terminal(90, 30);
 	const std::string before = mode(terminal, "before");
@@ -425,7 +425,7 @@ TEST(TerminalScreen, StoppingGivesTheTerminalBackUntilTheProgramGoesOn)
 	EXPECT_EQ(mode(terminal, "after"), before);
 }
 
-TEST(TerminalScreen, AStopByAnotherSignalIsRepaired)
+TEST(TerminalScreen, a_stop_by_another_signal_is_repaired)
 {
 	Tmux terminal(90, 30);
 	const int process = terminal.start(demo);
@@ -443,7 +443,7 @@ TEST(TerminalScreen, AStopByAnotherSignalIsRepaired)
 	EXPECT_TRUE(terminal.shows("last key: down"));
 }
 
-TEST(TerminalScreen, CtrlLRepairsWhatOthersWrote)
+TEST(TerminalScreen, ctrl_l_repairs_what_others_wrote)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -457,7 +457,7 @@ TEST(TerminalScreen, CtrlLRepairsWhatOthersWrote)
 	EXPECT_EQ(terminal.screen(), whole);
 }
 
-TEST(TerminalScreen, CommandsAndTheirModesDoNoHarm)
+TEST(TerminalScreen, commands_and_their_modes_do_no_harm)
 {
 	Tmux terminal(90, 30);
 	terminal.start(demo);
@@ -468,7 +468,7 @@ TEST(TerminalScreen, CommandsAndTheirModesDoNoHarm)
 	EXPECT_TRUE(terminal.shows("last key: down"));
 }
 
-TEST(TerminalScreen, TerminalsThatCannotBeUsedGetOneClearLine)
+TEST(TerminalScreen, terminals_that_cannot_be_used_get_one_clear_line)
 {
 	const struct
 	{
@@ -493,7 +493,7 @@ TEST(TerminalScreen, TerminalsThatCannotBeUsedGetOneClearLine)
 	}
 }
 
-TEST(TerminalScreen, TheLocaleCNeedsNoOtherCharacters)
+TEST(TerminalScreen, the_locale_c_needs_no_other_characters)
 {
 	for (const char *type : {"tmux", "screen", "linux", "xterm", "vt100"}) {
 		Tmux terminal(90, 30, type, {{"LC_ALL", "C"}});
@@ -506,7 +506,7 @@ TEST(TerminalScreen, TheLocaleCNeedsNoOtherCharacters)
 	}
 }
 
-TEST(TerminalScreen, ColoursAreWhatTheTerminalHas)
+TEST(TerminalScreen, colours_are_what_the_terminal_has)
 {
 	using Variables = std::map<std::string, std::string>;
 	const struct
@@ -538,7 +538,7 @@ TEST(TerminalScreen, ColoursAreWhatTheTerminalHas)
 	}
 }
 
-TEST(TerminalScreen, WaitingForKeysTakesNoTime)
+TEST(TerminalScreen, waiting_for_keys_takes_no_time)
 {
 	Tmux terminal(90, 30);
 	const int process = terminal.start(demo);
@@ -629,7 +629,7 @@ private:
 	pid_t process = 0;
 };
 
-TEST(TerminalScreen, AKeySendsOnlyWhatChanges)
+TEST(TerminalScreen, a_key_sends_only_what_changes)
 {
 	Line line;
 	const std::string whole = line.readUntil("F9");
@@ -643,7 +643,7 @@ TEST(TerminalScreen, AKeySendsOnlyWhatChanges)
 	printf("the first screen: %zu bytes, a key: %zu bytes\n", whole.size(), change.size());
 }
 
-TEST(TerminalScreen, AHangUpEndsTheProgram)
+TEST(TerminalScreen, a_hang_up_ends_the_program)
 {
 	Line line;
 	line.readUntil("F9");
@@ -652,7 +652,7 @@ TEST(TerminalScreen, AHangUpEndsTheProgram)
 	EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGHUP) << status;
 }
 
-TEST(TerminalScreen, AHangUpThatIsIgnoredIsTheEndOfTheKeys)
+TEST(TerminalScreen, a_hang_up_that_is_ignored_is_the_end_of_the_keys)
 {
 	Line line(true);
 	line.readUntil("F9");

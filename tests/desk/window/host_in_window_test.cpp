@@ -73,7 +73,7 @@ protected:
 	size_t seen = 1; // the start
 };
 
-TEST_F(HostInWindow, OpensTheEntryThatIsClicked)
+TEST_F(HostInWindow, opens_the_entry_that_is_clicked)
 {
 	start();
 	clickAndExpect(250, 156, {"ok"});                 // "process info", the current one
@@ -89,7 +89,7 @@ TEST_F(HostInWindow, OpensTheEntryThatIsClicked)
 	clickAndExpect(250, 216, {"down", "down", "down", "ok"});
 }
 
-TEST_F(HostInWindow, PressesTheButtonAndTheAnswerThatAreClicked)
+TEST_F(HostInWindow, presses_the_button_and_the_answer_that_are_clicked)
 {
 	start({"--keys", "down down ok"});
 	ASSERT_TRUE(eventually([&] { return moments().size() == 4; }));
@@ -118,7 +118,7 @@ TEST_F(HostInWindow, PressesTheButtonAndTheAnswerThatAreClicked)
 	EXPECT_TRUE(eventually([&] { return !support::exists(receiver / "var/scaning.log"); }));
 }
 
-TEST_F(HostInWindow, PagesWhereTheScrollBarIsClicked)
+TEST_F(HostInWindow, pages_where_the_scroll_bar_is_clicked)
 {
 	start({"--keys", "down down ok"});
 	ASSERT_TRUE(eventually([&] { return moments().size() == 4; }));
@@ -131,7 +131,7 @@ TEST_F(HostInWindow, PagesWhereTheScrollBarIsClicked)
 	clickAndExpect(300, 200, {"up"}, 4);
 }
 
-TEST_F(HostInWindow, EndsAtOnceWhenItIsClosedUnderManyKeys)
+TEST_F(HostInWindow, ends_at_once_when_it_is_closed_under_many_keys)
 {
 	// Such scripts would go on for a long time.
 	start({"--keys", support::repeat("down ", 20000), "--plays", "1000000"});
@@ -140,7 +140,7 @@ TEST_F(HostInWindow, EndsAtOnceWhenItIsClosedUnderManyKeys)
 	EXPECT_EQ(program.exitStatus(), 0);
 }
 
-TEST_F(HostInWindow, EndsWhenItIsClosedWhileACommandRuns)
+TEST_F(HostInWindow, ends_when_it_is_closed_while_a_command_runs)
 {
 	receiver.write("bin/ps", "#!/bin/sh\nexec sleep 20\n", true);
 	start();
@@ -150,7 +150,7 @@ TEST_F(HostInWindow, EndsWhenItIsClosedWhileACommandRuns)
 	EXPECT_EQ(program.exitStatus(), 1);
 }
 
-TEST_F(HostInWindow, SaysThatTheDisplayHasGone)
+TEST_F(HostInWindow, says_that_the_display_has_gone)
 {
 	start({}, 2);
 	XCloseDisplay(std::exchange(view, nullptr));
@@ -160,7 +160,7 @@ TEST_F(HostInWindow, SaysThatTheDisplayHasGone)
 	EXPECT_EQ(program.exitStatus(), 1);
 }
 
-TEST(HostWithAStaleDisplay, DoesWithoutAndSaysSo)
+TEST(HostWithAStaleDisplay, does_without_and_says_so)
 {
 	const support::ReceiverFolder receiver;
 	const support::Outcome outcome = support::run(

@@ -58,7 +58,7 @@ protected:
 	support::TempFolder folder; // in which the probe runs
 };
 
-TEST_F(WindowScreen, TurnsTheKeyboardIntoTheRemoteControl)
+TEST_F(WindowScreen, turns_the_keyboard_into_the_remote_control)
 {
 	const char *const keys[][2] = {
 		{"Up", "up"},         {"Down", "down"}, {"Left", "left"}, {"Right", "right"}, {"Prior", "pageup"},
@@ -74,13 +74,13 @@ TEST_F(WindowScreen, TurnsTheKeyboardIntoTheRemoteControl)
 		pressAndExpect(key[0], key[1]);
 }
 
-TEST_F(WindowScreen, LeavesOtherKeysAlone)
+TEST_F(WindowScreen, leaves_other_keys_alone)
 {
 	press({"a", "space", "Tab", "F5", "ctrl+c", "ctrl+j", "ctrl+1", "alt+F4", "shift"});
 	pressAndExpect("Down", "down");
 }
 
-TEST_F(WindowScreen, KeepsTheOrderOfFastKeys)
+TEST_F(WindowScreen, keeps_the_order_of_fast_keys)
 {
 	Strings keys;
 	for (int i = 0; i < 20; ++i)
@@ -93,7 +93,7 @@ TEST_F(WindowScreen, KeepsTheOrderOfFastKeys)
 	}
 }
 
-TEST_F(WindowScreen, ShowsWhatIsPresentedAndOnlyThat)
+TEST_F(WindowScreen, shows_what_is_presented_and_only_that)
 {
 	EXPECT_EQ(pixel(50, 50), red);
 	EXPECT_EQ(pixel(99, 99), red);
@@ -107,7 +107,7 @@ TEST_F(WindowScreen, ShowsWhatIsPresentedAndOnlyThat)
 	EXPECT_TRUE(eventually([&] { return pixel(400, 300) == blue; }));
 }
 
-TEST_F(WindowScreen, ScalesItsFrameIntoTheMiddle)
+TEST_F(WindowScreen, scales_its_frame_into_the_middle)
 {
 	XResizeWindow(view, window, 360, 500); // half the size: 360 x 336 with the keys, 82 rows free above
 	EXPECT_TRUE(eventually([&] { return pixel(180, 50) == black && pixel(180, 250) == green; }));
@@ -127,7 +127,7 @@ TEST_F(WindowScreen, ScalesItsFrameIntoTheMiddle)
 	EXPECT_EQ(pixel(779, 300), black);
 }
 
-TEST_F(WindowScreen, OpensAtASizeThatSuitsTheDisplay)
+TEST_F(WindowScreen, opens_at_a_size_that_suits_the_display)
 {
 	const struct
 	{
@@ -145,7 +145,7 @@ TEST_F(WindowScreen, OpensAtASizeThatSuitsTheDisplay)
 	}
 }
 
-TEST_F(WindowScreen, TurnsAClickIntoTheKeysThatItMeans)
+TEST_F(WindowScreen, turns_a_click_into_the_keys_that_it_means)
 {
 	clickAndExpect(300, 200, 1, "click 300 200");
 	EXPECT_EQ(program.line(), "up"); // what the probe says that it means
@@ -153,7 +153,7 @@ TEST_F(WindowScreen, TurnsAClickIntoTheKeysThatItMeans)
 	clickAndExpect(719, 575, 1, "click 719 575");
 }
 
-TEST_F(WindowScreen, TurnsTheWheelIntoUpAndDownAndTheRightButtonIntoExit)
+TEST_F(WindowScreen, turns_the_wheel_into_up_and_down_and_the_right_button_into_exit)
 {
 	clickAndExpect(300, 200, 4, "up");
 	clickAndExpect(300, 200, 5, "down");
@@ -162,7 +162,7 @@ TEST_F(WindowScreen, TurnsTheWheelIntoUpAndDownAndTheRightButtonIntoExit)
 	pressAndExpect("Down", "down");
 }
 
-TEST_F(WindowScreen, HasARemoteControlToClick)
+TEST_F(WindowScreen, has_a_remote_control_to_click)
 {
 	clickAndExpect(33, 576 + 27, 1, "left");
 	clickAndExpect(85, 576 + 27, 1, "up");
@@ -183,7 +183,7 @@ TEST_F(WindowScreen, HasARemoteControlToClick)
 	pressAndExpect("Down", "down");
 }
 
-TEST_F(WindowScreen, SavesThePictureUnderTheNextFreeName)
+TEST_F(WindowScreen, saves_the_picture_under_the_next_free_name)
 {
 	press({"F12"});
 	const auto saved = [&](const char *file) { return support::exists(folder / file); };
@@ -210,7 +210,7 @@ TEST_F(WindowScreen, SavesThePictureUnderTheNextFreeName)
 	cairo_surface_destroy(picture);
 }
 
-TEST_F(WindowScreen, EndsWhenItIsClosedWhateverItsProgramDoes)
+TEST_F(WindowScreen, ends_when_it_is_closed_whatever_its_program_does)
 {
 	openBusy();
 	const auto before = std::chrono::steady_clock::now();
@@ -223,14 +223,14 @@ TEST_F(WindowScreen, EndsWhenItIsClosedWhateverItsProgramDoes)
 	EXPECT_EQ(program.exitStatus(), 1);
 }
 
-TEST_F(WindowScreen, RepairsItselfWhileItsProgramIsBusy)
+TEST_F(WindowScreen, repairs_itself_while_its_program_is_busy)
 {
 	openBusy();
 	XResizeWindow(view, window, 720, 700);
 	EXPECT_TRUE(eventually([&] { return pixel(360, 2) == black && pixel(360, 300) == green; }));
 }
 
-TEST_F(WindowScreen, EndsInOrderWhenItsDisplayGoes)
+TEST_F(WindowScreen, ends_in_order_when_its_display_goes)
 {
 	// More than once: it may be drawing, asking or sleeping.
 	for (int i = 0; i < 6; ++i) {
@@ -244,7 +244,7 @@ TEST_F(WindowScreen, EndsInOrderWhenItsDisplayGoes)
 	}
 }
 
-TEST_F(WindowScreen, RepairsItselfWhenItIsUncovered)
+TEST_F(WindowScreen, repairs_itself_when_it_is_uncovered)
 {
 	XSetWindowAttributes attributes = {};
 	attributes.override_redirect = True;
@@ -257,7 +257,7 @@ TEST_F(WindowScreen, RepairsItselfWhenItIsUncovered)
 	EXPECT_TRUE(eventually([&] { return pixel(400, 300) == green && pixel(50, 50) == red; }));
 }
 
-TEST_F(WindowScreen, UsesNoCpuWhileItIsIdle)
+TEST_F(WindowScreen, uses_no_cpu_while_it_is_idle)
 {
 	// Until what the opening brings has passed.
 	std::this_thread::sleep_for(std::chrono::seconds(1));
@@ -267,7 +267,7 @@ TEST_F(WindowScreen, UsesNoCpuWhileItIsIdle)
 	pressAndExpect("Down", "down");
 }
 
-TEST_F(WindowScreen, HasNoMoreKeysOnceItIsClosed)
+TEST_F(WindowScreen, has_no_more_keys_once_it_is_closed)
 {
 	// More than once: ending at once after a wait has its races.
 	for (int i = 0; i < 10; ++i) {
@@ -278,7 +278,7 @@ TEST_F(WindowScreen, HasNoMoreKeysOnceItIsClosed)
 	}
 }
 
-TEST_F(WindowScreen, HasNoMoreKeysOnceASignalEndsIt)
+TEST_F(WindowScreen, has_no_more_keys_once_a_signal_ends_it)
 {
 	program.signal(SIGTERM);
 	EXPECT_EQ(program.line(), "closed");
@@ -289,13 +289,13 @@ TEST_F(WindowScreen, HasNoMoreKeysOnceASignalEndsIt)
 	EXPECT_EQ(program.exitStatus(), 0);
 }
 
-TEST_F(WindowScreen, WorksOnADisplayOf16BitsAPixel)
+TEST_F(WindowScreen, works_on_a_display_of_16_bits_a_pixel)
 {
 	open("1000x800x16", 0x07E0);
 	EXPECT_EQ(pixel(50, 50), 0xF800u);
 }
 
-TEST(WindowScreenWithoutADisplay, SaysSoInOneLine)
+TEST(WindowScreenWithoutADisplay, says_so_in_one_line)
 {
 	for (const char *display : {"-uDISPLAY", "DISPLAY=", "DISPLAY=:63999", "DISPLAY=nonsense"}) {
 		SCOPED_TRACE(display);

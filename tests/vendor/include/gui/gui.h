@@ -188,7 +188,8 @@ class eListBoxBase : public eDecoWidget
 	int entryHeight, current;
 
 public:
-	eListBoxBase(eWidget *parent, const eWidget *description, int takefocus, int entryHeight, const char *deco);
+	eListBoxBase(eWidget *parent, const eWidget *description, int takefocus, int entryHeight,
+	             const char *deco);
 	~eListBoxBase();
 	void gotFocus();
 	void lostFocus();
@@ -237,7 +238,8 @@ protected:
 class eListBoxEntryText : public eListBoxEntry
 {
 public:
-	eListBoxEntryText(eListBoxBase *box, const char *label = 0, void *key = 0, const eString &help = eString())
+	eListBoxEntryText(eListBoxBase *box, const char *label = 0, void *key = 0,
+	                  const eString &help = eString())
 		: eListBoxEntry(box, help, 3), text(label ? label : ""), key(key), keytype(0), align(0), precolour(0)
 	{}
 	bool operator<(const eListBoxEntry &other) const
