@@ -203,11 +203,13 @@ private:
 
 	void readEntries(const toml::table &table, std::string_view name, const Entries &entries)
 	{
-		for (const auto &[key, value] : table) {
+		for (const auto &[key, node] : table) {
+			const std::string_view given = key.str();
+			const toml::node &value = node; // Clang 14's lambdas take no structured bindings
 			const auto entry = std::find_if(entries.begin(), entries.end(),
-			                                [&](const Entry &known) { return known.name == key.str(); });
+			                                [&](const Entry &known) { return known.name == given; });
 			if (entry == entries.end())
-				fail(value, "unknown entry " + quoted(key.str()) + " in [" + shortened(name) +
+				fail(value, "unknown entry " + quoted(given) + " in [" + shortened(name) +
 				                "]; remove or correct it");
 			std::visit([&](auto target) { set(target, value, entry->name); }, entry->target);
 		}
