@@ -134,7 +134,7 @@ bool displayIsNamed()
 /// display that is named is not it.
 std::string likelyScreen(std::string &note)
 {
-	const std::string otherwise = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
+	std::string otherwise = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
 	std::string why;
 	if (!displayIsNamed())
 		return otherwise;

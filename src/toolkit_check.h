@@ -60,8 +60,8 @@ VEXLO_NEEDS_CLASS(eListBox<eListBoxEntryText>);
 VEXLO_NEEDS_CLASS(ePoint);
 VEXLO_NEEDS_CLASS(eSize);
 
-// `expression` says `host` for an object of the class; the look is that of a
-// class which derives from it, as the plugin's windows do.
+// `expression` says `host` for an object of the class; the look is that of a class which derives from
+// it, as the plugin's windows do. NOLINTBEGIN(bugprone-macro-parentheses): `id` and `type` are types.
 #define VEXLO_NEEDS(id, type, name, expression)                                                              \
 	template <class Base> struct id : Base                                                                   \
 	{                                                                                                        \
@@ -101,6 +101,7 @@ VEXLO_NEEDS(MenuList, eSetupWindow, "VEXLO_MENU_LIST (or list)",
 VEXLO_NEEDS(EntryKey, eListBoxEntryText, "VEXLO_ENTRY_KEY (or getKey)",
             static_cast<const void *>(VEXLO_ENTRY_KEY(*host)));
 
+// NOLINTEND(bugprone-macro-parentheses)
 #undef VEXLO_NEEDS
 #undef VEXLO_NEEDS_CLASS
 #undef VEXLO_IN_PORTING

@@ -45,7 +45,7 @@ std::optional<Color> hexColor(std::string_view text)
 
 std::string shortened(std::string_view text)
 {
-	const std::string visible = visibleText(text);
+	std::string visible = visibleText(text);
 	constexpr size_t most = 60;
 	if (visible.size() <= most)
 		return visible;

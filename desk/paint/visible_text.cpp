@@ -129,7 +129,7 @@ bool localeIsUtf8()
 
 std::string localText(std::string_view bytes)
 {
-	const std::string visible = visibleText(bytes);
+	std::string visible = visibleText(bytes);
 	if (localeIsUtf8())
 		return visible;
 	std::string out;

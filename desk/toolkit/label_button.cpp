@@ -7,7 +7,6 @@
 #include <algorithm>
 
 using desk::Desk;
-using desk::Rect;
 using desk::Trace;
 
 namespace
