@@ -16,6 +16,7 @@
 #include <cctype>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -80,6 +81,20 @@ pid_t forkApart()
 	return fork();
 }
 
+/// A file without a name, for reading and writing; -1: there is no room for one.
+int scratchFile()
+{
+	const int inMemory = memfd_create("output", MFD_CLOEXEC);
+	if (inMemory >= 0)
+		return inMemory;
+	const Trace::Quiet closing;
+	FILE *file = std::tmpfile(); // a kernel before 3.17
+	const int descriptor = file ? fcntl(fileno(file), F_DUPFD_CLOEXEC, 3) : -1;
+	if (file)
+		fclose(file);
+	return descriptor;
+}
+
 /// This process's environment. Without a PATH in it, a shell does not export the one that it is told:
 /// what the scripts in a root's bin run is then found as ever.
 std::vector<char *> environment(bool withPath)
@@ -135,7 +150,7 @@ bool Commands::refuses(const char *command) const
 
 Commands::Running Commands::start(const char *command, int in, int out) const
 {
-	const int said = memfd_create("output", MFD_CLOEXEC);
+	const int said = scratchFile();
 	const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
 	const std::string text = before + command;
 	const std::vector<char *> variables = environment(!rooted);
@@ -143,8 +158,8 @@ Commands::Running Commands::start(const char *command, int in, int out) const
 	if (process == 0) {
 		prctl(PR_SET_PDEATHSIG, SIGKILL); // no command outlives the desk host
 		dup2(in < 0 ? nothing : in, STDIN_FILENO);
-		dup2(out < 0 ? said : out, STDOUT_FILENO);
-		dup2(said, STDERR_FILENO);
+		dup2(out >= 0 ? out : said < 0 ? nothing : said, STDOUT_FILENO);
+		dup2(said < 0 ? nothing : said, STDERR_FILENO);
 		execle("/bin/sh", "sh", "-c", text.c_str(), static_cast<char *>(nullptr), variables.data());
 		_exit(notFound);
 	}
@@ -160,6 +175,8 @@ int Commands::finish(const Running &command) const
 	}
 	Screen &screen = Desk::get().screen();
 	FILE *said = fdopen(command.said, "r");
+	if (!said) // nothing was kept: see scratchFile()
+		return status;
 	rewind(said);
 	char *line = nullptr;
 	size_t room = 0;

@@ -7,7 +7,6 @@
 
 #include <fcntl.h>
 #include <linux/openat2.h>
-#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -46,9 +45,11 @@ FILE *openOlderMeminfo()
 		return nullptr;
 	const std::string text = olderMeminfo(meminfo);
 	fclose(meminfo);
-	FILE *older = fdopen(memfd_create("meminfo", MFD_CLOEXEC), "w+");
-	fputs(text.c_str(), older);
-	rewind(older);
+	FILE *older = fmemopen(nullptr, text.size() + 1, "w+");
+	if (older) {
+		fputs(text.c_str(), older);
+		rewind(older);
+	}
 	return older;
 }
 
@@ -118,7 +119,7 @@ int Files::openInRoot(const char *path, int flags) const
 
 FILE *Files::open(const char *path, const char *mode) const
 {
-	if (older && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
+	if (older && path && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
 		return openOlderMeminfo();
 	if (!serves(path))
 		return next<FILE *(const char *, const char *)>("fopen")(path, mode);
