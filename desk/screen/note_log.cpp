@@ -28,7 +28,10 @@ bool NoteLog::open(const std::string &path, std::string &error)
 
 bool NoteLog::close()
 {
-	std::deque<std::string>().swap(last); // clear() would keep memory
+	{
+		const std::lock_guard<std::mutex> lock(mutex);
+		std::deque<std::string>().swap(lines); // clear() would keep memory
+	}
 	if (!file)
 		return true;
 	whole = !std::ferror(file) && whole;
@@ -45,9 +48,16 @@ void NoteLog::add(const std::string &line)
 	size_t length = std::min(line.size(), mostBytes);
 	while (length < line.size() && length > 0 && (static_cast<unsigned char>(line[length]) & 0xC0) == 0x80)
 		--length; // not within a character
-	last.push_back(line.substr(0, length));
-	if (last.size() > mostLines)
-		last.pop_front();
+	const std::lock_guard<std::mutex> lock(mutex);
+	lines.push_back(line.substr(0, length));
+	if (lines.size() > mostLines)
+		lines.pop_front();
+}
+
+std::vector<std::string> NoteLog::last(size_t most) const
+{
+	const std::lock_guard<std::mutex> lock(mutex);
+	return {lines.end() - static_cast<std::ptrdiff_t>(std::min(most, lines.size())), lines.end()};
 }
 
 } // namespace desk

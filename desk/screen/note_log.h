@@ -3,13 +3,15 @@
 
 #include <cstdio>
 #include <deque>
+#include <mutex>
 #include <string>
+#include <vector>
 
 namespace desk
 {
 
 /// What Screen::note() was told, to look back at: the window and the terminal show the last lines on F9, and
-/// a file can take them all.
+/// a file can take them all. Any thread may look.
 class NoteLog
 {
 public:
@@ -28,11 +30,12 @@ public:
 	/// `line` is what visibleText() gives, without a line end.
 	void add(const std::string &line);
 
-	/// The last lines, the newest at the end.
-	const std::deque<std::string> &lines() const { return last; }
+	/// The last lines, as many as `most`, the newest at the end.
+	std::vector<std::string> last(size_t most = mostLines) const;
 
 private:
-	std::deque<std::string> last;
+	mutable std::mutex mutex; ///< of `lines`
+	std::deque<std::string> lines;
 	FILE *file = nullptr;
 	bool whole = true;
 };

@@ -53,10 +53,6 @@ public:
 	/// the NoteLog.
 	virtual void note(const std::string &line);
 
-	/// True when commands' own output would spoil this screen; their standard output and error are
-	/// then handed to note() line by line.
-	virtual bool ownsTerminal() const { return false; }
-
 protected:
 	std::function<std::vector<Key>(int x, int y)> keysOfClick;
 };

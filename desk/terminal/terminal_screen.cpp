@@ -450,12 +450,11 @@ void TerminalScreen::drawHelp(int row, int column)
 // The last debug lines and notes, as many as there is room for.
 void TerminalScreen::drawLog()
 {
-	const auto &lines = NoteLog::get().lines();
-	const size_t count = std::min(lines.size(), static_cast<size_t>(LINES - 1));
-	for (size_t i = 0; i < count; ++i) {
-		move(static_cast<int>(i), 0);
+	const std::vector<std::string> lines = NoteLog::get().last(static_cast<size_t>(LINES - 1));
+	int row = 0;
+	for (const std::string &line : lines) {
+		move(row++, 0);
 		std::wstring wide, glyph;
-		const std::string &line = lines[lines.size() - count + i];
 		for (const char *at = line.c_str(), *next = at; *at; at = next) {
 			next = g_utf8_next_char(at);
 			const std::string character(at, next);

@@ -14,6 +14,7 @@ enum class Command
 {
 	savePicture,
 	fullScreen,
+	showNotes,
 };
 
 using Action = std::variant<Key, Command>;

@@ -1,5 +1,6 @@
 #include "window.h"
 
+#include "note_log.h"
 #include "visible_text.h"
 #include "window_keys.h"
 #include "window_screen.h"
@@ -79,6 +80,22 @@ std::string variable(const char *name)
 {
 	const char *value = getenv(name);
 	return value ? value : "";
+}
+
+// What lies over the picture: rows of text, within a margin.
+constexpr int panelRow = 20, panelMargin = 8;
+
+constexpr Rect panelRowAt(int row)
+{
+	return {panelMargin, panelMargin + row * panelRow, screenWidth - 2 * panelMargin, panelRow};
+}
+
+TextStyle panelText(Face face)
+{
+	TextStyle style;
+	style.color = {238, 243, 247};
+	style.face = face;
+	return style;
 }
 
 // How many pixels of the display a pixel of the picture takes: whole ones where one fits at all, with
@@ -165,7 +182,8 @@ bool Window::open(std::string &error)
 bool Window::create()
 {
 	const double scale = suitableScale();
-	const std::string shown = visibleText(title) + " - arrows, Enter, Esc, F1-F4 (red green yellow blue)";
+	const std::string shown =
+		visibleText(title) + " - arrows, Enter, Esc, F1-F4 (red green yellow blue), F9 log";
 	window.reset(SDL_CreateWindow(shown.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
 	                              static_cast<int>(width * scale), static_cast<int>(height * scale),
 	                              SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI));
@@ -241,6 +259,10 @@ void Window::sleep()
 
 void Window::handle(const SDL_Event &event)
 {
+	const bool asks =
+		event.type == SDL_KEYDOWN || event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEWHEEL;
+	if (showsNotes && asks)
+		return hidePanel(); // any key goes back, and does nothing else
 	switch (event.type) {
 	case SDL_KEYDOWN:
 		if (const auto action = actionOf(event.key.keysym))
@@ -291,8 +313,7 @@ void Window::handleButton(const SDL_MouseButtonEvent &event)
 void Window::perform(const Action &action)
 {
 	if (const Key *key = std::get_if<Key>(&action)) {
-		stale = stale || panelHeight > 0;
-		panelHeight = 0;
+		hidePanel();
 		exchange.put(*key);
 		return;
 	}
@@ -305,6 +326,9 @@ void Window::perform(const Action &action)
 		                                          ? 0
 		                                          : SDL_WINDOW_FULLSCREEN_DESKTOP);
 		stale = true;
+		break;
+	case Command::showNotes:
+		showNotes();
 		break;
 	}
 }
@@ -324,30 +348,62 @@ void Window::savePicture()
 	const cairo_status_t status = cairo_surface_write_to_png(surface, path.c_str());
 	cairo_surface_destroy(surface);
 	if (status == CAIRO_STATUS_SUCCESS)
-		say("Saved " + path.string());
+		say("Saved " + path.filename().string() + " in " + path.parent_path().string());
 	else
-		say("Cannot save " + path.string() + ": " + cairo_status_to_string(status));
+		say("Cannot save " + path.filename().string() + " in " + path.parent_path().string() + ": " +
+		    cairo_status_to_string(status));
 }
 
 // Tells the viewer, over the picture until the next key and on standard error.
 void Window::say(const std::string &line)
 {
 	fputs(("deskhost: " + visibleText(line) + "\n").c_str(), stderr);
-	constexpr int row = 20, margin = 8;
+	PixelCanvas &canvas = clearPanel(panelRow + 2 * panelMargin);
+	canvas.text(panelRowAt(0), line, panelText(Face::prose));
+	presentPanel();
+}
+
+// The last debug lines and notes, as many as there is room for, over the whole picture.
+void Window::showNotes()
+{
+	constexpr int rows = (screenHeight - 2 * panelMargin) / panelRow - 1;
+	const std::vector<std::string> lines = NoteLog::get().last(rows);
+	PixelCanvas &canvas = clearPanel(screenHeight);
+	int row = 0;
+	for (const std::string &line : lines)
+		canvas.text(panelRowAt(row++), line, panelText(Face::columns));
+	canvas.text(panelRowAt(rows),
+	            lines.empty() ? "There are no debug lines yet. Any key goes back."
+	                          : "The last debug lines. Any key goes back.",
+	            panelText(Face::prose));
+	presentPanel();
+	showsNotes = true;
+}
+
+PixelCanvas &Window::clearPanel(int height)
+{
 	if (!panelCanvas) {
 		panelCanvas = std::make_unique<PixelCanvas>();
 		panel = texture(screenWidth, screenHeight);
 		SDL_SetTextureBlendMode(panel.get(), SDL_BLENDMODE_BLEND);
 		SDL_SetTextureAlphaMod(panel.get(), 230);
 	}
-	panelHeight = row + 2 * margin;
-	panelCanvas->fill({0, 0, screenWidth, panelHeight}, Fill::plain({12, 18, 25}));
-	TextStyle style;
-	style.color = {238, 243, 247};
-	style.face = Face::prose;
-	panelCanvas->text({margin, margin, screenWidth - 2 * margin, row}, line, style);
+	panelHeight = height;
+	panelCanvas->fill({0, 0, screenWidth, height}, Fill::plain({12, 18, 25}));
+	return *panelCanvas;
+}
+
+void Window::presentPanel()
+{
 	SDL_UpdateTexture(panel.get(), nullptr, panelCanvas->pixels(), panelCanvas->stride());
 	stale = true;
+}
+
+void Window::hidePanel()
+{
+	stale = stale || panelHeight > 0;
+	panelHeight = 0;
+	showsNotes = false;
 }
 
 void Window::close()

@@ -47,6 +47,10 @@ private:
 	void perform(const Action &action);
 	void savePicture();
 	void say(const std::string &line);
+	void showNotes();
+	PixelCanvas &clearPanel(int height);
+	void presentPanel();
+	void hidePanel();
 	void close();
 	void draw();
 	void sleep();
@@ -62,6 +66,7 @@ private:
 	const StripButton *pressed = nullptr;                           ///< under the mouse
 	std::unique_ptr<PixelCanvas> panelCanvas; ///< what lies over the lower part of the picture
 	int panelHeight = 0;                      ///< 0: nothing does
+	bool showsNotes = false;                  ///< the panel does
 	bool stale = true;                        ///< what the window shows
 	std::optional<std::chrono::steady_clock::time_point> closedAt;
 };

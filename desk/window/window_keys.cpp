@@ -34,6 +34,7 @@ const struct
 	{SDLK_y, Key::yellow},
 	{SDLK_F4, Key::blue},
 	{SDLK_b, Key::blue},
+	{SDLK_F9, Command::showNotes},
 	{SDLK_F11, Command::fullScreen},
 	{SDLK_F12, Command::savePicture},
 };

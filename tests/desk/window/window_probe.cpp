@@ -1,6 +1,7 @@
 // Opens a window, paints it green with a red corner, and prints the name of every key that arrives.
 // After "red" it paints a blue frame without presenting it, after "green" it presents that.
-// It prints where it is clicked, and says that a click means "up ok". `window_probe busy` asks for no key.
+// It prints where it is clicked, and says that a click means "up ok". It has two notes to look back at.
+// `window_probe busy` asks for no key.
 
 #include "window_screen.h"
 
@@ -22,6 +23,8 @@ int main(int argc, char **)
 	};
 	paint({0, 255, 0});
 	screen->present(desk::wholeScreen);
+	screen->note("a note that is as long as the window is wide and longer still: " + std::string(200, '#'));
+	screen->note("the last note");
 	std::puts("ready");
 	std::fflush(stdout);
 	while (argc > 1)

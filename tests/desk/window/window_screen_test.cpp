@@ -145,6 +145,30 @@ TEST_F(WindowScreen, opens_at_a_size_that_suits_the_display)
 	}
 }
 
+TEST_F(WindowScreen, asks_the_window_manager_to_fill_the_display)
+{
+	const auto listen = [&] {
+		XSelectInput(view, DefaultRootWindow(view), SubstructureNotifyMask);
+		XSync(view, True);
+	};
+	const auto asked = [&] {
+		XEvent event;
+		while (XCheckTypedEvent(view, ClientMessage, &event))
+			if (event.xclient.message_type == XInternAtom(view, "_NET_WM_STATE", False) &&
+			    event.xclient.data.l[1] ==
+			        static_cast<long>(XInternAtom(view, "_NET_WM_STATE_FULLSCREEN", False)))
+				return true;
+		return false;
+	};
+	listen();
+	press({"F11"});
+	EXPECT_TRUE(eventually(asked));
+	open("1000x800x24");
+	listen();
+	click(660, 576 + 27); // "Full screen"
+	EXPECT_TRUE(eventually(asked));
+}
+
 TEST_F(WindowScreen, turns_a_click_into_the_keys_that_it_means)
 {
 	clickAndExpect(300, 200, 1, "click 300 200");
@@ -208,6 +232,37 @@ TEST_F(WindowScreen, saves_the_picture_under_the_next_free_name)
 	EXPECT_EQ(at(50, 50), red);
 	EXPECT_EQ(at(700, 560), green); // nothing that lies over it
 	cairo_surface_destroy(picture);
+}
+
+TEST_F(WindowScreen, shows_the_last_notes_until_any_key)
+{
+	const auto hasText = [&](int row) {
+		for (int x = 10; x < 110; ++x)
+			if ((pixel(x, 8 + 20 * row + 10) & 0xFF) > 0xA0)
+				return true;
+		return false;
+	};
+	const auto lies = [&] { return pixel(400, 300) != green; };
+	for (const char *back : {"F9", "Escape", "x", "F12"}) {
+		press({"F9"});
+		EXPECT_TRUE(eventually([&] { return lies() && hasText(0) && hasText(1) && !hasText(2); })) << back;
+		EXPECT_TRUE(hasText(27)) << "what goes back";
+		press({back});
+		EXPECT_TRUE(eventually([&] { return !lies() && pixel(50, 50) == red; })) << back;
+	}
+	press({"F9"});
+	EXPECT_TRUE(eventually(lies));
+	click(300, 200);
+	EXPECT_TRUE(eventually([&] { return !lies(); }));
+	pressAndExpect("Down", "down"); // none of these was a key of the remote control or a click
+	EXPECT_FALSE(support::exists(folder / "deskhost-1.png"));
+}
+
+TEST_F(WindowScreen, shows_its_notes_while_its_program_is_busy)
+{
+	openBusy();
+	press({"F9"});
+	EXPECT_TRUE(eventually([&] { return pixel(400, 300) != green; }));
 }
 
 TEST_F(WindowScreen, ends_when_it_is_closed_whatever_its_program_does)
