@@ -191,6 +191,15 @@ TEST(PsSnapshot, rows_but_not_the_header_are_looked_up_whole_and_in_order)
 	          Strings({"dcgettext(null, \" 1 init\n\", 5)", "dcgettext(null, \" 2 sh\", 5)"}));
 }
 
+TEST(PsSnapshot, an_empty_row_is_looked_up_as_well)
+{
+	FakePlatform platform;
+	platform.catalogue = {{"", "Language: de\n"}};
+	const PsSnapshot snapshot = parse("PID CMD\n\0 hidden\n"s);
+	EXPECT_EQ(platform.lookUps, Strings({"dcgettext(null, \"\", 5)"}));
+	EXPECT_EQ(texts(snapshot), Strings({"Language: de\n"})) << "for it, a catalogue answers with its header";
+}
+
 TEST(PsSnapshot, a_row_reads_as_the_catalogue_has_it_and_keeps_the_pid_of_the_output)
 {
 	FakePlatform platform;

@@ -3,6 +3,8 @@
 # C++ compiler, and what to see:
 #     signals    our contract on a 1.x signal library: nothing of 3.0 is needed, and the plugin is small
 #     toolkit    a vendor's toolkit.h and nothing of src/toolkit; further argument: his front end
+#     desk       the desk host on a 1.x signal library; further arguments: that library, and the usual desk
+#                host, which must make the same of the same keys
 #     mistakes   what cannot be built is told by configuring, in one clear message
 set -eu
 cmake=$1 sources=$2 compiler=$3 what=$4
@@ -26,6 +28,13 @@ build()
 	fi
 	nm -DC --undefined-only "$plugin" | grep -q 'SigC::ObjectBase::reference() const' ||
 		{ echo "the plugin does not take SigC from its host"; exit 1; }
+}
+press() # DESKHOST, KEYS, FILE for the dump and the trace
+{
+	root=$(mktemp -d -p "$build")
+	cp -R "$sources/samples/receiver/." "$root"
+	"$1" --screen none --root "$root" --keys "$2" --dump "$3" --trace "$3.trace" >"$3.out"
+	cat "$3.trace" "$3.out" >>"$3"
 }
 refuses() # WORDS, then options
 {
@@ -56,6 +65,19 @@ toolkit)
 		*) echo "the vendor's front end lacks $symbol"; exit 1 ;;
 		esac
 	done
+	;;
+desk)
+	keys='ok ok exit exit down ok exit down ok red ok ok exit exit down down down ok green exit'
+	configure -DCMAKE_BUILD_TYPE=Debug "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=$5" &&
+		"$cmake" --build "$build" --target deskhost >"$build.log" 2>&1 || { cat "$build.log"; exit 1; }
+	if ldd "$build/bin/deskhost" | grep 'libsigc-3'; then
+		echo "libsigc++ 3.0 is used"
+		exit 1
+	fi
+	press "$build/bin/deskhost" "$keys" "$build/here"
+	press "$6" "$keys" "$build/there"
+	[ "$(wc -l <"$build/here")" -gt 100 ] || { echo "hardly anything happened"; exit 1; }
+	cmp "$build/here" "$build/there"
 	;;
 mistakes)
 	refuses 'The desk host needs the 1.x signal library itself' "-DVEXLO_SIGC1_INCLUDE=$sigc"
