@@ -89,9 +89,9 @@ protected:
 	// The list box that disposes of an entry first sets this to null, so that it is not called back.
 	friend class eListBoxBase;
 
-	eListBoxBase *listbox;
-	eString helptext;
-	int attr;
+	eListBoxBase *listbox; ///< null: the entry is in no list
+	eString helptext;      ///< a blank where the entry was given none
+	int attr;              ///< the host's; 3 for every text entry
 };
 
 /// A line of text with an optional key.
@@ -129,22 +129,23 @@ public:
 	/// Height in pixels of one text entry in the active skin.
 	static int getEntryHeight();
 
-	const eString &getText() const { return text; }
-	void *getKey() const { return key; }
-	int getKeyType() const { return keytype; }
+	const eString &getText() const { return text; } ///< what the entry shows
+	void *getKey() const { return key; }            ///< null: none; whose it is, see the constructor
+	int getKeyType() const { return keytype; }      ///< keyAddress or keyIgnored
 
 protected:
-	eString text;
-	void *key;
-	int keytype = keyAddress;
-	int align = 0;
-	int precolor = 0;
+	eString text;             ///< see getText()
+	void *key;                ///< see getKey()
+	int keytype = keyAddress; ///< see getKeyType()
+	int align = 0;            ///< the host's
+	int precolor = 0;         ///< the host's
 };
 
 /// A list box whose entries are of type T.
 template <class T> class eListBox : public eListBoxBase
 {
 public:
+	/// As eListBoxBase, with what most lists have.
 	explicit eListBox(eWidget *parent, const eWidget *description = nullptr, int takefocus = 1,
 	                  int entryHeight = eListBoxEntryText::getEntryHeight(),
 	                  const char *decoration = "eListBox")
@@ -165,6 +166,7 @@ protected:
 class eListBoxEntryMenu : public eListBoxEntryText
 {
 public:
+	/// As eListBoxEntryText, without a key; `box` null: the entry is in no list and nobody chooses it.
 	eListBoxEntryMenu(eListBox<eListBoxEntryMenu> *box, const char *label, const eString &help = eString())
 		: eListBoxEntryText(box, label, nullptr, help)
 	{
@@ -195,7 +197,7 @@ public:
 	explicit eListBoxWindow(int takefocus = 0) : eWindow(takefocus), list(this) {}
 	~eListBoxWindow() override = default;
 
-	eListBox<T> list;
+	eListBox<T> list; ///< a member, and yet a child of the window
 };
 
 /// A menu: a window of `rows` list rows, `width` pixels wide, with the help of the current entry below.

@@ -11,11 +11,14 @@ class eString : public std::string
 {
 public:
 	eString() = default;
+	/// Copies `text`, not null, up to its NUL.
 	eString(const char *text)
 	{
 		assign(text);
 	} // a call of the library's; its constructor is compiled in here
+	/// Copies `text`.
 	eString(const std::string &text) : std::string(text) {}
+	/// Takes `text` over.
 	eString(std::string &&text) noexcept : std::string(std::move(text)) {}
 
 	/// Replaces the content by `format` and its values, printf-style and of any length, and returns

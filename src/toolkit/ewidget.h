@@ -14,7 +14,7 @@ struct eWidgetEvent; // a key or another thing that happens to a widget; the hos
 /// A colour, as an index into the skin's palette.
 struct gColor
 {
-	int color;
+	int color; ///< the index, from 0
 };
 
 /// Every window and control.
@@ -46,12 +46,14 @@ protected:
 	virtual void setPalette();
 	/// Sees every event before eventHandler() does; not 0: the event goes no further.
 	virtual int eventFilter(const eWidgetEvent &event);
-	/// A key of the remote control goes down, or up, while the widget has the focus; not 0: the
-	/// widget has used it. By default it does not.
+	/// A key of the remote control goes down while the widget has the focus; not 0: the widget has used
+	/// it. By default it does not.
 	virtual int keyDown(int key);
+	/// The same for a key that goes up.
 	virtual int keyUp(int key);
-	/// The widget has just received, or lost, the focus.
+	/// The widget has just received the focus.
 	virtual void gotFocus();
+	/// The widget has just lost the focus.
 	virtual void lostFocus();
 	/// Sets `clientrect` after the widget's size has changed.
 	virtual void recalcClientRect();
@@ -70,26 +72,31 @@ public:
 	/// The text is copied.
 	void setText(const eString &text);
 
-	/// Place and size a window by its client area, in pixels of the screen.
+	/// Places a window so that its client area begins at `position`, in pixels of the screen.
 	void cmove(const ePoint &position);
+	/// Sizes a window so that its client area has this size, in pixels.
 	void cresize(const eSize &size);
 
-	/// Place and size a child, in pixels of the parent's client area. It may reach beyond that area;
-	/// what does is not seen.
+	/// Places a child in its parent's client area, in pixels. It may reach beyond that area; what does is
+	/// not seen.
 	void move(const ePoint &position);
+	/// Sizes a child, in pixels.
 	void resize(const eSize &size);
 
-	/// Make the widget visible or invisible; again, nothing happens. A window that is shown stands above
-	/// all others. Neither starts or ends an exec().
+	/// Makes the widget visible; again, nothing happens. A window that is shown stands above all others.
+	/// This does not start an exec().
 	void show();
+	/// Makes the widget invisible; again, nothing happens. This does not end an exec().
 	void hide();
 
 	/// Runs the window: returns when accept() or reject() is called or the viewer leaves it, with 0
 	/// for accepted and -1 for rejected. Runs nest; the innermost one has the keys.
 	int exec();
 
-	/// End the running exec(). Once: what follows changes nothing. Without one, nothing happens.
+	/// Ends the running exec() as accepted. Once: what follows changes nothing. Without one, nothing
+	/// happens.
 	void accept();
+	/// The same as rejected.
 	void reject();
 
 	/// Gives the focus to `child`, one of this window's, also before the window runs. Null: the host

@@ -23,8 +23,9 @@ class ObjectBase
 {
 public:
 	ObjectBase() = default;
-	// A copy is an object of its own: nobody refers to it yet.
+	/// A copy is an object of its own: nobody refers to it yet.
 	ObjectBase(const ObjectBase &) {}
+	/// The owners of both stay who they are.
 	ObjectBase &operator=(const ObjectBase &) { return *this; }
 
 	/// Counts one more owner.
