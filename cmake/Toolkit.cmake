@@ -1,0 +1,43 @@
+# What the authors of other plugins install: the contract's headers, a CMake package and a pkg-config file
+# for them, the runner of golden tests, and the reference made from the headers' comments.
+include(CMakePackageConfigHelpers)
+
+set(VEXLO_TOOLKIT_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/vexlo-toolkit)
+set(VEXLO_TOOLKIT_DATA ${CMAKE_INSTALL_DATADIR}/vexlo-toolkit)
+set(VEXLO_TOOLKIT_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/VexloToolkit)
+
+install(DIRECTORY src/toolkit/ DESTINATION ${VEXLO_TOOLKIT_INCLUDE_DIR} COMPONENT dev FILES_MATCHING PATTERN *.h)
+install(PROGRAMS cmake/toolkit/golden-test DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+install(FILES cmake/toolkit/plugin.map DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+
+configure_package_config_file(cmake/VexloToolkitConfig.cmake.in VexloToolkitConfig.cmake
+  INSTALL_DESTINATION ${VEXLO_TOOLKIT_PACKAGE}
+  PATH_VARS VEXLO_TOOLKIT_INCLUDE_DIR VEXLO_TOOLKIT_DATA CMAKE_INSTALL_BINDIR)
+write_basic_package_version_file(VexloToolkitConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/VexloToolkitConfig.cmake ${CMAKE_BINARY_DIR}/VexloToolkitConfigVersion.cmake
+        DESTINATION ${VEXLO_TOOLKIT_PACKAGE} COMPONENT dev)
+
+file(RELATIVE_PATH VEXLO_PC_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/vexlo-toolkit.pc.in vexlo-toolkit.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/vexlo-toolkit.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+
+# The reference, where there is Doxygen to make it, and a build that is tested and released.
+find_program(VEXLO_DOXYGEN doxygen)
+if(VEXLO_DOXYGEN AND BUILD_TESTING AND CMAKE_BUILD_TYPE STREQUAL "Release")
+  configure_file(docs/Doxyfile.in Doxyfile @ONLY)
+  file(GLOB headers CONFIGURE_DEPENDS src/toolkit/*.h)
+  add_custom_command(
+    OUTPUT ${CMAKE_BINARY_DIR}/reference/html/index.html
+    COMMAND ${VEXLO_DOXYGEN} ${CMAKE_BINARY_DIR}/Doxyfile
+    DEPENDS ${headers} ${CMAKE_BINARY_DIR}/Doxyfile
+    COMMENT "Reference of the contract"
+    VERBATIM)
+  add_custom_target(vexlo_reference ALL DEPENDS ${CMAKE_BINARY_DIR}/reference/html/index.html)
+  install(DIRECTORY ${CMAKE_BINARY_DIR}/reference/html
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev COMPONENT dev)
+endif()
+# In folders as they are here, so that the links between them lead somewhere.
+install(FILES docs/plugins.md docs/porting.md
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev/docs COMPONENT dev)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev
+        USE_SOURCE_PERMISSIONS COMPONENT dev)

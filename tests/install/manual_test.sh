@@ -1,0 +1,47 @@
+#!/bin/bash
+# Runs every command of docs/plugins.md, in order, as its reader would: with what is installed into a folder
+# of one's own, outside of the tree. Arguments: the source folder, the build folder.
+set -euo pipefail
+
+source=$1 build=$2
+HOME=$(mktemp -d)
+export HOME
+trap 'rm -rf "$HOME"' EXIT
+
+# The manual speaks of build/release, and stands in the source folder.
+mkdir -p "$HOME/tree/build"
+ln -s "$build" "$HOME/tree/build/release"
+ln -s "$source/tools" "$HOME/tree/tools"
+cd "$HOME/tree"
+
+# Nobody presses keys here: a screen without any; --watch, which wants a real one, gets a terminal, and an end.
+mkdir "$HOME/bin"
+cat >"$HOME/bin/deskhost" <<END
+#!/bin/bash
+export -n DISPLAY WAYLAND_DISPLAY
+if [[ " \$* " == *" --watch "* ]]; then
+	TERM=xterm script --quiet --return --command "timeout -s INT 3 $HOME/vexlo/bin/deskhost \$*" /dev/null ||
+		[[ \$? == 124 ]]
+else
+	exec "$HOME/vexlo/bin/deskhost" "\$@"
+fi
+END
+chmod +x "$HOME/bin/deskhost"
+
+awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/docs/plugins.md" >"$HOME/commands"
+[[ $(wc -l <"$HOME/commands") -gt 50 ]] || { echo "the manual has lost its commands"; exit 1; }
+sed -i 's#^export PATH="$HOME/vexlo/bin:#export PATH="$HOME/bin:$HOME/vexlo/bin:#' "$HOME/commands"
+grep -q 'HOME/bin:' "$HOME/commands" || { echo "the manual no longer sets the PATH as expected"; exit 1; }
+
+bash -euo pipefail -x "$HOME/commands" >"$HOME/output" 2>&1 </dev/null || {
+	tail -n 40 "$HOME/output"
+	echo "a command of docs/plugins.md fails"
+	exit 1
+}
+# What the manual shows of the trace is what there is.
+grep -A 2 '^    eLabel#1 = ' "$source/docs/plugins.md" | sed -n 's/^    //p' | while read -r line; do
+	grep -qxF "$line" "$HOME/hello/trace" || { echo "the trace has no line $line"; exit 1; }
+done
+grep -q '100% tests passed, 0 tests failed out of 1' "$HOME/output" || { echo "the manual's test did not run"; exit 1; }
+grep -qi 'guten abend' "$HOME/hello/dump" || { echo "the manual's plugin does not speak German"; exit 1; }
+echo 'every command works'

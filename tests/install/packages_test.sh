@@ -1,0 +1,52 @@
+#!/bin/bash
+# Makes the Debian packages, looks into them, and leaves them for the tests that install them.
+# Arguments: cpack, the build folder, the folder for the packages.
+set -euo pipefail
+
+build=$2 packages=$3
+fail()
+{
+	echo "$1"
+	exit 1
+}
+
+rm -rf "$packages"
+mkdir "$packages"
+"$1" --config "$build/CPackConfig.cmake" -B "$packages" >"$packages/log" 2>&1 || { cat "$packages/log"; exit 1; }
+rm -rf "$packages/_CPack_Packages"
+
+# has PACKAGE FILE...: these and, of what stands in libraries' folders, nothing outside of this computer's kind.
+has()
+{
+	local package=$1 file
+	shift
+	dpkg-deb --contents "$packages/$package"_*.deb >"$packages/contents" || fail "there is no package $package"
+	for file in "$@" "usr/share/doc/$package/copyright" "usr/share/doc/$package/changelog.Debian.gz"; do
+		grep -q " \./$file\$" "$packages/contents" || fail "$package lacks $file"
+	done
+}
+lib=usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
+has vexlomenu "$lib/vexlomenu/vexlomenu.so.0" usr/share/locale/ar/LC_MESSAGES/vexlomenu.mo
+has deskhost usr/bin/deskhost usr/share/deskhost/skins/default.toml usr/share/man/man1/deskhost.1.gz \
+	usr/share/deskhost/samples/receiver/bin/ps
+has libvexlo-toolkit-dev usr/include/vexlo-toolkit/toolkit.h "$lib/cmake/VexloToolkit/VexloToolkitConfig.cmake" \
+	"$lib/pkgconfig/vexlo-toolkit.pc" usr/share/vexlo-toolkit/golden-test \
+	usr/share/doc/libvexlo-toolkit-dev/html/classeWidget.html \
+	usr/share/doc/libvexlo-toolkit-dev/docs/plugins.md \
+	usr/share/doc/libvexlo-toolkit-dev/examples/network/network.cpp
+
+needs() # PACKAGE WORD...
+{
+	local package=$1 word
+	shift
+	for word in "$@"; do
+		dpkg-deb --field "$packages/$package"_*.deb Depends | grep -qF "$word" || fail "$package does not need $word"
+	done
+}
+needs deskhost fonts-dejavu-core libsdl2 'vexlomenu (= ' busybox
+needs vexlomenu libsigc++-3.0-0
+needs libvexlo-toolkit-dev libsigc++-3.0-dev
+
+# These packages close no request to package them: they are not for Debian's own archive.
+lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs "$packages"/*.deb
+echo 'three packages without a fault'
