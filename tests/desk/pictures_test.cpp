@@ -58,9 +58,13 @@ double difference(const Pixels &a, const Pixels &b)
 
 TEST(Pictures, should_be_those_of_the_documentation)
 {
-	support::TempFolder drawn;
-	const support::Outcome outcome = support::run({support::sourcePath("tools/pictures"), drawn.path()},
-	                                              {{"DESKHOST", support::deskhostPath()}});
+	support::TempFolder drawn, tools;
+	std::string deskhost = "#!/bin/sh\nexec";
+	for (const std::string &word : support::runnable({support::deskhostPath()}))
+		deskhost += " '" + word + "'";
+	const support::Outcome outcome =
+		support::run({support::sourcePath("tools/pictures"), drawn.path()},
+	                 {{"DESKHOST", tools.write("deskhost", deskhost + " \"$@\"\n", true)}});
 	ASSERT_EQ(outcome.status, 0) << outcome.err;
 
 	int compared = 0;

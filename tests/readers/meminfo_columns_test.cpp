@@ -78,7 +78,7 @@ TEST(MemInfo, a_name_can_fill_its_piece)
 TEST(MemInfo, a_line_of_28_characters_and_its_end_is_one_piece)
 {
 	expectRows(counted + "name:         12345678901 kB\nnext 1\n", "name:      \nnext       \n",
-	           "-539222987 KB\n1 KB\n");
+	           byLong("-539222987 KB\n1 KB\n", "2147483647 KB\n1 KB\n"));
 	expectRows(counted + "name:               12345 kB\nnext 1\n", "name:      \nnext       \n",
 	           "12345 KB\n1 KB\n");
 }
@@ -127,7 +127,8 @@ TEST(MemInfo, a_value_is_read_as_the_c_library_reads_an_int)
 {
 	expectRows(counted + "a -5\na +6\na 007\na 2147483648\na 4294967297\na 99999999999999999999\n",
 	           "a          \na          \na          \na          \na          \na          \n",
-	           "-5 KB\n6 KB\n7 KB\n-2147483648 KB\n1 KB\n-1 KB\n");
+	           byLong("-5 KB\n6 KB\n7 KB\n-2147483648 KB\n1 KB\n-1 KB\n",
+	                  "-5 KB\n6 KB\n7 KB\n2147483647 KB\n2147483647 KB\n2147483647 KB\n"));
 }
 
 TEST(MemInfo, a_last_line_without_an_end_is_a_row)

@@ -70,8 +70,8 @@ public:
 		std::uint64_t magnitude = 0;
 		if (!digits(10, magnitude))
 			return false;
-		// Saturates as a long, and then loses its upper half.
-		const std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+		// Saturates as a long, and then loses its upper half where it has one.
+		const std::uint64_t largest = std::numeric_limits<long>::max();
 		magnitude = std::min(magnitude, negative ? largest + 1 : largest);
 		target = static_cast<int>(static_cast<std::uint32_t>(negative ? 0 - magnitude : magnitude));
 		return true;
@@ -129,7 +129,7 @@ private:
 		const std::size_t start = at;
 		overflown = false;
 		for (; at < text.size() && valueOf(text[at]) < base; ++at) {
-			const std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
+			const std::uint64_t most = std::numeric_limits<unsigned long>::max();
 			const unsigned value = valueOf(text[at]);
 			overflown = overflown || number > (most - value) / base;
 			number = overflown ? most : number * base + value;

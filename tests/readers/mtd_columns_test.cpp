@@ -99,10 +99,11 @@ TEST(Mtd, a_size_of_0_x_80000000_or_more_is_printed_back_unchanged)
 	          Strings({"mtd0:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
 }
 
-TEST(Mtd, numbers_beyond_32_bits_lose_their_upper_part)
+TEST(Mtd, numbers_beyond_32_bits_lose_their_upper_part_where_a_long_holds_it)
 {
 	EXPECT_EQ(row("mtd4294967298: 180000000 fffffffffffffffff \"x\"\n"),
-	          Strings({"mtd2:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}));
+	          byLong(Strings({"mtd2:\n", "80000000\n", "ffffffff\n", "\"x\"  \n"}),
+	                 Strings({"mtd2147483647:\n", "ffffffff\n", "ffffffff\n", "\"x\"  \n"})));
 }
 
 TEST(Mtd, a_line_that_is_no_partition_makes_a_blank_row)

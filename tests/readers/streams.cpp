@@ -77,8 +77,10 @@ Stream growingStream(const std::string &bytes, const std::string &later)
 
 std::string fixture(const std::string &name)
 {
-	EXPECT_TRUE(support::exists(VEXLO_FIXTURES "/" + name)) << name;
-	return support::readFile(VEXLO_FIXTURES "/" + name);
+	const std::string path = VEXLO_FIXTURES "/" + name;
+	EXPECT_TRUE(support::exists(path)) << name;
+	const std::string other = path + ".long32";
+	return support::readFile(sizeof(long) == 4 && support::exists(other) ? other : path);
 }
 
 std::vector<std::string> fixturesIn(const std::string &folder)

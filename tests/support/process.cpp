@@ -13,6 +13,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <sstream>
 #include <thread>
 
@@ -40,8 +41,9 @@ int statusOf(int waited)
 		else
 			setenv(name.c_str(), value.c_str(), 1);
 	}
+	const Command words = runnable(command);
 	std::vector<char *> arguments;
-	for (const std::string &word : command)
+	for (const std::string &word : words)
 		arguments.push_back(const_cast<char *>(word.c_str()));
 	arguments.push_back(nullptr);
 	execvp(arguments[0], arguments.data());
@@ -57,6 +59,20 @@ void redirect(const std::string &path, int flags, int to)
 }
 
 } // namespace
+
+Command runnable(Command command)
+{
+#ifdef TEST_EMULATOR
+	const auto processorOf = [](const std::string &path) {
+		char header[20] = {};
+		std::ifstream(path, std::ios::binary).read(header, sizeof header);
+		return std::string(header, 4) == "\177ELF" ? std::string(header + 18, 2) : "";
+	};
+	if (processorOf(command[0]) == processorOf("/proc/self/exe"))
+		command.insert(command.begin(), {TEST_EMULATOR});
+#endif
+	return command;
+}
 
 Outcome run(const Command &command, const Environment &environment)
 {

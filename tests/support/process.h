@@ -16,6 +16,10 @@ using Command = std::vector<std::string>;
 /// Added to the environment of this process; an empty value removes.
 using Environment = std::map<std::string, std::string>;
 
+/// The command as this computer can execute it: where the tests run in an emulator, a program for their
+/// processor does as well.
+Command runnable(Command command);
+
 /// What a program did. `status` is its exit status, or 128 plus the signal that ended it.
 struct Outcome
 {

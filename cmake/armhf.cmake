@@ -1,0 +1,5 @@
+# Tool chain: Debian's compiler for 32-bit ARM with floating point in hardware.
+set(CMAKE_SYSTEM_PROCESSOR armhf)
+set(triple arm-linux-gnueabihf)
+set(emulator qemu-arm)
+include(${CMAKE_CURRENT_LIST_DIR}/DebianCross.cmake)
