@@ -3,11 +3,10 @@
 #include "commands.h"
 #include "libc.h"
 #include "older_meminfo.h"
+#include "open_in_root.h"
 #include "trace.h"
 
 #include <fcntl.h>
-#include <linux/openat2.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -75,10 +74,6 @@ bool Files::setRoot(const std::string &folder, std::string &error)
 		close(root);
 	root = fcntl(opened, F_DUPFD, 64);
 	close(opened);
-	const int probe = openInRoot("/", O_PATH);
-	if (probe < 0)
-		return failed(std::strerror(errno) + std::string("; --root needs Linux 5.6 or later"));
-	close(probe);
 	Commands::get().takeFrom(root);
 	return true;
 }
@@ -108,29 +103,20 @@ bool Files::serves(const char *path) const
 	return std::find(served.begin(), served.end(), plain) != served.end();
 }
 
-int Files::openInRoot(const char *path, int flags) const
-{
-	open_how how = {};
-	how.flags = static_cast<__u64>(flags | O_CLOEXEC);
-	how.mode = flags & O_CREAT ? 0666 : 0;
-	how.resolve = RESOLVE_IN_ROOT;
-	return static_cast<int>(syscall(SYS_openat2, root, path, &how, sizeof how));
-}
-
 FILE *Files::open(const char *path, const char *mode) const
 {
 	if (older && path && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
 		return openOlderMeminfo();
 	if (!serves(path))
 		return next<FILE *(const char *, const char *)>("fopen")(path, mode);
-	const int file = openInRoot(path, flagsOf(mode));
+	const int file = openInRoot(root, path, flagsOf(mode));
 	return file < 0 ? nullptr : fdopen(file, mode);
 }
 
 int Files::removeInRoot(const char *path, bool foldersToo) const
 {
 	const std::filesystem::path plain = std::filesystem::path(path).lexically_normal();
-	const int folder = openInRoot(plain.parent_path().c_str(), O_PATH | O_DIRECTORY);
+	const int folder = openInRoot(root, plain.parent_path().c_str(), O_PATH | O_DIRECTORY);
 	if (folder < 0)
 		return -1;
 	int result = unlinkat(folder, plain.filename().c_str(), 0);

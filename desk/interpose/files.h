@@ -33,7 +33,6 @@ public:
 
 private:
 	bool serves(const char *path) const;
-	int openInRoot(const char *path, int flags) const;
 	int removeInRoot(const char *path, bool foldersToo) const;
 
 	int root = -1; ///< the folder; -1: this computer is the receiver
