@@ -1,7 +1,6 @@
 #include "bench_host.h"
 
 #include "desk.h"
-#include "files.h"
 #include "plugin.h"
 #include "skin.h"
 
@@ -13,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
 
@@ -47,6 +47,8 @@ private:
 	desk::PixelCanvas pixels;
 };
 
+std::string log; // the stage's
+
 double statusLine(const char *name)
 {
 	std::ifstream status("/proc/self/status");
@@ -65,8 +67,7 @@ void prepare(const Stage &stage, const Watcher &watcher)
 	std::optional<desk::Skin> skin = desk::Skin::load(stage.skin, error);
 	if (!skin)
 		fail(error);
-	if (!stage.root.empty() && !desk::Files::get().setRoot(stage.root, error))
-		fail(error);
+	log = stage.log;
 	desk.setSkin(std::move(*skin));
 	desk.setScreen(std::make_unique<WatchedScreen>(watcher, stage.paints));
 }
@@ -78,6 +79,10 @@ void play(const std::string &path)
 	const std::unique_ptr<desk::Plugin> plugin = desk::Plugin::load(path, error);
 	if (!plugin)
 		fail(error);
+	void *const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+	if (!log.empty())
+		*static_cast<const char **>(dlsym(handle, "ff_scan")) = log.c_str();
+	dlclose(handle);
 	desk.beginRun();
 	plugin->exec();
 	desk.endRun();
@@ -161,28 +166,30 @@ std::string temporaryFolder()
 	return folder.path;
 }
 
-std::string rootWithLog(int lines)
+std::string logOf(int lines, bool empty)
 {
-	const std::string root = temporaryFolder() + "/" + std::to_string(lines);
-	if (fs::exists(root))
-		return root;
-	fs::create_directories(root + "/var");
-	FILE *log = std::fopen((root + "/var/scaning.log").c_str(), "w");
-	if (!log)
+	const std::string path = temporaryFolder() + "/" + std::to_string(lines) + (empty ? ".empty" : ".log");
+	if (fs::exists(path))
+		return path;
+	FILE *file = std::fopen(path.c_str(), "w");
+	if (!file)
 		fail("cannot write a scan log");
 	for (int i = 0; i < lines; ++i) {
-		char line[128];
-		int length = std::snprintf(line, sizeof line, "%s %08d: %d kHz, %c, 27500 ksym/s, locked after %d ms",
-		                           i % 1000 ? "transponder" : "*** scan of a satellite, start at 14:10", i,
-		                           10700000 + i % 2000000, "HV"[i % 2], i % 700);
-		while (length < 99)
-			line[length++] = '.';
-		line[99] = '\n';
-		std::fwrite(line, 1, 100, log);
+		char line[128] = "";
+		int length = 0;
+		if (!empty) {
+			length = std::snprintf(line, sizeof line, "%s %08d: %d kHz, %c, 27500 ksym/s, locked after %d ms",
+			                       i % 1000 ? "transponder" : "*** scan of a satellite, start at 14:10", i,
+			                       10700000 + i % 2000000, "HV"[i % 2], i % 700);
+			while (length < 99)
+				line[length++] = '.';
+		}
+		line[length++] = '\n';
+		std::fwrite(line, 1, static_cast<size_t>(length), file);
 	}
-	if (std::fclose(log) != 0)
+	if (std::fclose(file) != 0)
 		fail("cannot write a scan log");
-	return root;
+	return path;
 }
 
 } // namespace bench

@@ -19,7 +19,7 @@ using Watcher = std::function<std::optional<desk::Key>(int pressed)>;
 struct Stage
 {
 	std::string skin; ///< a skin file
-	std::string root; ///< a receiver's files; empty: this computer's
+	std::string log;  ///< the scan log; empty: this computer's
 	bool paints = false;
 };
 
@@ -47,8 +47,8 @@ std::vector<double> apart(const std::function<std::vector<double>()> &work);
 /// A folder that goes with everything in it when the program ends.
 std::string temporaryFolder();
 
-/// A receiver's files with a scan log of that many lines of 100 bytes each; made once.
-std::string rootWithLog(int lines);
+/// A scan log of that many lines of 100 bytes each, or without anything in them; made once.
+std::string logOf(int lines, bool empty = false);
 
 } // namespace bench
 

@@ -6,8 +6,9 @@
 //                          key LINES
 
 #include "bench_host.h"
+#include "elistbox.h"
 #include "table.h"
-#include "timed_system.h"
+#include "timed_commands.h"
 
 #include <algorithm>
 #include <dlfcn.h>
@@ -17,6 +18,8 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -143,7 +146,7 @@ void measureFiles()
 		int entry;
 		bench::Stage stage;
 	} screens[] = {{"memory", "/proc/meminfo", 2, plain},
-	               {"scan log", BENCH_SAMPLE "/var/scaning.log", 3, {BENCH_SKIN, BENCH_SAMPLE, false}}};
+	               {"scan log", BENCH_LOG, 3, {BENCH_SKIN, BENCH_LOG, false}}};
 	for (const auto &screen : screens) {
 		std::vector<double> ours, bare;
 		const std::vector<Opening> openings = openScreen(screen.entry, screen.stage, turns, [&] {
@@ -166,10 +169,10 @@ void measureLogs()
 	std::vector<double> cats;
 	double before = 0, finished = 0, peak = 0;
 	for (const int lines : sizes)
-		bench::rootWithLog(lines);
+		bench::logOf(lines);
 	for (int turn = 0; turn < 25; ++turn) {
 		for (const int lines : sizes) {
-			const bench::Stage stage = {BENCH_SKIN, bench::rootWithLog(lines), false};
+			const bench::Stage stage = {BENCH_SKIN, bench::logOf(lines), false};
 			const std::vector<double> values = bench::apart([&] {
 				const Opening screen = openScreen(3, stage)[0];
 				return std::vector<double>{screen.processor, screen.before, screen.finished, screen.peak};
@@ -179,7 +182,7 @@ void measureLogs()
 			finished = values[2] - before;
 			peak = values[3] - before;
 		}
-		const std::string cat = "exec cat '" + bench::rootWithLog(most) + "/var/scaning.log' >/dev/null";
+		const std::string cat = "exec cat '" + bench::logOf(most) + "' >/dev/null";
 		cats.push_back(timeOf([&] { runOrEnd(cat); }) / most);
 	}
 	double least = HUGE_VAL, greatest = 0;
@@ -194,6 +197,68 @@ void measureLogs()
 	    text(1e9 * least, 0, " ns"), text(greatest / least, 2), "<= 1.1", greatest / least <= 1.1);
 	row("scan log of 1000000, a line: peak to finished memory", text(peak / most, 0, " bytes"),
 	    text(finished / most, 0, " bytes"), text(peak / finished, 2), "<= 1.6", peak / finished <= 1.6);
+}
+
+/// What contract and screen require of each row, and no more: an entry, its text, and the line as its key.
+void makeBareEntries(const char *path)
+{
+	std::deque<eListBoxEntryText *> entries;
+	FILE *stream = std::fopen(path, "r");
+	if (!stream)
+		return;
+	char line[1024], text[1040];
+	const auto add = [&](int number, const char *shown, int most) {
+		std::snprintf(text, sizeof text, "%d %.*s", number, most, shown);
+		entries.push_back(new eListBoxEntryText(nullptr, text, new eString(line)));
+	};
+	for (int number = 0; std::fgets(line, 1023, stream); ++number) {
+		if (std::strstr(line, "start at")) {
+			add(number, line + 1, 46);
+			add(number, line + 46, 46);
+		} else
+			add(number, line, 1023);
+	}
+	std::fclose(stream);
+	for (eListBoxEntryText *entry : entries) {
+		delete static_cast<eString *>(entry->getKey());
+		delete entry;
+	}
+}
+
+/// A large log from the plugin's loading to its end, against the bare making of its entries.
+void measureLargeLogs()
+{
+	const struct
+	{
+		const char *name;
+		std::string path;
+	} logs[] = {{"scan log of 1000000 lines", bench::logOf(1000000)},
+	            {"scan log of 2000000 empty lines", bench::logOf(2000000, true)}};
+	for (const auto &log : logs) {
+		const auto measure = [](const std::function<void()> &work) {
+			return bench::apart([&] {
+				const double before = bench::memory(), start = bench::processorTime();
+				bench::forgetPeak();
+				work();
+				return std::vector<double>{bench::processorTime() - start, bench::peakMemory() - before};
+			});
+		};
+		std::vector<double> times, bareTimes;
+		double peak = 0, barePeak = 0;
+		for (int turn = 0; turn < 15; ++turn) {
+			const auto whole = measure([&] { openScreen(3, {BENCH_SKIN, log.path, false}); });
+			const auto bare = measure([&] { makeBareEntries(log.path.c_str()); });
+			times.push_back(whole[0]);
+			bareTimes.push_back(bare[0]);
+			peak = whole[1];
+			barePeak = bare[1];
+		}
+		const double time = median(times) / median(bareTimes), memory = peak / barePeak;
+		row(std::string(log.name) + ", to its bare entries: time", text(1e3 * median(times), 0, " ms"),
+		    text(1e3 * median(bareTimes), 0, " ms"), text(time, 2), "<= 1.25", time <= 1.25);
+		row(std::string(log.name) + ", to its bare entries: peak memory", text(1e-6 * peak, 0, " MB"),
+		    text(1e-6 * barePeak, 0, " MB"), text(memory, 2), "<= 1.05", memory <= 1.05);
+	}
 }
 
 /// From dlopen to the menu waiting for its first key, or to the empty object's entry having been called.
@@ -254,7 +319,7 @@ void countKeys(int lines)
 		}
 		return Key::down;
 	};
-	bench::prepare({skin, bench::rootWithLog(lines), true}, watcher);
+	bench::prepare({skin, bench::logOf(lines), true}, watcher);
 	bench::play(BENCH_PLUGIN);
 }
 
@@ -313,6 +378,7 @@ int main(int argc, char **argv)
 	const std::string word = arguments.empty() ? "" : arguments[0];
 	if (word == "table" && arguments.size() == 1) {
 		measureLogs(); // first, while this program's own memory is small
+		measureLargeLogs();
 		measureLoading();
 		measureCommands();
 		measureFiles();
