@@ -72,7 +72,7 @@ void prepare(const Stage &stage, const Watcher &watcher)
 	desk.setScreen(std::make_unique<WatchedScreen>(watcher, stage.paints));
 }
 
-void play(const std::string &path)
+void run(const std::string &path)
 {
 	std::string error;
 	desk::Desk &desk = desk::Desk::get();

@@ -12,7 +12,7 @@
 namespace bench
 {
 
-/// What a play is watched through. It is called whenever the host waits for a key, with the number
+/// What a run is watched through. It is called whenever the host waits for a key, with the number
 /// of keys pressed so far, and gives the next one; nothing: the viewer leaves.
 using Watcher = std::function<std::optional<desk::Key>(int pressed)>;
 
@@ -23,13 +23,13 @@ struct Stage
 	bool paints = false;
 };
 
-/// Sets the stage for the plays that follow. `watcher` must outlive them. Ends the program on failure.
+/// Sets the stage for the runs that follow. `watcher` must outlive them. Ends the program on failure.
 void prepare(const Stage &stage, const Watcher &watcher);
 
-/// Loads the plugin at `path`, plays it once and unloads it. Ends the program on failure.
-void play(const std::string &path);
+/// Loads the plugin at `path`, runs it once and unloads it. Ends the program on failure.
+void run(const std::string &path);
 
-/// The seconds since some moment, by a clock that never goes back.
+/// The seconds since some point in time, by a clock that never goes back.
 double now();
 
 /// The seconds that this process has had of the processor.

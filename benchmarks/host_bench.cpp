@@ -80,7 +80,7 @@ std::vector<Opening> openScreen(
 		return entryKey(entry);
 	};
 	bench::prepare(stage, watcher);
-	bench::play(BENCH_PLUGIN);
+	bench::run(BENCH_PLUGIN);
 	return openings;
 }
 
@@ -275,7 +275,7 @@ double loadPlugin(bool counted = false)
 	const double start = bench::now();
 	if (counted)
 		CALLGRIND_START_INSTRUMENTATION;
-	bench::play(BENCH_PLUGIN);
+	bench::run(BENCH_PLUGIN);
 	return ready - start;
 }
 
@@ -320,7 +320,7 @@ void countKeys(int lines)
 		return Key::down;
 	};
 	bench::prepare({skin, bench::logOf(lines), true}, watcher);
-	bench::play(BENCH_PLUGIN);
+	bench::run(BENCH_PLUGIN);
 }
 
 /// Runs this program under callgrind; returns the instructions that it counted.

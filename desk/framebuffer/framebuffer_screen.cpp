@@ -44,9 +44,9 @@ public:
 	std::optional<Key> waitKey() override
 	{
 		const std::optional<Key> key = remote->waitKey();
-		if (!key && remote->gone() && !told) {
+		if (!key && remote->gone() && !goneNoted) {
 			note("deskhost: the remote control \"" + remoteName + "\" is gone; was it unplugged?");
-			told = true;
+			goneNoted = true;
 		}
 		return key;
 	}
@@ -56,7 +56,7 @@ public:
 private:
 	PixelCanvas painted;
 	std::string remoteName;
-	bool told = false;
+	bool goneNoted = false;
 	std::unique_ptr<RemoteControl> remote;
 	std::unique_ptr<Console> console;
 	std::unique_ptr<Framebuffer> memory;

@@ -95,7 +95,7 @@ int scratchFile()
 	return descriptor;
 }
 
-/// This process's environment. Without a PATH in it, a shell does not export the one that it is told:
+/// This process's environment. Without a PATH in it, a shell does not export the one that it is given:
 /// what the scripts in a root's bin run is then found as ever.
 std::vector<char *> environment(bool withPath)
 {

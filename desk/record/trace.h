@@ -95,7 +95,7 @@ public:
 			line(form(what, args...) + " = " + argument(value));
 	}
 
-	/// A function's call as text, for results that are told in words.
+	/// A function's call as text, for results that are put in words.
 	template <class... Args> std::string form(const char *what, const Args &...args)
 	{
 		return what + list(args...);

@@ -10,7 +10,7 @@
 namespace desk
 {
 
-/// What Screen::note() was told, to look back at: the window and the terminal show the last lines on F9, and
+/// What Screen::note() was given, to look back at: the window and the terminal show the last lines on F9, and
 /// a file can take them all. Any thread may look.
 class NoteLog
 {

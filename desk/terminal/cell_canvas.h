@@ -39,7 +39,7 @@ struct Cell
 	char end = 0; ///< '[' or ']': a button begins or ends here
 	bool bold = false;
 	bool dim = false;
-	bool current = false; ///< where the viewer is; must be told from its surroundings whatever the colours
+	bool current = false; ///< where the viewer is; must differ from its surroundings whatever the colours
 	bool inWindow = false;
 };
 

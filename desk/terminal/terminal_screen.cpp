@@ -381,23 +381,23 @@ void TerminalScreen::drawCell(int row, int column, const Cell &cell, int span, i
 {
 	attr_t attributes = cell.bold ? A_BOLD : A_NORMAL;
 	int colours = 0;
-	bool told = false; // by its colours, from what is around it
+	bool distinct = false; // by its colours, from what is around it
 	if (depth != ColourDepth::none) {
 		const int ground = colourNumber(cell.ground, depth);
-		told = ground != colourNumber(cell.below, depth);
-		if (cell.glyph != " " || cell.shape != Cell::Shape::none || !told)
+		distinct = ground != colourNumber(cell.below, depth);
+		if (cell.glyph != " " || cell.shape != Cell::Shape::none || !distinct)
 			textColour = legibleColour(cell.text, cell.ground, depth);
 		if (depth == ColourDepth::eight && textColour == COLOR_BLACK)
 			attributes &= ~A_BOLD; // which makes a grey of black
 		colours = pair(textColour, ground);
 	}
-	if (!told && cell.current)
+	if (!distinct && cell.current)
 		attributes |= A_REVERSE;
-	if (!told && cell.dim)
+	if (!distinct && cell.dim)
 		attributes |= A_UNDERLINE;
 
 	std::wstring glyph;
-	bool half = false; // a mark in place of a wide character leaves a blank beside it
+	bool narrow = false; // a mark in place of a wide character leaves a blank beside it
 	const bool bar = cell.shape == Cell::Shape::track || cell.shape == Cell::Shape::thumb;
 	if (bar && depth == ColourDepth::indexed)
 		glyph = L" "; // its two colours may be one elsewhere
@@ -411,16 +411,16 @@ void TerminalScreen::drawCell(int row, int column, const Cell &cell, int span, i
 	} else if (cell.shape == Cell::Shape::thumb) {
 		glyph = L" ";
 		attributes |= A_REVERSE;
-	} else if (!told && cell.end && cell.glyph == " ")
+	} else if (!distinct && cell.end && cell.glyph == " ")
 		glyph = cell.end == '[' ? L"[" : L"]";
 	else if (!localized(cell.glyph, span, glyph)) {
 		glyph = L"?";
-		half = span == 2;
+		narrow = span == 2;
 	}
 	cchar_t character;
 	setcchar(&character, glyph.c_str(), attributes, 0, &colours);
 	mvadd_wch(row, column, &character);
-	if (half) {
+	if (narrow) {
 		setcchar(&character, L" ", attributes, 0, &colours);
 		mvadd_wch(row, column + 1, &character);
 	}

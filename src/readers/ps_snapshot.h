@@ -12,7 +12,7 @@ struct PsEntry
 	std::string pid;  ///< the number that the line begins with, else that of the row above; decimal
 };
 
-/// The processes that ran at one moment, in the order in which `ps` listed them.
+/// The processes that ran when `ps` did, in the order in which `ps` listed them.
 struct PsSnapshot
 {
 	std::string header; ///< the first line of the output, line end included; empty without output

@@ -12,7 +12,7 @@ struct ScanLogEntry
 	std::string line; ///< the whole line as read from the log, line end included
 };
 
-/// What the scan log held at one moment.
+/// What the scan log held when it was read.
 struct ScanLogContents
 {
 	/// In the order of the file; two for a line that says "start at". A log can be large: a list neither

@@ -21,14 +21,14 @@ namespace
 
 int returned;
 
-/// Plays keys with every question answered by `answer`; the trace's lines.
-std::vector<std::string> playAnswering(const ReceiverFolder &receiver, int answer, const std::string &keys)
+/// Presses keys with every question answered by `answer`; the trace's lines.
+std::vector<std::string> runAnswering(const ReceiverFolder &receiver, int answer, const std::string &keys)
 {
 	std::string error;
 	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
 	EXPECT_TRUE(desk::Trace::get().open(receiver / "trace", error)) << error;
 	Desk::get().habits.answer = answer;
-	returned = support::playInside(keys);
+	returned = support::runInside(keys);
 	Desk::get().habits.answer.reset();
 	EXPECT_TRUE(desk::Trace::get().close());
 	return support::lines(support::readFile(receiver / "trace"));
@@ -47,7 +47,7 @@ TEST_P(Answer, should_kill_unless_it_is_no_or_none)
 {
 	ReceiverFolder receiver;
 	receiver.ps("PID\n123 telnetd\n");
-	const auto trace = playAnswering(receiver, GetParam(), "ok ok");
+	const auto trace = runAnswering(receiver, GetParam(), "ok ok");
 	const bool consent = GetParam() != -1 && GetParam() != 8;
 	EXPECT_EQ(has(trace, R"(system("kill -9 123"))"), consent);
 	EXPECT_EQ(has(trace, R"(eDebug("-----kill pid  - 123-----"))"), consent);
@@ -61,7 +61,7 @@ TEST_P(Answer, should_delete_only_when_it_is_a_plain_yes)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	const auto trace = playAnswering(receiver, GetParam(), "down down ok red");
+	const auto trace = runAnswering(receiver, GetParam(), "down down ok red");
 	const bool consent = GetParam() == 4;
 	EXPECT_EQ(has(trace, R"(remove("/var/scaning.log"))"), consent);
 	EXPECT_EQ(has(trace, "eWindow#1.accept()"), consent);
@@ -74,7 +74,7 @@ TEST(Result, should_be_what_the_menus_run_returned)
 	ReceiverFolder receiver;
 	for (const int result : {-1, 0, 1, 8, 1234567, -1234567}) {
 		Desk::get().habits.left = result;
-		const auto trace = playAnswering(receiver, 4, "exit");
+		const auto trace = runAnswering(receiver, 4, "exit");
 		EXPECT_EQ(returned, result);
 		EXPECT_TRUE(has(trace, "eSetupWindow#1.exec() = " + std::to_string(result)));
 	}
@@ -86,7 +86,7 @@ TEST(Result, should_not_depend_on_what_a_screen_returned)
 	ReceiverFolder receiver;
 	receiver.df("heading\n");
 	Desk::get().habits.left = 5;
-	const auto trace = playAnswering(receiver, 4, "4 ok exit");
+	const auto trace = runAnswering(receiver, 4, "4 ok exit");
 	EXPECT_TRUE(has(trace, "eWindow#1.exec() = 0"));
 	EXPECT_EQ(returned, 5);
 	Desk::get().habits.left = -1;

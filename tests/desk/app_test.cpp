@@ -9,11 +9,11 @@
 
 #include <algorithm>
 
+using support::DeskRun;
 using support::Json;
 using support::Outcome;
-using support::Play;
-using support::play;
-using support::Receiver;
+using support::ReceiverFolder;
+using support::runDesk;
 using support::TempFolder;
 using Lines = std::vector<std::string>;
 
@@ -92,9 +92,9 @@ TEST(App, should_refuse_to_record_twice_into_one_file)
 {
 	TempFolder folder;
 	const std::string file = folder / "file", other = folder / "other";
-	const Lines play = {"--screen", "none", "--plugin", testPlugin("result.so.0")};
+	const Lines common = {"--screen", "none", "--plugin", testPlugin("result.so.0")};
 	const auto recording = [&](const std::string &dump, const std::string &trace) {
-		Lines options = play;
+		Lines options = common;
 		options.insert(options.end(), {"--dump", dump, "--trace", trace});
 		return deskhost(options);
 	};
@@ -152,7 +152,7 @@ TEST(App, should_never_hand_controls_on_to_a_terminal)
 		EXPECT_NE(outcome.status, 0) << option;
 		EXPECT_TRUE(isClean(outcome.err)) << outcome.err;
 	}
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog(name + "\n");
 	const Outcome outcome = deskhost({"--screen", "none", "--root", receiver.path(), "--keys", "3", "--dump",
 	                                  folder / "dump", "--trace", folder / "trace"});
@@ -228,10 +228,10 @@ TEST(App, should_choose_no_screen_without_display_and_terminal)
 
 TEST(App, should_press_exit_until_the_plugin_returns)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps("PID\n1 init\n");
 	for (const char *keys : {"", "ok", "ok ok", "down ok"}) {
-		const Play run = play(receiver.path(), keys);
+		const DeskRun run = runDesk(receiver.path(), keys);
 		EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n") << keys;
 		EXPECT_EQ(run.outcome.status, 0);
 	}
@@ -239,55 +239,55 @@ TEST(App, should_press_exit_until_the_plugin_returns)
 
 TEST(App, should_tell_which_keys_were_never_pressed)
 {
-	Receiver receiver;
-	const Play run = play(receiver.path(), "exit ok down");
+	ReceiverFolder receiver;
+	const DeskRun run = runDesk(receiver.path(), "exit ok down");
 	EXPECT_EQ(run.outcome.status, 0);
 	EXPECT_NE(run.outcome.err.find("ok down"), std::string::npos) << run.outcome.err;
 }
 
 TEST(App, should_play_as_often_as_told)
 {
-	Receiver receiver;
-	const Play run = play(receiver.path(), "down exit", {"--plays", "3"});
+	ReceiverFolder receiver;
+	const DeskRun run = runDesk(receiver.path(), "down exit", {"--plays", "3"});
 	EXPECT_EQ(run.outcome.out, support::repeat("plugin_exec returned -1: the viewer left the menu\n", 3));
-	ASSERT_EQ(run.moments.size(), 9u);
+	ASSERT_EQ(run.dump.size(), 9u);
 	for (size_t i = 0; i < 9; i += 3) {
-		EXPECT_EQ(run.moments[i]["after"], "start");
-		EXPECT_EQ(run.widget(i, "eListBox<eListBoxEntryMenu>")["current"], 0) << "nothing survives a play";
-		EXPECT_EQ(run.moments[i + 2]["after"], "exit");
+		EXPECT_EQ(run.dump[i]["after"], "start");
+		EXPECT_EQ(run.widget(i, "eListBox<eListBoxEntryMenu>")["current"], 0) << "nothing survives a run";
+		EXPECT_EQ(run.dump[i + 2]["after"], "exit");
 	}
 }
 
 TEST(App, should_write_a_picture_and_a_line_for_the_start_and_every_key)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	TempFolder pictures;
-	const Play run =
-		play(receiver.path(), "down\tok\n exit pagedown 7 exit", {"--pictures", pictures / "new/folder"});
+	const DeskRun run =
+		runDesk(receiver.path(), "down\tok\n exit pagedown 7 exit", {"--pictures", pictures / "new/folder"});
 	const Lines names = {"start", "down", "ok", "exit", "pagedown", "7", "exit"};
-	ASSERT_EQ(run.moments.size(), names.size());
+	ASSERT_EQ(run.dump.size(), names.size());
 	for (size_t i = 0; i < names.size(); ++i) {
-		EXPECT_EQ(run.moments[i]["after"], names[i]);
+		EXPECT_EQ(run.dump[i]["after"], names[i]);
 		const std::string png =
 			support::readFile(pictures / ("new/folder/0" + std::to_string(i) + "-" + names[i] + ".png"));
 		ASSERT_EQ(png.substr(0, 4), "\x89PNG") << names[i];
 		EXPECT_EQ(png.substr(16, 8), std::string("\0\0\x02\xd0\0\0\x02\x40", 8)) << "720 x 576";
 	}
-	EXPECT_EQ(run.moments.back()["windows"].size(), 0u);
+	EXPECT_EQ(run.dump.back()["windows"].size(), 0u);
 }
 
 TEST(App, should_describe_windows_and_widgets_with_their_fixed_names)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	const Play run = play(receiver.path(), "3");
+	const DeskRun run = runDesk(receiver.path(), "3");
 	const auto keysOf = [](const Json &object) {
 		Lines names;
 		for (const auto &item : object.items())
 			names.push_back(item.key());
 		return names;
 	};
-	EXPECT_EQ(keysOf(run.moments[1]), (Lines{"after", "windows"}));
+	EXPECT_EQ(keysOf(run.dump[1]), (Lines{"after", "windows"}));
 	EXPECT_EQ(keysOf(run.window(1)), (Lines{"class", "title", "client", "widgets"}));
 	EXPECT_EQ(keysOf(run.widget(1, "eButton")), (Lines{"class", "rect", "text", "focus", "shortcut"}));
 	EXPECT_EQ(keysOf(run.widget(1, "eListBox<eListBoxEntryText>")),
@@ -296,24 +296,25 @@ TEST(App, should_describe_windows_and_widgets_with_their_fixed_names)
 
 TEST(App, should_trace_the_same_keys_on_the_same_root_alike)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.ps("PID\n1 init\n2 other\n");
 	receiver.df("Filesystem\n/dev/root 1 2 3 4% /\n");
 	receiver.scanLog("a\nb\n");
 	const std::string keys =
 		"ok ok exit exit down ok exit down ok red right ok exit down ok ok up up up ok down ok ok exit";
-	const Play first = play(receiver.path(), keys);
-	const Play second = play(receiver.path(), keys);
+	const DeskRun first = runDesk(receiver.path(), keys);
+	const DeskRun second = runDesk(receiver.path(), keys);
 	EXPECT_GT(first.trace.size(), 100u);
 	EXPECT_EQ(first.trace, second.trace);
 	TempFolder pictures;
-	EXPECT_EQ(play(receiver.path(), keys, {"--pictures", pictures.path()}).trace, first.trace);
+	EXPECT_EQ(runDesk(receiver.path(), keys, {"--pictures", pictures.path()}).trace, first.trace);
 }
 
 TEST(App, should_name_objects_in_the_trace_by_class_and_number)
 {
-	Receiver receiver;
-	const Play run = play(receiver.path(), "yellow exit exit", {"--plugin", testPlugin("widgets.so.0")});
+	ReceiverFolder receiver;
+	const DeskRun run =
+		runDesk(receiver.path(), "yellow exit exit", {"--plugin", testPlugin("widgets.so.0")});
 	Lines constructions;
 	for (const std::string &line : run.trace)
 		if (line.find(" = e") != line.npos || line.find('~') != line.npos)
@@ -337,8 +338,8 @@ TEST(App, should_name_objects_in_the_trace_by_class_and_number)
 
 TEST(App, should_show_the_texts_of_the_asked_language)
 {
-	Receiver receiver;
-	const Play run = play(receiver.path(), "", {"--lang", "de_AT.UTF-8"});
+	ReceiverFolder receiver;
+	const DeskRun run = runDesk(receiver.path(), "", {"--lang", "de_AT.UTF-8"});
 	EXPECT_NE(run.window(0)["title"], "Vexlo service menu");
 	const Json &list = run.widget(0, "eListBox<eListBoxEntryMenu>");
 	EXPECT_EQ(list["help"].get<std::string>().rfind("(1) ", 0), 0u) << "the number is no text";
@@ -347,20 +348,20 @@ TEST(App, should_show_the_texts_of_the_asked_language)
 
 TEST(App, should_know_english_and_list_the_languages_in_order)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	for (const char *english : {"en", "en_GB.UTF-8"})
-		EXPECT_EQ(play(receiver.path(), "", {"--lang", english}).window(0)["title"], "Vexlo service menu");
+		EXPECT_EQ(runDesk(receiver.path(), "", {"--lang", english}).window(0)["title"], "Vexlo service menu");
 	expectRefused(deskhost({"--lang", "tlh"}), 2, "--lang knows: ar de el en es fr it pl ru tr");
 }
 
 TEST(App, should_take_the_texts_from_the_named_catalogue)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.write("texts/xx/LC_MESSAGES/other.mo",
 	               support::readFile(support::buildPath("po/de/LC_MESSAGES/vexlomenu.mo")));
-	const std::string german = play(receiver.path(), "", {"--lang", "de"}).window(0)["title"];
-	const Play run =
-		play(receiver.path(), "", {"--lang", "xx", "--catalogue", "other:" + (receiver / "texts")});
+	const std::string german = runDesk(receiver.path(), "", {"--lang", "de"}).window(0)["title"];
+	const DeskRun run =
+		runDesk(receiver.path(), "", {"--lang", "xx", "--catalogue", "other:" + (receiver / "texts")});
 	EXPECT_EQ(run.window(0)["title"], german);
 	expectRefused(deskhost({"--lang", "de", "--catalogue", "other"}), 2, "'other'");
 	expectRefused(deskhost({"--lang", "de", "--catalogue", "vexlomenu:" + (receiver / "texts")}), 2,
@@ -369,10 +370,10 @@ TEST(App, should_take_the_texts_from_the_named_catalogue)
 
 TEST(App, should_number_the_help_in_every_language)
 {
-	Receiver receiver;
-	const Play english = play(receiver.path(), "down down down");
+	ReceiverFolder receiver;
+	const DeskRun english = runDesk(receiver.path(), "down down down");
 	for (const std::string &language : support::lines(support::readFile(support::sourcePath("po/LINGUAS")))) {
-		const Play run = play(receiver.path(), "down down down", {"--lang", language});
+		const DeskRun run = runDesk(receiver.path(), "down down down", {"--lang", language});
 		const char *type = "eListBox<eListBoxEntryMenu>";
 		EXPECT_NE(run.window(0)["title"], english.window(0)["title"]) << language;
 		EXPECT_NE(run.widget(0, type)["rows"], english.widget(0, type)["rows"]) << language;
@@ -385,15 +386,15 @@ TEST(App, should_number_the_help_in_every_language)
 
 TEST(App, should_not_take_the_language_of_the_desk)
 {
-	Receiver receiver;
-	const Play run =
-		play(receiver.path(), "", {}, {{"LANG", "de_DE.UTF-8"}, {"LANGUAGE", "de"}, {"LC_ALL", "C.UTF-8"}});
+	ReceiverFolder receiver;
+	const DeskRun run = runDesk(receiver.path(), "", {},
+	                            {{"LANG", "de_DE.UTF-8"}, {"LANGUAGE", "de"}, {"LC_ALL", "C.UTF-8"}});
 	EXPECT_EQ(run.window(0)["title"], "Vexlo service menu") << "the same keys, the same screens";
 }
 
 TEST(App, should_report_a_dump_that_no_longer_fits)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	const Outcome outcome = deskhost({"--screen", "none", "--root", receiver.path(), "--dump", "/dev/full"});
 	EXPECT_EQ(outcome.status, 2);
 	EXPECT_NE(outcome.err.find("/dev/full"), std::string::npos) << outcome.err;
@@ -405,8 +406,8 @@ TEST(App, should_report_a_dump_that_no_longer_fits)
 TEST(App, should_serve_only_the_receivers_own_files_from_the_root)
 {
 	// What the root lacks is missing, whatever this computer has.
-	Receiver receiver;
-	const Play run = play(receiver.path(), "2");
+	ReceiverFolder receiver;
+	const DeskRun run = runDesk(receiver.path(), "2");
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
 	EXPECT_TRUE(support::exists("/proc/meminfo"));
 }
@@ -415,7 +416,7 @@ TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
 {
 	const Lines options = {"--plugin", testPlugin("widgets.so.0")};
 	// Down twice, delete the third entry; up from the first wraps; page and end; then leave.
-	Play run = play("", "down down ok home up pageup pagedown end exit", options);
+	DeskRun run = runDesk("", "down down ok home up pageup pagedown end exit", options);
 	const char *list = "eListBox<eListBoxEntryText>";
 	EXPECT_EQ(run.widget(0, list)["rows"], Json({"one", "two", "three", "four", "five"}));
 	EXPECT_EQ(run.widget(2, "eLabel")["text"], "three") << "the selection reports that it moves";
@@ -427,8 +428,8 @@ TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 
 	// A question with one answer only, left; a label that is deleted while a signal runs.
-	run = play("", "yellow exit right ok ok left exit", options);
-	ASSERT_EQ(run.moments[1]["windows"].size(), 2u);
+	run = runDesk("", "yellow exit right ok ok left exit", options);
+	ASSERT_EQ(run.dump[1]["windows"].size(), 2u);
 	EXPECT_EQ(run.window(1)["widgets"].size(), 2u) << "the question and its one answer";
 	EXPECT_EQ(run.widget(1, "eButton")["focus"], true);
 	EXPECT_EQ(run.widget(2, "eLabel")["text"], "gone");
@@ -437,11 +438,11 @@ TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
 
 TEST(App, should_harm_nobody_with_a_root_however_the_plugin_calls)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.meminfo("the receiver's\n");
 	receiver.scanLog("a\n");
-	const Play run =
-		play(receiver.path(), "red blue green yellow exit", {"--plugin", testPlugin("tail_calls.so.0")});
+	const DeskRun run =
+		runDesk(receiver.path(), "red blue green yellow exit", {"--plugin", testPlugin("tail_calls.so.0")});
 	const auto has = [&](const std::string &line) {
 		return std::find(run.trace.begin(), run.trace.end(), line) != run.trace.end();
 	};
@@ -460,20 +461,22 @@ TEST(App, should_harm_nobody_with_a_root_however_the_plugin_calls)
 TEST(App, should_spend_nothing_on_lines_that_are_not_on_the_screen)
 {
 	// A hundred thousand mounts: what cannot be seen is not laid out, or this would take minutes.
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.df(support::repeat("/dev/x 1 2 3 4% /\n", 100000));
 	TempFolder pictures;
-	const Play run = play(receiver.path(), "4 up down left right exit exit", {"--pictures", pictures.path()});
+	const DeskRun run =
+		runDesk(receiver.path(), "4 up down left right exit exit", {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-	EXPECT_EQ(run.moments.size(), 8u);
+	EXPECT_EQ(run.dump.size(), 8u);
 }
 
 TEST(Toolkit, should_keep_questions_on_the_screen_whatever_the_font_size)
 {
-	Receiver receiver;
+	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
 	for (const int fontSize : {1, 60, 200}) {
-		const Play run = play(receiver.path(), "3 red", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const DeskRun run =
+			runDesk(receiver.path(), "3 red", {"--skin", skinWithFontSize(receiver, fontSize)});
 		const Json &client = run.window(2)["client"];
 		EXPECT_GE(client[1], 0) << fontSize;
 		EXPECT_LE(client[1].get<int>() + client[3].get<int>(), 576) << fontSize;
@@ -490,37 +493,37 @@ TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
 		return count;
 	};
 
-	Play run = play("", "exit exit", options);
-	EXPECT_EQ(run.moments[0]["windows"][0]["widgets"].size(), 6u);
+	DeskRun run = runDesk("", "exit exit", options);
+	EXPECT_EQ(run.dump[0]["windows"][0]["widgets"].size(), 6u);
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n")
 		<< "the list has gone while it was left";
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 
 	// The focus goes to a widget two levels down, which is deleted with what it stands in.
-	run = play("", "ok red down exit", options);
+	run = runDesk("", "ok red down exit", options);
 	EXPECT_EQ(focused(run.window(1)), 0) << "it is deeper than the description goes";
 	EXPECT_EQ(focused(run.window(2)), 1);
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 
-	run = play("", "yellow exit", options);
+	run = runDesk("", "yellow exit", options);
 	EXPECT_EQ(focused(run.window(1)), 1) << "not on what is hidden";
 
-	run = play("", "green", options);
+	run = runDesk("", "green", options);
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned 77\n") << "the window has gone while it ran";
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 }
 
 TEST(Toolkit, should_report_the_entry_that_becomes_current_when_one_is_taken_out)
 {
-	const Play run = play("", "ok home ok exit", {"--plugin", testPlugin("widgets.so.0")});
+	const DeskRun run = runDesk("", "ok home ok exit", {"--plugin", testPlugin("widgets.so.0")});
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "two");
 	EXPECT_EQ(run.widget(3, "eLabel")["text"], "three");
 }
 
 TEST(Toolkit, should_empty_a_list_entry_by_entry)
 {
-	const Play run =
-		play("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});
+	const DeskRun run =
+		runDesk("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});
 	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["count"], 0);
 	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["current"], -1);
 	EXPECT_EQ(run.widget(7, "eLabel")["text"], "none");

@@ -20,10 +20,10 @@
 #include <iostream>
 #include <optional>
 
+using support::DeskRun;
 using support::Json;
-using support::Play;
-using support::play;
 using support::ReceiverFolder;
+using support::runDesk;
 
 namespace
 {
@@ -349,16 +349,16 @@ const Fault faults[] = {
      runsNothing},
 };
 
-// The moments of the one play that opens every screen.
+// Keys after which something is looked at, in the one run that opens every screen.
 const char *const keys = "ok exit down ok exit down ok exit down ok green exit";
 constexpr size_t processes = 1, memory = 4, scanLog = 7, systemInfo = 10, afterwards = 12;
 constexpr size_t menus[] = {0, 2, 3, 5, 6, 8, 9, 11};
 
 const char *const list = "eListBox<eListBoxEntryText>";
 
-std::string label(const Play &run, size_t moment, size_t nth)
+std::string label(const DeskRun &run, size_t index, size_t nth)
 {
-	const Json &widget = run.widget(moment, "eLabel", nth);
+	const Json &widget = run.widget(index, "eLabel", nth);
 	return widget.value("text", "there is no such label");
 }
 
@@ -373,9 +373,9 @@ void expectText(const std::string &shown, const std::string &wanted, const char 
 				  << "\" instead of \"" << wanted.substr(at, 200) << '"';
 }
 
-template <class Entries> void expectList(const Play &run, size_t moment, const Entries &wanted)
+template <class Entries> void expectList(const DeskRun &run, size_t index, const Entries &wanted)
 {
-	const Json &box = run.widget(moment, list);
+	const Json &box = run.widget(index, list);
 	EXPECT_EQ(box.at("count"), wanted.size());
 	const Json &rows = box.at("rows");
 	ASSERT_GE(rows.size(), std::min<size_t>(wanted.size(), 15)) << "the first rows are on the screen";
@@ -385,7 +385,7 @@ template <class Entries> void expectList(const Play &run, size_t moment, const E
 		expectText(row.get<std::string>(), (entry++)->text, "a row");
 }
 
-void expectScreens(const Play &run, const Setting &setting)
+void expectScreens(const DeskRun &run, const Setting &setting)
 {
 	const auto bytes = [&](const char *name) { return setting.bytes.at(name).value_or(""); };
 
@@ -416,30 +416,30 @@ void expectScreens(const Play &run, const Setting &setting)
 		expectText(label(run, systemInfo, i), wanted[i], "a label of the system info");
 }
 
-Play playAll(const Setting &setting)
+DeskRun runAll(const Setting &setting)
 {
 	if (setting.dropRights && geteuid() == 0) {
 		// A program that is started from now on has not the superuser's right to open everything.
 		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE), 0) << std::strerror(errno);
 		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH), 0) << std::strerror(errno);
 	}
-	// Whatever a play leaves running becomes this process's child.
+	// Whatever a run leaves running becomes this process's child.
 	EXPECT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
-	const Play run = play(setting.receiver.path(), keys, {}, setting.environment);
+	const DeskRun run = runDesk(setting.receiver.path(), keys, {}, setting.environment);
 	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left";
 	EXPECT_EQ(errno, ECHILD);
 	return run;
 }
 
-void expectGoodEnd(const Play &run, const Setting &setting)
+void expectGoodEnd(const DeskRun &run, const Setting &setting)
 {
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
-	for (const size_t moment : menus) {
-		ASSERT_EQ(run.moments[moment].at("windows").size(), 1u);
-		EXPECT_EQ(run.window(moment).at("class"), "eVexloMenu") << "after key number " << moment;
+	for (const size_t index : menus) {
+		ASSERT_EQ(run.dump[index].at("windows").size(), 1u);
+		EXPECT_EQ(run.window(index).at("class"), "eVexloMenu") << "after key number " << index;
 	}
-	EXPECT_TRUE(run.moments[afterwards].at("windows").empty());
+	EXPECT_TRUE(run.dump[afterwards].at("windows").empty());
 	if (fs::exists(setting.varTmp)) {
 		EXPECT_TRUE(fs::is_empty(setting.varTmp)) << "something is left in /var/tmp";
 	}
@@ -487,11 +487,11 @@ std::string table()
 		lines += "| " + std::string(fault.title) + " | " + text(fault.file) + " | " + text(fault.command) +
 		         " | " + text(fault.varTmp) + " |\n";
 	const size_t count = std::size(sources) * std::size(faults);
-	const size_t played = cases().size();
+	const size_t done = cases().size();
 	return lines + "\n" + std::to_string(std::size(sources)) + " sources and " +
 	       std::to_string(std::size(faults)) + " faults make " + std::to_string(count) +
-	       " pairs: " + std::to_string(played) + " are plays of all four screens, " +
-	       std::to_string(count - played) + " cannot be (—).\n";
+	       " pairs: " + std::to_string(done) + " are runs of all four screens, " +
+	       std::to_string(count - done) + " cannot be (—).\n";
 }
 
 class Faults : public testing::TestWithParam<Case>
@@ -503,8 +503,8 @@ TEST_P(Faults, should_leave_every_screen_to_be_opened_and_left)
 	Setting setting;
 	const auto &[spoilt, fault] = GetParam();
 	fault->cell(spoilt->kind).arrange(setting, *spoilt);
-	const Play run = playAll(setting);
-	ASSERT_EQ(run.moments.size(), afterwards + 1) << run.outcome.err;
+	const DeskRun run = runAll(setting);
+	ASSERT_EQ(run.dump.size(), afterwards + 1) << run.outcome.err;
 	expectScreens(run, setting);
 	expectGoodEnd(run, setting);
 }
@@ -518,12 +518,12 @@ TEST(Health, should_show_everything_where_nothing_is_wrong)
 	Setting setting;
 	const std::string seen = setting.receiver / "seen";
 	setting.print(source("ps"), healthy.at("ps"), "echo '" + setting.varTmp + "'/* >'" + seen + "'\n");
-	const Play run = playAll(setting);
-	ASSERT_EQ(run.moments.size(), afterwards + 1) << run.outcome.err;
+	const DeskRun run = runAll(setting);
+	ASSERT_EQ(run.dump.size(), afterwards + 1) << run.outcome.err;
 	expectScreens(run, setting);
 	expectGoodEnd(run, setting);
 
-	// What the other plays take from the models, and where they keep their files.
+	// What the other runs take from the models, and where they keep their files.
 	EXPECT_EQ(support::readFile(seen), setting.varTmp + "/ps.tmp\n");
 	EXPECT_EQ(label(run, processes, 0), "  PID USER COMMAND\n");
 	EXPECT_EQ(run.widget(processes, list)["count"], 4);

@@ -70,21 +70,21 @@ size_t openFiles()
 	return static_cast<size_t>(std::distance(begin(files), end(files))) - 1; // the iterator's own
 }
 
-/// What a process holds at one moment.
-struct Standing
+/// What a process holds.
+struct Resources
 {
 	size_t memory = memoryInUse();
 	size_t files = openFiles();
 
 	/// Nothing has been gained or lost.
-	friend bool operator==(const Standing &a, const Standing &b)
+	friend bool operator==(const Resources &a, const Resources &b)
 	{
 		const auto [less, more] = std::minmax(a.memory, b.memory);
 		return more - less <= slack && a.files == b.files;
 	}
-	friend std::ostream &operator<<(std::ostream &out, const Standing &standing)
+	friend std::ostream &operator<<(std::ostream &out, const Resources &resources)
 	{
-		return out << standing.memory << " bytes and " << standing.files << " files";
+		return out << resources.memory << " bytes and " << resources.files << " files";
 	}
 };
 
@@ -118,15 +118,15 @@ struct SmallReceiver : ReceiverFolder
 	}
 };
 
-/// A viewer who opens the current entry and leaves it again, so many times, and then the menu. How
-/// the process stands is looked at whenever the menu is back.
+/// A viewer who opens the current entry and leaves it again, so many times, and then the menu. What
+/// the process holds is looked at whenever the menu is back.
 class Viewer : public desk::Screen
 {
 public:
 	// What it keeps must not grow while it looks.
 	explicit Viewer(size_t rounds) : left(rounds)
 	{
-		standings.reserve(rounds + 1);
+		resources.reserve(rounds + 1);
 		dialogs.reserve(2);
 	}
 
@@ -142,14 +142,14 @@ public:
 				dialogs.push_back(desk::describe(Desk::get().windows()).back().at("class"));
 			return Key::exit;
 		}
-		standings.push_back(Standing());
+		resources.push_back(Resources());
 		if (left == 0)
 			return Key::exit;
 		--left;
 		return Key::ok;
 	}
 
-	std::vector<Standing> standings;
+	std::vector<Resources> resources;
 	size_t opened = 0;
 	std::vector<std::string> dialogs; ///< which the first and the last opening showed
 
@@ -181,23 +181,23 @@ TEST_P(Openings, should_leave_the_process_as_it_was)
 	Viewer *viewer = new Viewer(openings);
 	Desk &desk = Desk::get();
 	desk.setScreen(std::unique_ptr<desk::Screen>(viewer));
-	EXPECT_EQ(support::playInside(support::repeat("down ", GetParam().number)), -1);
+	EXPECT_EQ(support::runInside(support::repeat("down ", GetParam().number)), -1);
 
 	EXPECT_EQ(viewer->opened, openings);
 	EXPECT_EQ(viewer->dialogs, std::vector<std::string>(2, GetParam().dialog));
-	ASSERT_EQ(viewer->standings.size(), openings + 1);
-	const Standing &first = viewer->standings[warmUp];
-	const auto other = std::find_if(viewer->standings.begin() + warmUp, viewer->standings.end(),
-	                                [&](const Standing &one) { return !(one == first); });
-	if (other != viewer->standings.end()) {
+	ASSERT_EQ(viewer->resources.size(), openings + 1);
+	const Resources &first = viewer->resources[warmUp];
+	const auto other = std::find_if(viewer->resources.begin() + warmUp, viewer->resources.end(),
+	                                [&](const Resources &one) { return !(one == first); });
+	if (other != viewer->resources.end()) {
 		ADD_FAILURE() << "after " << warmUp << " openings " << first << " were in use, after "
-					  << other - viewer->standings.begin() << " " << *other << ", after " << openings << ' '
-					  << viewer->standings.back();
+					  << other - viewer->resources.begin() << " " << *other << ", after " << openings << ' '
+					  << viewer->resources.back();
 	}
 	expectNothingLeft();
 	printf("%zu openings: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", openings,
-	       first.memory, first.files, warmUp, viewer->standings.back().memory,
-	       viewer->standings.back().files);
+	       first.memory, first.files, warmUp, viewer->resources.back().memory,
+	       viewer->resources.back().files);
 	desk.setScreen(nullptr);
 }
 
@@ -223,7 +223,7 @@ TEST(Loading, should_leave_nothing_of_the_plugin_behind)
 {
 	Desk &desk = Desk::get();
 	desk.setScreen(std::make_unique<Viewer>(0));
-	std::optional<Standing> first;
+	std::optional<Resources> first;
 	for (int load = 1; load <= loads; ++load) {
 		std::string error;
 		std::unique_ptr<Plugin> plugin = Plugin::load(support::pluginPath(), error);
@@ -240,15 +240,15 @@ TEST(Loading, should_leave_nothing_of_the_plugin_behind)
 		if (load == static_cast<int>(warmUp))
 			first.emplace();
 	}
-	const Standing last;
+	const Resources last;
 	EXPECT_EQ(last, *first);
 	printf("%d loads: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", loads,
 	       first->memory, first->files, warmUp, last.memory, last.files);
 	desk.setScreen(nullptr);
 }
 
-/// How a process stands that has run the desk host with --plays `times`, all screens opened in each.
-Standing afterPlays(int times, const std::string &root)
+/// What a process holds that has run the desk host with --plays `times`, all screens opened in each.
+Resources afterPlays(int times, const std::string &root)
 {
 	int ends[2];
 	EXPECT_EQ(pipe(ends), 0);
@@ -276,26 +276,27 @@ Standing afterPlays(int times, const std::string &root)
 		                           nullptr};
 		const int count = static_cast<int>(std::size(arguments)) - 1;
 		const int status = desk::runApp(count, const_cast<char **>(arguments));
-		const Standing standing;
-		const bool told = write(ends[1], &standing, sizeof standing) == static_cast<ssize_t>(sizeof standing);
-		_exit(told ? status : 99);
+		const Resources resources;
+		const bool written =
+			write(ends[1], &resources, sizeof resources) == static_cast<ssize_t>(sizeof resources);
+		_exit(written ? status : 99);
 	}
 	close(ends[1]);
-	Standing standing;
-	EXPECT_EQ(read(ends[0], &standing, sizeof standing), static_cast<ssize_t>(sizeof standing));
+	Resources resources;
+	EXPECT_EQ(read(ends[0], &resources, sizeof resources), static_cast<ssize_t>(sizeof resources));
 	close(ends[0]);
 	int status = -1;
 	EXPECT_EQ(waitpid(child, &status, 0), child);
 	EXPECT_EQ(status, 0);
-	return standing;
+	return resources;
 }
 
 TEST(Plays, should_end_with_the_same_memory_however_many_there_were)
 {
 	adoptOrphans();
 	const SmallReceiver receiver;
-	const Standing few = afterPlays(static_cast<int>(warmUp), receiver.path());
-	const Standing many = afterPlays(plays, receiver.path());
+	const Resources few = afterPlays(static_cast<int>(warmUp), receiver.path());
+	const Resources many = afterPlays(plays, receiver.path());
 	EXPECT_EQ(many, few);
 	expectNothingLeft();
 	printf("--plays: %zu bytes and %zu files in use after %zu, %zu and %zu after %d\n", few.memory, few.files,

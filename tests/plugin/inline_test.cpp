@@ -3,15 +3,13 @@
 #include "toolkit.h"
 
 #include "list.h"
+#include "temp_folder.h"
 #include "trace.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <type_traits>
-#include <unistd.h>
 
 namespace
 {
@@ -102,21 +100,18 @@ TEST(Entry, should_still_have_its_help_when_it_is_taken_out)
 
 TEST(Entry, should_say_that_it_is_not_taken_out_by_its_list)
 {
-	char path[] = "/tmp/vexlo-trace-XXXXXX";
-	close(mkstemp(path));
+	const support::TempFolder folder;
 	std::string error;
-	ASSERT_TRUE(desk::Trace::get().open(path, error)) << error;
+	ASSERT_TRUE(desk::Trace::get().open(folder / "trace", error)) << error;
 	{
 		eWindow window(1);
 		Box *box = new Box(&window);
 		delete new Entry(box);
 		desk::Trace::get().close();
 	}
-	std::stringstream trace;
-	trace << std::ifstream(path).rdbuf();
-	EXPECT_NE(trace.str().find("#1, false, false)\n"), std::string::npos) << "appended: " << trace.str();
-	EXPECT_NE(trace.str().find("#1, false)\n"), std::string::npos) << "taken out: " << trace.str();
-	unlink(path);
+	const std::string trace = support::readFile(folder / "trace");
+	EXPECT_NE(trace.find("#1, false, false)\n"), std::string::npos) << "appended: " << trace;
+	EXPECT_NE(trace.find("#1, false)\n"), std::string::npos) << "taken out: " << trace;
 }
 
 TEST(Entry, should_be_less_than_none)
@@ -200,9 +195,9 @@ TEST(ListBox, should_emit_the_choice_in_the_order_of_connection)
 
 TEST(ListBox, should_end_its_signals_in_the_reverse_order)
 {
-	struct Told
+	struct Ending
 	{
-		~Told() { order->push_back(name); }
+		~Ending() { order->push_back(name); }
 		std::vector<std::string> *order;
 		const char *name;
 	};
@@ -211,8 +206,8 @@ TEST(ListBox, should_end_its_signals_in_the_reverse_order)
 		eWindow window(1);
 		Box *box = new Box(&window);
 		const auto connect = [&](auto &signal, const char *name) {
-			const std::shared_ptr<Told> told(new Told{&order, name});
-			signal.connect([told](eListBoxEntryText *) {});
+			const std::shared_ptr<Ending> ending(new Ending{&order, name});
+			signal.connect([ending](eListBoxEntryText *) {});
 		};
 		connect(box->selected, "selected");
 		connect(box->selchanged, "selchanged");

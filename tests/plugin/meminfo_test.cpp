@@ -20,7 +20,7 @@ TEST(MemInfo, should_place_and_fill_two_labels)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
-	const Play run = play(receiver.path(), "down ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
 	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
 	          (Lines{
 				  "eWindow#1 = eWindow(1)",
@@ -46,7 +46,7 @@ TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
-	const Play run = play(receiver.path(), "down ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
 	for (const std::string &line : run.trace) {
 		EXPECT_EQ(line.find("eSkin"), std::string::npos) << line;
 		EXPECT_EQ(line.find("setFocus"), std::string::npos) << line;
@@ -58,7 +58,7 @@ TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
 TEST(MemInfo, should_reach_five_pixels_below_its_client_area)
 {
 	ReceiverFolder receiver;
-	const Play run = play(receiver.path(), "down ok");
+	const DeskRun run = runDesk(receiver.path(), "down ok");
 	EXPECT_EQ(run.window(2)["client"], Json({225, 113, 270, 350}));
 	EXPECT_EQ(run.widget(2, "eLabel", 0)["rect"], Json({5, 5, 150, 350}));
 	EXPECT_EQ(run.widget(2, "eLabel", 1)["rect"], Json({160, 5, 100, 350}));
@@ -67,7 +67,7 @@ TEST(MemInfo, should_reach_five_pixels_below_its_client_area)
 TEST(MemInfo, should_not_translate_its_title)
 {
 	ReceiverFolder receiver;
-	const Play run = play(receiver.path(), "down ok", {"--lang", "de"});
+	const DeskRun run = runDesk(receiver.path(), "down ok", {"--lang", "de"});
 	EXPECT_EQ(run.window(2)["title"], "Memory info");
 }
 
@@ -75,7 +75,7 @@ TEST(MemInfo, should_read_anew_at_every_opening)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
-	const Play run = play(receiver.path(), "down ok exit ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "down ok exit ok exit exit");
 	int opened = 0;
 	for (const std::string &line : run.trace)
 		opened += line.rfind("fopen(\"/proc/meminfo\"", 0) == 0;
@@ -101,7 +101,7 @@ TEST_P(MemInfoSource, should_open_an_empty_screen)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(GetParam().content);
-	const Play run = play(receiver.path(), "down ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.window(2)["class"], "eMemInfoDialog");
 	EXPECT_EQ(run.widget(2, "eLabel", 0)["text"], "");
@@ -117,10 +117,10 @@ INSTANTIATE_TEST_SUITE_P(Unusable, MemInfoSource,
 TEST(MemInfo, should_open_empty_when_the_file_is_missing_or_a_folder)
 {
 	ReceiverFolder missing;
-	EXPECT_EQ(play(missing.path(), "down ok").widget(2, "eLabel")["text"], "");
+	EXPECT_EQ(runDesk(missing.path(), "down ok").widget(2, "eLabel")["text"], "");
 	ReceiverFolder folder;
 	folder.write("proc/meminfo/inside", "");
-	const Play run = play(folder.path(), "down ok");
+	const DeskRun run = runDesk(folder.path(), "down ok");
 	EXPECT_EQ(run.widget(2, "eLabel")["text"], "");
 	EXPECT_EQ(run.outcome.status, 0);
 }
@@ -133,7 +133,7 @@ TEST(MemInfo, should_show_binary_data_without_harm)
 	ReceiverFolder receiver;
 	receiver.meminfo(bytes);
 	support::TempFolder pictures;
-	const Play run = play(receiver.path(), "down ok exit exit", {"--pictures", pictures.path()});
+	const DeskRun run = runDesk(receiver.path(), "down ok exit exit", {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.window(2)["class"], "eMemInfoDialog");
 	EXPECT_TRUE(support::exists(pictures / "02-ok.png"));
@@ -141,7 +141,7 @@ TEST(MemInfo, should_show_binary_data_without_harm)
 
 TEST(MemInfo, should_show_this_computers_memory_without_a_root)
 {
-	const Play run = play("", "down ok exit exit", {"--as-is"});
+	const DeskRun run = runDesk("", "down ok exit exit", {"--as-is"});
 	const std::string names = run.widget(2, "eLabel", 0)["text"];
 	const std::string values = run.widget(2, "eLabel", 1)["text"];
 	const std::string kernel = support::readFile("/proc/meminfo");

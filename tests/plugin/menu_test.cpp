@@ -27,7 +27,7 @@ const Lines built = {
 TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
 {
 	ReceiverFolder receiver;
-	const Play run = play(receiver.path(), "exit");
+	const DeskRun run = runDesk(receiver.path(), "exit");
 	Lines expected = built;
 	expected.insert(expected.end(), {"eSetupWindow#1.exec() = -1", "eSetupWindow#1.hide()",
 	                                 "eSetupWindow#1.~eSetupWindow()"});
@@ -40,7 +40,7 @@ TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
 TEST(Menu, should_stand_at_its_place_with_ten_rows_and_400_pixels)
 {
 	ReceiverFolder receiver;
-	const Play run = play(receiver.path(), "");
+	const DeskRun run = runDesk(receiver.path(), "");
 	const Json &window = run.window(0);
 	EXPECT_EQ(window["class"], "eVexloMenu");
 	EXPECT_EQ(window["title"], "Vexlo service menu");
@@ -55,7 +55,7 @@ TEST(Menu, should_stand_at_its_place_with_ten_rows_and_400_pixels)
 TEST(Menu, should_hold_four_entries_with_their_numbered_help)
 {
 	ReceiverFolder receiver;
-	const Play run = play(receiver.path(), "down down down down up");
+	const DeskRun run = runDesk(receiver.path(), "down down down down up");
 	const char *list = "eListBox<eListBoxEntryMenu>";
 	EXPECT_EQ(run.widget(0, list)["rows"], Json({"process info", "memory info", "scan log", "system info"}));
 	EXPECT_EQ(run.widget(0, list)["count"], 4);
@@ -65,15 +65,15 @@ TEST(Menu, should_hold_four_entries_with_their_numbered_help)
 	                    "(4) show system info",
 	                    "(1) show current processes in memory",
 	                    "(4) show system info"};
-	ASSERT_EQ(run.moments.size(), help.size());
+	ASSERT_EQ(run.dump.size(), help.size());
 	for (size_t i = 0; i < help.size(); ++i)
-		EXPECT_EQ(run.widget(i, list)["help"], help[i]) << "after " << run.moments[i]["after"];
+		EXPECT_EQ(run.widget(i, list)["help"], help[i]) << "after " << run.dump[i]["after"];
 }
 
 TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroyed)
 {
 	ReceiverFolder receiver;
-	const Play run = play(receiver.path(), "down ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
 	EXPECT_EQ(run.traceBetween("eSetupWindow#1.exec()", "eSetupWindow#1.exec() = -1"),
 	          (Lines{
 				  "eSetupWindow#1.exec()",
@@ -109,14 +109,14 @@ TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)
 	const Lines screens = {"ePsDialog", "eMemInfoDialog", "eScanLogDialog", "eSysInfDialog"};
 	std::string keys;
 	for (size_t i = 0; i < screens.size(); ++i) {
-		const Play run = play(receiver.path(), keys + "ok exit exit");
-		ASSERT_EQ(run.moments.size(), i + 4);
-		EXPECT_EQ(run.moments[i + 1]["windows"].size(), 1u) << "the menu is hidden";
+		const DeskRun run = runDesk(receiver.path(), keys + "ok exit exit");
+		ASSERT_EQ(run.dump.size(), i + 4);
+		EXPECT_EQ(run.dump[i + 1]["windows"].size(), 1u) << "the menu is hidden";
 		EXPECT_EQ(run.window(i + 1)["class"], screens[i]);
 		EXPECT_EQ(run.window(i + 2)["class"], "eVexloMenu");
 		EXPECT_EQ(run.widget(i + 2, "eListBox<eListBoxEntryMenu>")["count"], 4) << "it keeps its list";
 		EXPECT_EQ(run.widget(i + 2, "eListBox<eListBoxEntryMenu>")["current"], i);
-		EXPECT_EQ(run.moments[i + 3]["windows"].size(), 0u);
+		EXPECT_EQ(run.dump[i + 3]["windows"].size(), 0u);
 		keys += "down ";
 	}
 }
@@ -126,7 +126,7 @@ TEST(Menu, should_open_the_entry_of_a_digit)
 	ReceiverFolder receiver;
 	receiver.ps("PID\n");
 	receiver.df("Filesystem\n");
-	const Play run = play(receiver.path(), "2 exit 4 exit 5 9 0 exit");
+	const DeskRun run = runDesk(receiver.path(), "2 exit 4 exit 5 9 0 exit");
 	EXPECT_EQ(run.window(1)["class"], "eMemInfoDialog");
 	EXPECT_EQ(run.window(3)["class"], "eSysInfDialog");
 	for (size_t i : {4, 5, 6, 7})
@@ -137,7 +137,7 @@ TEST(Menu, should_be_shown_again_after_a_screen_that_was_accepted)
 {
 	ReceiverFolder receiver;
 	receiver.df("Filesystem\n");
-	const Play run = play(receiver.path(), "up ok green exit");
+	const DeskRun run = runDesk(receiver.path(), "up ok green exit");
 	EXPECT_EQ(run.window(2)["class"], "eSysInfDialog");
 	EXPECT_EQ(run.window(3)["class"], "eVexloMenu");
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");

@@ -61,7 +61,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_si
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 0)});
+	const DeskRun run = runDesk(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 0)});
 	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(20));
 }
 
@@ -69,7 +69,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 30)});
+	const DeskRun run = runDesk(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 30)});
 	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(30));
 	EXPECT_EQ(run.widget(1, list)["rect"], Json({5, 40, 490, 410}));
 	EXPECT_EQ(run.widget(1, "eLabel")["rect"], Json({5, 5, 500, 30}));
@@ -79,7 +79,7 @@ TEST(Ps, should_list_the_processes_under_their_heading)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok exit exit", {"--lang", "de"});
+	const DeskRun run = runDesk(receiver.path(), "ok exit exit", {"--lang", "de"});
 	EXPECT_EQ(run.window(1)["title"], "Info") << "whatever the language";
 	EXPECT_EQ(run.window(1)["client"], Json({110, 63, 500, 450}));
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "  PID USER COMMAND\n");
@@ -92,7 +92,7 @@ TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "ok exit exit");
 	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
 	          (Lines{"eWindow#1.exec()", "eWindow#1.reject()", "eWindow#1.setFocus(eListBoxBase#2)",
 	                 "eWindow#1.exec() = -1", "eWindow#1.hide()", "eSetupWindow#1.show()",
@@ -103,7 +103,7 @@ TEST(Ps, should_ask_and_kill_on_yes)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok down ok ok exit");
+	const DeskRun run = runDesk(receiver.path(), "ok down ok ok exit");
 	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
 	          (Lines{
 				  "eWindow#1.exec()",
@@ -130,9 +130,9 @@ TEST(Ps, should_ask_in_a_box_above_itself)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok down ok");
-	ASSERT_EQ(run.moments[3]["windows"].size(), 2u);
-	EXPECT_EQ(run.moments[3]["windows"][0]["class"], "ePsDialog");
+	const DeskRun run = runDesk(receiver.path(), "ok down ok");
+	ASSERT_EQ(run.dump[3]["windows"].size(), 2u);
+	EXPECT_EQ(run.dump[3]["windows"][0]["class"], "ePsDialog");
 	const Json &box = run.window(3);
 	EXPECT_EQ(box["class"], "eMessageBox");
 	EXPECT_EQ(box["title"], "kill pid");
@@ -140,14 +140,14 @@ TEST(Ps, should_ask_in_a_box_above_itself)
 	EXPECT_EQ(run.widget(3, "eButton", 0)["text"], "Yes");
 	EXPECT_EQ(run.widget(3, "eButton", 0)["focus"], true) << "yes is the default answer";
 	EXPECT_EQ(run.widget(3, "eButton", 1)["text"], "No");
-	EXPECT_EQ(run.moments[3]["windows"][0]["widgets"][0]["focus"], false) << "only one widget has the focus";
+	EXPECT_EQ(run.dump[3]["windows"][0]["widgets"][0]["focus"], false) << "only one widget has the focus";
 }
 
 void expectSpared(const std::string &keys, const std::string &result)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok down ok " + keys + " exit exit");
+	const DeskRun run = runDesk(receiver.path(), "ok down ok " + keys + " exit exit");
 	EXPECT_EQ(run.traceBetween("eMessageBox#1.exec()", "eMessageBox#1.~eMessageBox()"),
 	          (Lines{"eMessageBox#1.exec()", "eMessageBox#1.exec() = " + result, "eMessageBox#1.hide()",
 	                 "eWindow#1.setFocus(eListBoxBase#2)", "eMessageBox#1.~eMessageBox()"}));
@@ -171,7 +171,7 @@ TEST(Ps, should_translate_format_and_caption_of_the_question)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
-	const Play run = play(receiver.path(), "ok down ok", {"--lang", "de"});
+	const DeskRun run = runDesk(receiver.path(), "ok down ok", {"--lang", "de"});
 	const std::string question = run.widget(3, "eLabel")["text"];
 	EXPECT_NE(question.find("123"), std::string::npos) << question;
 	EXPECT_EQ(question.find("Kill"), std::string::npos) << question;
@@ -182,7 +182,7 @@ TEST(Ps, should_offer_nothing_when_there_is_only_a_heading)
 {
 	ReceiverFolder receiver;
 	receiver.ps("  PID USER COMMAND\n");
-	const Play run = play(receiver.path(), "ok ok down up pageup pagedown home end ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "ok ok down up pageup pagedown home end ok exit exit");
 	EXPECT_EQ(run.widget(2, list)["count"], 0);
 	EXPECT_EQ(run.widget(2, list)["current"], -1);
 	EXPECT_EQ(run.window(9)["class"], "ePsDialog") << "there is nothing to choose";
@@ -194,13 +194,13 @@ TEST(Ps, should_open_empty_when_ps_is_missing_or_prints_nothing)
 {
 	ReceiverFolder silent;
 	silent.ps("");
-	Play run = play(silent.path(), "ok exit exit");
+	DeskRun run = runDesk(silent.path(), "ok exit exit");
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
 	EXPECT_EQ(run.widget(1, list)["count"], 0);
 
 	// A search path without any command but sh: the shell says that it finds no ps.
 	ReceiverFolder none;
-	run = play(none.path(), "ok exit exit", {}, {{"PATH", none / "bin"}});
+	run = runDesk(none.path(), "ok exit exit", {}, {{"PATH", none / "bin"}});
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
 	EXPECT_EQ(run.widget(1, list)["count"], 0);
 	EXPECT_EQ(run.outcome.status, 0);
@@ -213,7 +213,7 @@ TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_sam
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	ASSERT_EQ(symlink("/var/tmp/no-such-folder/ps.tmp", "/var/tmp/ps.tmp"), 0);
-	const Play run = play(receiver.path(), "ok exit exit");
+	const DeskRun run = runDesk(receiver.path(), "ok exit exit");
 	EXPECT_EQ(run.traceBetween(R"(system("ps >/var/tmp/ps.tmp"))", "eWindow#1.setFocus(eListBoxBase#2)"),
 	          (Lines{
 				  R"(system("ps >/var/tmp/ps.tmp"))",
@@ -247,7 +247,8 @@ TEST(Ps, should_draw_whatever_bytes_a_process_name_holds)
 	ReceiverFolder receiver;
 	receiver.ps(bytes);
 	support::TempFolder pictures;
-	const Play run = play(receiver.path(), "ok down pagedown exit exit", {"--pictures", pictures.path()});
+	const DeskRun run =
+		runDesk(receiver.path(), "ok down pagedown exit exit", {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	// 1022 characters and a line end are two reads, as are 1023; 2000 are two, 5000 five.
 	EXPECT_EQ(run.widget(1, list)["count"], 3 + 2 + 2 + 2 + 5);
@@ -262,7 +263,7 @@ TEST(Ps, should_scroll_through_ten_thousand_processes)
 		output += std::to_string(i) + " sleep\n";
 	ReceiverFolder receiver;
 	receiver.ps(output);
-	const Play run = play(receiver.path(), "ok end home pagedown up down up up exit exit");
+	const DeskRun run = runDesk(receiver.path(), "ok end home pagedown up down up up exit exit");
 	EXPECT_EQ(run.widget(1, list)["count"], 10000);
 	EXPECT_EQ(run.widget(1, list)["rows"].size(), 20u);
 	EXPECT_EQ(run.widget(2, list)["current"], 9999);
@@ -295,7 +296,7 @@ TEST(Ps, should_kill_the_chosen_process_and_no_other)
 	ReceiverFolder receiver;
 	onlyThese(receiver, {first.pid(), second.pid(), third.pid()});
 	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
-	const Play run = play("", "ok down ok ok exit", {"--as-is"}, {{"PATH", path}});
+	const DeskRun run = runDesk("", "ok down ok ok exit", {"--as-is"}, {{"PATH", path}});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.widget(3, "eLabel")["text"], "Kill " + std::to_string(second.pid()) + " pid?");
 	EXPECT_EQ(run.window(4)["class"], "eVexloMenu");
@@ -310,7 +311,7 @@ TEST(Ps, should_spare_the_chosen_process_on_no)
 	ReceiverFolder receiver;
 	onlyThese(receiver, {sleeper.pid()});
 	const std::string path = (receiver / "bin") + ":/usr/bin:/bin";
-	const Play run = play("", "ok ok right ok exit exit", {"--as-is"}, {{"PATH", path}});
+	const DeskRun run = runDesk("", "ok ok right ok exit exit", {"--as-is"}, {{"PATH", path}});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.window(4)["class"], "ePsDialog");
 	EXPECT_TRUE(sleeper.lives());
@@ -321,7 +322,7 @@ TEST(Ps, should_signal_nobody_with_a_root)
 	Sleeper sleeper;
 	ReceiverFolder receiver;
 	onlyThese(receiver, {sleeper.pid()});
-	const Play run = play(receiver.path(), "ok ok ok exit");
+	const DeskRun run = runDesk(receiver.path(), "ok ok ok exit");
 	const std::string command = "kill -9 " + std::to_string(sleeper.pid());
 	EXPECT_NE(std::find(run.trace.begin(), run.trace.end(), "system(\"" + command + "\")"), run.trace.end());
 	EXPECT_NE(run.outcome.err.find(command), std::string::npos);
@@ -390,7 +391,7 @@ void killInRealList(const std::vector<std::string> &program)
 	auto viewer = std::make_unique<CarefulViewer>(row, question);
 	const CarefulViewer &saw = *viewer;
 	desk::Desk::get().setScreen(std::move(viewer));
-	EXPECT_EQ(support::playInside(), -1);
+	EXPECT_EQ(support::runInside(), -1);
 	setenv("PATH", path.c_str(), 1);
 	EXPECT_EQ(saw.questions, Lines{question});
 	desk::Desk::get().setScreen(nullptr);

@@ -10,7 +10,7 @@ namespace
 {
 
 const char *const list = "eListBox<eListBoxEntryText>";
-const std::string keys = "down down ok "; // to the screen; its moment is number 3
+const std::string keys = "down down ok "; // to the screen, which the third key opens
 constexpr size_t opened = 3;
 
 Lines construction(int fontSize, const Lines &reading, const std::string &summary)
@@ -68,8 +68,8 @@ TEST(ScanLog, should_be_laid_out_around_the_log)
 	ReceiverFolder receiver;
 	receiver.scanLog("a\nb\n");
 	for (const int fontSize : {0, 20, 30}) {
-		const Play run =
-			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const DeskRun run =
+			runDesk(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
 		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
 		          construction(fontSize ? fontSize : 20, twoLines, "size of /var/scaning.log : 4 bytes"));
 	}
@@ -79,8 +79,8 @@ TEST(ScanLog, should_be_laid_out_without_a_log)
 {
 	ReceiverFolder receiver;
 	for (const int fontSize : {20, 30}) {
-		const Play run =
-			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const DeskRun run =
+			runDesk(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
 		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
 		          construction(fontSize, noFile, R"(file \"/var/scaning.log\" not found)"));
 	}
@@ -90,7 +90,7 @@ TEST(ScanLog, should_list_numbered_lines_with_the_list_in_focus)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\nb");
-	const Play run = play(receiver.path(), keys);
+	const DeskRun run = runDesk(receiver.path(), keys);
 	EXPECT_EQ(run.window(opened)["class"], "eScanLogDialog");
 	EXPECT_EQ(run.window(opened)["client"], Json({60, 63, 600, 470}));
 	EXPECT_EQ(run.widget(opened, list)["rows"], Json({"0 a\n", "1 b"}));
@@ -106,7 +106,7 @@ TEST(ScanLog, should_split_marker_lines)
 	ASSERT_EQ(line.size(), 101u);
 	ReceiverFolder receiver;
 	receiver.scanLog(line + "\n");
-	const Play run = play(receiver.path(), keys);
+	const DeskRun run = runDesk(receiver.path(), keys);
 	EXPECT_EQ(run.widget(opened, list)["rows"],
 	          Json({"0 " + line.substr(1, 46), "0 " + line.substr(46, 46)}));
 }
@@ -115,7 +115,7 @@ TEST(ScanLog, should_translate_the_button_and_neither_title_nor_summary)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	const Play run = play(receiver.path(), keys, {"--lang", "de"});
+	const DeskRun run = runDesk(receiver.path(), keys, {"--lang", "de"});
 	EXPECT_EQ(run.window(opened)["title"], "Info");
 	EXPECT_NE(run.widget(opened, "eButton")["text"], "delete log");
 	EXPECT_EQ(run.widget(opened, "eLabel")["text"], "size of /var/scaning.log : 2 bytes");
@@ -125,7 +125,7 @@ TEST(ScanLog, should_do_nothing_when_a_line_is_chosen)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\nb\n");
-	const Play run = play(receiver.path(), keys + "ok down ok");
+	const DeskRun run = runDesk(receiver.path(), keys + "ok down ok");
 	EXPECT_EQ(run.window(opened + 3)["class"], "eScanLogDialog");
 	EXPECT_EQ(run.widget(opened + 3, list)["current"], 1);
 }
@@ -134,8 +134,8 @@ TEST(ScanLog, should_ask_and_delete_on_yes)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	const Play run = play(receiver.path(), keys + "red ok ok exit exit");
-	ASSERT_EQ(run.moments[opened + 1]["windows"].size(), 2u);
+	const DeskRun run = runDesk(receiver.path(), keys + "red ok ok exit exit");
+	ASSERT_EQ(run.dump[opened + 1]["windows"].size(), 2u);
 	EXPECT_EQ(run.window(opened + 1)["title"], "Warning");
 	EXPECT_EQ(run.widget(opened + 1, "eLabel")["text"], "Delete /var/scaning.log ?");
 	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
@@ -166,12 +166,12 @@ void expectKept(const std::string &answer, const std::string &result)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	const Play run = play(receiver.path(), keys + "red " + answer);
+	const DeskRun run = runDesk(receiver.path(), keys + "red " + answer);
 	EXPECT_EQ(run.traceBetween("eMessageBox#1.exec()", "eMessageBox#1.~eMessageBox()"),
 	          (Lines{"eMessageBox#1.exec()", "eMessageBox#1.exec() = " + result, "eMessageBox#1.hide()",
 	                 "eMessageBox#1.~eMessageBox()"}));
-	EXPECT_EQ(run.moments.back()["windows"].back()["class"], "eScanLogDialog");
-	EXPECT_EQ(run.widget(run.moments.size() - 1, list)["count"], 1);
+	EXPECT_EQ(run.dump.back()["windows"].back()["class"], "eScanLogDialog");
+	EXPECT_EQ(run.widget(run.dump.size() - 1, list)["count"], 1);
 	EXPECT_EQ(support::readFile(receiver / "var/scaning.log"), "a\n");
 }
 
@@ -189,7 +189,7 @@ TEST(ScanLog, should_ask_also_from_the_button_itself)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	const Play run = play(receiver.path(), keys + "right ok");
+	const DeskRun run = runDesk(receiver.path(), keys + "right ok");
 	EXPECT_EQ(run.widget(opened + 1, "eButton")["focus"], true);
 	EXPECT_EQ(run.window(opened + 2)["class"], "eMessageBox");
 }
@@ -197,7 +197,7 @@ TEST(ScanLog, should_ask_also_from_the_button_itself)
 TEST(ScanLog, should_ask_without_a_log_and_close_without_a_word)
 {
 	ReceiverFolder receiver;
-	const Play run = play(receiver.path(), keys + "red ok exit");
+	const DeskRun run = runDesk(receiver.path(), keys + "red ok exit");
 	EXPECT_EQ(run.window(opened + 1)["class"], "eMessageBox");
 	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
 	EXPECT_EQ(run.outcome.status, 0);
@@ -207,7 +207,7 @@ TEST(ScanLog, should_close_also_when_the_log_cannot_be_deleted)
 {
 	ReceiverFolder receiver;
 	receiver.write("var/scaning.log/inside", "");
-	const Play run = play(receiver.path(), keys + "red ok exit");
+	const DeskRun run = runDesk(receiver.path(), keys + "red ok exit");
 	EXPECT_EQ(run.widget(opened, "eLabel")["text"].get<std::string>().rfind("size of /var/scaning.log : ", 0),
 	          0u)
 		<< "a folder opens, and reads nothing";
@@ -220,7 +220,7 @@ TEST(ScanLog, should_translate_the_question_as_a_whole)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	const Play run = play(receiver.path(), keys + "red", {"--lang", "de"});
+	const DeskRun run = runDesk(receiver.path(), keys + "red", {"--lang", "de"});
 	const std::string question = run.widget(opened + 1, "eLabel")["text"];
 	EXPECT_NE(question, "Delete /var/scaning.log ?");
 	EXPECT_NE(question.find("/var/scaning.log"), std::string::npos) << question;
@@ -248,7 +248,7 @@ TEST_P(ScanLogContent, should_be_shown_and_measured)
 	ReceiverFolder receiver;
 	receiver.scanLog(GetParam().content);
 	support::TempFolder pictures;
-	const Play run = play(receiver.path(), keys, {"--pictures", pictures.path()});
+	const DeskRun run = runDesk(receiver.path(), keys, {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.widget(opened, list)["rows"], GetParam().rows);
 	EXPECT_EQ(run.widget(opened, "eLabel")["text"],
@@ -280,7 +280,7 @@ TEST(ScanLog, should_draw_every_byte_value)
 	ReceiverFolder receiver;
 	receiver.scanLog(bytes);
 	support::TempFolder pictures;
-	const Play run = play(receiver.path(), keys + "exit exit", {"--pictures", pictures.path()});
+	const DeskRun run = runDesk(receiver.path(), keys + "exit exit", {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_GT(run.widget(opened, list)["count"], 3);
 }
@@ -291,10 +291,10 @@ TEST(ScanLog, should_not_mind_a_log_that_changes_while_it_is_shown)
 	receiver.scanLog("a\n");
 	// The screen runs no command of its own: the log goes while the process screen is built.
 	receiver.write("bin/ps", "#!/bin/sh\nrm -f '" + (receiver / "var/scaning.log") + "'\necho PID\n", true);
-	const Play run = play(receiver.path(), keys + "exit up up ok exit down down ok");
+	const DeskRun run = runDesk(receiver.path(), keys + "exit up up ok exit down down ok");
 	EXPECT_EQ(run.widget(opened, list)["count"], 1);
-	EXPECT_EQ(run.moments.back()["windows"].back()["class"], "eScanLogDialog");
-	EXPECT_EQ(run.widget(run.moments.size() - 1, "eLabel")["text"], "file \"/var/scaning.log\" not found");
+	EXPECT_EQ(run.dump.back()["windows"].back()["class"], "eScanLogDialog");
+	EXPECT_EQ(run.widget(run.dump.size() - 1, "eLabel")["text"], "file \"/var/scaning.log\" not found");
 }
 
 } // namespace

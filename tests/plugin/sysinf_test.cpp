@@ -11,7 +11,7 @@ using namespace support;
 namespace
 {
 
-constexpr size_t opened = 4; // the moment after "down down down ok"
+constexpr size_t opened = 4; // the key number: after "down down down ok"
 const std::string keys = "down down down ok ";
 
 const std::string onePartition = "dev:    size   erasesize  name\n"
@@ -101,8 +101,8 @@ TEST(SysInf, should_be_laid_out_by_the_font_size)
 	receiver.mtd(onePartition);
 	receiver.df(threeMounts);
 	for (const int fontSize : {0, 20, 16, 30}) {
-		const Play run =
-			play(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const DeskRun run =
+			runDesk(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
 		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
 		          construction(fontSize ? fontSize : 20));
 	}
@@ -113,7 +113,7 @@ TEST(SysInf, should_overlap_and_overhang_as_laid_out)
 	ReceiverFolder receiver;
 	receiver.mtd(onePartition);
 	receiver.df(threeMounts);
-	const Play run = play(receiver.path(), keys);
+	const DeskRun run = runDesk(receiver.path(), keys);
 	EXPECT_EQ(run.window(opened)["client"], Json({60, 70, 600, 450}));
 	const auto rect = [&](size_t nth) { return run.widget(opened, "eLabel", nth)["rect"]; };
 	EXPECT_EQ(rect(1), Json({5, 25, 70, 40}));
@@ -129,13 +129,13 @@ TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	for (const char *way : {"ok", "green"}) {
-		const Play run = play(receiver.path(), keys + way + " exit");
+		const DeskRun run = runDesk(receiver.path(), keys + way + " exit");
 		EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
 		          (Lines{"eWindow#1.exec()", "eWindow#1.accept()", "eWindow#1.exec() = 0", "eWindow#1.hide()",
 		                 "eSetupWindow#1.show()", "eWindow#1.~eWindow()"}))
 			<< way;
 	}
-	const Play left = play(receiver.path(), keys + "exit exit");
+	const DeskRun left = runDesk(receiver.path(), keys + "exit exit");
 	EXPECT_EQ(left.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
 	          (Lines{"eWindow#1.exec()", "eWindow#1.exec() = -1", "eWindow#1.hide()", "eSetupWindow#1.show()",
 	                 "eWindow#1.~eWindow()"}));
@@ -145,7 +145,7 @@ TEST(SysInf, should_give_the_button_the_focus_and_the_green_key)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
-	const Play run = play(receiver.path(), keys);
+	const DeskRun run = runDesk(receiver.path(), keys);
 	const Json &button = run.widget(opened, "eButton");
 	EXPECT_EQ(button["focus"], true);
 	EXPECT_EQ(button["shortcut"], "green");
@@ -157,8 +157,8 @@ TEST(SysInf, should_translate_nothing_but_the_button)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
-	const Play plain = play(receiver.path(), keys);
-	const Play arabic = play(receiver.path(), keys, {"--lang", "ar"});
+	const DeskRun plain = runDesk(receiver.path(), keys);
+	const DeskRun arabic = runDesk(receiver.path(), keys, {"--lang", "ar"});
 	for (size_t i = 0; i < 8; ++i)
 		EXPECT_EQ(arabic.widget(opened, "eLabel", i)["text"], plain.widget(opened, "eLabel", i)["text"]);
 	EXPECT_EQ(arabic.window(opened)["title"], "Info");
@@ -169,7 +169,7 @@ TEST(SysInf, should_show_headings_only_when_there_is_nothing_to_read)
 {
 	ReceiverFolder receiver;
 	receiver.df("");
-	const Play run = play(receiver.path(), keys);
+	const DeskRun run = runDesk(receiver.path(), keys);
 	const char *const texts[] = {"MTD blocks:", "dev:\n", "size\n", "erasesize\n", "name\n", "Mounts:\n\n"};
 	for (size_t i = 0; i < 6; ++i)
 		EXPECT_EQ(run.widget(opened, "eLabel", i)["text"], texts[i]);
@@ -182,14 +182,14 @@ TEST(SysInf, should_show_headings_only_when_there_is_nothing_to_read)
 TEST(SysInf, should_open_when_df_is_missing_or_fails)
 {
 	ReceiverFolder missing;
-	Play run = play(missing.path(), keys + "exit exit", {}, {{"PATH", missing / "bin"}});
+	DeskRun run = runDesk(missing.path(), keys + "exit exit", {}, {{"PATH", missing / "bin"}});
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
 	EXPECT_EQ(run.outcome.status, 0);
 
 	ReceiverFolder failing;
 	failing.write("bin/df", "#!/bin/sh\necho 'df: /media/net: Permission denied' >&2\necho heading\nexit 1\n",
 	              true);
-	run = play(failing.path(), keys + "exit exit");
+	run = runDesk(failing.path(), keys + "exit exit");
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
 	EXPECT_EQ(run.outcome.status, 0);
 }
@@ -199,7 +199,7 @@ TEST(SysInf, should_remove_the_file_also_when_it_could_not_be_written)
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	ASSERT_EQ(symlink("/var/tmp/no-such-folder/df.tmp", "/var/tmp/df.tmp"), 0);
-	const Play run = play(receiver.path(), keys + "exit exit");
+	const DeskRun run = runDesk(receiver.path(), keys + "exit exit");
 	const Lines reading =
 		run.traceBetween(R"(system("df -h >/var/tmp/df.tmp"))", R"(remove("/var/tmp/df.tmp"))");
 	EXPECT_EQ(reading, (Lines{R"(system("df -h >/var/tmp/df.tmp"))",
@@ -213,7 +213,7 @@ TEST(SysInf, should_end_when_the_partition_list_cannot_be_read)
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
 	receiver.write("proc/mtd/inside", "");
-	const Play run = play(receiver.path(), keys + "exit exit");
+	const DeskRun run = runDesk(receiver.path(), keys + "exit exit");
 	EXPECT_EQ(run.widget(opened, "eLabel", 1)["text"], "dev:\n");
 	EXPECT_EQ(run.outcome.status, 0);
 }
@@ -223,7 +223,7 @@ TEST(SysInf, should_show_long_words_whole_in_their_own_columns)
 	const std::string device(60, 'd'), longDevice(300, 'e'), mount(200, 'm');
 	ReceiverFolder receiver;
 	receiver.df("heading\n" + device + " 1023.9G 1 2 3% " + mount + "\n" + longDevice + " 1 2 3 4% /\n");
-	const Play run = play(receiver.path(), keys);
+	const DeskRun run = runDesk(receiver.path(), keys);
 	EXPECT_EQ(run.widget(opened, "eLabel", 6)["text"],
 	          padded("Filesystem", 35) + "\n" + device + "\n" + longDevice + "\n");
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading +
@@ -237,7 +237,7 @@ TEST(SysInf, should_not_break_with_forty_mounts_and_bad_bytes)
 	receiver.mtd("heading\n" + repeat("mtd1: 80000000 00020000 \"\xff\xfe\x1b[2J\"\n", 30));
 	receiver.df("heading\n" + repeat("/dev/x\xff 1G 1G 1G 1% /m\x1b\n", 40) + std::string("a\0b\n", 4));
 	support::TempFolder pictures;
-	const Play run = play(receiver.path(), keys + "ok exit", {"--pictures", pictures.path()});
+	const DeskRun run = runDesk(receiver.path(), keys + "ok exit", {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["rect"], Json({280, 20 * 31 + 45, 500, 20 * 43}));
 	EXPECT_EQ(run.window(opened + 1)["class"], "eVexloMenu");
@@ -245,7 +245,7 @@ TEST(SysInf, should_not_break_with_forty_mounts_and_bad_bytes)
 
 TEST(SysInf, should_show_this_computers_mounts_without_a_root)
 {
-	const Play run = play("", keys + "exit exit", {"--as-is"});
+	const DeskRun run = runDesk("", keys + "exit exit", {"--as-is"});
 	const Lines shown = support::lines(run.widget(opened, "eLabel", 7)["text"]);
 	const Lines printed = support::lines(support::run({"df", "-h"}).out);
 	EXPECT_EQ(shown.size(), printed.size()) << "a row for every line";

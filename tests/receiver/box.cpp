@@ -20,7 +20,7 @@ constexpr std::chrono::seconds patience(150); // a busy machine is no failure
 constexpr int width = 720, height = 576;
 constexpr int screenLeft = 40, screenTop = 12; // of the picture, on a screen of 800 x 600
 
-/// What QEMU calls the keys of a keyboard that plays the remote control.
+/// What QEMU calls the keys of a keyboard that stands for the remote control.
 std::string keyOnBoard(const std::string &key)
 {
 	static const std::map<std::string, std::string> names = {
@@ -109,7 +109,7 @@ std::string Box::line(int pipe, std::string &buffer)
 	}
 }
 
-support::Json Box::nextMoment()
+support::Json Box::nextScreen()
 {
 	return support::Json::parse(line(dump, dumpText));
 }
@@ -133,9 +133,9 @@ void Box::sendKey(const std::string &name)
 support::Json Box::press(const std::string &key)
 {
 	sendKey(keyOnBoard(key));
-	support::Json moment = nextMoment();
-	EXPECT_EQ(moment["after"], key);
-	return moment;
+	support::Json screen = nextScreen();
+	EXPECT_EQ(screen["after"], key);
+	return screen;
 }
 
 std::string Box::shell(const std::string &words)

@@ -27,7 +27,7 @@ public:
 	Box &operator=(const Box &) = delete;
 
 	/// The menu has come up, and told what is on the screen.
-	support::Json started() { return nextMoment(); }
+	support::Json started() { return nextScreen(); }
 
 	/// Presses a key of the remote control and waits for what is on the screen then.
 	support::Json press(const std::string &key);
@@ -42,7 +42,7 @@ public:
 	bool switchesOff();
 
 private:
-	support::Json nextMoment();
+	support::Json nextScreen();
 	void command(const std::string &name, const support::Json &arguments);
 	void sendKey(const std::string &name);
 	void send(int pipe, const std::string &line);

@@ -14,14 +14,14 @@ namespace
 using support::Json;
 
 /// The topmost window.
-const Json &window(const Json &moment)
+const Json &window(const Json &screen)
 {
-	return moment.at("windows").back();
+	return screen.at("windows").back();
 }
 
-bool shows(const Json &moment, const std::string &text)
+bool shows(const Json &screen, const std::string &text)
 {
-	return moment.dump().find(text) != std::string::npos;
+	return screen.dump().find(text) != std::string::npos;
 }
 
 /// A folder for commands that stands in the place of the box's own, until it is unmounted again.
@@ -35,26 +35,26 @@ std::string kept(const std::string &command)
 	       command;
 }
 
-/// One play on the box, with what was on its screen after each key.
+/// One run on the box, with what was on its screen after each key.
 struct Session
 {
 	Box &box;
 	std::string keys;
-	std::vector<Json> moments;
+	std::vector<Json> dump;
 	std::vector<Picture> screens;
 
 	const Json &press(const std::string &key)
 	{
 		keys += (keys.empty() ? "" : " ") + key;
-		moments.push_back(box.press(key));
+		dump.push_back(box.press(key));
 		screens.push_back(box.screen());
-		return moments.back();
+		return dump.back();
 	}
 	const Json &press(std::initializer_list<const char *> several)
 	{
 		for (const char *key : several)
 			press(key);
-		return moments.back();
+		return dump.back();
 	}
 };
 
@@ -94,7 +94,7 @@ TEST_F(OnTheBoard, should_show_and_do_what_the_desk_shows)
 	box->shell(kept("ps"));
 	box->shell(kept("df"));
 	box->shell("cat /proc/meminfo >/tmp/meminfo && mount --bind /tmp/meminfo /proc/meminfo"); // held still
-	support::Receiver receiver;
+	support::ReceiverFolder receiver;
 	receiver.meminfo(box->shell("cat /proc/meminfo"));
 	receiver.mtd(box->shell("cat /proc/mtd"));
 	receiver.scanLog(box->shell("cat /var/scaning.log"));
@@ -131,7 +131,7 @@ TEST_F(OnTheBoard, should_show_and_do_what_the_desk_shows)
 	EXPECT_EQ(box->shell("test -e /var/scaning.log || echo gone"), "gone\n");
 
 	// Flash and mounts.
-	while (window(session.moments.back())["class"] != "eVexloMenu")
+	while (window(session.dump.back())["class"] != "eVexloMenu")
 		session.press("exit");
 	const Json &flash = session.press({"down", "ok"});
 	receiver.df(box->shell("cat /tmp/df"));
@@ -147,15 +147,16 @@ TEST_F(OnTheBoard, should_show_and_do_what_the_desk_shows)
 
 	// The same keys on the same files make the same windows and pictures on the desk.
 	support::TempFolder drawn;
-	const support::Play desk = support::play(receiver.path(), session.keys, {"--pictures", drawn.path()});
-	ASSERT_EQ(desk.moments.size(), session.moments.size()) << desk.outcome.err;
+	const support::DeskRun desk =
+		support::runDesk(receiver.path(), session.keys, {"--pictures", drawn.path()});
+	ASSERT_EQ(desk.dump.size(), session.dump.size()) << desk.outcome.err;
 	std::vector<std::string> pictures;
 	for (const auto &entry : std::filesystem::directory_iterator(drawn.path()))
 		pictures.push_back(entry.path());
 	std::sort(pictures.begin(), pictures.end());
 	ASSERT_EQ(pictures.size(), session.screens.size());
 	for (size_t i = 0; i < pictures.size(); ++i) {
-		EXPECT_EQ(desk.moments[i], session.moments[i]);
+		EXPECT_EQ(desk.dump[i], session.dump[i]);
 		size_t differing = 0;
 		const Picture there = inSixteenBits(pictures[i]);
 		for (size_t at = 0; at < there.pixels.size(); ++at)
@@ -186,10 +187,10 @@ TEST_F(OnTheBoard, should_open_all_screens_on_read_only_flash)
 	box->press("down");
 	EXPECT_TRUE(shows(box->press("ok"), "a log on flash"));
 	box->press("red");
-	Json moment = box->press("ok");
+	Json screen = box->press("ok");
 	EXPECT_EQ(box->shell("cat /var/scaning.log"), "0 a log on flash\n");
-	while (window(moment)["class"] != "eVexloMenu")
-		moment = box->press("exit");
+	while (window(screen)["class"] != "eVexloMenu")
+		screen = box->press("exit");
 	box->press("up");
 	box->press("up");
 	box->shell("umount /var; mount -o remount,rw /config");

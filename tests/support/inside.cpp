@@ -1,7 +1,7 @@
 #include "inside.h"
 
 #include "desk.h"
-#include "play.h"
+#include "desk_run.h"
 #include "plugin.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 namespace support
 {
 
-int playInside(const std::string &keys)
+int runInside(const std::string &keys)
 {
 	std::string error;
 	const auto script = desk::parseKeyScript(keys, error);

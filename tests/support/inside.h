@@ -6,9 +6,9 @@
 namespace support
 {
 
-/// One play of the plugin in the test's own program, which is then a desk host: see vexlo_host_test.
+/// One run of the plugin in the test's own program, which is then a desk host: see vexlo_host_test.
 /// Presses `keys` and then those of the desk's screen; returns what plugin_exec returned.
-int playInside(const std::string &keys = "");
+int runInside(const std::string &keys = "");
 
 } // namespace support
 

@@ -23,8 +23,6 @@ private:
 	void command(const std::string &name, const std::string &output) const;
 };
 
-using Receiver = ReceiverFolder;
-
 } // namespace support
 
 #endif

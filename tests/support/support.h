@@ -1,9 +1,9 @@
 #ifndef VEXLO_TESTS_SUPPORT_H
 #define VEXLO_TESTS_SUPPORT_H
 
-// The kit of the tests that play the plugin in the desk host.
+// The kit of the tests that run the plugin in the desk host.
 
-#include "play.h"
+#include "desk_run.h"
 #include "process.h"
 #include "receiver_folder.h"
 #include "temp_folder.h"

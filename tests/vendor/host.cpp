@@ -1,4 +1,4 @@
-// A made-up vendor's front end without a screen: implements gui/gui.h, loads a plugin, plays a script of
+// A made-up vendor's front end without a screen: implements gui/gui.h, loads a plugin, presses a script of
 // keys and writes every call that the plugin makes, in the form of the desk host's trace.
 //
 //     vendor_host PLUGIN ROOT KEYS [OPTION=VALUE]...
@@ -324,7 +324,7 @@ void eWidget::setShortcut(const eString &key)
 	shortcut = key;
 }
 
-/// The keys: plays one on the window that runs.
+/// The keys: presses one on the window that runs.
 struct Remote
 {
 	static void press(eWidget &window, const std::string &key)

@@ -13,8 +13,8 @@ using namespace support;
 namespace
 {
 
-/// Plays the plugin in the vendor's host; standard output is its trace.
-Outcome playVendor(const ReceiverFolder &receiver, const std::string &keys, const Lines &options = {})
+/// Runs the plugin in the vendor's host; standard output is its trace.
+Outcome runVendor(const ReceiverFolder &receiver, const std::string &keys, const Lines &options = {})
 {
 	std::vector<std::string> command = {VENDOR_HOST, VENDOR_PLUGIN, receiver.path(), keys};
 	command.insert(command.end(), options.begin(), options.end());
@@ -99,9 +99,9 @@ class VendorScript : public Vendor, public ::testing::WithParamInterface<Script>
 TEST_P(VendorScript, makes_the_calls_that_it_makes_in_the_desk_host)
 {
 	const std::string log = support::readFile(receiver / "var/scaning.log");
-	const Outcome vendor = playVendor(receiver, GetParam().keys);
+	const Outcome vendor = runVendor(receiver, GetParam().keys);
 	receiver.scanLog(log); // a script may delete it
-	const Play desk = play(receiver.path(), GetParam().keys);
+	const DeskRun desk = runDesk(receiver.path(), GetParam().keys);
 	EXPECT_EQ(vendor.status, 0) << vendor.err;
 	EXPECT_EQ(vendor.err, desk.outcome.out.empty() ? "" : "plugin_exec returned -1\n");
 	EXPECT_EQ(numbered(support::lines(vendor.out)), numbered(desk.trace));
@@ -123,26 +123,26 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(Vendor, lays_out_by_the_client_height_that_the_host_has_made_of_it)
 {
 	// 37 pixels less than asked for.
-	const Outcome ps = playVendor(receiver, "ok exit exit", {"lost=37"});
+	const Outcome ps = runVendor(receiver, "ok exit exit", {"lost=37"});
 	EXPECT_EQ(position(ps, "resize", "eListBoxBase("), "resize(490, 373)");
 
-	const Outcome memory = playVendor(receiver, "down ok exit exit", {"lost=37"});
+	const Outcome memory = runVendor(receiver, "down ok exit exit", {"lost=37"});
 	EXPECT_EQ(position(memory, "resize", "eLabel("), "resize(150, 313)");
 	EXPECT_NE(memory.out.find(".resize(100, 313)"), std::string::npos);
 
-	const Outcome log = playVendor(receiver, "down down ok exit exit", {"lost=37"});
+	const Outcome log = runVendor(receiver, "down down ok exit exit", {"lost=37"});
 	EXPECT_EQ(position(log, "move", "eButton("), "move(10, 383)");
 	EXPECT_EQ(position(log, "resize", "eListBoxBase("), "resize(590, 373)");
 	EXPECT_EQ(position(log, "move", "eLabel("), "move(180, 393)");
 
-	const Outcome system = playVendor(receiver, "down down down ok exit exit", {"lost=37"});
+	const Outcome system = runVendor(receiver, "down down down ok exit exit", {"lost=37"});
 	EXPECT_EQ(position(system, "move", "eButton("), "move(10, 363)");
 }
 
 TEST_F(Vendor, obeys_the_path_that_the_host_has_set)
 {
 	const std::string path = receiver.write("elsewhere.log", "one\ntwo\n");
-	const Outcome run = playVendor(receiver, "down down ok red ok exit", {"log=" + path});
+	const Outcome run = runVendor(receiver, "down down ok red ok exit", {"log=" + path});
 	EXPECT_NE(run.out.find("fopen(\"" + path + "\", \"r\") = stream"), std::string::npos) << "read";
 	EXPECT_NE(run.out.find("setText(\"size of " + path + " : 8 bytes\")"), std::string::npos) << run.out;
 	EXPECT_NE(run.out.find("eMessageBox(\"Delete " + path + " ?\""), std::string::npos) << "asked about";
@@ -156,27 +156,26 @@ TEST_F(Vendor, takes_his_other_answers_for_a_kill_and_not_for_a_deletion)
 {
 	for (const char *answer : {"0", "1", "4", "64"}) {
 		const std::string option = std::string("answer=") + answer;
-		EXPECT_NE(playVendor(receiver, "ok ok exit", {option}).out.find("kill -9 1"), std::string::npos)
+		EXPECT_NE(runVendor(receiver, "ok ok exit", {option}).out.find("kill -9 1"), std::string::npos)
 			<< answer;
 		const bool deletes = std::string(answer) == "4";
-		EXPECT_EQ(
-			playVendor(receiver, "down down ok red exit exit", {option}).out.find("\nremove(\"/var/s") !=
-				std::string::npos,
-			deletes)
+		EXPECT_EQ(runVendor(receiver, "down down ok red exit exit", {option}).out.find("\nremove(\"/var/s") !=
+		              std::string::npos,
+		          deletes)
 			<< answer;
 	}
 	for (const char *answer : {"8", "-1"})
 		EXPECT_EQ(
-			playVendor(receiver, "ok ok exit exit", {std::string("answer=") + answer}).out.find("kill -9"),
+			runVendor(receiver, "ok ok exit exit", {std::string("answer=") + answer}).out.find("kill -9"),
 			std::string::npos)
 			<< answer;
 }
 
 TEST_F(Vendor, gives_every_size_of_font_its_rows)
 {
-	const Outcome run = playVendor(receiver, "ok exit exit", {"fontsize=31"});
+	const Outcome run = runVendor(receiver, "ok exit exit", {"fontsize=31"});
 	EXPECT_EQ(position(run, "move", "eListBoxBase("), "move(5, 41)");
-	const Outcome none = playVendor(receiver, "ok exit exit", {"fontsize=0"});
+	const Outcome none = runVendor(receiver, "ok exit exit", {"fontsize=0"});
 	EXPECT_EQ(position(none, "move", "eListBoxBase("), "move(5, 30)");
 }
 
@@ -205,7 +204,7 @@ Lines linesThatBegin(const Outcome &outcome, const std::string &begin)
 
 TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
 {
-	const Outcome run = playVendor(receiver, "ok ok exit exit exit", {"tell=1"});
+	const Outcome run = runVendor(receiver, "ok ok exit exit exit", {"tell=1"});
 	EXPECT_EQ(
 		linesThatBegin(run, "dcgettext("),
 		(Lines{R"(dcgettext(null, "Vexlo service menu", 5))", R"(dcgettext(null, "process info", 5))",
@@ -216,7 +215,7 @@ TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
 	           R"(dcgettext(null, "system info", 5))", R"(dcgettext(null, "show system info", 5))",
 	           R"(dcgettext(null, "    1 root init\n", 5))", R"(dcgettext(null, "  123 root telnetd\n", 5))",
 	           R"(dcgettext(null, "Kill %s pid?", 5))", R"(dcgettext(null, "kill pid", 5))"}));
-	const Outcome log = playVendor(receiver, "down down ok red exit exit exit", {"tell=1"});
+	const Outcome log = runVendor(receiver, "down down ok red exit exit exit", {"tell=1"});
 	const Lines lookUps = linesThatBegin(log, "dcgettext(");
 	ASSERT_EQ(lookUps.size(), 12u);
 	EXPECT_EQ(
@@ -228,7 +227,7 @@ TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
 TEST_F(Vendor, may_find_no_text_at_all)
 {
 	const Outcome run =
-		playVendor(receiver, "ok ok exit exit down down ok red exit exit down ok exit exit", {"texts=0"});
+		runVendor(receiver, "ok ok exit exit down down ok red exit exit down ok exit exit", {"texts=0"});
 	EXPECT_EQ(run.status, 0) << run.err;
 	EXPECT_NE(run.out.find("= eSetupWindow(\"\", 10, 400)"), std::string::npos);
 	EXPECT_NE(run.out.find("= \"(2) \""), std::string::npos);
@@ -237,13 +236,13 @@ TEST_F(Vendor, may_find_no_text_at_all)
 
 TEST_F(Vendor, sees_a_question_of_none_where_his_formatting_does_nothing)
 {
-	const Outcome run = playVendor(receiver, "ok ok exit exit exit", {"format=0"});
+	const Outcome run = runVendor(receiver, "ok ok exit exit exit", {"format=0"});
 	EXPECT_NE(run.out.find("= eMessageBox(\"none\", \"kill pid\", 76, 4, 0)"), std::string::npos) << run.out;
 }
 
 TEST_F(Vendor, sees_windows_and_boxes_on_the_stack)
 {
-	const Outcome run = playVendor(
+	const Outcome run = runVendor(
 		receiver, "ok ok exit exit down ok exit down ok red exit exit down ok exit exit", {"tell=1"});
 	EXPECT_EQ(linesThatBegin(run, "it is on the ").size(), 7u) << "the menu, four dialogs, two boxes";
 	EXPECT_EQ(linesThatBegin(run, "it is on the heap").size(), 0u);
@@ -252,7 +251,7 @@ TEST_F(Vendor, sees_windows_and_boxes_on_the_stack)
 TEST_F(Vendor, sees_what_the_entries_hold)
 {
 	const auto entries = [&](const std::string &keys, size_t from) {
-		const Lines all = linesThatBegin(playVendor(receiver, keys, {"tell=1"}), "entry ");
+		const Lines all = linesThatBegin(runVendor(receiver, keys, {"tell=1"}), "entry ");
 		return Lines(all.begin() + static_cast<std::ptrdiff_t>(std::min(from, all.size())), all.end());
 	};
 	EXPECT_EQ(
@@ -277,20 +276,20 @@ TEST_F(Vendor, sees_the_handler_connected_before_the_list_has_the_focus)
 {
 	// Two connections for each of the menu's entries, and the dialog's own.
 	for (const char *keys : {"ok exit exit", "down down ok exit exit"})
-		EXPECT_EQ(linesThatBegin(playVendor(receiver, keys, {"tell=1"}), "9 slots are connected").size(),
+		EXPECT_EQ(linesThatBegin(runVendor(receiver, keys, {"tell=1"}), "9 slots are connected").size(),
 		          1u + (*keys == 'o'))
 			<< keys;
 }
 
 TEST_F(Vendor, gets_back_what_each_run_of_the_menu_returned)
 {
-	EXPECT_EQ(playVendor(receiver, "exit exit", {"left=5", "again=7"}).err,
+	EXPECT_EQ(runVendor(receiver, "exit exit", {"left=5", "again=7"}).err,
 	          "plugin_exec returned 5\nplugin_exec returned 7\n");
 }
 
 TEST_F(Vendor, sees_the_menu_again_whatever_a_dialog_returned)
 {
-	const Outcome run = playVendor(receiver, "down ok exit down down ok exit exit", {"left=5"});
+	const Outcome run = runVendor(receiver, "down ok exit down down ok exit exit", {"left=5"});
 	const Lines shown = linesThatBegin(run, "#1.show()");
 	EXPECT_EQ(shown.size(), 3u) << run.out;
 	between(run, "#7.exec() = 5", "#1.show()");

@@ -20,7 +20,7 @@ namespace kernel
 namespace
 {
 
-/// What plays which device, by the inode of what stands for it.
+/// What stands for which device, by the inode of what stands for it.
 std::map<ino_t, Screen *> screens;
 std::map<ino_t, Remote *> remotes;
 std::map<ino_t, Console *> consoles;
@@ -32,7 +32,7 @@ ino_t inode(const std::string &path)
 	return status.st_ino;
 }
 
-template <class Device> Device *playedBy(const std::map<ino_t, Device *> &devices, int file)
+template <class Device> Device *deviceOf(const std::map<ino_t, Device *> &devices, int file)
 {
 	struct stat status;
 	if (fstat(file, &status) != 0)
@@ -236,11 +236,11 @@ extern "C" int ioctl(int file, unsigned long request, ...) noexcept
 	void *argument = va_arg(arguments, void *);
 	va_end(arguments);
 	using namespace kernel;
-	if (Screen *screen = playedBy(screens, file))
+	if (Screen *screen = deviceOf(screens, file))
 		return answer(*screen, request, argument);
-	if (const Remote *remote = playedBy(remotes, file))
+	if (const Remote *remote = deviceOf(remotes, file))
 		return answer(*remote, request, argument);
-	if (playedBy(consoles, file))
+	if (deviceOf(consoles, file))
 		return answer(file, request, reinterpret_cast<unsigned long>(argument));
 	return static_cast<int>(syscall(SYS_ioctl, file, request, argument));
 }

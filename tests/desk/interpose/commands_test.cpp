@@ -11,7 +11,7 @@
 namespace
 {
 
-using support::Play;
+using support::DeskRun;
 using support::ReceiverFolder;
 using support::TempFolder;
 using Clock = std::chrono::steady_clock;
@@ -40,7 +40,7 @@ TEST(Commands, should_signal_nobody_with_a_root)
 			 {"pipe", "kill -9 " + bystander.number()},
 			 {"signal", bystander.number()},
 		 }) {
-		const Play run = reach(how, on, {"--root", receiver.path()});
+		const DeskRun run = reach(how, on, {"--root", receiver.path()});
 		EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 		EXPECT_TRUE(bystander.lives()) << how << ' ' << on;
 		if (has(on, "kill") || how == "signal")
@@ -55,7 +55,7 @@ TEST(Commands, should_signal_for_real_without_a_root)
 	for (const char *how : {"run", "pipe", "signal"}) {
 		Bystander bystander;
 		const std::string command = std::string(how) == "signal" ? "" : "kill -9 ";
-		const Play run = reach(how, command + bystander.number());
+		const DeskRun run = reach(how, command + bystander.number());
 		EXPECT_FALSE(has(run.outcome.err, "reported only")) << run.outcome.err;
 		EXPECT_EQ(bystander.exitStatus(), 128 + SIGKILL) << how;
 	}
@@ -64,7 +64,7 @@ TEST(Commands, should_signal_for_real_without_a_root)
 TEST(Commands, should_be_those_of_the_root_and_none_else)
 {
 	ReceiverFolder receiver;
-	Play run = reach("run", "ps", {"--root", receiver.path()});
+	DeskRun run = reach("run", "ps", {"--root", receiver.path()});
 	EXPECT_TRUE(has(run.outcome.err, "not found")) << run.outcome.err;
 	EXPECT_TRUE(has(run.outcome.err, "those in its bin")) << "why the screen is empty: " << run.outcome.err;
 	EXPECT_FALSE(has(run.outcome.err, "PID")) << "no process of this computer: " << run.outcome.err;
@@ -88,7 +88,7 @@ TEST(Commands, should_be_found_in_a_root_with_a_colon_in_its_name)
 {
 	TempFolder folder;
 	folder.write("a:b/bin/ps", "#!/bin/sh\necho the receiver\\'s\n", true);
-	const Play run = reach("run", "ps", {"--root", folder / "a:b"});
+	const DeskRun run = reach("run", "ps", {"--root", folder / "a:b"});
 	EXPECT_TRUE(has(run.outcome.err, "the receiver's\n")) << run.outcome.err;
 }
 
@@ -96,7 +96,7 @@ TEST(Commands, should_not_be_waited_for_when_they_stay_in_the_background)
 {
 	for (const char *how : {"run", "pipe"}) {
 		const auto start = Clock::now();
-		const Play run = reach(how, "echo begun; exec 1>&2; sleep 30 &");
+		const DeskRun run = reach(how, "echo begun; exec 1>&2; sleep 30 &");
 		EXPECT_LT(Clock::now() - start, std::chrono::seconds(10)) << how;
 		EXPECT_TRUE(has(run.outcome.err, "begun\n")) << run.outcome.err;
 	}
@@ -104,7 +104,8 @@ TEST(Commands, should_not_be_waited_for_when_they_stay_in_the_background)
 
 TEST(Commands, should_show_what_they_print_and_obey_none_of_it)
 {
-	const Play run = reach("run", "printf 'out\\033[2J\\n'; printf 'err\\033]0;x\\007 without an end' >&2");
+	const DeskRun run =
+		reach("run", "printf 'out\\033[2J\\n'; printf 'err\\033]0;x\\007 without an end' >&2");
 	EXPECT_TRUE(has(run.outcome.err, "out")) << run.outcome.err;
 	EXPECT_TRUE(has(run.outcome.err, "without an end\n")) << run.outcome.err;
 	EXPECT_FALSE(has(run.outcome.err, "\033")) << run.outcome.err;
@@ -121,7 +122,7 @@ TEST(Commands, should_give_their_status)
 	EXPECT_TRUE(has(reach("run", "exit 3").outcome.err, "system: 768\n"));
 	EXPECT_TRUE(has(reach("pipe", "echo a line; exit 3").outcome.err, "popen: a line\npclose: 768\n"));
 	EXPECT_TRUE(has(reach("feed", "read line; echo got $line").outcome.err, "got fed\npclose: 0\n"));
-	const Play asked = reach("shell", "");
+	const DeskRun asked = reach("shell", "");
 	EXPECT_TRUE(has(asked.outcome.err, "system: 1\n")) << "there is a shell";
 	EXPECT_EQ(asked.trace.front(), "system(null)");
 }

@@ -4,11 +4,11 @@
 #include "support.h"
 
 /// One run of the plugin that does `how` to `on` (see reaches_out.cpp).
-inline support::Play reach(const std::string &how, const std::string &on,
-                           std::vector<std::string> options = {})
+inline support::DeskRun reach(const std::string &how, const std::string &on,
+                              std::vector<std::string> options = {})
 {
 	options.insert(options.begin(), {"--plugin", REACHES_OUT});
-	return support::play("", "", options, {{"REACH", how}, {"ON", on}});
+	return support::runDesk("", "", options, {{"REACH", how}, {"ON", on}});
 }
 
 #endif

@@ -7,7 +7,7 @@
 namespace
 {
 
-using support::Play;
+using support::DeskRun;
 using support::TempFolder;
 
 bool has(const std::string &text, const std::string &part)
@@ -34,7 +34,7 @@ TEST(ThisComputer, should_have_a_memory_summary_in_the_older_layout)
 {
 	EXPECT_TRUE(has(reach("read", "/proc/meminfo").outcome.err, "fopen:         total:    used:"));
 	EXPECT_TRUE(has(reach("read", "/proc/meminfo", {"--as-is"}).outcome.err, "fopen: MemTotal:"));
-	const Play run = support::play("", "2");
+	const DeskRun run = support::runDesk("", "2");
 	const auto names = support::lines(run.widget(1, "eLabel")["text"]);
 	EXPECT_EQ(names.size(), 14u);
 	EXPECT_EQ(names.front(), "MemTotal:  ");
@@ -46,8 +46,8 @@ TEST(ThisComputer, should_say_that_busybox_is_missing_and_do_without)
 	TempFolder folder;
 	folder.write("ps", "#!/bin/sh\necho another ps\n", true);
 	const std::vector<std::string> options = {"--plugin", REACHES_OUT};
-	const Play run =
-		support::play("", "", options, {{"REACH", "run"}, {"ON", "ps"}, {"PATH", folder.path()}});
+	const DeskRun run =
+		support::runDesk("", "", options, {{"REACH", "run"}, {"ON", "ps"}, {"PATH", folder.path()}});
 	EXPECT_TRUE(has(run.outcome.err, "busybox is not installed")) << run.outcome.err;
 	EXPECT_TRUE(has(run.outcome.err, "another ps\n")) << run.outcome.err;
 	EXPECT_EQ(run.outcome.status, 0);

@@ -11,8 +11,8 @@
 namespace
 {
 
+using support::DeskRun;
 using support::exists;
-using support::Play;
 using support::readFile;
 using support::ReceiverFolder;
 using support::TempFolder;
@@ -24,7 +24,7 @@ TEST(Root, should_reach_nothing_through_links_that_lead_out)
 	ReceiverFolder receiver;
 	ASSERT_EQ(symlink(elsewhere.path().c_str(), (receiver / "var").c_str()), 0);
 	for (const char *how : {"remove", "unlink", "write", "read"}) {
-		const Play run = reach(how, "/var/scaning.log", {"--root", receiver.path()});
+		const DeskRun run = reach(how, "/var/scaning.log", {"--root", receiver.path()});
 		EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 		EXPECT_EQ(run.outcome.err.find("kept"), std::string::npos) << run.outcome.err;
 		EXPECT_EQ(readFile(log), "kept") << how;
@@ -58,7 +58,7 @@ TEST(Root, should_serve_writing_and_unlinking_as_well)
 	receiver.write("var/.keep", "");
 	reach("write", "/var/scaning.log", {"--root", receiver.path()});
 	EXPECT_EQ(readFile(receiver / "var/scaning.log"), "written");
-	const Play run = reach("unlink", "/var/scaning.log", {"--root", receiver.path()});
+	const DeskRun run = reach("unlink", "/var/scaning.log", {"--root", receiver.path()});
 	EXPECT_FALSE(exists(receiver / "var/scaning.log"));
 	EXPECT_EQ(run.trace.front(), R"(unlink("/var/scaning.log"))");
 }
@@ -67,15 +67,16 @@ TEST(Root, should_serve_further_files)
 {
 	ReceiverFolder receiver;
 	receiver.write("etc/hostname", "box\n");
-	const Play run = reach("read", "/etc/hostname",
-	                       {"--root", receiver.path(), "--serve", "/etc/issue", "--serve", "/etc/hostname"});
+	const DeskRun run =
+		reach("read", "/etc/hostname",
+	          {"--root", receiver.path(), "--serve", "/etc/issue", "--serve", "/etc/hostname"});
 	EXPECT_NE(run.outcome.err.find("fopen: box\n"), std::string::npos) << run.outcome.err;
 	EXPECT_NE(reach("read", "/etc/issue", {"--root", receiver.path(), "--serve", "/etc/issue"})
 	              .outcome.err.find("fopen: null"),
 	          std::string::npos)
 		<< "what the folder lacks is missing";
 	for (const char *path : {"etc/hostname", "/etc/", "/etc/../etc/hostname", "/"}) {
-		const Play refused = reach("read", "/", {"--root", receiver.path(), "--serve", path});
+		const DeskRun refused = reach("read", "/", {"--root", receiver.path(), "--serve", path});
 		EXPECT_EQ(refused.outcome.status, 2) << path;
 		EXPECT_NE(refused.outcome.err.find(path), std::string::npos) << refused.outcome.err;
 	}

@@ -42,7 +42,7 @@ protected:
 		ASSERT_TRUE(terminal.shows(helpLine));
 	}
 
-	support::Receiver receiver;
+	support::ReceiverFolder receiver;
 };
 
 TEST_F(HostInTerminal, all_four_screens_can_be_read_and_left)

@@ -6,24 +6,24 @@
 
 #include <algorithm>
 
+using support::DeskRun;
 using support::Json;
-using support::Play;
 
 namespace
 {
 
 const char *const list = "eListBox<eListBoxEntryText>";
 
-Play running(const std::string &keys)
+DeskRun running(const std::string &keys)
 {
-	const Play run = support::play("", keys, {"--plugin", TEST_PLUGINS "/running.so.0"});
+	const DeskRun run = support::runDesk("", keys, {"--plugin", TEST_PLUGINS "/running.so.0"});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	return run;
 }
 
 TEST(Running, should_show_new_texts_and_places_at_once)
 {
-	const Play run = running("red red exit");
+	const DeskRun run = running("red red exit");
 	EXPECT_EQ(run.window(0)["title"], "Page");
 	EXPECT_EQ(run.window(1)["title"], "renamed");
 	EXPECT_EQ(run.window(0)["client"], Json({100, 80, 500, 400}));
@@ -35,7 +35,7 @@ TEST(Running, should_show_new_texts_and_places_at_once)
 
 TEST(Running, should_bind_all_four_colours)
 {
-	const Play run = running("");
+	const DeskRun run = running("");
 	const char *const keys[] = {"red", "green", "yellow", "blue"};
 	for (size_t i = 0; i < 4; ++i)
 		EXPECT_EQ(run.widget(0, "eButton", i)["shortcut"], keys[i]);
@@ -43,7 +43,7 @@ TEST(Running, should_bind_all_four_colours)
 
 TEST(Running, should_move_the_focus_from_what_is_hidden_and_show_it_again)
 {
-	const Play run = running("green down ok green exit");
+	const DeskRun run = running("green down ok green exit");
 	EXPECT_EQ(run.widget(0, list)["focus"], true);
 	EXPECT_EQ(run.window(1)["widgets"].size(), 5u) << "without the list";
 	EXPECT_EQ(run.widget(1, "eButton", 0)["focus"], true);
@@ -55,7 +55,7 @@ TEST(Running, should_move_the_focus_from_what_is_hidden_and_show_it_again)
 
 TEST(Running, should_report_every_move_and_choice)
 {
-	const Play run = running("down end end up ok exit");
+	const DeskRun run = running("down end end up ok exit");
 	const char *const texts[] = {"", "two", "three", "three", "two", "chosen two"};
 	for (size_t i = 0; i < 6; ++i)
 		EXPECT_EQ(run.widget(i, "eLabel")["text"], texts[i]) << i;
@@ -64,7 +64,7 @@ TEST(Running, should_report_every_move_and_choice)
 
 TEST(Running, should_take_entries_out_and_put_them_back)
 {
-	const Play run = running("down blue blue up up blue exit");
+	const DeskRun run = running("down blue blue up up blue exit");
 	EXPECT_EQ(run.widget(2, list)["rows"], Json({"one", "three"}));
 	EXPECT_EQ(run.widget(2, "eLabel")["text"], "three") << "the one that is current now";
 	EXPECT_EQ(run.widget(2, list)["help"], "three");
@@ -80,11 +80,11 @@ TEST(Running, should_take_entries_out_and_put_them_back)
 
 TEST(Running, should_ask_while_a_question_waits)
 {
-	const Play run = running("yellow exit right ok exit ok yellow ok exit");
+	const DeskRun run = running("yellow exit right ok exit ok yellow ok exit");
 	EXPECT_EQ(run.widget(1, "eButton", 1)["focus"], true) << "no is the default answer";
-	ASSERT_EQ(run.moments[2]["windows"].size(), 3u);
+	ASSERT_EQ(run.dump[2]["windows"].size(), 3u);
 	EXPECT_EQ(run.window(2)["title"], "two");
-	ASSERT_EQ(run.moments[4]["windows"].size(), 2u) << "not left: the first question still waits";
+	ASSERT_EQ(run.dump[4]["windows"].size(), 2u) << "not left: the first question still waits";
 	EXPECT_EQ(run.window(4)["title"], "one");
 	EXPECT_EQ(run.widget(4, "eButton", 1)["focus"], true);
 	EXPECT_EQ(run.widget(6, "eLabel")["text"], "answer -1");

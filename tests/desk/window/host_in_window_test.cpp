@@ -31,10 +31,10 @@ protected:
 		                   receiver.path(),         "--dump",   folder / "dump"};
 		command.insert(command.end(), options.begin(), options.end());
 		openWindow(command, output);
-		ASSERT_TRUE(eventually([&] { return !moments().empty(); }));
+		ASSERT_TRUE(eventually([&] { return !dump().empty(); }));
 	}
 
-	std::vector<Json> moments() const
+	std::vector<Json> dump() const
 	{
 		std::vector<Json> all;
 		const std::string text = support::readFile(folder / "dump");
@@ -48,20 +48,20 @@ protected:
 	void clickAndExpect(int x, int y, const Keys &expected, int button = 1)
 	{
 		click(x, y, button);
-		EXPECT_TRUE(eventually([&] { return moments().size() >= seen + expected.size(); }));
+		EXPECT_TRUE(eventually([&] { return dump().size() >= seen + expected.size(); }));
 		Keys pressed;
-		const std::vector<Json> all = moments();
+		const std::vector<Json> all = dump();
 		for (size_t i = seen; i < all.size(); ++i)
 			pressed.push_back(all[i]["after"]);
 		EXPECT_EQ(pressed, expected) << "after a click at " << x << ", " << y;
 		seen = all.size();
 	}
 
-	std::string title() const { return moments().back()["windows"].back()["title"]; }
+	std::string title() const { return dump().back()["windows"].back()["title"]; }
 
 	Json list() const
 	{
-		const Json top = moments().back()["windows"].back();
+		const Json top = dump().back()["windows"].back();
 		for (const Json &widget : top["widgets"])
 			if (widget.contains("rows"))
 				return widget;
@@ -92,11 +92,11 @@ TEST_F(HostInWindow, opens_the_entry_that_is_clicked)
 TEST_F(HostInWindow, presses_the_button_and_the_answer_that_are_clicked)
 {
 	start({"--keys", "down down ok"});
-	ASSERT_TRUE(eventually([&] { return moments().size() == 4; }));
+	ASSERT_TRUE(eventually([&] { return dump().size() == 4; }));
 	seen = 4;
 	clickAndExpect(150, 500, {"red"}); // "delete log"
 	EXPECT_EQ(title(), "Warning");
-	const Json question = moments().back()["windows"].back();
+	const Json question = dump().back()["windows"].back();
 	const auto middle = [&](const char *text) {
 		for (const Json &widget : question["widgets"])
 			if (widget["text"] == text)
@@ -121,7 +121,7 @@ TEST_F(HostInWindow, presses_the_button_and_the_answer_that_are_clicked)
 TEST_F(HostInWindow, pages_where_the_scroll_bar_is_clicked)
 {
 	start({"--keys", "down down ok"});
-	ASSERT_TRUE(eventually([&] { return moments().size() == 4; }));
+	ASSERT_TRUE(eventually([&] { return dump().size() == 4; }));
 	seen = 4;
 	clickAndExpect(650, 400, {"pagedown"}); // below the thumb
 	EXPECT_EQ(list()["rows"].size(), 20u);
@@ -145,7 +145,7 @@ TEST_F(HostInWindow, ends_when_it_is_closed_while_a_command_runs)
 	receiver.write("bin/ps", "#!/bin/sh\nexec sleep 20\n", true);
 	start();
 	click(250, 156);
-	ASSERT_TRUE(eventually([&] { return moments().size() == 1; }));
+	ASSERT_TRUE(eventually([&] { return dump().size() == 1; }));
 	askToClose();
 	EXPECT_EQ(program.exitStatus(), 1);
 }

@@ -1,5 +1,5 @@
-#ifndef VEXLO_TESTS_PLAY_H
-#define VEXLO_TESTS_PLAY_H
+#ifndef VEXLO_TESTS_DESK_RUN_H
+#define VEXLO_TESTS_DESK_RUN_H
 
 #include "process.h"
 #include "temp_folder.h"
@@ -19,14 +19,14 @@ std::string buildPath(const std::string &inTree);  ///< a file of the build tree
 /// The default skin with another "fontsize", written into `folder`; 0: without one. Returns its path.
 std::string skinWithFontSize(const TempFolder &folder, int fontSize);
 
-/// One play of the plugin in the desk host, with no screen but everything recorded.
+/// One run of the plugin in the desk host, with no screen but everything recorded.
 ///
 /// A test that asks for what is not on the screen ends there, with a failure that names it.
-struct Play
+struct DeskRun
 {
 	Outcome outcome;
-	Lines trace;               ///< its lines
-	std::vector<Json> moments; ///< the dump's lines
+	Lines trace;            ///< its lines
+	std::vector<Json> dump; ///< the dump's lines
 
 	/// The topmost window after the key number `index` (0: the start).
 	const Json &window(size_t index) const;
@@ -37,8 +37,8 @@ struct Play
 };
 
 /// `root` empty: this computer. Further options as on the command line.
-Play play(const std::string &root, const std::string &keys, const Lines &options = {},
-          const Environment &environment = {});
+DeskRun runDesk(const std::string &root, const std::string &keys, const Lines &options = {},
+                const Environment &environment = {});
 
 } // namespace support
 

@@ -1,4 +1,4 @@
-#include "play.h"
+#include "desk_run.h"
 
 #include <gtest/gtest.h>
 
@@ -45,19 +45,19 @@ std::string skinWithFontSize(const TempFolder &folder, int fontSize)
 	return folder.write("skin.toml", skin);
 }
 
-const Json &Play::window(size_t index) const
+const Json &DeskRun::window(size_t index) const
 {
 	const std::string when = "after key number " + std::to_string(index);
-	if (index >= moments.size())
-		throw std::out_of_range("nothing was recorded " + when + ", but " + std::to_string(moments.size()) +
-		                        " moments\n" + outcome.err);
-	const Json &windows = moments[index].at("windows");
+	if (index >= dump.size())
+		throw std::out_of_range("nothing was recorded " + when + ", but " + std::to_string(dump.size()) +
+		                        " screens\n" + outcome.err);
+	const Json &windows = dump[index].at("windows");
 	if (windows.empty())
 		throw std::out_of_range("no window is open " + when);
 	return windows.back();
 }
 
-const Json &Play::widget(size_t index, const std::string &type, size_t nth) const
+const Json &DeskRun::widget(size_t index, const std::string &type, size_t nth) const
 {
 	const Json &top = window(index);
 	size_t left = nth;
@@ -68,7 +68,7 @@ const Json &Play::widget(size_t index, const std::string &type, size_t nth) cons
 	                        std::to_string(index) + " in " + top.dump());
 }
 
-Lines Play::traceBetween(const std::string &from, const std::string &to) const
+Lines DeskRun::traceBetween(const std::string &from, const std::string &to) const
 {
 	const auto first = std::find(trace.begin(), trace.end(), from);
 	if (first == trace.end()) {
@@ -83,8 +83,8 @@ Lines Play::traceBetween(const std::string &from, const std::string &to) const
 	return Lines(first, last + 1);
 }
 
-Play play(const std::string &root, const std::string &keys, const Lines &options,
-          const Environment &environment)
+DeskRun runDesk(const std::string &root, const std::string &keys, const Lines &options,
+                const Environment &environment)
 {
 	TempFolder folder;
 	Command command = {deskhostPath(), "--screen",      "none",    "--keys",        keys,
@@ -93,11 +93,11 @@ Play play(const std::string &root, const std::string &keys, const Lines &options
 		command.insert(command.end(), {"--root", root});
 	command.insert(command.end(), options.begin(), options.end());
 
-	Play result;
+	DeskRun result;
 	result.outcome = run(command, environment);
 	result.trace = lines(readFile(folder / "trace"));
 	for (const std::string &line : lines(readFile(folder / "dump")))
-		result.moments.push_back(Json::parse(line));
+		result.dump.push_back(Json::parse(line));
 	return result;
 }
 
