@@ -8,7 +8,7 @@ set(VEXLO_TOOLKIT_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/VexloToolkit)
 
 install(DIRECTORY src/toolkit/ DESTINATION ${VEXLO_TOOLKIT_INCLUDE_DIR} COMPONENT dev FILES_MATCHING PATTERN *.h)
 install(PROGRAMS cmake/toolkit/golden-test DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
-install(FILES cmake/toolkit/plugin.map DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+install(FILES cmake/toolkit/plugin.map src/toolkit/econtract.cpp DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 
 configure_package_config_file(cmake/VexloToolkitConfig.cmake.in VexloToolkitConfig.cmake
   INSTALL_DESTINATION ${VEXLO_TOOLKIT_PACKAGE}

@@ -1,6 +1,7 @@
 #include "plugin.h"
 
 #include "caller.h"
+#include "contract.h"
 
 #include <dlfcn.h>
 #include <sys/mman.h>
@@ -67,6 +68,12 @@ std::unique_ptr<Plugin> Plugin::loadCopy(const std::string &path, std::string &e
 std::unique_ptr<Plugin> Plugin::loadFrom(const std::string &place, const std::string &path,
                                          std::string &error)
 {
+	// Before anything of it runs: what it would do with other classes has no bounds.
+	if (const std::string difference = differenceOfContract(place); !difference.empty()) {
+		error = failure(path, "it was built against another contract: " + difference,
+		                "build it against this host's headers");
+		return nullptr;
+	}
 	const PluginRuns constructors;
 	void *handle = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
 	if (!handle) {

@@ -9,11 +9,16 @@
 
 #include VEXLO_SIGC1_HEADER
 
+/// Whose signals and slots these are; two sides with different ones do not fit together.
+#define VEXLO_SIGNAL_LAYER "libsigc++ 1"
+
 #else
 
 #include <sigc++/functors/mem_fun.h>
 #include <sigc++/signal.h>
 #include <sigc++/trackable.h>
+
+#define VEXLO_SIGNAL_LAYER "libsigc++ 3"
 
 namespace SigC
 {

@@ -25,6 +25,7 @@ fi
 step ctest --test-dir "$place/build" --output-on-failure --no-tests=error
 grep 'tests passed' "$place/log"
 
+readelf --notes "$place/build/network.so.0" | grep -q Vexlo || { echo "the example does not tell its contract"; exit 1; }
 strip "$place/build/network.so.0"
 size=$(stat -c %s "$place/build/network.so.0")
 ((size <= 40000)) || { echo "the example has grown to $size bytes"; exit 1; }

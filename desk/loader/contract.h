@@ -1,0 +1,15 @@
+#ifndef DESK_LOADER_CONTRACT_H
+#define DESK_LOADER_CONTRACT_H
+
+#include <string>
+
+namespace desk
+{
+
+/// What the contract that the plugin in `file` was built against has other than this host's, in words that
+/// follow a colon. Empty when nothing differs, and when the plugin does not tell or is no such file at all.
+std::string differenceOfContract(const std::string &file);
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,115 @@
+// Plugins that were built against another contract than this host's, and say so.
+
+#include "contract.h"
+
+#include "econtract.h"
+#include "plugin.h"
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+#include <elf.h>
+
+#include <cstddef>
+#include <numeric>
+#include <vector>
+
+namespace
+{
+
+using desk::differenceOfContract;
+using desk::Plugin;
+using support::TempFolder;
+
+std::string contractPlugin(const std::string &name)
+{
+	return CONTRACTS + name + ".so.0";
+}
+
+TEST(Contract, should_be_the_same_for_a_plugin_of_this_host)
+{
+	EXPECT_EQ(differenceOfContract(contractPlugin("same")), "");
+	std::string error;
+	const auto plugin = Plugin::load(contractPlugin("same"), error);
+	ASSERT_TRUE(plugin) << error;
+	EXPECT_EQ(plugin->exec(), 4711);
+}
+
+TEST(Contract, should_be_told_apart_by_a_virtual_operation)
+{
+	EXPECT_EQ(differenceOfContract(contractPlugin("operation_more")),
+	          "eWidget has 1 virtual operation more than here");
+	EXPECT_EQ(differenceOfContract(contractPlugin("operation_less")),
+	          "eWidget has 1 virtual operation less than here");
+	EXPECT_EQ(differenceOfContract(contractPlugin("operations_more")),
+	          "eListBoxBase has 2 virtual operations more than here");
+}
+
+TEST(Contract, should_be_told_apart_by_a_member)
+{
+	EXPECT_EQ(differenceOfContract(contractPlugin("member_more")),
+	          "eListBoxEntryText has 64 bytes more than here");
+}
+
+TEST(Contract, should_be_told_apart_by_its_signals)
+{
+	const std::string said = differenceOfContract(contractPlugin("other_layer"));
+	EXPECT_EQ(said.rfind("its signals are those of libsigc++ 2, here those of libsigc++ ", 0), 0u) << said;
+}
+
+TEST(Contract, should_be_told_apart_by_its_classes)
+{
+	EXPECT_EQ(differenceOfContract(contractPlugin("class_more")),
+	          "it tells of other classes than this host knows");
+}
+
+TEST(Contract, should_keep_a_plugin_of_another_one_from_running)
+{
+	for (const auto load : {Plugin::load, Plugin::loadCopy}) {
+		std::string error;
+		EXPECT_FALSE(load(contractPlugin("operation_more"), error));
+		EXPECT_EQ(error, "cannot load the plugin '" + contractPlugin("operation_more") +
+		                     "': it was built against another contract: eWidget has 1 virtual operation more "
+		                     "than here; build it against this host's headers");
+	}
+}
+
+TEST(Contract, should_not_be_asked_for)
+{
+	EXPECT_EQ(differenceOfContract(VERSIONS "one.so.0"), "") << "a plugin without the note";
+	std::string error;
+	EXPECT_TRUE(Plugin::load(VERSIONS "one.so.0", error)) << error;
+	TempFolder folder;
+	EXPECT_EQ(differenceOfContract(folder.path() + "/nothing"), "");
+	EXPECT_EQ(differenceOfContract(folder.write("text", "#!/bin/sh\n")), "");
+	EXPECT_EQ(differenceOfContract(folder.path()), "");
+}
+
+TEST(Contract, should_be_read_from_any_bytes)
+{
+	std::string whole = support::readFile(contractPlugin("same"));
+	const size_t note = whole.find(std::string("Vexlo\0\0\0libsigc++", 17)) - sizeof(Elf32_Nhdr);
+	const size_t shapes = note + offsetof(eContractNote, contract) + offsetof(eContract, shapes);
+	const size_t end = note + sizeof(eContractNote);
+	ASSERT_LE(end, whole.size());
+	whole.resize(end);
+	TempFolder folder;
+
+	for (size_t size = 0; size < end; size += 7)
+		EXPECT_EQ(differenceOfContract(folder.write("cut", whole.substr(0, size))).find("byte"),
+		          std::string::npos)
+			<< size;
+	std::vector<size_t> places(512); // the head of the file and of its parts
+	std::iota(places.begin(), places.end(), 0);
+	for (size_t at = note; at < end; ++at)
+		places.push_back(at);
+	for (const size_t at : places) {
+		std::string spoilt = whole;
+		spoilt[at] = '\xff';
+		const std::string said = differenceOfContract(folder.write("spoilt", spoilt));
+		EXPECT_LT(said.size(), 200u) << at;
+		EXPECT_TRUE(at < shapes || !said.empty()) << "byte " << at - note << " of the note is not compared";
+	}
+}
+
+} // namespace
