@@ -304,23 +304,3 @@ void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextSt
 }
 
 } // namespace desk
-
-// Fontconfig, and the message bus that SDL asks about the desktop, keep their own few static blocks to the
-// end of the program. Here, because whatever draws is linked with this.
-#if defined(__has_feature)
-#define DESK_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define DESK_HAS_FEATURE(feature) 0
-#endif
-#if defined(__SANITIZE_ADDRESS__) || DESK_HAS_FEATURE(address_sanitizer)
-extern "C" const char *__lsan_default_suppressions();
-extern "C" const char *__lsan_default_suppressions()
-{
-	return "leak:libfontconfig.so\nleak:libdbus-1.so\n";
-}
-extern "C" const char *__lsan_default_options();
-extern "C" const char *__lsan_default_options()
-{
-	return "print_suppressions=0";
-}
-#endif

@@ -15,6 +15,7 @@ using support::Outcome;
 using support::ReceiverFolder;
 using support::runDesk;
 using support::TempFolder;
+using support::testPlugin;
 using Lines = std::vector<std::string>;
 
 namespace
@@ -34,11 +35,6 @@ void expectRefused(const Outcome &outcome, int status, const std::string &named)
 	EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
 	EXPECT_EQ(outcome.err.rfind("deskhost: ", 0), 0u) << outcome.err;
 	EXPECT_NE(outcome.err.find(named), std::string::npos) << outcome.err;
-}
-
-std::string testPlugin(const std::string &name)
-{
-	return std::string(TEST_PLUGINS) + "/" + name;
 }
 
 TEST(App, should_explain_itself)
@@ -123,18 +119,6 @@ TEST(App, should_report_that_it_could_not_print)
 		expectRefused(outcome, 2, "standard output");
 		EXPECT_EQ(support::readFile(dump).find("plugin_exec"), std::string::npos) << closing;
 	}
-}
-
-TEST(App, should_report_a_picture_that_does_not_fit_and_leave_no_part_of_it)
-{
-	TempFolder pictures;
-	const Outcome outcome =
-		support::run({"/bin/sh", "-c",
-	                  "trap '' XFSZ; ulimit -f 1; exec '" + support::deskhostPath() +
-	                      "' --screen none --keys exit --pictures '" + pictures.path() + "'"});
-	EXPECT_EQ(outcome.status, 2);
-	EXPECT_NE(outcome.err.find("00-start.png"), std::string::npos) << outcome.err;
-	EXPECT_FALSE(support::exists(pictures / "00-start.png"));
 }
 
 TEST(App, should_never_hand_controls_on_to_a_terminal)
@@ -258,84 +242,6 @@ TEST(App, should_play_as_often_as_told)
 	}
 }
 
-TEST(App, should_write_a_picture_and_a_line_for_the_start_and_every_key)
-{
-	ReceiverFolder receiver;
-	TempFolder pictures;
-	const DeskRun run =
-		runDesk(receiver.path(), "down\tok\n exit pagedown 7 exit", {"--pictures", pictures / "new/folder"});
-	const Lines names = {"start", "down", "ok", "exit", "pagedown", "7", "exit"};
-	ASSERT_EQ(run.dump.size(), names.size());
-	for (size_t i = 0; i < names.size(); ++i) {
-		EXPECT_EQ(run.dump[i]["after"], names[i]);
-		const std::string png =
-			support::readFile(pictures / ("new/folder/0" + std::to_string(i) + "-" + names[i] + ".png"));
-		ASSERT_EQ(png.substr(0, 4), "\x89PNG") << names[i];
-		EXPECT_EQ(png.substr(16, 8), std::string("\0\0\x02\xd0\0\0\x02\x40", 8)) << "720 x 576";
-	}
-	EXPECT_EQ(run.dump.back()["windows"].size(), 0u);
-}
-
-TEST(App, should_describe_windows_and_widgets_with_their_fixed_names)
-{
-	ReceiverFolder receiver;
-	receiver.scanLog("a\n");
-	const DeskRun run = runDesk(receiver.path(), "3");
-	const auto keysOf = [](const Json &object) {
-		Lines names;
-		for (const auto &item : object.items())
-			names.push_back(item.key());
-		return names;
-	};
-	EXPECT_EQ(keysOf(run.dump[1]), (Lines{"after", "windows"}));
-	EXPECT_EQ(keysOf(run.window(1)), (Lines{"class", "title", "client", "widgets"}));
-	EXPECT_EQ(keysOf(run.widget(1, "eButton")), (Lines{"class", "rect", "text", "focus", "shortcut"}));
-	EXPECT_EQ(keysOf(run.widget(1, "eListBox<eListBoxEntryText>")),
-	          (Lines{"class", "rect", "text", "focus", "shortcut", "count", "current", "rows", "help"}));
-}
-
-TEST(App, should_trace_the_same_keys_on_the_same_root_alike)
-{
-	ReceiverFolder receiver;
-	receiver.ps("PID\n1 init\n2 other\n");
-	receiver.df("Filesystem\n/dev/root 1 2 3 4% /\n");
-	receiver.scanLog("a\nb\n");
-	const std::string keys =
-		"ok ok exit exit down ok exit down ok red right ok exit down ok ok up up up ok down ok ok exit";
-	const DeskRun first = runDesk(receiver.path(), keys);
-	const DeskRun second = runDesk(receiver.path(), keys);
-	EXPECT_GT(first.trace.size(), 100u);
-	EXPECT_EQ(first.trace, second.trace);
-	TempFolder pictures;
-	EXPECT_EQ(runDesk(receiver.path(), keys, {"--pictures", pictures.path()}).trace, first.trace);
-}
-
-TEST(App, should_name_objects_in_the_trace_by_class_and_number)
-{
-	ReceiverFolder receiver;
-	const DeskRun run =
-		runDesk(receiver.path(), "yellow exit exit", {"--plugin", testPlugin("widgets.so.0")});
-	Lines constructions;
-	for (const std::string &line : run.trace)
-		if (line.find(" = e") != line.npos || line.find('~') != line.npos)
-			constructions.push_back(line);
-	EXPECT_EQ(constructions, (Lines{
-								 "eWindow#1 = eWindow(1)",
-								 R"(eListBoxBase#1 = eListBoxBase(eWindow#1, null, 1, 20, "eListBox"))",
-								 R"(eButton#1 = eButton(eWindow#1, null, 1, "eButton"))",
-								 "eLabel#1 = eLabel(eWindow#1, 0, 0, null)",
-								 R"(eMessageBox#1 = eMessageBox("sure?", "really", 8, 4, 0))",
-								 "eLabel#1.~eLabel()",
-								 R"(eLabel#2 = eLabel(eWindow#1, 0, 0, "noSuchDecoration"))",
-								 "eMessageBox#1.~eMessageBox()",
-								 "eWindow#1.~eWindow()",
-							 }))
-		<< "neither what a box is made of nor what goes with its window";
-	EXPECT_NE(
-		std::find(run.trace.begin(), run.trace.end(), "eListBoxBase#1.append(eListBoxEntry#7, false, false)"),
-		run.trace.end());
-}
-
 TEST(App, should_show_the_texts_of_the_asked_language)
 {
 	ReceiverFolder receiver;
@@ -392,17 +298,6 @@ TEST(App, should_not_take_the_language_of_the_desk)
 	EXPECT_EQ(run.window(0)["title"], "Vexlo service menu") << "the same keys, the same screens";
 }
 
-TEST(App, should_report_a_dump_that_no_longer_fits)
-{
-	ReceiverFolder receiver;
-	const Outcome outcome = deskhost({"--screen", "none", "--root", receiver.path(), "--dump", "/dev/full"});
-	EXPECT_EQ(outcome.status, 2);
-	EXPECT_NE(outcome.err.find("/dev/full"), std::string::npos) << outcome.err;
-	const Outcome traced = deskhost({"--screen", "none", "--root", receiver.path(), "--trace", "/dev/full"});
-	EXPECT_EQ(traced.status, 2);
-	EXPECT_NE(traced.err.find("/dev/full"), std::string::npos) << traced.err;
-}
-
 TEST(App, should_serve_only_the_receivers_own_files_from_the_root)
 {
 	// What the root lacks is missing, whatever this computer has.
@@ -410,30 +305,6 @@ TEST(App, should_serve_only_the_receivers_own_files_from_the_root)
 	const DeskRun run = runDesk(receiver.path(), "2");
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
 	EXPECT_TRUE(support::exists("/proc/meminfo"));
-}
-
-TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
-{
-	const Lines options = {"--plugin", testPlugin("widgets.so.0")};
-	// Down twice, delete the third entry; up from the first wraps; page and end; then leave.
-	DeskRun run = runDesk("", "down down ok home up pageup pagedown end exit", options);
-	const char *list = "eListBox<eListBoxEntryText>";
-	EXPECT_EQ(run.widget(0, list)["rows"], Json({"one", "two", "three", "four", "five"}));
-	EXPECT_EQ(run.widget(2, "eLabel")["text"], "three") << "the selection reports that it moves";
-	EXPECT_EQ(run.widget(3, list)["rows"], Json({"one", "two", "four", "five", "six"}));
-	EXPECT_EQ(run.widget(5, list)["current"], 5) << "up from the first entry is the last one";
-	EXPECT_EQ(run.widget(6, list)["current"], 0);
-	EXPECT_EQ(run.widget(7, list)["current"], 5);
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n") << "the first end of a run is its end";
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-
-	// A question with one answer only, left; a label that is deleted while a signal runs.
-	run = runDesk("", "yellow exit right ok ok left exit", options);
-	ASSERT_EQ(run.dump[1]["windows"].size(), 2u);
-	EXPECT_EQ(run.window(1)["widgets"].size(), 2u) << "the question and its one answer";
-	EXPECT_EQ(run.widget(1, "eButton")["focus"], true);
-	EXPECT_EQ(run.widget(2, "eLabel")["text"], "gone");
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 }
 
 TEST(App, should_harm_nobody_with_a_root_however_the_plugin_calls)
@@ -468,66 +339,6 @@ TEST(App, should_spend_nothing_on_lines_that_are_not_on_the_screen)
 		runDesk(receiver.path(), "4 up down left right exit exit", {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.dump.size(), 8u);
-}
-
-TEST(Toolkit, should_keep_questions_on_the_screen_whatever_the_font_size)
-{
-	ReceiverFolder receiver;
-	receiver.scanLog("a\n");
-	for (const int fontSize : {1, 60, 200}) {
-		const DeskRun run =
-			runDesk(receiver.path(), "3 red", {"--skin", skinWithFontSize(receiver, fontSize)});
-		const Json &client = run.window(2)["client"];
-		EXPECT_GE(client[1], 0) << fontSize;
-		EXPECT_LE(client[1].get<int>() + client[3].get<int>(), 576) << fontSize;
-	}
-}
-
-TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
-{
-	const Lines options = {"--plugin", testPlugin("lifetimes.so.0")};
-	const auto focused = [](const Json &window) {
-		int count = 0;
-		for (const Json &widget : window["widgets"])
-			count += widget["focus"] == true;
-		return count;
-	};
-
-	DeskRun run = runDesk("", "exit exit", options);
-	EXPECT_EQ(run.dump[0]["windows"][0]["widgets"].size(), 6u);
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n")
-		<< "the list has gone while it was left";
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-
-	// The focus goes to a widget two levels down, which is deleted with what it stands in.
-	run = runDesk("", "ok red down exit", options);
-	EXPECT_EQ(focused(run.window(1)), 0) << "it is deeper than the description goes";
-	EXPECT_EQ(focused(run.window(2)), 1);
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-
-	run = runDesk("", "yellow exit", options);
-	EXPECT_EQ(focused(run.window(1)), 1) << "not on what is hidden";
-
-	run = runDesk("", "green", options);
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned 77\n") << "the window has gone while it ran";
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-}
-
-TEST(Toolkit, should_report_the_entry_that_becomes_current_when_one_is_taken_out)
-{
-	const DeskRun run = runDesk("", "ok home ok exit", {"--plugin", testPlugin("widgets.so.0")});
-	EXPECT_EQ(run.widget(1, "eLabel")["text"], "two");
-	EXPECT_EQ(run.widget(3, "eLabel")["text"], "three");
-}
-
-TEST(Toolkit, should_empty_a_list_entry_by_entry)
-{
-	const DeskRun run =
-		runDesk("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});
-	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["count"], 0);
-	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["current"], -1);
-	EXPECT_EQ(run.widget(7, "eLabel")["text"], "none");
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n");
 }
 
 } // namespace

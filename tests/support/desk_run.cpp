@@ -18,6 +18,11 @@ std::string pluginPath()
 	return TEST_PLUGIN;
 }
 
+std::string testPlugin(const std::string &name)
+{
+	return buildPath("tests/desk/plugins/" + name);
+}
+
 std::string sourcePath(const std::string &inTree)
 {
 	return TEST_SOURCE_DIR "/" + inTree;

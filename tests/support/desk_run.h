@@ -13,6 +13,7 @@ using Json = nlohmann::ordered_json;
 
 std::string deskhostPath();
 std::string pluginPath();
+std::string testPlugin(const std::string &name);   ///< one of tests/desk/plugins, as "result.so.0"
 std::string sourcePath(const std::string &inTree); ///< a file of the source tree
 std::string buildPath(const std::string &inTree);  ///< a file of the build tree
 

@@ -97,8 +97,9 @@ TEST(Painting, should_leave_the_same_screen_as_painting_all_of_it)
 	changesOf(support::pluginPath(),
 	          "down up up ok right ok exit 3 down down pagedown end up red right left exit "
 	          "down right left exit 1 down ok right exit exit 2 left exit exit");
-	changesOf(TEST_PLUGINS "/widgets.so.0", "down down ok home up pageup yellow exit right left ok ok exit");
-	changesOf(TEST_PLUGINS "/lifetimes.so.0", "ok red down yellow exit");
+	changesOf(support::testPlugin("widgets.so.0"),
+	          "down down ok home up pageup yellow exit right left ok ok exit");
+	changesOf(support::testPlugin("lifetimes.so.0"), "ok red down yellow exit");
 }
 
 TEST(Painting, should_be_of_two_rows_for_one_step_in_a_list)

@@ -16,7 +16,7 @@ const char *const list = "eListBox<eListBoxEntryText>";
 
 DeskRun running(const std::string &keys)
 {
-	const DeskRun run = support::runDesk("", keys, {"--plugin", TEST_PLUGINS "/running.so.0"});
+	const DeskRun run = support::runDesk("", keys, {"--plugin", support::testPlugin("running.so.0")});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	return run;
 }

@@ -1,16 +1,13 @@
 #include "note_log.h"
 #include "screen.h"
+#include "temp_folder.h"
 #include "terminal_screen.h"
 #include "window_screen.h"
 
 #include <clocale>
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 
 namespace
 {
@@ -86,22 +83,17 @@ TEST(Notes, the_last_thousand_are_kept_to_look_back_at)
 
 TEST(Notes, go_to_a_file_as_well_line_by_line)
 {
-	const std::string path = testing::TempDir() + "notes." + std::to_string(getpid());
+	const support::TempFolder folder;
+	const std::string path = folder / "notes";
 	std::string error;
 	ASSERT_TRUE(NoteLog::get().open(path, error));
 	testing::internal::CaptureStderr();
 	makeNoScreen()->note("one");
-	const auto content = [&] {
-		std::ostringstream text;
-		text << std::ifstream(path).rdbuf();
-		return text.str();
-	};
-	EXPECT_EQ(content(), "one\n") << "while it is still open";
+	EXPECT_EQ(support::readFile(path), "one\n") << "while it is still open";
 	EXPECT_TRUE(NoteLog::get().close());
 	makeNoScreen()->note("two");
-	EXPECT_EQ(content(), "one\n");
+	EXPECT_EQ(support::readFile(path), "one\n");
 	EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\ntwo\n");
-	std::remove(path.c_str());
 
 	EXPECT_FALSE(NoteLog::get().open("/nonexistent/notes", error));
 	EXPECT_EQ(error, "cannot write debug lines to '/nonexistent/notes': No such file or directory; "

@@ -1,0 +1,96 @@
+// Plugins that do more than the service menu does, and more than they should.
+
+#include "support.h"
+
+#include <gtest/gtest.h>
+
+using namespace support;
+
+namespace
+{
+
+TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
+{
+	const Lines options = {"--plugin", testPlugin("widgets.so.0")};
+	// Down twice, delete the third entry; up from the first wraps; page and end; then leave.
+	DeskRun run = runDesk("", "down down ok home up pageup pagedown end exit", options);
+	const char *list = "eListBox<eListBoxEntryText>";
+	EXPECT_EQ(run.widget(0, list)["rows"], Json({"one", "two", "three", "four", "five"}));
+	EXPECT_EQ(run.widget(2, "eLabel")["text"], "three") << "the selection reports that it moves";
+	EXPECT_EQ(run.widget(3, list)["rows"], Json({"one", "two", "four", "five", "six"}));
+	EXPECT_EQ(run.widget(5, list)["current"], 5) << "up from the first entry is the last one";
+	EXPECT_EQ(run.widget(6, list)["current"], 0);
+	EXPECT_EQ(run.widget(7, list)["current"], 5);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n") << "the first end of a run is its end";
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+
+	// A question with one answer only, left; a label that is deleted while a signal runs.
+	run = runDesk("", "yellow exit right ok ok left exit", options);
+	ASSERT_EQ(run.dump[1]["windows"].size(), 2u);
+	EXPECT_EQ(run.window(1)["widgets"].size(), 2u) << "the question and its one answer";
+	EXPECT_EQ(run.widget(1, "eButton")["focus"], true);
+	EXPECT_EQ(run.widget(2, "eLabel")["text"], "gone");
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+}
+
+TEST(Toolkit, should_keep_questions_on_the_screen_whatever_the_font_size)
+{
+	ReceiverFolder receiver;
+	receiver.scanLog("a\n");
+	for (const int fontSize : {1, 60, 200}) {
+		const DeskRun run =
+			runDesk(receiver.path(), "3 red", {"--skin", skinWithFontSize(receiver, fontSize)});
+		const Json &client = run.window(2)["client"];
+		EXPECT_GE(client[1], 0) << fontSize;
+		EXPECT_LE(client[1].get<int>() + client[3].get<int>(), 576) << fontSize;
+	}
+}
+
+TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
+{
+	const Lines options = {"--plugin", testPlugin("lifetimes.so.0")};
+	const auto focused = [](const Json &window) {
+		int count = 0;
+		for (const Json &widget : window["widgets"])
+			count += widget["focus"] == true;
+		return count;
+	};
+
+	DeskRun run = runDesk("", "exit exit", options);
+	EXPECT_EQ(run.dump[0]["windows"][0]["widgets"].size(), 6u);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n")
+		<< "the list has gone while it was left";
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+
+	// The focus goes to a widget two levels down, which is deleted with what it stands in.
+	run = runDesk("", "ok red down exit", options);
+	EXPECT_EQ(focused(run.window(1)), 0) << "it is deeper than the description goes";
+	EXPECT_EQ(focused(run.window(2)), 1);
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+
+	run = runDesk("", "yellow exit", options);
+	EXPECT_EQ(focused(run.window(1)), 1) << "not on what is hidden";
+
+	run = runDesk("", "green", options);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 77\n") << "the window has gone while it ran";
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+}
+
+TEST(Toolkit, should_report_the_entry_that_becomes_current_when_one_is_taken_out)
+{
+	const DeskRun run = runDesk("", "ok home ok exit", {"--plugin", testPlugin("widgets.so.0")});
+	EXPECT_EQ(run.widget(1, "eLabel")["text"], "two");
+	EXPECT_EQ(run.widget(3, "eLabel")["text"], "three");
+}
+
+TEST(Toolkit, should_empty_a_list_entry_by_entry)
+{
+	const DeskRun run =
+		runDesk("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});
+	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["count"], 0);
+	EXPECT_EQ(run.widget(7, "eListBox<eListBoxEntryText>")["current"], -1);
+	EXPECT_EQ(run.widget(7, "eLabel")["text"], "none");
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n");
+}
+
+} // namespace
