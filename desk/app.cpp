@@ -29,7 +29,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <iterator>
+#include <new>
 #include <set>
 #include <utility>
 #include <vector>
@@ -69,6 +71,15 @@ int fail(int status, const std::string &message)
 {
 	std::fprintf(stderr, "deskhost: %s\n", localText(message).c_str());
 	return status;
+}
+
+/// The plugin is compiled without exceptions: none may pass it.
+[[noreturn]] void endWithoutMemory()
+{
+	static const char message[] =
+		"deskhost: there is not enough memory; give it more (ulimit -v), or look at less\n";
+	[[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, sizeof message - 1);
+	_exit(statusNotStarted);
 }
 
 /// A standard stream that is closed must not become the first file that is opened: it is taken up in the
@@ -227,6 +238,7 @@ std::string runOnce(Plugin &plugin, const std::vector<Key> &keys)
 int runApp(int argc, char **argv)
 {
 	occupyStandardStreams();
+	std::set_new_handler(endWithoutMemory);
 	// Only what characters are is the desk's: numbers and messages are the same everywhere.
 	std::setlocale(LC_CTYPE, "");
 
@@ -304,13 +316,18 @@ int runApp(int argc, char **argv)
 			              "");
 	cli.footer(
 		"On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
-		"blue), digits.\n\n"
-		"Exit status: 0 the plugin ran to its end, 1 it cannot be loaded, 2 bad arguments.");
+		"blue), digits; in the window and the terminal also h j k l, q (exit), r g y b, F9 (the last debug "
+	    "lines).\n\n"
+		"Exit status: 0 the plugin ran to its end; 1 it cannot be loaded or did not end by itself, or there "
+	    "is no\n"
+		"font or memory; 2 bad arguments, or something could not be written.");
 	try {
 		cli.parse(argc, argv);
 	} catch (const CLI::ParseError &problem) {
-		if (problem.get_exit_code() == 0)
-			return cli.exit(problem);
+		if (problem.get_exit_code() == 0) {
+			cli.exit(problem);
+			return std::cout.flush() ? 0 : fail(statusBadArguments, "cannot write to standard output");
+		}
 		return fail(statusBadArguments, std::string(problem.what()) + "; see deskhost --help");
 	}
 

@@ -1,6 +1,7 @@
 #include "files.h"
 
 #include "commands.h"
+#include "desk.h"
 #include "libc.h"
 #include "older_meminfo.h"
 #include "open_in_root.h"
@@ -110,7 +111,15 @@ FILE *Files::open(const char *path, const char *mode) const
 	if (!serves(path))
 		return next<FILE *(const char *, const char *)>("fopen")(path, mode);
 	const int file = openInRoot(root, path, flagsOf(mode));
-	return file < 0 ? nullptr : fdopen(file, mode);
+	if (file >= 0)
+		return fdopen(file, mode);
+	const int reason = errno;
+	if (*mode == 'r') // a screen that stays empty is to be understood
+		Desk::get().screen().note(
+			"deskhost: with --root, " + std::string(path) +
+			" is the one in that folder, which cannot be read: " + std::strerror(reason));
+	errno = reason;
+	return nullptr;
 }
 
 int Files::removeInRoot(const char *path, bool foldersToo) const

@@ -43,7 +43,8 @@ void Exchange::settle()
 bool Exchange::waitOpened(std::string &error)
 {
 	Lock lock(mutex);
-	changed.wait(lock, [&] { return opening || isClosed; });
+	if (!changed.wait_for(lock, displayPatience, [&] { return opening || isClosed; }))
+		whyLost = displayIsSilent;
 	error = opening ? *opening : whyLost;
 	return error.empty();
 }

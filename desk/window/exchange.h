@@ -28,6 +28,12 @@ using Input = std::variant<Key, Click>;
 constexpr int frameStride = 4 * screenWidth;
 using Frame = std::array<unsigned char, frameStride * screenHeight>;
 
+/// How long a display may take to answer, and what is said of one that takes longer.
+constexpr std::chrono::seconds displayPatience(5);
+constexpr char displayIsSilent[] =
+	"cannot open a window: the display does not answer; set DISPLAY or use --screen "
+	"terminal or --screen none";
+
 /// What goes between the thread that runs the plugin and the thread that serves the window: frames one
 /// way, keys and clicks the other way, and who has ended.
 class Exchange
@@ -40,7 +46,8 @@ public:
 
 	// The plugin's thread.
 
-	/// Sleeps until the window is open. False: it cannot be opened, `error` says why.
+	/// Sleeps until the window is open. False: it cannot be opened or the display does not answer in time, `error`
+	/// says which.
 	bool waitOpened(std::string &error);
 	/// The next frame, all of its pixels; it differs from the last one within `area`. One that the
 	/// window has not fetched yet is skipped.

@@ -18,7 +18,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <future>
 #include <optional>
+#include <thread>
+#include <utility>
 
 namespace desk
 {
@@ -156,9 +159,17 @@ bool startVideo(std::string &error)
 
 bool displayAnswers(std::string &error)
 {
-	const bool answers = startVideo(error);
-	SDL_Quit();
-	return answers;
+	std::promise<std::string> probed;
+	std::future<std::string> why = probed.get_future();
+	// Asked by a thread that may be left behind, because a display that is there can be silent for ever.
+	std::thread([probed = std::move(probed)]() mutable {
+		std::string failure;
+		startVideo(failure);
+		SDL_Quit();
+		probed.set_value_at_thread_exit(failure);
+	}).detach();
+	error = why.wait_for(displayPatience) == std::future_status::ready ? why.get() : displayIsSilent;
+	return error.empty();
 }
 
 bool Window::open(std::string &error)

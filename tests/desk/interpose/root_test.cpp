@@ -42,6 +42,17 @@ TEST(Root, should_follow_links_inside_itself)
 	EXPECT_FALSE(exists(receiver / "data/scaning.log"));
 }
 
+TEST(Root, should_say_what_it_lacks)
+{
+	ReceiverFolder receiver;
+	const std::string said = reach("read", "/proc/meminfo", {"--root", receiver.path()}).outcome.err;
+	EXPECT_NE(
+		said.find("deskhost: with --root, /proc/meminfo is the one in that folder, which cannot be read: "
+	              "No such file or directory\n"),
+		std::string::npos)
+		<< said;
+}
+
 TEST(Root, should_serve_a_path_however_it_is_spelled)
 {
 	ReceiverFolder receiver;

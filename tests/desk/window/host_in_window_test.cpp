@@ -5,6 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <chrono>
 
 namespace
@@ -169,6 +174,46 @@ TEST(HostWithAStaleDisplay, does_without_and_says_so)
 	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 	EXPECT_EQ(outcome.err.find("deskhost: cannot open a window: display \":63999\""), 0u) << outcome.err;
 	EXPECT_NE(outcome.err.find("; this is --screen none\n"), outcome.err.npos) << outcome.err;
+}
+
+/// A display that is there and never answers.
+struct SilentDisplay
+{
+	SilentDisplay()
+	{
+		sockaddr_in address = {};
+		address.sin_family = AF_INET;
+		address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+		do
+			address.sin_port = htons(static_cast<uint16_t>(6000 + ++number));
+		while (bind(socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0 && number < 1000);
+		listen(socket, 5);
+	}
+	~SilentDisplay() { close(socket); }
+	SilentDisplay(const SilentDisplay &) = delete;
+	SilentDisplay &operator=(const SilentDisplay &) = delete;
+
+	std::string name() const { return "127.0.0.1:" + std::to_string(number); }
+
+	const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+	int number = 200;
+};
+
+TEST(HostWithASilentDisplay, does_without_and_says_so)
+{
+	const SilentDisplay display;
+	const support::ReceiverFolder receiver;
+	Command command = {support::deskhostPath(), "--root", receiver.path(), "--keys", "exit"};
+	support::Outcome outcome = support::run(command, onDisplay(display.name()));
+	EXPECT_EQ(outcome.status, 0);
+	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
+	EXPECT_NE(outcome.err.find("the display does not answer"), outcome.err.npos) << outcome.err;
+
+	command.insert(command.end(), {"--screen", "window"});
+	outcome = support::run(command, onDisplay(display.name()));
+	EXPECT_EQ(outcome.status, 2);
+	EXPECT_EQ(outcome.err, "deskhost: cannot open a window: the display does not answer; set DISPLAY or use "
+	                       "--screen terminal or --screen none\n");
 }
 
 } // namespace
