@@ -24,10 +24,19 @@ bool isConsole(int file)
 	return ioctl(file, KDGETMODE, &mode) == 0;
 }
 
-/// Gives the console back once nobody holds the other end of `lifeline`. Runs in a process of its own.
-[[noreturn]] void watch(int lifeline, int console, long display, long keyboard)
+bool setModes(int console, long display, long keyboard)
 {
-	setsid(); // what is sent to the program's group is not meant for this one
+	const bool set = ioctl(console, KDSKBMODE, keyboard) == 0;
+	return ioctl(console, KDSETMODE, display) == 0 && set;
+}
+
+/// Gives the console of that name back once nobody holds the other end of `lifeline`. Runs in a process of
+/// its own.
+[[noreturn]] void watch(int lifeline, int console, const std::string &name, long display, long keyboard)
+{
+	// What is sent to the program's group is not meant for this one. It stays in the session, to which
+	// alone the kernel lends the console, unless the program is root.
+	setpgid(0, 0);
 	// Whatever else is open is the program's, and closed when the program closes it.
 	dup2(lifeline, 0);
 	dup2(console, 1);
@@ -41,8 +50,9 @@ bool isConsole(int file)
 	char nothing;
 	while (read(0, &nothing, 1) < 0 && errno == EINTR) {
 	}
-	ioctl(1, KDSKBMODE, keyboard);
-	ioctl(1, KDSETMODE, display);
+	// A console hangs up when the process ends that the session began with: then it is opened anew.
+	if (!setModes(1, display, keyboard))
+		setModes(::open(name.c_str(), O_RDWR | O_NOCTTY), display, keyboard);
 	_exit(0);
 }
 
@@ -59,9 +69,12 @@ std::unique_ptr<Console> Console::take(const std::string &device, std::string &e
 				close(file);
 		return nullptr;
 	};
-	if (isConsole(STDIN_FILENO))
+	std::string name = device;
+	if (isConsole(STDIN_FILENO)) {
 		console = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
-	else {
+		if (const char *its = ttyname(STDIN_FILENO))
+			name = its;
+	} else {
 		console = ::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
 		if (console < 0 && (errno == EACCES || errno == EPERM))
 			return failed("Permission denied; start deskhost from the console itself, or as root");
@@ -81,7 +94,7 @@ std::unique_ptr<Console> Console::take(const std::string &device, std::string &e
 	taken->watcher = fork();
 	if (taken->watcher == 0) {
 		close(ends[1]);
-		watch(ends[0], console, display, keyboard);
+		watch(ends[0], console, name, display, keyboard);
 	}
 	if (taken->watcher < 0)
 		return failed(strerror(errno));

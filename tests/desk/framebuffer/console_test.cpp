@@ -84,6 +84,28 @@ TEST(Console, should_be_given_back_whatever_ends_the_program)
 	}
 }
 
+TEST(Console, should_be_given_back_although_it_has_hung_up)
+{
+	TempFolder folder;
+	const kernel::Console console(folder);
+	auto held = taken(console);
+	console.hangUp();
+	held.reset();
+	EXPECT_EQ(console.display(), "text");
+	EXPECT_EQ(console.keyboard(), "typing");
+}
+
+TEST(Console, should_be_given_back_from_within_the_session_that_owns_it)
+{
+	TempFolder folder;
+	const kernel::Console console(folder);
+	const auto held = taken(console);
+	const std::string children = support::readFile("/proc/thread-self/children");
+	const pid_t watcher = std::stoi(children);
+	EXPECT_EQ(getsid(watcher), getsid(0));
+	EXPECT_NE(getpgid(watcher), getpgid(0));
+}
+
 TEST(Console, should_be_no_matter_where_there_is_none)
 {
 	TempFolder folder;

@@ -11,9 +11,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdarg>
 #include <cstring>
 #include <map>
+#include <set>
 
 namespace kernel
 {
@@ -23,7 +25,7 @@ namespace
 /// What stands for which device, by the inode of what stands for it.
 std::map<ino_t, Screen *> screens;
 std::map<ino_t, Remote *> remotes;
-std::map<ino_t, Console *> consoles;
+std::set<std::string> consoles; // their paths
 
 ino_t inode(const std::string &path)
 {
@@ -39,6 +41,14 @@ template <class Device> Device *deviceOf(const std::map<ino_t, Device *> &device
 		return nullptr;
 	const auto found = devices.find(status.st_ino);
 	return found == devices.end() ? nullptr : found->second;
+}
+
+/// Not one whose file has been replaced, which is what a console's hanging up is here.
+bool isConsole(int file)
+{
+	char path[PATH_MAX];
+	const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(file)).c_str(), path, sizeof path);
+	return length > 0 && consoles.count(std::string(path, static_cast<size_t>(length))) > 0;
 }
 
 int answer(Screen &screen, unsigned long request, void *argument)
@@ -208,12 +218,19 @@ Console::Console(const support::TempFolder &folder)
 {
 	const long modes[2] = {KD_TEXT, K_UNICODE};
 	path = folder.write("console", std::string(reinterpret_cast<const char *>(modes), sizeof modes));
-	consoles[inode(path)] = this;
+	consoles.insert(path);
 }
 
 Console::~Console()
 {
-	consoles.erase(inode(path));
+	consoles.erase(path);
+}
+
+void Console::hangUp() const
+{
+	const std::string modes = support::readFile(path), next = path + ".next";
+	support::writeFile(next, modes);
+	EXPECT_EQ(rename(next.c_str(), path.c_str()), 0);
 }
 
 std::string Console::display() const
@@ -240,7 +257,7 @@ extern "C" int ioctl(int file, unsigned long request, ...) noexcept
 		return answer(*screen, request, argument);
 	if (const Remote *remote = deviceOf(remotes, file))
 		return answer(*remote, request, argument);
-	if (deviceOf(consoles, file))
+	if (isConsole(file))
 		return answer(file, request, reinterpret_cast<unsigned long>(argument));
 	return static_cast<int>(syscall(SYS_ioctl, file, request, argument));
 }

@@ -65,6 +65,8 @@ struct Console
 
 	std::string display() const;  ///< "text" or "graphics"
 	std::string keyboard() const; ///< "typing" or "off"
+	/// Who has it open gets nothing more from it; who opens it then does.
+	void hangUp() const;
 
 	std::string path;
 };
