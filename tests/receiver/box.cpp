@@ -125,14 +125,14 @@ void Box::command(const std::string &name, const support::Json &arguments)
 	EXPECT_FALSE(answer.contains("error")) << answer;
 }
 
-void Box::sendKey(const std::string &name)
+void Box::type(const std::string &key)
 {
-	command("send-key", {{"keys", {{{"type", "qcode"}, {"data", name}}}}, {"hold-time", 20}});
+	command("send-key", {{"keys", {{{"type", "qcode"}, {"data", key}}}}, {"hold-time", 20}});
 }
 
 support::Json Box::press(const std::string &key)
 {
-	sendKey(keyOnBoard(key));
+	type(keyOnBoard(key));
 	support::Json screen = nextScreen();
 	EXPECT_EQ(screen["after"], key);
 	return screen;
@@ -158,6 +158,6 @@ Picture Box::screen()
 
 bool Box::switchesOff()
 {
-	sendKey("power");
+	type("power");
 	return qemu.exitStatus() == 0;
 }

@@ -32,6 +32,9 @@ public:
 	/// Presses a key of the remote control and waits for what is on the screen then.
 	support::Json press(const std::string &key);
 
+	/// Presses a key that nobody may be waiting for, by QEMU's name of it.
+	void type(const std::string &key);
+
 	/// What a command prints there, run by root.
 	std::string shell(const std::string &words);
 
@@ -44,7 +47,6 @@ public:
 private:
 	support::Json nextScreen();
 	void command(const std::string &name, const support::Json &arguments);
-	void sendKey(const std::string &name);
 	void send(int pipe, const std::string &line);
 	/// The next line of a pipe without its end; fails the test when none comes.
 	std::string line(int pipe, std::string &buffer);

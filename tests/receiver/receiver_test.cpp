@@ -138,11 +138,14 @@ TEST_F(OnTheBoard, should_show_and_do_what_the_desk_shows)
 	EXPECT_EQ(window(flash)["class"], "eSysInfDialog");
 	std::istringstream mtd(box->shell("tail -n +2 /proc/mtd"));
 	int partitions = 0;
-	for (std::string line; std::getline(mtd, line); ++partitions)
-		EXPECT_TRUE(shows(flash, line.substr(0, line.find(':')))) << line;
+	for (std::string device, size, erased, name; mtd >> device >> size >> erased && std::getline(mtd, name);
+	     ++partitions)
+		for (const std::string &field : {device, size, erased})
+			EXPECT_TRUE(shows(flash, field)) << field;
 	EXPECT_EQ(partitions, 5);
-	EXPECT_TRUE(shows(flash, "/config")) << flash;
-	EXPECT_TRUE(shows(flash, "1.6M")) << "its size, " << flash;
+	std::istringstream mount(box->shell("busybox df -h /config | tail -n 1"));
+	for (std::string field; mount >> field;)
+		EXPECT_TRUE(shows(flash, field)) << field;
 	session.press("exit");
 
 	// The same keys on the same files make the same windows and pictures on the desk.
@@ -211,6 +214,44 @@ TEST_F(OnTheBoard, should_open_all_screens_without_ps)
 	EXPECT_EQ(box->shell("ps 2>/dev/null || echo none"), "none\n");
 	allScreensOpen("there is no ps");
 	box->shell("umount /usr/bin");
+}
+
+/// Sets host to the process that init has started, and menu to the one that host watches over.
+const char menuProcesses[] =
+	"child_of() { for p in $(pidof deskhost); do read -r pid name state parent rest </proc/$p/stat; "
+	"[ $parent != $1 ] || echo $p; done; }; host=$(child_of 1); menu=$(child_of $host); ";
+
+TEST_F(OnTheBoard, should_give_the_console_back_whatever_ends_the_menu)
+{
+	box->shell("echo '#!/bin/sh' >/tmp/idle; echo 'exec sleep 1000' >>/tmp/idle; chmod +x /tmp/idle");
+	const char print[] = "printf '\\n\\n%30s' text >/dev/tty1"; // where screen() looks
+	for (const std::string end : {"kill -9 $menu", "kill -9 $host"}) {
+		const Picture menu = box->screen();
+		box->shell(print);
+		EXPECT_EQ(box->screen(), menu) << "the console draws over the menu";
+
+		// Instead of another menu, init then starts a program that leaves the console as it is.
+		box->shell("mount --bind /tmp/idle /usr/sbin/menu; " + (menuProcesses + end));
+		ASSERT_TRUE(support::eventually([&] { return !(box->screen() == menu); })) << end;
+		box->shell("until pidof sleep >/tmp/pid; do usleep 1000; done");
+		const Picture text = box->screen();
+		box->shell(print);
+		ASSERT_TRUE(support::eventually([&] { return !(box->screen() == text); })) << end;
+		const Picture more = box->screen();
+		box->type("x");
+		ASSERT_TRUE(support::eventually([&] { return !(box->screen() == more); }))
+			<< end << ": the keyboard does not type";
+		box->shell("umount /usr/sbin/menu; kill $(pidof sleep)");
+		box->started();
+	}
+}
+
+TEST_F(OnTheBoard, should_sleep_while_no_key_comes)
+{
+	const std::string time = "for p in $(pidof deskhost); do cut -d' ' -f14,15 /proc/$p/stat; done";
+	const std::string before = box->shell(time);
+	box->shell("sleep 1");
+	EXPECT_EQ(box->shell(time), before);
 }
 
 // The last one: afterwards there is no box.
