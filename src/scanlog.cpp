@@ -16,7 +16,8 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 	screen::frame(*this, "Info", ePoint(60, 63), eSize(600, 470));
 	const int clientHeight = VEXLO_CLIENT_HEIGHT(*this);
 
-	deleteButton = screen::addButton(*this, clientHeight, "red", translate("delete log"));
+	deleteButton = screen::addButton(*this, clientHeight, "red");
+	screen::setText(*deleteButton, translate("delete log"));
 
 	logList = screen::addList(*this, ePoint(5, 5), eSize(590, clientHeight - 60));
 

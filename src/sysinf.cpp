@@ -11,7 +11,8 @@ eSysInfDialog::eSysInfDialog() : eWindow(1)
 
 	screen::frame(*this, "Info", ePoint(60, 70), eSize(600, 450));
 
-	okButton = screen::addButton(*this, VEXLO_CLIENT_HEIGHT(*this), "green", translate("OK"));
+	okButton = screen::addButton(*this, VEXLO_CLIENT_HEIGHT(*this), "green");
+	screen::setText(*okButton, translate("OK"));
 	okButton->selected.connect(SigC::slot(*this, &eWidget::accept));
 
 	// The columns overlap a little, and the last of each table reaches past the client area, which cuts it

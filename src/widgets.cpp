@@ -8,9 +8,14 @@ int rowHeight()
 	return eSkin::getActive()->queryValue("fontsize", 20);
 }
 
+void setText(eWidget &widget, const char *text)
+{
+	widget.setText(text);
+}
+
 void frame(eWindow &window, const char *title, ePoint position, eSize size)
 {
-	window.setText(title); // the same in every language
+	setText(window, title); // the same in every language
 	window.cmove(position);
 	window.cresize(size);
 }
@@ -18,12 +23,12 @@ void frame(eWindow &window, const char *title, ePoint position, eSize size)
 void addLabel(eWindow &window, const char *text, ePoint position, eSize size)
 {
 	eLabel *label = new eLabel(&window, 0, 0, "eLabel");
-	label->setText(text);
+	setText(*label, text);
 	label->move(position);
 	label->resize(size);
 }
 
-eButton *addButton(eWindow &window, int clientHeight, const char *colour, const char *text)
+eButton *addButton(eWindow &window, int clientHeight, const char *colour)
 {
 	eButton *button = new eButton(&window, nullptr, 1, "eButton");
 	button->move(ePoint(10, clientHeight - 50));
@@ -32,7 +37,6 @@ eButton *addButton(eWindow &window, int clientHeight, const char *colour, const 
 	button->setShortcut(key);
 	button->setShortcutPixmap(key);
 	button->loadDeco();
-	button->setText(text);
 	return button;
 }
 

@@ -17,9 +17,12 @@ void frame(eWindow &window, const char *title, ePoint position, eSize size);
 /// A plain label in the client area of `window`, which owns it.
 void addLabel(eWindow &window, const char *text, ePoint position, eSize size);
 
-/// A button at the lower left of `window`, which owns it and whose client area is `clientHeight` high;
-/// `colour` is the key that presses it.
-eButton *addButton(eWindow &window, int clientHeight, const char *colour, const char *text);
+/// Shows `text`: here once, so that not every caller makes and destroys a string.
+void setText(eWidget &widget, const char *text);
+
+/// A button without a text yet, at the lower left of `window`, which owns it and whose client area is
+/// `clientHeight` high; `colour` is the key that presses it.
+eButton *addButton(eWindow &window, int clientHeight, const char *colour);
 
 /// A list of text lines in the client area of `window`, which owns it.
 eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size);

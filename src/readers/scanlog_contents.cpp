@@ -30,13 +30,6 @@ void addEntry(ScanLogContents &contents, int number, const char *text, std::size
 	entry.line.assign(line, lineLength);
 }
 
-ScanLogContents notFound(const char *path)
-{
-	ScanLogContents contents = {{}, {}, false};
-	appendFormatted(contents.summary, "file \"%s\" not found", path);
-	return contents;
-}
-
 } // namespace
 
 long filesize(FILE *stream)
@@ -72,12 +65,13 @@ ScanLogContents parseScanLog(FILE *stream, const char *path)
 ScanLogContents readScanLog(const char *path)
 {
 	FILE *const stream = fopen(path, "r");
-	ScanLogContents contents = stream ? parseScanLog(stream, path) : notFound(path);
+	ScanLogContents contents = stream ? parseScanLog(stream, path) : ScanLogContents{{}, {}, false};
 	if (stream) {
 		fclose(stream);
 		eDebug("close file");
 	} else {
-		eDebug("%s", contents.summary.c_str());
+		appendFormatted(contents.summary, "file \"%s\" not found", path);
+		eDebug("file \"%s\" not found", path);
 	}
 	return contents;
 }

@@ -46,8 +46,10 @@ void eDebug(const char *format, ...)
 	va_start(arguments, format);
 	vsnprintf(line, sizeof line, format, arguments);
 	va_end(arguments);
-	if (current)
-		current->calls.push_back("eDebug(" + quoted(line) + ")");
+	if (!current)
+		return;
+	current->calls.push_back("eDebug(" + quoted(line) + ")");
+	current->debugFormats.push_back(format);
 }
 
 extern "C" {

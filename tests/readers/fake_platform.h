@@ -34,6 +34,9 @@ public:
 	/// `fclose(null)`, `remove("/x")`, `system("ls")`, `eDebug("line")`.
 	std::vector<std::string> calls;
 
+	/// The formats that eDebug was given, in order: a host may do more with them than format.
+	std::vector<std::string> debugFormats;
+
 	/// Look-ups in order: `dcgettext(null, "text", 5)`.
 	std::vector<std::string> lookUps;
 

@@ -354,6 +354,7 @@ TEST(KillPid, says_so_and_runs_the_shells_kill)
 	platform.replaceShell();
 	killPid("123");
 	EXPECT_EQ(platform.calls, Strings({"eDebug(\"-----kill pid  - 123-----\")", "system(\"kill -9 123\")"}));
+	EXPECT_EQ(platform.debugFormats, Strings({"-----kill pid  - %s-----"}));
 }
 
 TEST(KillPid, takes_any_text_for_a_pid)

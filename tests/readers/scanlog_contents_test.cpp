@@ -355,6 +355,7 @@ TEST(ReadScanLog, a_missing_file_is_named_in_the_summary_and_in_the_debug_output
 	const ScanLogContents contents = readScanLog("/nonexistent/100%d.log");
 	EXPECT_EQ(platform.calls, Strings({"fopen(\"/nonexistent/100%d.log\", \"r\")",
 	                                   "eDebug(\"file \"/nonexistent/100%d.log\" not found\")"}));
+	EXPECT_EQ(platform.debugFormats, Strings({"file \"%s\" not found"}));
 	EXPECT_EQ(contents.summary, "file \"/nonexistent/100%d.log\" not found");
 	EXPECT_FALSE(contents.found);
 	EXPECT_TRUE(contents.entries.empty());

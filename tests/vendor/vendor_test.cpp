@@ -224,6 +224,17 @@ TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
 	           R"(dcgettext(null, "Warning", 5))"}));
 }
 
+TEST_F(Vendor, sees_a_buttons_text_looked_up_when_it_is_due)
+{
+	const std::string logKeys = "down down ok exit exit", systemKeys = "down down down ok exit exit";
+	for (const auto &[keys, text] : {std::pair(logKeys, "delete log"), std::pair(systemKeys, "OK")}) {
+		const std::string trace = runVendor(receiver, keys, {"tell=1"}).out;
+		const size_t lookUp = trace.find("dcgettext(null, \"" + std::string(text) + "\", 5)");
+		ASSERT_NE(lookUp, std::string::npos) << trace;
+		EXPECT_LT(trace.find(".loadDeco()"), lookUp) << text << ": after everything else of the button";
+	}
+}
+
 TEST_F(Vendor, may_find_no_text_at_all)
 {
 	const Outcome run =
