@@ -59,12 +59,16 @@ double difference(const Pixels &a, const Pixels &b)
 TEST(Pictures, should_be_those_of_the_documentation)
 {
 	support::TempFolder drawn, tools;
-	std::string deskhost = "#!/bin/sh\nexec";
-	for (const std::string &word : support::runnable({support::deskhostPath()}))
-		deskhost += " '" + word + "'";
+	const auto script = [&](const char *name, const std::string &program) {
+		std::string words = "#!/bin/sh\nexec";
+		for (const std::string &word : support::runnable({program}))
+			words += " '" + word + "'";
+		return tools.write(name, words + " \"$@\"\n", true);
+	};
 	const support::Outcome outcome =
 		support::run({support::sourcePath("tools/pictures"), drawn.path()},
-	                 {{"DESKHOST", tools.write("deskhost", deskhost + " \"$@\"\n", true)}});
+	                 {{"DESKHOST", script("deskhost", support::deskhostPath())},
+	                  {"WINDOW_PICTURE", *WINDOW_PICTURE ? script("window_picture", WINDOW_PICTURE) : ""}});
 	ASSERT_EQ(outcome.status, 0) << outcome.err;
 
 	int compared = 0;

@@ -1,4 +1,5 @@
-// window_picture FILE: writes what the display shows, all of it, as a PNG. The display must have 24 bits a pixel.
+// window_picture FILE: writes what the display shows of the one window on it as a PNG. The display must have 24 bits
+// a pixel.
 
 #include <cairo.h>
 
@@ -7,6 +8,27 @@
 
 #include <cstdio>
 
+namespace
+{
+
+/// The window that can be seen; 0 when there is none.
+Window visibleWindow(Display *display)
+{
+	Window root = 0, parent = 0, *children = nullptr, found = 0;
+	unsigned count = 0;
+	XQueryTree(display, DefaultRootWindow(display), &root, &parent, &children, &count);
+	for (unsigned i = 0; i < count; ++i) {
+		XWindowAttributes attributes;
+		if (XGetWindowAttributes(display, children[i], &attributes) && attributes.map_state == IsViewable)
+			found = children[i];
+	}
+	if (children)
+		XFree(children);
+	return found;
+}
+
+} // namespace
+
 int main(int argc, char **argv)
 {
 	Display *display = argc == 2 ? XOpenDisplay(nullptr) : nullptr;
@@ -14,16 +36,21 @@ int main(int argc, char **argv)
 		std::fprintf(stderr, "usage: DISPLAY=:N window_picture FILE\n");
 		return 2;
 	}
-	XWindowAttributes root;
-	XGetWindowAttributes(display, DefaultRootWindow(display), &root);
-	XImage *image = XGetImage(display, DefaultRootWindow(display), 0, 0, static_cast<unsigned>(root.width),
-	                          static_cast<unsigned>(root.height), AllPlanes, ZPixmap);
+	const Window window = visibleWindow(display);
+	if (!window) {
+		std::fprintf(stderr, "window_picture: there is no window\n");
+		return 1;
+	}
+	XWindowAttributes place;
+	XGetWindowAttributes(display, window, &place);
+	XImage *image = XGetImage(display, window, 0, 0, static_cast<unsigned>(place.width),
+	                          static_cast<unsigned>(place.height), AllPlanes, ZPixmap);
 	if (!image || image->bits_per_pixel != 32) {
 		std::fprintf(stderr, "window_picture: the display does not have 24 bits a pixel\n");
 		return 1;
 	}
 	cairo_surface_t *surface = cairo_image_surface_create_for_data(
-		reinterpret_cast<unsigned char *>(image->data), CAIRO_FORMAT_RGB24, root.width, root.height,
+		reinterpret_cast<unsigned char *>(image->data), CAIRO_FORMAT_RGB24, place.width, place.height,
 		image->bytes_per_line);
 	const cairo_status_t status = cairo_surface_write_to_png(surface, argv[1]);
 	cairo_surface_destroy(surface);
