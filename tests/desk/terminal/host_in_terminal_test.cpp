@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <thread>
 
 namespace
@@ -82,6 +83,24 @@ TEST_F(HostInTerminal, all_four_screens_can_be_read_and_left)
 	EXPECT_TRUE(terminal.shows("plugin_exec returned "));
 	EXPECT_TRUE(terminal.shows("status=0 $"));
 	EXPECT_EQ(terminal.state(), "0 1 0");
+}
+
+TEST_F(HostInTerminal, the_sample_receiver_is_shown_as_in_the_readme)
+{
+	std::string shown;
+	for (const std::string &line : support::lines(support::readFile(support::sourcePath("README.md"))))
+		if (line.rfind("      ", 0) == 0 || line.rfind("     Arrows", 0) == 0)
+			shown += line.substr(4) + '\n';
+	ASSERT_EQ(support::lines(shown).size(), 24u);
+
+	support::TempFolder copy;
+	std::filesystem::copy(support::sourcePath("samples/receiver"), copy / "receiver",
+	                      std::filesystem::copy_options::recursive);
+	Tmux terminal(80, 24);
+	terminal.start(host("--root " + (copy / "receiver") + " --keys 'down down ok red'"));
+	EXPECT_TRUE(terminal.shows("Delete /var/scaning.log ?"));
+	EXPECT_TRUE(terminal.shows(helpLine));
+	EXPECT_EQ(terminal.screen(), shown);
 }
 
 TEST_F(HostInTerminal, a_log_is_deleted_when_the_viewer_says_yes)
