@@ -22,7 +22,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 
 #if defined(__SANITIZE_ADDRESS__)
 // GCC brings the function without its header.
@@ -211,12 +210,8 @@ INSTANTIATE_TEST_SUITE_P(All, Openings,
 /// Whether any piece of the plugin is mapped.
 bool isMapped()
 {
-	std::ifstream maps("/proc/self/maps");
 	const std::string name = fs::path(support::pluginPath()).filename();
-	for (std::string line; std::getline(maps, line);)
-		if (line.find(name) != line.npos)
-			return true;
-	return false;
+	return support::readFile("/proc/self/maps").find(name) != std::string::npos;
 }
 
 TEST(Loading, should_leave_nothing_of_the_plugin_behind)

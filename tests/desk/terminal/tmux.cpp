@@ -1,5 +1,7 @@
 #include "tmux.h"
 
+#include "process.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -55,19 +57,9 @@ Tmux::~Tmux()
 
 std::string Tmux::tmux(const std::vector<std::string> &arguments) const
 {
-	std::string command =
-		"env -u TMUX LC_ALL=C.UTF-8 " TMUX_PROGRAM " -S " + shellWord(directory / "socket") + " -f /dev/null";
-	for (const std::string &argument : arguments)
-		command += argument == ";" ? " \\;" : " " + shellWord(argument);
-	command += " 2>/dev/null";
-	std::string output;
-	if (FILE *pipe = popen(command.c_str(), "r")) {
-		char piece[4096];
-		while (const size_t n = fread(piece, 1, sizeof piece, pipe))
-			output.append(piece, n);
-		pclose(pipe);
-	}
-	return output;
+	support::Command command = {TMUX_PROGRAM, "-S", directory / "socket", "-f", "/dev/null"};
+	command.insert(command.end(), arguments.begin(), arguments.end());
+	return support::run(command, {{"TMUX", ""}, {"LC_ALL", "C.UTF-8"}}).out;
 }
 
 void Tmux::type(const std::string &text) const
