@@ -41,3 +41,27 @@ install(FILES docs/plugins.md docs/porting.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev/docs COMPONENT dev)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev
         USE_SOURCE_PERMISSIONS COMPONENT dev)
+
+# The example takes this tree for installed, to be built and tested wherever the tree is.
+function(vexlo_add_example name)
+  set(folder ${CMAKE_BINARY_DIR}/toolkit)
+  file(MAKE_DIRECTORY ${folder})
+  foreach(file IN ITEMS cmake/toolkit/golden-test cmake/toolkit/plugin.map src/toolkit/econtract.cpp)
+    configure_file(${file} ${folder} COPYONLY)
+  endforeach()
+  set(VEXLO_TOOLKIT_INCLUDE_DIR ${PROJECT_SOURCE_DIR}/src/toolkit)
+  set(VEXLO_TOOLKIT_DATA ${folder})
+  configure_package_config_file(cmake/VexloToolkitConfig.cmake.in ${folder}/VexloToolkitConfig.cmake
+    INSTALL_DESTINATION ${folder} PATH_VARS VEXLO_TOOLKIT_INCLUDE_DIR VEXLO_TOOLKIT_DATA CMAKE_INSTALL_BINDIR)
+  set(VexloToolkit_DIR ${folder})
+  # A program that is built for another computer runs in its emulator.
+  list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+  file(GENERATE OUTPUT ${folder}/deskhost CONTENT "#!/bin/sh\nexec ${emulator} $<TARGET_FILE:deskhost> \"$@\"\n"
+       FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  set(VEXLO_DESKHOST ${folder}/deskhost)
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  add_subdirectory(examples/${name})
+endfunction()
+if(BUILD_TESTING)
+  vexlo_add_example(network)
+endif()
