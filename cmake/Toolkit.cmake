@@ -23,7 +23,7 @@ install(FILES ${CMAKE_BINARY_DIR}/vexlo-toolkit.pc DESTINATION ${CMAKE_INSTALL_L
 
 # The reference, where there is Doxygen to make it, and a build that is tested and released.
 find_program(VEXLO_DOXYGEN doxygen)
-if(VEXLO_DOXYGEN AND BUILD_TESTING AND CMAKE_BUILD_TYPE STREQUAL "Release")
+if(VEXLO_DOXYGEN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_TYPE STREQUAL "Release")
   configure_file(docs/Doxyfile.in Doxyfile @ONLY)
   file(GLOB headers CONFIGURE_DEPENDS src/toolkit/*.h)
   add_custom_command(

@@ -1,0 +1,29 @@
+// Runs a reader, or the loop that it is compared with, for who counts instructions from outside.
+
+#include "readers.h"
+
+#include <cstdlib>
+
+int main(int count, char **arguments)
+{
+	const std::vector<bench::Pair> all = bench::pairs();
+	if (count == 1) {
+		for (const bench::Pair &pair : all)
+			std::printf("%s\t%d\n", pair.name.c_str(), pair.lines);
+		return 0;
+	}
+	const std::string name = count == 4 ? arguments[1] : "", which = count == 4 ? arguments[2] : "";
+	for (const bench::Pair &pair : all) {
+		if (pair.name != name || (which != "reader" && which != "plain"))
+			continue;
+		FILE *stream = bench::streamOf(pair.input);
+		for (int times = std::atoi(arguments[3]); times > 0; --times) {
+			std::rewind(stream);
+			(which == "plain" ? pair.readPlainly : pair.read)(stream);
+		}
+		return 0;
+	}
+	std::fprintf(stderr,
+	             "usage: readers_count [NAME reader|plain TIMES]; without arguments: names and lines\n");
+	return 2;
+}
