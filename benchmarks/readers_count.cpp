@@ -1,4 +1,5 @@
-// Runs a reader, or the loop that it is compared with, for who counts instructions from outside.
+// Compares a reader with its plain loop once, and runs one of the two, for who counts instructions from
+// outside.
 
 #include "readers.h"
 
@@ -17,6 +18,11 @@ int main(int count, char **arguments)
 		if (pair.name != name || (which != "reader" && which != "plain"))
 			continue;
 		FILE *stream = bench::streamOf(pair.input);
+		if (!pair.same(stream)) {
+			std::fprintf(stderr, "readers_count: %s: reader and plain loop give different results\n",
+			             name.c_str());
+			return 1;
+		}
 		for (int times = std::atoi(arguments[3]); times > 0; --times) {
 			std::rewind(stream);
 			(which == "plain" ? pair.readPlainly : pair.read)(stream);
