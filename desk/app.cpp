@@ -317,9 +317,9 @@ int runApp(int argc, char **argv)
 	cli.footer(
 		"On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
 		"blue), digits; in the window and the terminal also h j k l, q (exit), r g y b, F9 (the last debug "
-	    "lines).\n\n"
+		"lines).\n\n"
 		"Exit status: 0 the plugin ran to its end; 1 it cannot be loaded or did not end by itself, or there "
-	    "is no\n"
+		"is no\n"
 		"font or memory; 2 bad arguments, or something could not be written.");
 	try {
 		cli.parse(argc, argv);
