@@ -216,6 +216,23 @@ TEST_F(OnTheBoard, should_open_all_screens_without_ps)
 	box->shell("umount /usr/bin");
 }
 
+TEST_F(OnTheBoard, should_run_another_plugin)
+{
+	box->shell("sed 's,--screen,--plugin /opt/menu/network.so.0 &,' /usr/sbin/menu >/tmp/network; "
+	           "chmod +x /tmp/network; mount --bind /tmp/network /usr/sbin/menu");
+	box->press("exit"); // init starts the other one in the menu's place
+	const Json network = box->started();
+	EXPECT_EQ(window(network)["title"], "Network");
+	EXPECT_FALSE(shows(network, "192.168.7.1/24"));
+	box->shell("ip addr add 192.168.7.1/24 dev lo");
+	EXPECT_TRUE(shows(box->press("green"), "192.168.7.1/24"));
+	EXPECT_EQ(window(box->press("red"))["class"], "eMessageBox");
+	EXPECT_EQ(window(box->press("ok"))["title"], "Network");
+	box->shell("ip addr del 192.168.7.1/24 dev lo; umount /usr/sbin/menu");
+	box->press("exit");
+	EXPECT_EQ(window(box->started())["class"], "eVexloMenu");
+}
+
 /// Sets host to the process that init has started, and menu to the one that host watches over.
 const char menuProcesses[] =
 	"child_of() { for p in $(pidof deskhost); do read -r pid name state parent rest </proc/$p/stat; "

@@ -56,7 +56,7 @@ TEST_F(Run, should_make_what_is_missing_and_press_keys_and_keep_pictures)
 	};
 	const Lines expected = {"packages receiver",
 	                        "sysroot --if-missing mipsel",
-	                        "build mipsel deskhost vexlomenu",
+	                        "build mipsel deskhost vexlomenu network",
 	                        "make ",
 	                        "qemu -display none",
 	                        "qmp_capabilities ",
