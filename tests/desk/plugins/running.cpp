@@ -73,6 +73,7 @@ private:
 		buttons[0]->move(ePoint(200, 160));
 		buttons[0]->resize(eSize(200, 60));
 		cmove(ePoint(60, 40));
+		renamed = true;
 	}
 
 	void toggle()
@@ -95,10 +96,16 @@ private:
 		label->setText(text.sprintf(format, answer));
 	}
 
-	/// Takes the current entry out; the next time it comes back, as the first one and the current one.
+	/// Takes the current entry out; the next time it comes back, as the first one and the current one. Of a
+	/// renamed page, takes out whatever becomes the current one.
 	void turn()
 	{
-		if (taken) {
+		if (renamed) {
+			while (eListBoxEntryText *const entry = current) {
+				list.remove(entry, false);
+				delete entry;
+			}
+		} else if (taken) {
 			list.append(taken, true, true);
 			taken = nullptr;
 		} else if (current) {
@@ -124,7 +131,7 @@ private:
 	eLabel *label;
 	eButton *buttons[4];
 	eListBoxEntryText *current = nullptr, *taken = nullptr;
-	bool listed = true;
+	bool listed = true, renamed = false;
 };
 
 } // namespace

@@ -78,6 +78,16 @@ TEST(Running, should_take_entries_out_and_put_them_back)
 		<< "an entry that comes back is a new one to the trace";
 }
 
+TEST(Running, should_go_on_with_a_list_that_has_become_empty)
+{
+	const DeskRun run = running("down red blue ok up pagedown exit");
+	for (size_t i = 3; i < 7; ++i) {
+		EXPECT_EQ(run.widget(i, list)["rows"], Json::array()) << i;
+		EXPECT_EQ(run.widget(i, "eLabel")["text"], "none") << i;
+	}
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
+}
+
 TEST(Running, should_ask_while_a_question_waits)
 {
 	const DeskRun run = running("yellow exit right ok exit ok yellow ok exit");
