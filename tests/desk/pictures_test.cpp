@@ -65,10 +65,10 @@ TEST(Pictures, should_be_those_of_the_documentation)
 			words += " '" + word + "'";
 		return tools.write(name, words + " \"$@\"\n", true);
 	};
-	const support::Outcome outcome =
-		support::run({support::sourcePath("tools/pictures"), drawn.path()},
-	                 {{"DESKHOST", script("deskhost", support::deskhostPath())},
-	                  {"WINDOW_PICTURE", *WINDOW_PICTURE ? script("window_picture", WINDOW_PICTURE) : ""}});
+	const support::Outcome outcome = support::run(
+		{support::sourcePath("tools/pictures"), drawn.path()},
+		{{"DESKHOST", script("deskhost", support::deskhostPath())},
+	     {"WINDOW_PICTURE", *WINDOW_PICTURE ? script("window_picture", WINDOW_PICTURE) : "none"}});
 	ASSERT_EQ(outcome.status, 0) << outcome.err;
 
 	int compared = 0;
