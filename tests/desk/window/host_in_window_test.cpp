@@ -94,6 +94,12 @@ TEST_F(HostInWindow, opens_the_entry_that_is_clicked)
 	clickAndExpect(250, 216, {"down", "down", "down", "ok"});
 }
 
+TEST_F(HostInWindow, is_named_after_the_plugin)
+{
+	start({"--plugin", support::testPlugin("running.so.0")});
+	EXPECT_EQ(caption().rfind("running - ", 0), 0u) << caption();
+}
+
 TEST_F(HostInWindow, presses_the_button_and_the_answer_that_are_clicked)
 {
 	start({"--keys", "down down ok"});

@@ -100,6 +100,16 @@ void WindowOnDisplay::click(int x, int y, int button) const
 	tool({"mousemove", "--window", text(static_cast<long>(window)), text(x), text(y), "click", text(button)});
 }
 
+std::string WindowOnDisplay::caption() const
+{
+	XTextProperty text;
+	if (!XGetWMName(view, window, &text))
+		return {};
+	const std::string said(reinterpret_cast<const char *>(text.value), text.nitems);
+	XFree(text.value);
+	return said;
+}
+
 void WindowOnDisplay::askToClose() const
 {
 	XEvent event = {};

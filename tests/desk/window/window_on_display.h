@@ -30,6 +30,8 @@ protected:
 	unsigned long pixel(int x, int y) const;
 	/// The window's size, its place.
 	XWindowAttributes geometry() const;
+	/// What the window is called.
+	std::string caption() const;
 
 	/// Presses keys of the keyboard, by X's names.
 	void press(const support::Command &keys) const;
