@@ -37,7 +37,7 @@ if(VEXLO_DOXYGEN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_
           DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev COMPONENT dev)
 endif()
 # In folders as they are here, so that the links between them lead somewhere.
-install(FILES docs/plugins.md docs/porting.md
+install(FILES docs/plugins.md docs/porting.md docs/receiver.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev/docs COMPONENT dev)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev
         USE_SOURCE_PERMISSIONS COMPONENT dev)
