@@ -35,8 +35,8 @@ constexpr auto grace = std::chrono::seconds(1);
 constexpr size_t mostLines = 1000;
 constexpr size_t mostLineBytes = 4096;
 
-/// What the child tells, in memory that both see: it is there however the child ends.
-struct Told
+/// The terminal as the child took it, in memory that both processes see: it is there however the child ends.
+struct TerminalState
 {
 	bool taken;
 	termios modes; ///< of the terminal before that
@@ -44,8 +44,8 @@ struct Told
 	char leave[500];
 };
 
-Told *told;         // null: nobody watches
-int childsEnd = -1; // of the pipe to the parent
+TerminalState *terminalState; // null: nobody watches
+int outputPipe = -1;          // what is written to it, the parent keeps
 
 bool isDebugged()
 {
@@ -156,8 +156,8 @@ private:
 class Supervisor
 {
 public:
-	Supervisor(pid_t process, int outputEnd, const sigset_t &watched, const Told &says)
-		: child(process), output(outputEnd), childSays(says),
+	Supervisor(pid_t process, int outputEnd, const sigset_t &watched, const TerminalState &state)
+		: child(process), output(outputEnd), terminal(state),
 		  signals(signalfd(-1, &watched, SFD_CLOEXEC | SFD_NONBLOCK))
 	{}
 
@@ -248,9 +248,9 @@ private:
 	{
 		// In the background the terminal is somebody else's.
 		const pid_t foreground = tcgetpgrp(STDIN_FILENO);
-		if (childSays.taken && (foreground < 0 || foreground == getpgrp())) {
-			std::ignore = ::write(STDOUT_FILENO, childSays.leave, childSays.size);
-			tcsetattr(STDIN_FILENO, TCSANOW, &childSays.modes);
+		if (terminal.taken && (foreground < 0 || foreground == getpgrp())) {
+			std::ignore = ::write(STDOUT_FILENO, terminal.leave, terminal.size);
+			tcsetattr(STDIN_FILENO, TCSANOW, &terminal.modes);
 		}
 		std::setlocale(LC_CTYPE, "");
 		kept.show(isatty(STDERR_FILENO) ? STDERR_FILENO : STDOUT_FILENO);
@@ -276,7 +276,7 @@ private:
 
 	const pid_t child;
 	int output; ///< what it writes; -1: nobody can any more
-	const Told &childSays;
+	const TerminalState &terminal;
 	const int signals;
 	Output kept;
 	int ending = 0; ///< the signal that is to end all
@@ -289,7 +289,8 @@ private:
 int supervise(const std::function<int()> &work)
 {
 	int ends[2];
-	void *shared = mmap(nullptr, sizeof(Told), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+	void *shared =
+		mmap(nullptr, sizeof(TerminalState), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
 	if (isDebugged() || shared == MAP_FAILED || pipe2(ends, O_CLOEXEC) != 0)
 		return work();
 
@@ -307,8 +308,8 @@ int supervise(const std::function<int()> &work)
 			prctl(PR_SET_PDEATHSIG, SIGTERM);
 			if (getppid() != parent)
 				_exit(1);
-			told = static_cast<Told *>(shared);
-			childsEnd = ends[1];
+			terminalState = static_cast<TerminalState *>(shared);
+			outputPipe = ends[1];
 		}
 		return work();
 	}
@@ -316,7 +317,7 @@ int supervise(const std::function<int()> &work)
 	close(ends[1]);
 	fcntl(ends[0], F_SETFL, O_NONBLOCK);
 	prctl(PR_SET_CHILD_SUBREAPER, 1);
-	return Supervisor(child, ends[0], watched, *static_cast<Told *>(shared)).watch();
+	return Supervisor(child, ends[0], watched, *static_cast<TerminalState *>(shared)).watch();
 }
 
 TakenTerminal takeTerminal()
@@ -325,13 +326,13 @@ TakenTerminal takeTerminal()
 	if (terminal)
 		return *terminal;
 	terminal = {fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3), fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)};
-	if (!told)
+	if (!terminalState)
 		return *terminal;
-	told->taken = tcgetattr(STDIN_FILENO, &told->modes) == 0;
+	terminalState->taken = tcgetattr(STDIN_FILENO, &terminalState->modes) == 0;
 	std::fflush(nullptr);
 	for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
 		if (isatty(stream))
-			dup2(childsEnd, stream);
+			dup2(outputPipe, stream);
 	std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // as on a terminal: a crash loses no line
 	// Commands are not to eat the viewer's keys.
 	const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
@@ -343,8 +344,8 @@ TakenTerminal takeTerminal()
 
 void leaveTerminalBy(const std::string &bytes)
 {
-	if (told)
-		told->size = bytes.copy(told->leave, sizeof told->leave);
+	if (terminalState)
+		terminalState->size = bytes.copy(terminalState->leave, sizeof terminalState->leave);
 }
 
 } // namespace desk
