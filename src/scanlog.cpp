@@ -23,10 +23,9 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 
 	// A log can be large: what the list has taken over does not stay here as well.
 	ScanLogContents log = readScanLog(ff_scan);
-	for (; !log.entries.empty(); log.entries.pop_front()) {
-		const ScanLogEntry &entry = log.entries.front();
+	log.entries.takeAll([this](const ScanLogEntry &entry) {
 		new eListBoxEntryText(logList, entry.text.c_str(), new eString(entry.line.c_str()));
-	}
+	});
 
 	// As wide as the client area although it starts in its middle: the window cuts off the rest.
 	screen::addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));

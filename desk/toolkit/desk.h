@@ -73,6 +73,8 @@ public:
 	void paint(Canvas &canvas) const;
 
 private:
+	Desk();
+
 	Key nextKey();
 	void showFrame();
 

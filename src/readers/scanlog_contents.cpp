@@ -22,8 +22,7 @@ constexpr std::size_t secondPiece = 46;
 void addEntry(ScanLogContents &contents, int number, const char *text, std::size_t length, const char *line,
               std::size_t lineLength)
 {
-	contents.entries.emplace_back();
-	ScanLogEntry &entry = contents.entries.back();
+	ScanLogEntry &entry = contents.entries.append();
 	appendNumber(entry.text, number);
 	entry.text.append(" ", 1);
 	entry.text.append(text, length);

@@ -381,8 +381,10 @@ template <class Entries> void expectList(const DeskRun &run, size_t index, const
 	ASSERT_GE(rows.size(), std::min<size_t>(wanted.size(), 15)) << "the first rows are on the screen";
 	ASSERT_LE(rows.size(), wanted.size());
 	auto entry = wanted.begin();
-	for (const Json &row : rows)
-		expectText(row.get<std::string>(), (entry++)->text, "a row");
+	for (const Json &row : rows) {
+		expectText(row.get<std::string>(), entry->text, "a row");
+		++entry;
+	}
 }
 
 void expectScreens(const DeskRun &run, const Setting &setting)

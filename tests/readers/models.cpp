@@ -254,11 +254,11 @@ ScanLogContents modelScanLog(const std::string &bytes, const std::string &path)
 		const std::string line = untilNul(piece);
 		const std::string prefix = std::to_string(number) + ' ';
 		if (line.find("start at") == std::string::npos) {
-			contents.entries.push_back({prefix + line, line});
+			contents.entries.append() = {prefix + line, line};
 			continue;
 		}
-		contents.entries.push_back({prefix + untilNul(buffer.substr(1, 46)), line});
-		contents.entries.push_back({prefix + untilNul(buffer.substr(46, 46)), line});
+		contents.entries.append() = {prefix + untilNul(buffer.substr(1, 46)), line};
+		contents.entries.append() = {prefix + untilNul(buffer.substr(46, 46)), line};
 	}
 	contents.summary = "size of " + path + " : " + std::to_string(bytes.size()) + " bytes";
 	return contents;

@@ -266,7 +266,7 @@ TEST(ScanLog, many_lines_are_kept_to_their_size)
 		ASSERT_EQ(entry.line.capacity(), entry.line.size());
 		ASSERT_EQ(entry.text.capacity(), entry.text.size());
 	}
-	EXPECT_EQ(contents.entries.back().text, "99999 " + ruler(99) + "\n");
+	EXPECT_EQ(std::next(contents.entries.begin(), 99999)->text, "99999 " + ruler(99) + "\n");
 	EXPECT_EQ(contents.summary, "size of /var/scaning.log : 10000000 bytes");
 }
 
