@@ -8,6 +8,7 @@
 #include "scanlog_contents.h"
 
 #include <cstdlib>
+#include <cstring>
 
 // The host's; nothing is said here.
 void eDebug(const char *, ...) {}
@@ -179,7 +180,8 @@ std::vector<Pair> pairs()
 					   bool same = equal(ours.summary, list.header) && ours.entries.size() == list.count;
 					   const PlainRow *row = list.rows;
 					   for (const ScanLogEntry &entry : ours.entries) {
-						   same = same && entry.text == row->text && entry.line == row->line;
+						   same = same && std::strcmp(entry.text, row->text) == 0 &&
+			                      std::strcmp(entry.line, row->line) == 0;
 						   ++row;
 					   }
 					   release(&list);

@@ -6,18 +6,11 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <malloc.h>
 
 namespace desk
 {
 
 using State = eWidget::State;
-
-Desk::Desk()
-{
-	// What a plugin frees while it fills a large list is to be joined at once, and serve the list.
-	mallopt(M_MXFAST, 0);
-}
 
 Desk &Desk::get()
 {

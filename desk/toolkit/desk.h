@@ -73,8 +73,6 @@ public:
 	void paint(Canvas &canvas) const;
 
 private:
-	Desk();
-
 	Key nextKey();
 	void showFrame();
 

@@ -18,17 +18,6 @@ constexpr std::size_t pieceLength = 46;
 constexpr std::size_t firstPiece = 1;
 constexpr std::size_t secondPiece = 46;
 
-/// Shows `length` characters from `text` on, of the line that is `lineLength` long.
-void addEntry(ScanLogContents &contents, int number, const char *text, std::size_t length, const char *line,
-              std::size_t lineLength)
-{
-	ScanLogEntry &entry = contents.entries.append();
-	appendNumber(entry.text, number);
-	entry.text.append(" ", 1);
-	entry.text.append(text, length);
-	entry.line.assign(line, lineLength);
-}
-
 } // namespace
 
 long filesize(FILE *stream)
@@ -45,16 +34,24 @@ ScanLogContents parseScanLog(FILE *stream, const char *path)
 	ScanLogContents contents = {{}, {}, true};
 	// Cleared once only: the second piece of a short line shows what longer ones left behind.
 	char line[lineSize] = "";
+	std::string text; // of one row after another
 
 	for (int number = 0; fgets(line, lineLimit, stream); ++number) {
 		const std::size_t length = strlen(line);
+		const auto addEntry = [&](const char *shown, std::size_t shownLength) {
+			text.clear();
+			appendNumber(text, number);
+			text.append(" ", 1);
+			text.append(shown, shownLength);
+			contents.entries.append(text.data(), text.size(), line, length);
+		};
 		if (!strstr(line, "start at")) {
-			addEntry(contents, number, line, length, line, length);
+			addEntry(line, length);
 			continue;
 		}
 		for (const std::size_t start : {firstPiece, secondPiece}) {
 			const char *const piece = line + start;
-			addEntry(contents, number, piece, strnlen(piece, pieceLength), line, length);
+			addEntry(piece, strnlen(piece, pieceLength));
 		}
 	}
 	appendFormatted(contents.summary, "size of %s : %ld bytes", path, filesize(stream));

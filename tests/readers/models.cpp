@@ -241,6 +241,11 @@ PsSnapshot modelPs(const std::string &bytes)
 	return snapshot;
 }
 
+static void append(ScanLogContents &contents, const std::string &text, const std::string &line)
+{
+	contents.entries.append(text.data(), text.size(), line.data(), line.size());
+}
+
 ScanLogContents modelScanLog(const std::string &bytes, const std::string &path)
 {
 	ScanLogContents contents;
@@ -254,11 +259,11 @@ ScanLogContents modelScanLog(const std::string &bytes, const std::string &path)
 		const std::string line = untilNul(piece);
 		const std::string prefix = std::to_string(number) + ' ';
 		if (line.find("start at") == std::string::npos) {
-			contents.entries.append() = {prefix + line, line};
+			append(contents, prefix + line, line);
 			continue;
 		}
-		contents.entries.append() = {prefix + untilNul(buffer.substr(1, 46)), line};
-		contents.entries.append() = {prefix + untilNul(buffer.substr(46, 46)), line};
+		append(contents, prefix + untilNul(buffer.substr(1, 46)), line);
+		append(contents, prefix + untilNul(buffer.substr(46, 46)), line);
 	}
 	contents.summary = "size of " + path + " : " + std::to_string(bytes.size()) + " bytes";
 	return contents;
