@@ -3,10 +3,11 @@
 //   host_bench table       measures and prints lines of the table
 //   host_bench open ENTRY  opens the screen of a menu entry many times, for a look by other means
 //   host_bench count ...   does one thing under callgrind, instrumented only while it lasts: load, empty,
-//                          key LINES
+//                          key LINES, text CHARACTERS
 
 #include "bench_host.h"
 #include "elistbox.h"
+#include "pixel_canvas.h"
 #include "table.h"
 #include "timed_commands.h"
 
@@ -323,6 +324,24 @@ void countKeys(int lines)
 	bench::run(BENCH_PLUGIN);
 }
 
+/// Draws a line of so many characters where 75 have room, instrumented.
+void countText(int characters)
+{
+	std::string line;
+	while (line.size() < static_cast<size_t>(characters))
+		line += "a line of text ";
+	line.resize(static_cast<size_t>(characters));
+	desk::PixelCanvas canvas;
+	desk::TextStyle style;
+	style.face = desk::Face::columns;
+	style.rowHeight = 20;
+	const desk::Rect room = {60, 60, 600, 20};
+	canvas.text(room, line, style); // the font is loaded
+	CALLGRIND_START_INSTRUMENTATION;
+	canvas.text(room, line, style);
+	CALLGRIND_STOP_INSTRUMENTATION;
+}
+
 /// Runs this program under callgrind; returns the instructions that it counted.
 double instructions(const std::string &what)
 {
@@ -364,9 +383,28 @@ void measureKeys()
 	}
 }
 
+/// What can be seen of a line is laid out, however long it is: laid out whole, the first would take 13 times
+/// as much as its start and the second 10,000 times. What remains is the search for what can be seen.
+void measureText()
+{
+	const double seen = instructions("text 80");
+	const struct
+	{
+		int characters;
+		double limit;
+	} lines[] = {{1022, 2}, {1000000, 10}};
+	for (const auto &line : lines) {
+		const double whole = instructions("text " + std::to_string(line.characters));
+		row("a line of " + std::to_string(line.characters) + " characters, to its first 80: instructions",
+		    text(whole, 0), text(seen, 0), text(whole / seen, 2), "<= " + text(line.limit, 0),
+		    whole / seen <= line.limit);
+	}
+}
+
 int usage()
 {
-	std::fprintf(stderr, "usage: host_bench table | open ENTRY | count load|empty|key LINES\n");
+	std::fprintf(stderr,
+	             "usage: host_bench table | open ENTRY | count load|empty|key LINES|text CHARACTERS\n");
 	return 2;
 }
 
@@ -383,6 +421,7 @@ int main(int argc, char **argv)
 		measureCommands();
 		measureFiles();
 		measureKeys();
+		measureText();
 		return 0;
 	}
 	if (word == "open" && arguments.size() == 2) {
@@ -399,6 +438,10 @@ int main(int argc, char **argv)
 	}
 	if (word == "count" && arguments.size() == 3 && arguments[1] == "key") {
 		countKeys(std::atoi(arguments[2].c_str()));
+		return 0;
+	}
+	if (word == "count" && arguments.size() == 3 && arguments[1] == "text") {
+		countText(std::atoi(arguments[2].c_str()));
 		return 0;
 	}
 	return usage();

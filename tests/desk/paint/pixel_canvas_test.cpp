@@ -4,10 +4,8 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <limits>
 #include <random>
 #include <set>
 #include <vector>
@@ -325,32 +323,6 @@ TEST(PixelCanvas, loses_nothing_that_can_be_seen_of_a_long_line)
 			wide.text({0, 0, 3000, 20}, line, style);
 			EXPECT_EQ(copyOf(narrow), copyOf(wide)) << piece;
 		}
-}
-
-TEST(PixelCanvas, draws_a_line_of_1022_characters_as_cheaply_as_a_short_one)
-{
-	std::string line;
-	while (line.size() < 1022)
-		line += "a line of text ";
-	line.resize(1022);
-	const std::string start = line.substr(0, 80);
-	PixelCanvas canvas;
-	const auto time = [&](const std::string &text) {
-		// Of the processor, so that what else runs on the computer does not count.
-		std::clock_t best = std::numeric_limits<std::clock_t>::max();
-		for (int round = 0; round < 10; ++round) {
-			const std::clock_t begin = std::clock();
-			for (int i = 0; i < 20; ++i)
-				canvas.text({60, 60, 600, 20}, text, columns());
-			best = std::min(best, std::clock() - begin);
-		}
-		return static_cast<double>(best);
-	};
-	time(start);
-	// Laid out whole, the first would take 13 times as long as its start and the second 10,000 times.
-	const double once = time(start);
-	EXPECT_LT(time(line), 5 * once);
-	EXPECT_LT(time(std::string(1000000, 'x')), 50 * once);
 }
 
 TEST(PixelCanvas, shows_controls_and_invalid_bytes)

@@ -305,7 +305,6 @@ TEST(TerminalScreen, a_signal_ends_what_ignores_it_and_what_it_has_started)
 		ASSERT_TRUE(terminal.shows(helpLine));
 		terminal.press("4");
 		std::this_thread::sleep_for(std::chrono::milliseconds(300));
-		const auto start = std::chrono::steady_clock::now();
 		if (interrupt)
 			terminal.press("C-c");
 		else
@@ -313,7 +312,6 @@ TEST(TerminalScreen, a_signal_ends_what_ignores_it_and_what_it_has_started)
 		ASSERT_TRUE(terminal.shows(interrupt                    ? "status=130"
 		                           : std::string(key) == "TERM" ? "status=143"
 		                                                        : "status=129"));
-		EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 		EXPECT_EQ(terminal.state(), "0 1 0");
 		terminal.enter("echo sleepers: $(pgrep -s 0 -fxc 'sleep 4323')");
 		EXPECT_TRUE(terminal.shows("sleepers: 0")) << terminal.screen();

@@ -153,7 +153,7 @@ TEST_F(HostInWindow, ends_at_once_when_it_is_closed_under_many_keys)
 
 TEST_F(HostInWindow, ends_when_it_is_closed_while_a_command_runs)
 {
-	receiver.write("bin/ps", "#!/bin/sh\nexec sleep 20\n", true);
+	receiver.write("bin/ps", "#!/bin/sh\nexec sleep 1000\n", true);
 	start();
 	click(250, 156);
 	ASSERT_TRUE(eventually([&] { return dump().size() == 1; }));

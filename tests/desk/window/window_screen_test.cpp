@@ -268,10 +268,8 @@ TEST_F(WindowScreen, shows_its_notes_while_its_program_is_busy)
 TEST_F(WindowScreen, ends_when_it_is_closed_whatever_its_program_does)
 {
 	openBusy();
-	const auto before = std::chrono::steady_clock::now();
 	askToClose();
 	EXPECT_EQ(program.exitStatus(), 1);
-	EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(10));
 
 	openBusy();
 	program.signal(SIGTERM);
