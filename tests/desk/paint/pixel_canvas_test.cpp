@@ -38,14 +38,16 @@ Color at(PixelCanvas &canvas, int x, int y)
 Rect painted(PixelCanvas &canvas)
 {
 	int left = screenWidth, top = screenHeight, right = 0, bottom = 0;
-	for (int y = 0; y < screenHeight; ++y)
-		for (int x = 0; x < screenWidth; ++x)
-			if (at(canvas, x, y) != Color{}) {
+	for (int y = 0; y < screenHeight; ++y) {
+		const unsigned char *p = canvas.pixels() + y * canvas.stride();
+		for (int x = 0; x < screenWidth; ++x, p += 4)
+			if (p[0] || p[1] || p[2]) {
 				left = std::min(left, x);
 				right = std::max(right, x + 1);
 				top = std::min(top, y);
 				bottom = std::max(bottom, y + 1);
 			}
+	}
 	return right > left ? Rect{left, top, right - left, bottom - top} : Rect{};
 }
 
