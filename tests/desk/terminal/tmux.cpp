@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <thread>
 
 namespace
@@ -52,7 +53,11 @@ Tmux::Tmux(int columns, int rows, const std::string &terminal,
 
 Tmux::~Tmux()
 {
+	// What a test has put into the background of its shell stays when the shell goes.
+	std::istringstream sessions(tmux({"list-panes", "-a", "-F", "#{pane_pid}"}));
 	tmux({"kill-server"});
+	for (std::string session; std::getline(sessions, session);)
+		support::run({"pkill", "-KILL", "-s", session});
 }
 
 std::string Tmux::tmux(const std::vector<std::string> &arguments) const
