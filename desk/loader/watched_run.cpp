@@ -16,9 +16,11 @@ std::unique_ptr<Plugin> loadAgain(const std::string &path, Watch &watch)
 	Screen &screen = Desk::get().screen();
 	for (;;) {
 		std::string error;
-		if (auto plugin = Plugin::loadCopy(path, error))
+		if (auto plugin = Plugin::loadCopy(path, error)) {
+			screen.notify({});
 			return plugin;
-		screen.note("deskhost: " + error);
+		}
+		screen.notify("deskhost: " + error);
 		for (bool changed = false; !changed;) {
 			const std::optional<Key> key = screen.waitKey();
 			changed = !key && watch.changed();

@@ -146,6 +146,31 @@ int textColumns(std::string_view text)
 	return columns;
 }
 
+std::vector<std::string> textRows(std::string_view text, int columns)
+{
+	std::vector<std::string> rows(1);
+	int used = 0;
+	bool full = false; // and a blank left out since
+	for (const char *at = text.data(), *end = at + text.size(), *next = at; at < end; at = next) {
+		next = g_utf8_next_char(at);
+		const int needed = columnsOf(g_utf8_get_char(at));
+		if (used + needed > columns && *at == ' ') {
+			full = true;
+			continue;
+		}
+		for (; used + needed > columns; full = false) {
+			const size_t blank = full ? std::string::npos : rows.back().rfind(' ');
+			std::string word = blank == std::string::npos ? "" : rows.back().substr(blank + 1);
+			rows.back().resize(rows.back().size() - word.size());
+			used = textColumns(word);
+			rows.push_back(std::move(word));
+		}
+		rows.back().append(at, next);
+		used += needed;
+	}
+	return rows;
+}
+
 int textWidth(std::string_view line, int rowHeight, bool bold)
 {
 	const std::string visible = visibleText(line);

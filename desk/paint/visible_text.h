@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace desk
 {
@@ -25,6 +26,10 @@ std::string localText(std::string_view bytes);
 /// Columns of `text` (valid UTF-8, as visibleText() gives it) in a terminal: 0 for combining
 /// characters, 2 for wide ones.
 int textColumns(std::string_view text);
+
+/// `text`, as visibleText() gives it, in rows of at most so many columns of a terminal (at least 2), broken
+/// after a blank, or within a word that has no room in a row; of an empty text one empty row.
+std::vector<std::string> textRows(std::string_view text, int columns);
 
 /// Pixels that a line needs in any canvas: the wider of Pango's measure at `rowHeight` and of
 /// textColumns() cells. For layouts that must not lose text anywhere.

@@ -1,5 +1,7 @@
 #include "note_log.h"
 
+#include "visible_text.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -58,6 +60,17 @@ std::vector<std::string> NoteLog::last(size_t most) const
 {
 	const std::lock_guard<std::mutex> lock(mutex);
 	return {lines.end() - static_cast<std::ptrdiff_t>(std::min(most, lines.size())), lines.end()};
+}
+
+std::vector<std::string> NoteLog::lastRows(size_t most, int columns) const
+{
+	std::vector<std::string> rows;
+	for (const std::string &line : last(most))
+		for (std::string &row : textRows(line, columns))
+			rows.push_back(std::move(row));
+	if (rows.size() > most)
+		rows.erase(rows.begin(), rows.end() - static_cast<std::ptrdiff_t>(most));
+	return rows;
 }
 
 } // namespace desk

@@ -33,6 +33,9 @@ public:
 	/// The last lines, as many as `most`, the newest at the end.
 	std::vector<std::string> last(size_t most = mostLines) const;
 
+	/// The same in rows of so many columns of a terminal: a longer line goes on in the next row.
+	std::vector<std::string> lastRows(size_t most, int columns) const;
+
 private:
 	mutable std::mutex mutex; ///< of `lines`
 	std::deque<std::string> lines;

@@ -16,4 +16,10 @@ void Screen::note(const std::string &line)
 	fputs((shown + "\n").c_str(), stderr);
 }
 
+void Screen::notify(const std::string &line)
+{
+	if (!line.empty())
+		note(line);
+}
+
 } // namespace desk

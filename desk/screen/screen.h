@@ -53,6 +53,10 @@ public:
 	/// the NoteLog.
 	virtual void note(const std::string &line);
 
+	/// note() of what the viewer must not miss: where standard error may not be seen, it stands over the picture
+	/// as well, until the next key or the next such line. An empty line only takes it away.
+	virtual void notify(const std::string &line);
+
 protected:
 	std::function<std::vector<Key>(int x, int y)> keysOfClick;
 };

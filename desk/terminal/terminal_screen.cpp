@@ -228,6 +228,7 @@ public:
 	int rowHeight() const override { return CellCanvas::cellHeight; }
 	void present(const Rect &changed) override;
 	std::optional<Key> waitKey() override;
+	void notify(const std::string &line) override;
 	void wake() override { eventfd_write(wakeUp, 1); }
 
 private:
@@ -239,6 +240,7 @@ private:
 	void redraw();
 	void drawCell(int row, int column, const Cell &cell, int span, int &textColour);
 	void drawHelp(int row, int column);
+	void drawNotice();
 	void drawLog();
 	int pair(int text, int ground);
 	std::optional<Key> keyOf(int kind, wint_t code);
@@ -251,6 +253,7 @@ private:
 	ColourDepth depth = ColourDepth::none;
 	std::map<std::pair<int, int>, int> pairs;
 	CellCanvas cells;
+	std::string notice; // over the lowest rows; visible text
 	bool showsLog = false;
 };
 
@@ -374,6 +377,8 @@ void TerminalScreen::draw()
 	}
 	if (top + count < LINES)
 		drawHelp(top + count, left);
+	if (!notice.empty())
+		drawNotice();
 }
 
 // `textColour` is that of the cell before. Blanks keep it, so that no change of colours is sent for them.
@@ -437,6 +442,18 @@ int TerminalScreen::pair(int text, int ground)
 	return pairs[{text, ground}] = number;
 }
 
+// A line that fits, of visible text.
+void addText(int row, int column, const std::string &line)
+{
+	std::wstring wide, glyph;
+	for (const char *at = line.c_str(), *next = at; *at; at = next) {
+		next = g_utf8_next_char(at);
+		const std::string character(at, next);
+		wide += localized(character, textColumns(character), glyph) ? glyph : L"?";
+	}
+	mvaddwstr(row, column, wide.c_str());
+}
+
 void TerminalScreen::drawHelp(int row, int column)
 {
 	move(row, column + 1);
@@ -447,30 +464,38 @@ void TerminalScreen::drawHelp(int row, int column)
 	attrset(A_NORMAL);
 }
 
+void TerminalScreen::drawNotice()
+{
+	const std::vector<std::string> rows = textRows(notice, COLS - 2);
+	int row = LINES - std::min(static_cast<int>(rows.size()), LINES / 2);
+	attrset(A_REVERSE);
+	for (size_t i = 0; row < LINES; ++row, ++i) {
+		mvhline(row, 0, ' ' | A_REVERSE, COLS);
+		addText(row, 1, rows[i]);
+	}
+	attrset(A_NORMAL);
+}
+
 // The last debug lines and notes, as many as there is room for.
 void TerminalScreen::drawLog()
 {
-	const std::vector<std::string> lines = NoteLog::get().last(static_cast<size_t>(LINES - 1));
+	const std::vector<std::string> lines = NoteLog::get().lastRows(static_cast<size_t>(LINES - 1), COLS);
 	int row = 0;
-	for (const std::string &line : lines) {
-		move(row++, 0);
-		std::wstring wide, glyph;
-		for (const char *at = line.c_str(), *next = at; *at; at = next) {
-			next = g_utf8_next_char(at);
-			const std::string character(at, next);
-			wide += localized(character, textColumns(character), glyph) ? glyph : L"?";
-		}
-		int fitting = 0;
-		for (int width = 0; fitting < static_cast<int>(wide.size()); ++fitting)
-			if ((width += std::max(0, wcwidth(wide[static_cast<size_t>(fitting)]))) > COLS)
-				break;
-		addnwstr(wide.c_str(), fitting);
-	}
+	for (const std::string &line : lines)
+		addText(row++, 0, line);
 	attrset(A_BOLD);
 	mvaddstr(LINES - 1, 1,
 	         lines.empty() ? "There are no debug lines yet. Any key goes back."
 	                       : "The last debug lines. Any key goes back.");
 	attrset(A_NORMAL);
+}
+
+void TerminalScreen::notify(const std::string &line)
+{
+	Screen::notify(line);
+	notice = localText(line);
+	draw();
+	refresh();
 }
 
 std::optional<Key> TerminalScreen::waitKey()
@@ -508,6 +533,11 @@ std::optional<Key> TerminalScreen::waitKey()
 // The remote's key of what has been typed. Keys of the screen's own are dealt with here.
 std::optional<Key> TerminalScreen::keyOf(int kind, wint_t code)
 {
+	if (!notice.empty()) {
+		notice.clear();
+		draw();
+		refresh();
+	}
 	if (showsLog || (kind == KEY_CODE_YES && code == logKey)) {
 		showsLog = !showsLog;
 		redraw();

@@ -50,15 +50,15 @@ void Desk::endRun()
 void Desk::pressAgain()
 {
 	if (const std::optional<Key> harmful = keys.pressAgain())
-		screen().note(std::string("deskhost: not pressed again, because it killed or deleted: ") +
-		              keyName(*harmful));
+		screen().notify(std::string("deskhost: not pressed again, because it killed or deleted: ") +
+		                keyName(*harmful));
 }
 
 bool Desk::permits(const std::string &what)
 {
 	if (keys.permitsHarm())
 		return true;
-	screen().note("deskhost: not done, because nobody pressed the key: " + what);
+	screen().notify("deskhost: not done, because nobody pressed the key: " + what);
 	return false;
 }
 

@@ -73,6 +73,21 @@ Rect Exchange::fetch(Frame &into)
 	return std::exchange(fresh, {});
 }
 
+void Exchange::notify(const std::string &line)
+{
+	{
+		const Lock lock(mutex);
+		notice = line;
+	}
+	wakeWindow();
+}
+
+std::optional<std::string> Exchange::fetchNotice()
+{
+	const Lock lock(mutex);
+	return std::exchange(notice, std::nullopt);
+}
+
 std::optional<Input> Exchange::waitInput()
 {
 	Lock lock(mutex);

@@ -52,6 +52,8 @@ public:
 	/// The next frame, all of its pixels; it differs from the last one within `area`. One that the
 	/// window has not fetched yet is skipped.
 	void show(const unsigned char *pixels, const Rect &area);
+	/// The line to stand over the picture until the next key; an empty one takes it away.
+	void notify(const std::string &line);
 	/// Sleeps until there is input. Nothing: the window is closed, or wakePlugin() was called.
 	std::optional<Input> waitInput();
 	/// Makes the window's thread look again.
@@ -75,6 +77,8 @@ public:
 	void ended();
 	/// Brings the frame up to date; what has changed in it, empty: nothing.
 	Rect fetch(Frame &into);
+	/// What notify() was given last and the window has not fetched.
+	std::optional<std::string> fetchNotice();
 	bool finishing() const;
 	bool finishingWithin(std::chrono::milliseconds time);
 	/// Becomes readable when there is something for the window; it is for poll().
@@ -88,6 +92,7 @@ private:
 	std::deque<Input> inputs;
 	Frame frame = {};
 	Rect fresh; ///< what the window has not fetched of it
+	std::optional<std::string> notice;
 	bool isWoken = false;
 	std::optional<std::string> opening; ///< how it went: empty, or why not
 	bool isClosed = false, isFinishing = false, hasEnded = false;

@@ -20,6 +20,7 @@
 #include <filesystem>
 #include <future>
 #include <optional>
+#include <sstream>
 #include <thread>
 #include <utility>
 
@@ -87,6 +88,8 @@ std::string variable(const char *name)
 
 // What lies over the picture: rows of text, within a margin.
 constexpr int panelRow = 20, panelMargin = 8;
+constexpr int panelRows = (screenHeight - 2 * panelMargin) / panelRow;
+constexpr int panelColumns = (screenWidth - 2 * panelMargin) / 8; // of Face::columns in such a row
 
 constexpr Rect panelRowAt(int row)
 {
@@ -236,6 +239,8 @@ void Window::serve()
 			SDL_UpdateTexture(picture.get(), &rows, frame->data() + fresh.y * frameStride, frameStride);
 			stale = true;
 		}
+		if (const auto notice = exchange.fetchNotice(); notice && !showsNotes)
+			showNotice(*notice);
 		if (stale)
 			draw();
 		for (SDL_Event event; SDL_PollEvent(&event);)
@@ -369,16 +374,28 @@ void Window::savePicture()
 void Window::say(const std::string &line)
 {
 	fputs(("deskhost: " + visibleText(line) + "\n").c_str(), stderr);
-	PixelCanvas &canvas = clearPanel(panelRow + 2 * panelMargin);
-	canvas.text(panelRowAt(0), line, panelText(Face::prose));
+	showNotice(line);
+}
+
+void Window::showNotice(const std::string &line)
+{
+	if (line.empty())
+		return hidePanel();
+	const std::string wrapped = wrapText(line, panelRowAt(0).w, panelRow, false);
+	const auto count = static_cast<int>(std::count(wrapped.begin(), wrapped.end(), '\n')) + 1;
+	PixelCanvas &canvas = clearPanel(std::min(count, panelRows) * panelRow + 2 * panelMargin);
+	std::istringstream rows(wrapped);
+	std::string text;
+	for (int row = 0; row < panelRows && std::getline(rows, text); ++row)
+		canvas.text(panelRowAt(row), text, panelText(Face::prose));
 	presentPanel();
 }
 
 // The last debug lines and notes, as many as there is room for, over the whole picture.
 void Window::showNotes()
 {
-	constexpr int rows = (screenHeight - 2 * panelMargin) / panelRow - 1;
-	const std::vector<std::string> lines = NoteLog::get().last(rows);
+	constexpr int rows = panelRows - 1;
+	const std::vector<std::string> lines = NoteLog::get().lastRows(rows, panelColumns);
 	PixelCanvas &canvas = clearPanel(screenHeight);
 	int row = 0;
 	for (const std::string &line : lines)

@@ -47,6 +47,7 @@ private:
 	void perform(const Action &action);
 	void savePicture();
 	void say(const std::string &line);
+	void showNotice(const std::string &line);
 	void showNotes();
 	PixelCanvas &clearPanel(int height);
 	void presentPanel();

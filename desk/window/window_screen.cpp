@@ -66,6 +66,12 @@ public:
 		return next;
 	}
 
+	void notify(const std::string &line) override
+	{
+		Screen::notify(line);
+		exchange->notify(line);
+	}
+
 	void wake() override { exchange->wakePlugin(); }
 	bool closed() const override { return exchange->closed(); }
 	std::string lost() const override { return exchange->lost(); }

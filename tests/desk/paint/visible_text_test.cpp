@@ -287,4 +287,17 @@ TEST(WrapText, takes_any_bytes)
 	EXPECT_NE(wrapText(std::string(100000, 'x'), 400, 20, false), "");
 }
 
+TEST(TextRows, breaks_after_a_blank_or_within_a_word_that_has_no_room)
+{
+	using Rows = std::vector<std::string>;
+	EXPECT_EQ(textRows("", 5), Rows{""});
+	EXPECT_EQ(textRows("abcde", 5), Rows{"abcde"});
+	EXPECT_EQ(textRows("abc def gh", 5), (Rows{"abc ", "def ", "gh"}));
+	EXPECT_EQ(textRows("ab cd ef", 5), (Rows{"ab cd", "ef"})) << "a blank that has no room is left out";
+	EXPECT_EQ(textRows("abcdefghijkl", 5), (Rows{"abcde", "fghij", "kl"}));
+	EXPECT_EQ(textRows("a bcdefghi", 5), (Rows{"a ", "bcdef", "ghi"}));
+	EXPECT_EQ(textRows("日本語", 5), (Rows{"日本", "語"}));
+	EXPECT_EQ(textRows("abcde\xCC\x81z", 5), (Rows{"abcde\xCC\x81", "z"})) << "a mark stays with its letter";
+}
+
 } // namespace

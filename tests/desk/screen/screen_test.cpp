@@ -81,6 +81,21 @@ TEST(Notes, the_last_thousand_are_kept_to_look_back_at)
 	EXPECT_EQ(lines[999], std::string(4095, 'x')) << "a character is not cut in two";
 }
 
+TEST(Notes, are_broken_into_rows_of_which_the_last_are_shown)
+{
+	const auto screen = makeNoScreen();
+	testing::internal::CaptureStderr();
+	screen->note("first");
+	screen->note("deskhost: a line that is longer than a row");
+	screen->notify("deskhost: another");
+	screen->notify("");
+	EXPECT_EQ(testing::internal::GetCapturedStderr(),
+	          "first\ndeskhost: a line that is longer than a row\ndeskhost: another\n");
+	const std::vector<std::string> rows = {"a row", "deskhost: another"};
+	EXPECT_EQ(NoteLog::get().lastRows(2, 20), rows);
+	EXPECT_EQ(NoteLog::get().lastRows(3, 20).front(), "that is longer than ");
+}
+
 TEST(Notes, go_to_a_file_as_well_line_by_line)
 {
 	const support::TempFolder folder;

@@ -171,6 +171,44 @@ TEST_F(HostInTerminal, a_process_is_killed_and_no_other)
 	EXPECT_TRUE(terminal.shows("plugin_exec returned "));
 }
 
+TEST_F(HostInTerminal, what_watching_comes_to_stands_over_the_picture)
+{
+	const std::string plugin = receiver / "plugin.so.0";
+	const auto compile = [&] {
+		std::filesystem::copy_file(support::pluginPath(), plugin,
+		                           std::filesystem::copy_options::overwrite_existing);
+	};
+	compile();
+	Tmux terminal(80, 24);
+	terminal.start(support::deskhostPath() + " --watch --plugin " + plugin + " --root " + receiver.path());
+	ASSERT_TRUE(terminal.shows(helpLine));
+	receiver.write("plugin.so.0", "no plugin");
+	EXPECT_TRUE(terminal.shows("deskhost: cannot load the plugin"));
+	EXPECT_TRUE(terminal.shows("Vexlo service menu"));
+	terminal.press("F9");
+	EXPECT_TRUE(terminal.shows("The last debug lines"));
+	EXPECT_TRUE(terminal.shows("--plugin")) << "the end of a line that is longer than a row";
+	terminal.press("F9");
+	EXPECT_TRUE(terminal.losesSight("cannot load the plugin"));
+	EXPECT_TRUE(terminal.shows(helpLine));
+	receiver.write("plugin.so.0", "nor is this");
+	EXPECT_TRUE(terminal.shows("deskhost: cannot load the plugin"));
+	compile();
+	EXPECT_TRUE(terminal.losesSight("cannot load the plugin"));
+	EXPECT_TRUE(terminal.shows(helpLine));
+
+	terminal.press("3");
+	ASSERT_TRUE(terminal.shows("1 second line"));
+	terminal.press("r");
+	ASSERT_TRUE(terminal.shows("Delete /var/scaning.log ?"));
+	terminal.press("Enter");
+	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
+	compile();
+	EXPECT_TRUE(terminal.shows("not pressed again, because it killed or deleted: ok"));
+	terminal.press("Down"); // which is a key as ever
+	EXPECT_TRUE(terminal.losesSight("not pressed again"));
+}
+
 TEST_F(HostInTerminal, commands_do_not_tear_the_screen)
 {
 	receiver.write("bin/df", "#!/bin/sh\nprintf '\\033[2J\\033[HOUT OF ORDER\\n' >&2\nstty -echo </dev/tty\n",

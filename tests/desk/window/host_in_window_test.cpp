@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 
 namespace
 {
@@ -98,6 +99,25 @@ TEST_F(HostInWindow, is_named_after_the_plugin)
 {
 	start({"--plugin", support::testPlugin("running.so.0")});
 	EXPECT_EQ(caption().rfind("running - ", 0), 0u) << caption();
+}
+
+TEST_F(HostInWindow, says_over_the_picture_why_a_watched_plugin_is_not_loaded)
+{
+	const std::string plugin = folder / "plugin.so.0";
+	std::filesystem::copy_file(support::pluginPath(), plugin);
+	start({"--watch", "--plugin", plugin});
+	const unsigned long before = pixel(700, 565);
+	const auto isCovered = [&] { return pixel(700, 565) != before; };
+	const auto isClear = [&] { return pixel(700, 565) == before; };
+	folder.write("plugin.so.0", "no plugin");
+	EXPECT_TRUE(eventually(isCovered));
+	press({"Down"});
+	EXPECT_TRUE(eventually(isClear));
+	folder.write("plugin.so.0", "nor is this");
+	EXPECT_TRUE(eventually(isCovered));
+	std::filesystem::copy_file(support::pluginPath(), plugin,
+	                           std::filesystem::copy_options::overwrite_existing);
+	EXPECT_TRUE(eventually(isClear));
 }
 
 TEST_F(HostInWindow, presses_the_button_and_the_answer_that_are_clicked)
