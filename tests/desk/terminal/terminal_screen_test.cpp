@@ -1,3 +1,4 @@
+#include "process.h"
 #include "tmux.h"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ void expectRestored(int status, const End &end, const std::string &also = "", co
 	const std::string modes = mode(terminal, "before");
 	const int process = terminal.start(before + demo);
 	ASSERT_TRUE(terminal.shows(helpLine));
-	EXPECT_EQ(terminal.state(), "1 0 1");
+	EXPECT_TRUE(support::eventually([&] { return terminal.state() == "1 0 1"; })) << terminal.state();
 	end(terminal, process);
 	ASSERT_TRUE(terminal.shows("status=" + std::to_string(status)));
 	EXPECT_EQ(terminal.state(), "0 1 0");
@@ -405,7 +406,7 @@ TEST(TerminalScreen, stopping_gives_the_terminal_back_until_the_program_goes_on)
 		EXPECT_EQ(mode(terminal, "stopped-" + key), before);
 		terminal.enter("clear; fg");
 		ASSERT_TRUE(terminal.shows(helpLine));
-		EXPECT_EQ(terminal.state(), "1 0 1");
+		EXPECT_TRUE(support::eventually([&] { return terminal.state() == "1 0 1"; })) << terminal.state();
 		terminal.press(key);
 		ASSERT_TRUE(terminal.shows("last key: " + key));
 	}
