@@ -180,8 +180,7 @@ std::vector<Pair> pairs()
 					   bool same = equal(ours.summary, list.header) && ours.entries.size() == list.count;
 					   const PlainRow *row = list.rows;
 					   for (const ScanLogEntry &entry : ours.entries) {
-						   same = same && std::strcmp(entry.text, row->text) == 0 &&
-			                      std::strcmp(entry.line, row->line) == 0;
+						   same = same && entry.text == row->text && entry.line == row->line;
 						   ++row;
 					   }
 					   release(&list);

@@ -24,7 +24,7 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 	// A log can be large: what the list has taken over does not stay here as well.
 	ScanLogContents log = readScanLog(ff_scan);
 	log.entries.takeAll([this](const ScanLogEntry &entry) {
-		new eListBoxEntryText(logList, entry.text, new eString(entry.line));
+		new eListBoxEntryText(logList, entry.text.c_str(), new eString(entry.line.c_str()));
 	});
 
 	// As wide as the client area although it starts in its middle: the window cuts off the rest.

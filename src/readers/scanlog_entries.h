@@ -4,12 +4,13 @@
 #include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <string>
 
-/// One row of the scan log's list, as long as its rows are there.
+/// One row of the scan log's list.
 struct ScanLogEntry
 {
-	const char *text; ///< line number from 0, a blank, and the line or a piece of it
-	const char *line; ///< the whole line as read from the log, line end included
+	std::string text; ///< line number from 0, a blank, and the line or a piece of it
+	std::string line; ///< the whole line as read from the log, line end included
 };
 
 /// Rows in order. A log can be large: the rows' bytes lie behind one another in blocks, so that what grows is never
@@ -25,96 +26,86 @@ class ScanLogEntries
 
 public:
 	ScanLogEntries() = default;
-	ScanLogEntries(ScanLogEntries &&from) noexcept : first(from.first), last(from.last), count(from.count)
+	ScanLogEntries(ScanLogEntries &&from) noexcept : first(from.first), last(from.last)
 	{
 		from.first = from.last = nullptr;
-		from.count = 0;
 	}
 	ScanLogEntries(const ScanLogEntries &) = delete;
 	ScanLogEntries &operator=(const ScanLogEntries &) = delete;
-	~ScanLogEntries()
-	{
-		takeAll([](const ScanLogEntry &) {});
-	}
+	~ScanLogEntries();
 
-	/// Of all rows, from the first on.
+	/// Of all rows, from the first on, each made from the bytes when it is asked for.
 	class const_iterator
 	{
 	public:
-		using iterator_category = std::forward_iterator_tag;
+		using iterator_category = std::input_iterator_tag;
 		using value_type = ScanLogEntry;
 		using difference_type = std::ptrdiff_t;
 		using pointer = const ScanLogEntry *;
-		using reference = const ScanLogEntry &;
+		using reference = ScanLogEntry;
 
-		explicit const_iterator(const Block *at) : block(at), row(rowAt(at ? at->bytes : nullptr)) {}
-		reference operator*() const { return row; }
-		pointer operator->() const { return &row; }
+		explicit const_iterator(const Block *start) : block(start), at(start ? start->bytes : nullptr) {}
+		reference operator*() const
+		{
+			ScanLogEntry row;
+			readRow(at, row);
+			return row;
+		}
 		const_iterator &operator++()
 		{
-			const char *next = endOf(row);
-			if (next == block->bytes + block->used) {
+			at = skipRow(at);
+			if (at == block->bytes + block->used) {
 				block = block->next;
-				next = block ? block->bytes : nullptr;
+				at = block ? block->bytes : nullptr;
 			}
-			row = rowAt(next);
 			return *this;
 		}
-		bool operator==(const const_iterator &o) const { return row.text == o.row.text; }
-		bool operator!=(const const_iterator &o) const { return !(*this == o); }
+		bool operator==(const const_iterator &o) const { return at == o.at; }
+		bool operator!=(const const_iterator &o) const { return at != o.at; }
 
 	private:
 		const Block *block;
-		ScanLogEntry row;
+		const char *at;
 	};
 
 	const_iterator begin() const { return const_iterator(first); }
 	const_iterator end() const { return const_iterator(nullptr); }
 	bool empty() const { return !first; }
-	std::size_t size() const { return count; }
+	/// Counts them.
+	std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
 
-	/// Adds a row of these lengths in bytes, together not more than a few lines; neither holds a NUL.
-	void append(const char *text, std::size_t textLength, const char *line, std::size_t lineLength)
-	{
-		const std::size_t needed = textLength + 1 + lineLength + 1;
-		if (!last || sizeof last->bytes - last->used < needed) {
-			Block *const fresh = new Block;
-			fresh->next = nullptr;
-			fresh->used = 0;
-			(last ? last->next : first) = fresh;
-			last = fresh;
-		}
-		char *const to = last->bytes + last->used;
-		std::memcpy(to, text, textLength);
-		to[textLength] = '\0';
-		std::memcpy(to + textLength + 1, line, lineLength);
-		to[needed - 1] = '\0';
-		last->used += needed;
-		++count;
-	}
+	/// Adds a row of these lengths in bytes, together not more than a block has room for; neither holds a NUL.
+	void append(const char *text, std::size_t textLength, const char *line, std::size_t lineLength);
 
 	/// Takes all rows out, from the first on, and calls `use` with each.
 	template <class Use> void takeAll(const Use &use)
 	{
-		while (Block *const taken = first) {
-			ScanLogEntry row;
-			for (const char *at = taken->bytes; at != taken->bytes + taken->used; at = endOf(row)) {
-				row = rowAt(at);
+		ScanLogEntry row;
+		for (; first; dropFirst())
+			for (const char *at = first->bytes; at != first->bytes + first->used;) {
+				at = readRow(at, row);
 				use(row);
 			}
-			first = taken->next;
-			delete taken;
-		}
 		last = nullptr;
-		count = 0;
 	}
 
 private:
-	static ScanLogEntry rowAt(const char *at) { return {at, at ? at + std::strlen(at) + 1 : nullptr}; }
-	static const char *endOf(const ScanLogEntry &row) { return row.line + std::strlen(row.line) + 1; }
+	/// Returns where the row ends that starts there.
+	static const char *readRow(const char *at, ScanLogEntry &row)
+	{
+		row.text = at;
+		at += row.text.size() + 1;
+		row.line = at;
+		return at + row.line.size() + 1;
+	}
+	static const char *skipRow(const char *at)
+	{
+		at += std::strlen(at) + 1;
+		return at + std::strlen(at) + 1;
+	}
+	void dropFirst();
 
 	Block *first = nullptr, *last = nullptr;
-	std::size_t count = 0;
 };
 
 #endif

@@ -402,7 +402,7 @@ void expectScreens(const DeskRun &run, const Setting &setting)
 	expectText(label(run, memory, 1), meminfo.values, "the column of values");
 
 	EXPECT_EQ(run.window(scanLog).at("class"), "eScanLogDialog");
-	ScanLogContents log = modelScanLog(bytes("scanlog"), "/var/scaning.log");
+	ModelScanLog log = modelScanLog(bytes("scanlog"), "/var/scaning.log");
 	log.summary = setting.bytes.at("scanlog")
 	                  ? "size of /var/scaning.log : " + std::to_string(setting.logSize) + " bytes"
 	                  : "file \"/var/scaning.log\" not found";

@@ -241,15 +241,9 @@ PsSnapshot modelPs(const std::string &bytes)
 	return snapshot;
 }
 
-static void append(ScanLogContents &contents, const std::string &text, const std::string &line)
+ModelScanLog modelScanLog(const std::string &bytes, const std::string &path)
 {
-	contents.entries.append(text.data(), text.size(), line.data(), line.size());
-}
-
-ScanLogContents modelScanLog(const std::string &bytes, const std::string &path)
-{
-	ScanLogContents contents;
-	contents.found = true;
+	ModelScanLog contents;
 	std::string buffer(1024, '\0');
 	Pieces pieces(bytes, 1022);
 	std::string piece;
@@ -259,11 +253,11 @@ ScanLogContents modelScanLog(const std::string &bytes, const std::string &path)
 		const std::string line = untilNul(piece);
 		const std::string prefix = std::to_string(number) + ' ';
 		if (line.find("start at") == std::string::npos) {
-			append(contents, prefix + line, line);
+			contents.entries.push_back({prefix + line, line});
 			continue;
 		}
-		append(contents, prefix + untilNul(buffer.substr(1, 46)), line);
-		append(contents, prefix + untilNul(buffer.substr(46, 46)), line);
+		for (const std::size_t start : {1, 46})
+			contents.entries.push_back({prefix + untilNul(buffer.substr(start, 46)), line});
 	}
 	contents.summary = "size of " + path + " : " + std::to_string(bytes.size()) + " bytes";
 	return contents;

@@ -16,6 +16,14 @@ MemInfoColumns modelMemInfo(const std::string &bytes);
 MtdColumns modelMtd(const std::string &bytes);
 MountColumns modelMounts(const std::string &bytes);
 PsSnapshot modelPs(const std::string &bytes);
-ScanLogContents modelScanLog(const std::string &bytes, const std::string &path);
+
+/// ScanLogContents in a plain container.
+struct ModelScanLog
+{
+	std::vector<ScanLogEntry> entries;
+	std::string summary;
+};
+
+ModelScanLog modelScanLog(const std::string &bytes, const std::string &path);
 
 #endif
