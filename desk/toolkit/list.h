@@ -4,6 +4,7 @@
 #include "elistbox.h"
 
 #include <deque>
+#include <memory>
 
 namespace desk
 {
@@ -60,6 +61,9 @@ struct eListBoxBase::List
 	int current = 0;
 	int top = 0;
 	int entryHeight = 1;
+	bool isGoing = false; ///< it is being destroyed, and reports nothing any more
+	/// What choose() is to confirm, null when it has been taken out; lives as long as the list.
+	const std::shared_ptr<eListBoxEntry *> chosen = std::make_shared<eListBoxEntry *>(nullptr);
 };
 
 #endif

@@ -7,6 +7,7 @@
 #include "trace.h"
 
 #include <algorithm>
+#include <utility>
 
 using desk::barWidth;
 using desk::Desk;
@@ -31,10 +32,12 @@ eListBoxBase::~eListBoxBase()
 
 void eListBoxBase::List::dispose()
 {
-	std::deque<eListBoxEntry *> going;
-	going.swap(entries);
 	current = top = 0;
-	for (eListBoxEntry *entry : going) {
+	isGoing = true;
+	// One by one: an entry's end may take others out, or delete them.
+	while (!entries.empty()) {
+		eListBoxEntry *const entry = entries.front();
+		entries.pop_front();
 		entry->listbox = nullptr;
 		// The key of a text entry is a string of its own, which nobody else releases.
 		if (const eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry))
@@ -77,8 +80,12 @@ void eListBoxBase::List::choose(int index)
 {
 	if (index < 0 || index >= count())
 		return;
+	// Whoever hears of the move may delete the list, or the entry.
+	const std::weak_ptr<eListBoxEntry *> living = chosen;
+	*chosen = entries[static_cast<size_t>(index)];
 	moveTo(index);
-	confirm();
+	if (!living.expired() && *chosen && currentEntry() == std::exchange(*chosen, nullptr))
+		confirm();
 }
 
 void eListBoxBase::List::confirm()
@@ -107,6 +114,7 @@ void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 	Trace::get().call(this, "append", entry, makeCurrent, atTop);
 	if (!entry)
 		return;
+	entry->listbox = this; // it may have been in none
 	if (atTop)
 		list->entries.push_front(entry);
 	else
@@ -131,8 +139,10 @@ void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
 	list->entries.erase(place);
 	list->keepInRange();
 	entry->listbox = nullptr; // it outlives the list now, perhaps
+	if (*list->chosen == entry)
+		*list->chosen = nullptr;
 	Trace::get().forget(entry);
-	if (wasCurrent)
+	if (wasCurrent && !list->isGoing)
 		SendSelChanged(list->entries.empty() ? nullptr : list->entries[static_cast<size_t>(list->current)]);
 }
 

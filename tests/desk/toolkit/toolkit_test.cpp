@@ -76,6 +76,18 @@ TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 }
 
+TEST(Toolkit, should_know_which_entries_are_left)
+{
+	// Leaves the list; "2" takes out the entry that it moves to, which then is not confirmed; "2" confirms what
+	// has moved up, "1" the first one; the last "2" deletes the menu while it moves.
+	const DeskRun run = runDesk("", "exit 2 2 1 2", {"--plugin", testPlugin("departures.so.0")});
+	const Json page = run.widget(0, "eListBox<eListBoxEntryText>");
+	EXPECT_EQ(page["rows"], Json({"pair", "partner", "current"}));
+	EXPECT_EQ(page["current"], 2);
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 21\n");
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+}
+
 TEST(Toolkit, should_report_the_entry_that_becomes_current_when_one_is_taken_out)
 {
 	const DeskRun run = runDesk("", "ok home ok exit", {"--plugin", testPlugin("widgets.so.0")});
