@@ -19,12 +19,14 @@ if(VEXLO_DESK)
   configure_file(docs/deskhost.1 ${CMAKE_BINARY_DIR}/docs/deskhost.1 @ONLY)
   execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/deskhost.1 COMMAND_ERROR_IS_FATAL ANY)
   install(FILES ${CMAKE_BINARY_DIR}/docs/deskhost.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
-  install(FILES README.md docs/deskhost.md docs/architecture.md
-          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/deskhost COMPONENT desk)
+  install(FILES docs/deskhost.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/deskhost COMPONENT desk)
 endif()
 
 # For a receiver: the plugin alone, stripped, with its catalogues.
-set(archive ${CMAKE_BINARY_DIR}/vexlomenu-${PROJECT_VERSION}-${CMAKE_SYSTEM_PROCESSOR}.tar.gz)
+# A tool chain file need not name the processor.
+set(archive_name vexlomenu ${PROJECT_VERSION} ${CMAKE_SYSTEM_PROCESSOR})
+list(JOIN archive_name "-" archive_name)
+set(archive ${CMAKE_BINARY_DIR}/${archive_name}.tar.gz)
 set(archive_folder ${CMAKE_BINARY_DIR}/receiver-archive)
 set(copy_catalogues)
 file(STRINGS po/LINGUAS languages)

@@ -7,7 +7,7 @@ set(VEXLO_TOOLKIT_DATA ${CMAKE_INSTALL_DATADIR}/vexlo-toolkit)
 set(VEXLO_TOOLKIT_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/VexloToolkit)
 
 install(DIRECTORY src/toolkit/ DESTINATION ${VEXLO_TOOLKIT_INCLUDE_DIR} COMPONENT dev FILES_MATCHING PATTERN *.h)
-install(PROGRAMS cmake/toolkit/golden-test DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+install(PROGRAMS cmake/toolkit/golden-test tools/check-host DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 install(FILES cmake/toolkit/plugin.map src/toolkit/econtract.cpp DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 
 configure_package_config_file(cmake/VexloToolkitConfig.cmake.in VexloToolkitConfig.cmake
@@ -37,8 +37,10 @@ if(VEXLO_DOXYGEN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_
           DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev COMPONENT dev)
 endif()
 # In folders as they are here, so that the links between them lead somewhere.
-install(FILES docs/plugins.md docs/porting.md docs/receiver.md
+install(FILES docs/plugins.md docs/porting.md docs/receiver.md docs/deskhost.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev/docs COMPONENT dev)
+install(FILES docs/pictures/receiver.png
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev/docs/pictures COMPONENT dev)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev
         USE_SOURCE_PERMISSIONS COMPONENT dev)
 

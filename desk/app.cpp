@@ -180,9 +180,11 @@ bool setLanguage(const std::string &lang, const std::string &catalogue, std::str
 		return true;
 	const bool plain = lang.find('/') == std::string::npos && !language.empty();
 	if (!plain || (!fs::exists(file(territory), failed) && !fs::exists(file(language), failed))) {
-		error = "there is no message catalogue '" + domain + "' for '" + lang + "'; --lang knows:";
+		error = "there is no message catalogue '" + domain + "' for '" + lang + "' in '" +
+		        catalogues.lexically_normal().string() + "'; --lang knows:";
 		for (const std::string &name : known)
 			error += ' ' + name;
+		error += "; --catalogue names another folder";
 		return false;
 	}
 	// The catalogues are UTF-8, and so is the screen; of the locale only this must not be "C".
@@ -288,6 +290,7 @@ int runApp(int argc, char **argv)
 	cli.add_option("--serve", options.served,
 	               "Serve one more file from the --root folder, by its whole path; may be given again")
 		->type_name("PATH")
+		->allow_extra_args(false)
 		->needs("--root");
 	cli.add_flag(
 		   "--as-is", options.asIs,
@@ -375,7 +378,8 @@ int runApp(int argc, char **argv)
 	if (options.root.empty() && !options.asIs)
 		Files::get().makeReceiver();
 	if (options.watch && options.screen == "none")
-		return fail(statusBadArguments, "--watch needs a screen to press keys on: a window or a terminal");
+		return fail(statusBadArguments,
+		            "--watch needs a screen to press keys on: a window, a terminal or a framebuffer");
 	std::unique_ptr<Screen> screen = openScreen(options, error);
 	if (!screen)
 		return fail(statusBadArguments, error);

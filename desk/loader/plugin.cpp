@@ -7,6 +7,8 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <cxxabi.h>
 #include <filesystem>
 
 namespace desk
@@ -23,10 +25,28 @@ std::string failure(const std::string &path, std::string reason, const char *adv
 	return "cannot load the plugin '" + path + "': " + reason + "; " + advice;
 }
 
+/// The loader's reason with the symbol that it names as C++ writes it.
+std::string inClear(std::string reason)
+{
+	const std::string before = "undefined symbol: ";
+	const size_t at = reason.find(before);
+	if (at == std::string::npos)
+		return reason;
+	const size_t begin = at + before.size();
+	const size_t end = std::min(reason.find_first_of(", \t", begin), reason.size());
+	int status = 0;
+	char *text = abi::__cxa_demangle(reason.substr(begin, end - begin).c_str(), nullptr, nullptr, &status);
+	if (text)
+		reason.replace(begin, end - begin, text);
+	std::free(text);
+	return reason;
+}
+
 const char *adviceFor(const std::string &reason)
 {
 	if (reason.find("undefined symbol") != std::string::npos)
-		return "it was built for another toolkit: build it against this host's";
+		return "link what defines it into the plugin, or, if it is the toolkit's, build against this host's "
+		       "headers";
 	return "name a plugin built for this computer with --plugin";
 }
 
@@ -81,7 +101,7 @@ std::unique_ptr<Plugin> Plugin::loadFrom(const std::string &place, const std::st
 		std::string reason = said ? said : "the loader does not say why";
 		if (reason.rfind(place + ": ", 0) == 0)
 			reason.erase(0, place.size() + 2);
-		error = failure(path, reason, adviceFor(reason));
+		error = failure(path, inClear(reason), adviceFor(reason));
 		return nullptr;
 	}
 	void *symbol = dlsym(handle, "plugin_exec");

@@ -18,6 +18,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <fstream>
 #include <langinfo.h>
@@ -184,8 +185,13 @@ public:
 			endDescendants();
 			endBy(ending);
 		}
-		if (WIFSIGNALED(*status))
+		if (WIFSIGNALED(*status)) {
+			// A desktop starts programs where nobody says so.
+			std::fprintf(stderr,
+			             "deskhost: ended by signal %d, %s; --trace FILE shows the plugin's last calls\n",
+			             WTERMSIG(*status), strsignal(WTERMSIG(*status)));
 			endBy(WTERMSIG(*status));
+		}
 		return WEXITSTATUS(*status);
 	}
 

@@ -24,6 +24,17 @@ zcat "$place/usr/share/man/man1/deskhost.1.gz" >"$place/page"
 head -n 1 "$place/page" | grep -q " \"20[0-9-]*\" \"$version\" " ||
 	fail "the manual page is of another version than $version, or has no date"
 
+find "$place/usr/share/doc" -name '*.md' | while IFS= read -r page; do
+	{ grep -o '](\([^)#]*\)' "$page" || :; } | sed 's/^](//' | { grep -v '^http' || :; } | while IFS= read -r link; do
+		[[ -e ${page%/*}/$link ]] || fail "${page##*/} leads to $link, which is not installed"
+	done
+done
+
+mkdir "$place/test"
+echo exit >"$place/test/keys"
+said=$("$place/usr/share/vexlo-toolkit/golden-test" --approve "$place/test" 2>&1) && fail "any plugin is approved"
+[[ $said == *'name the plugin to test with --plugin' ]] || fail "golden-test does not ask for the plugin: $said"
+
 "$1" --build "$2" --target receiver-archive >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
 tar tzf "$(tail -n 1 "$place/log" | grep -o '/.*tar.gz' || ls "$2"/vexlomenu-*.tar.gz)" >"$place/contents"
 grep -qx vexlomenu.so.0 "$place/contents" || fail "the archive lacks the plugin"
