@@ -1,5 +1,5 @@
 # What the plugin is compiled and linked with in a release build: it is made for size, because a
-# receiver keeps it in flash. Link to it PRIVATE; ./bench tells what the plugin costs. What this
+# receiver keeps it in flash. Link to it PRIVATE; ./bench shows what the plugin costs. What this
 # compiler or linker does not know is left out.
 include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)

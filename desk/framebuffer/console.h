@@ -10,7 +10,7 @@ namespace desk
 {
 
 /// The Linux console in graphics mode: it draws no text over the picture, and what is pressed on its
-/// keyboard is not typed into a shell besides. Both end with this object, or with the program,
+/// keyboard is not typed into a shell as well. Both end with this object, or with the program,
 /// whatever ends that: a second process waits for it.
 class Console
 {

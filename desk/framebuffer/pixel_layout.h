@@ -15,7 +15,7 @@ namespace desk
 class PixelLayout
 {
 public:
-	/// What the kernel tells of a mode. Nothing for a layout that cannot be drawn in, a palette for
+	/// The layout of a mode that the kernel reports. Nothing for a layout that cannot be drawn in, a palette for
 	/// example; `error` then says in a few words what it is.
 	static std::optional<PixelLayout> of(const fb_var_screeninfo &mode, std::string &error);
 

@@ -203,7 +203,7 @@ void RemoteControl::read()
 			unplugged = unplugged || (status != -EAGAIN && status != -EINTR);
 			return;
 		}
-		// Events were lost: what libevdev tells next makes up for them.
+		// Events were lost: those that libevdev reports next make up for them.
 		if (status == LIBEVDEV_READ_STATUS_SYNC)
 			flag = LIBEVDEV_READ_FLAG_SYNC;
 		const auto key = event.type == EV_KEY ? keyOf(event.code) : std::nullopt;

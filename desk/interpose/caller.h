@@ -4,7 +4,7 @@
 namespace desk
 {
 
-/// Stands while the plugin runs on this thread. What it calls of the program's functions is then the
+/// Exists while the plugin runs on this thread. What it calls of the program's functions is then the
 /// plugin's call, unless the trace is quiet: the host at work for itself.
 class PluginRuns
 {

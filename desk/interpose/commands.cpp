@@ -32,7 +32,7 @@ namespace
 
 constexpr int notExecutable = 126, notFound = 127; // a shell's exit statuses
 
-/// Whether one of these stands in the command as a word, at whatever path.
+/// Whether the command has one of these as a word, at whatever path.
 bool hasWord(const std::string &command, std::initializer_list<std::string_view> words)
 {
 	const auto inWord = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == '-' || c == '.'; };

@@ -1,5 +1,5 @@
 // The functions of libc that the program offers in libc's place. Host and libraries call them as well:
-// those calls are served alike, but only the plugin's are traced.
+// those calls are served in the same way, but only the plugin's are traced.
 
 #include "libc.h"
 

@@ -6,7 +6,7 @@
 namespace desk
 {
 
-/// The function of that name behind this program's own: libc's, or whatever stands between, a
+/// The function of that name behind this program's own: libc's, or that of a library in between, a
 /// sanitizer's for example.
 template <class Function> Function *next(const char *name)
 {

@@ -87,7 +87,7 @@ std::string contractOf(const std::string &path)
 	ElfW(Phdr) part;
 	for (uint64_t i = 0; i < header.e_phnum && readAt(file, header.e_phoff + i * sizeof part, part); ++i) {
 		if (part.p_type != PT_NOTE || part.p_align > 4 || part.p_filesz > mostNotes)
-			continue; // notes that are padded in another way stand apart from ours
+			continue; // notes that are padded in another way are in a segment of their own
 		std::string contract = contractIn(readAt(file, part.p_offset, part.p_filesz));
 		if (!contract.empty())
 			return contract;
@@ -118,14 +118,14 @@ std::string difference(const std::string &name, const Shape &theirs, const Shape
 
 std::string differenceOfContract(const std::string &file)
 {
-	const std::string told = contractOf(file);
-	if (told.empty())
+	const std::string note = contractOf(file);
+	if (note.empty())
 		return {};
 	const eContract ours;
-	if (told.size() != sizeof ours)
+	if (note.size() != sizeof ours)
 		return "it tells of other classes than this host knows";
 	eContract theirs;
-	std::memcpy(static_cast<void *>(&theirs), told.data(), sizeof theirs);
+	std::memcpy(static_cast<void *>(&theirs), note.data(), sizeof theirs);
 	theirs.layer[sizeof theirs.layer - 1] = '\0';
 	if (std::strcmp(theirs.layer, ours.layer) != 0)
 		return std::string("its signals are those of ") + theirs.layer + ", here those of " + ours.layer;
@@ -133,7 +133,7 @@ std::string differenceOfContract(const std::string &file)
 	const char *name = classNames;
 	for (size_t at = offsetof(eContract, shapes); at < sizeof ours; at += sizeof(Shape)) {
 		Shape theirShape, ourShape;
-		std::memcpy(&theirShape, told.data() + at, sizeof theirShape);
+		std::memcpy(&theirShape, note.data() + at, sizeof theirShape);
 		std::memcpy(&ourShape, reinterpret_cast<const char *>(&ours) + at, sizeof ourShape);
 		const size_t length = std::strcspn(name, ",");
 		std::string differs = difference(std::string(name, length), theirShape, ourShape);

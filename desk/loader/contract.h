@@ -7,7 +7,7 @@ namespace desk
 {
 
 /// What the contract that the plugin in `file` was built against has other than this host's, in words that
-/// follow a colon. Empty when nothing differs, and when the plugin does not tell or is no such file at all.
+/// follow a colon. Empty when nothing differs, and when the file has no contract or is no plugin at all.
 std::string differenceOfContract(const std::string &file);
 
 } // namespace desk

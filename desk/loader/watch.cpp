@@ -20,7 +20,7 @@ constexpr int calm = 200; // milliseconds: a build may touch its result more tha
 
 } // namespace
 
-std::unique_ptr<Watch> Watch::start(const std::string &path, std::function<void()> tell, std::string &error)
+std::unique_ptr<Watch> Watch::start(const std::string &path, std::function<void()> notify, std::string &error)
 {
 	// The folder, because a linker makes a new file under the old name.
 	const std::filesystem::path file = std::filesystem::absolute(path);
@@ -31,11 +31,11 @@ std::unique_ptr<Watch> Watch::start(const std::string &path, std::function<void(
 		close(notices);
 		return nullptr;
 	}
-	return std::unique_ptr<Watch>(new Watch(file.filename(), notices, std::move(tell)));
+	return std::unique_ptr<Watch>(new Watch(file.filename(), notices, std::move(notify)));
 }
 
-Watch::Watch(std::string watched, int notices, std::function<void()> toTell)
-	: name(std::move(watched)), inotify(notices), stop(eventfd(0, EFD_CLOEXEC)), tell(std::move(toTell))
+Watch::Watch(std::string watched, int notices, std::function<void()> toNotify)
+	: name(std::move(watched)), inotify(notices), stop(eventfd(0, EFD_CLOEXEC)), notify(std::move(toNotify))
 {
 	// Signals are for the thread that waits for keys.
 	sigset_t all, before;
@@ -79,7 +79,7 @@ void Watch::look()
 		else if (pending) {
 			pending = false;
 			written = true;
-			tell();
+			notify();
 		}
 	}
 }

@@ -15,9 +15,9 @@ namespace desk
 class Watch
 {
 public:
-	/// Null when it cannot be done; `error` then says why in one line. `tell` is called on that thread
-	/// once the file has been left alone for a moment.
-	static std::unique_ptr<Watch> start(const std::string &path, std::function<void()> tell,
+	/// Null when it cannot be done; `error` then says why in one line. `notify` is called on that thread
+	/// once the file has not been written for a while.
+	static std::unique_ptr<Watch> start(const std::string &path, std::function<void()> notify,
 	                                    std::string &error);
 	~Watch();
 	Watch(const Watch &) = delete;
@@ -27,14 +27,14 @@ public:
 	bool changed() { return written.exchange(false); }
 
 private:
-	Watch(std::string watched, int notices, std::function<void()> toTell);
+	Watch(std::string watched, int notices, std::function<void()> toNotify);
 	void look();
 	bool concernsFile();
 
 	const std::string name;
 	const int inotify;
 	const int stop; ///< an eventfd
-	const std::function<void()> tell;
+	const std::function<void()> notify;
 	std::atomic<bool> written{false};
 	std::thread looking;
 };

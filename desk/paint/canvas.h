@@ -79,7 +79,7 @@ struct TextStyle
 {
 	Color color;
 	Face face = Face::columns;
-	int rowHeight = 20; ///< pixels of the row the text stands in; the font is made to fit it
+	int rowHeight = 20; ///< pixels of the row of the text; the font is made to fit it
 	bool bold = false;
 	Align align = Align::start;
 	Emphasis emphasis = Emphasis::none;

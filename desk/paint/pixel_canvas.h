@@ -9,7 +9,7 @@
 namespace desk
 {
 
-/// A canvas of pixels, as many as the receiver's screen unless told otherwise, drawn by Cairo and Pango.
+/// A canvas of pixels, by default as many as the receiver's screen, drawn by Cairo and Pango.
 class PixelCanvas : public Canvas
 {
 public:

@@ -106,7 +106,7 @@ public:
 	Skin read(const toml::table &file)
 	{
 		setPlainLook();
-		// Colours may refer to the palette wherever it stands in the file.
+		// Colours may refer to the palette wherever it is in the file.
 		if (const toml::node *node = file.get("palette"))
 			for (const auto &[key, value] : tableOf(*node, "palette"))
 				palette[std::string(key.str())] = hexOf(value, key.str());

@@ -123,7 +123,7 @@ int Setting::spread()
 				int before = 0;
 				for (int i = first; i < last; ++i)
 					before += glyphs[i].geometry.width;
-				// Marks stand relative to their letter: only what follows the last glyph may move.
+				// Marks are placed relative to their letter: only what follows the last glyph may move.
 				glyphs[last].geometry.width = pango_units_from_double(columns * cell) - before;
 			}
 		} else if (item->item->analysis.level % 2 == 0)

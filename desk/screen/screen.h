@@ -45,7 +45,8 @@ public:
 	/// Why the screen has gone by itself, one line; empty: it has not.
 	virtual std::string lost() const { return {}; }
 
-	/// Tells screens with a pointer which keys do what a click at a place of the screen, in its pixels, means.
+	/// For screens with a pointer: `keys` returns those that do what a click at a place of the screen, in its
+	/// pixels, means.
 	void onClick(std::function<std::vector<Key>(int x, int y)> keys) { keysOfClick = std::move(keys); }
 
 	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that
@@ -53,7 +54,7 @@ public:
 	/// the NoteLog.
 	virtual void note(const std::string &line);
 
-	/// note() of what the viewer must not miss: where standard error may not be seen, it stands over the picture
+	/// note() of what the viewer must not miss: where standard error may not be seen, it is shown over the picture
 	/// as well, until the next key or the next such line. An empty line only takes it away.
 	virtual void notify(const std::string &line);
 

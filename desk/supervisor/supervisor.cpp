@@ -244,7 +244,7 @@ private:
 				status = how;
 				return;
 			}
-			// The shell learns of it, and sends both on.
+			// The shell sees this process stop; its SIGCONT is for both.
 			raise(SIGSTOP);
 			kill(child, SIGCONT);
 		}

@@ -27,7 +27,7 @@ struct TakenTerminal
 };
 
 /// For `work`: takes the terminal on standard input and output over. What is written to standard output and error
-/// from now on, by whomever, is kept as far as these are terminals. When the child has ended, the last 1000 lines
+/// from now on, by anyone, is kept where these are terminals. When the child has ended, the last 1000 lines
 /// of it are shown, made visible. Standard input has nothing more.
 TakenTerminal takeTerminal();
 

@@ -55,14 +55,12 @@ public:
 
 	CellCanvas();
 
-	bool paintsInParts() const override
-	{
-		return false;
-	} // what stands in which window is known from its frame
+	/// No: what is in which window is known from its frame.
+	bool paintsInParts() const override { return false; }
 	void pushClip(const Rect &area) override;
 	void popClip() override;
 	void fill(const Rect &area, const Fill &fill) override;
-	/// The edges stand in the cells around those of `client`, the title in the row above it.
+	/// The edges are drawn in the cells around those of `client`, the title in the row above it.
 	void frame(const Rect &outer, const Rect &client, std::string_view title,
 	           const FrameStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;

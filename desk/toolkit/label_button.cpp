@@ -12,7 +12,7 @@ using desk::Trace;
 namespace
 {
 
-/// Presses a button: its signal tells who wants to know.
+/// Presses a button: its signal is emitted.
 class ButtonBehaviour : public desk::LabelBehaviour
 {
 public:

@@ -14,7 +14,7 @@ struct eWidgetEvent
 	desk::Key key;
 };
 
-/// Draws for one widget. `x`, `y`: where the widget's own pixel (0, 0) stands on the screen.
+/// Draws for one widget. `x`, `y`: where the widget's own pixel (0, 0) is on the screen.
 class gPainter
 {
 public:

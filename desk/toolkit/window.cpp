@@ -21,7 +21,7 @@ constexpr int rim = 4;
 
 constexpr int helpHeight = 34;
 
-/// Draws what belongs to a menu besides its list: the help of the current entry, below.
+/// Draws what a menu has below its list: the help of the current entry.
 class MenuHelp : public desk::Behaviour
 {
 public:
@@ -139,7 +139,7 @@ eSetupWindow::~eSetupWindow() = default;
 
 int eSetupWindow::eventHandler(const eWidgetEvent &event)
 {
-	// The entries tell their numbers in their help: the number is a short cut to the entry.
+	// The entries' help texts begin with their numbers: a digit is a short cut to its entry.
 	if (event.key >= Key::digit1 && event.key <= Key::digit9) {
 		eListBoxBase::List::of(list).choose(static_cast<int>(event.key) - static_cast<int>(Key::digit1));
 		return 1;

@@ -30,7 +30,7 @@ public:
 
 	/// The one widget that has the focus, in the innermost window that runs; null when none runs.
 	eWidget *focus() const { return focused; }
-	/// Finds it anew, after anything it depends on has changed, and tells the widgets.
+	/// Determines it again, after anything it depends on has changed, and notifies the widgets.
 	void updateFocus();
 
 	/// Hands a key to the widget that has the focus, then to its window. A window must be running.

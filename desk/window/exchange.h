@@ -52,7 +52,7 @@ public:
 	/// The next frame, all of its pixels; it differs from the last one within `area`. One that the
 	/// window has not fetched yet is skipped.
 	void show(const unsigned char *pixels, const Rect &area);
-	/// The line to stand over the picture until the next key; an empty one takes it away.
+	/// The line to show over the picture until the next key; an empty one takes it away.
 	void notify(const std::string &line);
 	/// Sleeps until there is input. Nothing: the window is closed, or wakePlugin() was called.
 	std::optional<Input> waitInput();

@@ -9,7 +9,7 @@
 namespace desk
 {
 
-/// What a viewer can ask of the window besides the keys of the remote control.
+/// What a viewer can ask of the window, other than the keys of the remote control.
 enum class Command
 {
 	savePicture,

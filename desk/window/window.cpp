@@ -370,7 +370,7 @@ void Window::savePicture()
 		    cairo_status_to_string(status));
 }
 
-// Tells the viewer, over the picture until the next key and on standard error.
+// Shows a line to the viewer, over the picture until the next key and on standard error.
 void Window::say(const std::string &line)
 {
 	fputs(("deskhost: " + visibleText(line) + "\n").c_str(), stderr);

@@ -21,7 +21,7 @@ long filesize(FILE *stream);
 /// that says so.
 ScanLogContents readScanLog(const char *path);
 
-/// Reads `stream` (not null, left open) from where it stands to its end or to a read error.
+/// Reads `stream` (not null, left open) from its position to its end or to a read error.
 /// `path` (not null) is named in the summary. A line of more than 1022 characters counts as
 /// several.
 ScanLogContents parseScanLog(FILE *stream, const char *path);

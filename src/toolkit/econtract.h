@@ -1,7 +1,7 @@
 #ifndef VEXLO_ECONTRACT_H
 #define VEXLO_ECONTRACT_H
 
-// What a plugin was built against, told in a form that its host can compare with its own before it runs the
+// What a plugin was built against, in a form that its host can compare with its own before it runs the
 // plugin: sizes of classes, numbers of virtual operations, the signal layer. econtract.cpp puts it into a
 // plugin as an ELF note; a plugin may lack it, and toolkit.h does not include this.
 
@@ -11,16 +11,16 @@
 
 #include <cstdint>
 
-/// What is told of, bases before what derives from them: the first one that differs is the reason.
+/// The classes described, bases before what derives from them: the first one that differs is the reason.
 #define VEXLO_CONTRACT_CLASSES                                                                               \
 	SigC::ObjectBase, SigC::Object, SigC::Signal0<void>, eString, eSkin, eWidget, eDecoWidget, eLabel,       \
 		eButton, eWindow, eMessageBox, eListBoxBase, eListBoxEntry, eListBoxEntryText, eListBoxEntryMenu,    \
 		eListBox<eListBoxEntryMenu>, eSetupWindow
 
-/// A class with one virtual operation more: where that one stands tells how many there are before it.
+/// A class with one virtual operation more: its place in the table says how many there are before it.
 template <class T> struct eOneMore : T
 {
-	/// The one more.
+	/// The additional operation.
 	virtual void oneMore() = 0;
 };
 
@@ -38,7 +38,7 @@ template <class T, class... Others> struct __attribute__((packed)) eShapes
 	eShapes<Others...> others; ///< of those that follow
 };
 
-/// The end of the row.
+/// The last one.
 template <class T> struct __attribute__((packed)) eShapes<T>
 {
 	eShape<T> first; ///< of the last class

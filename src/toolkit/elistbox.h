@@ -82,7 +82,7 @@ public:
 	virtual void redraw(gPainter *target, const eRect &area, gColor currentBack, gColor currentText,
 	                    gColor back, gColor text, int current) = 0;
 
-	/// What the list's window tells about the entry; never empty.
+	/// What the list's window shows to explain the entry; never empty.
 	const eString &getHelpText() const { return helptext; }
 
 protected:

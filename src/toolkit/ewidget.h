@@ -22,7 +22,7 @@ struct gColor
 /// Ownership: a widget created with a parent belongs to it and is deleted with it. A widget without
 /// a parent is a top-level window and belongs to whoever created it.
 ///
-/// The virtual operations stand in the order of the host's table; a derived class may override them
+/// The virtual operations are in the order of the host's table; a derived class may override them
 /// but must not add to them or change their order. Access does not matter to that order. Operations
 /// that the plugin calls are not virtual.
 class eWidget : public virtual SigC::Object
@@ -83,7 +83,7 @@ public:
 	/// Sizes a child, in pixels.
 	void resize(const eSize &size);
 
-	/// Makes the widget visible; again, nothing happens. A window that is shown stands above all others.
+	/// Makes the widget visible; again, nothing happens. A window that is shown is above all others.
 	/// This does not start an exec().
 	void show();
 	/// Makes the widget invisible; again, nothing happens. This does not end an exec().

@@ -1,9 +1,9 @@
 #ifndef VEXLO_SIGNALS_H
 #define VEXLO_SIGNALS_H
 
-// Signals and slots as the toolkit speaks them: namespace SigC, the interface of libsigc++ 1.x, of the
+// Signals and slots as the toolkit uses them: namespace SigC, the interface of libsigc++ 1.x, of the
 // kind that has SigC::ObjectBase. A receiver's host brings that library. Where there is none, as much of
-// the interface as the toolkit uses stands here on libsigc++ 3.0.
+// the interface as the toolkit uses is made here from libsigc++ 3.0.
 
 #ifdef VEXLO_SIGC1_HEADER
 

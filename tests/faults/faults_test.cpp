@@ -63,7 +63,7 @@ const Source &source(const std::string &name)
 	throw std::logic_error("no source " + name);
 }
 
-// What each source holds or prints in health: longer than what a full disk takes.
+// What each source holds or prints without a fault: longer than what a full disk takes.
 const std::map<std::string, std::string> healthy = {
 	{"meminfo", "MemTotal:      62092 kB\nMemFree:        4404 kB\nMemShared:         0 kB\n"
                 "Buffers:         480 kB\nCached:        26120 kB\nSwapCached:        0 kB\n"
@@ -266,7 +266,7 @@ const Fault faults[] = {
 		  setting.receiver.write(command.path, "", true);
 		  setting.bytes[command.name] = "";
 	  }},
-     {"so it is in health"}},
+     {"that is its normal state"}},
 
 	{"read_error",
      "read error part-way",

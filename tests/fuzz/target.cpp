@@ -24,5 +24,5 @@ void require(bool holds, const char *what)
 
 } // namespace fuzz
 
-// The parsing halves call it never; what they are linked with does.
+// The parsers never call it; what they are linked with does.
 void eDebug(const char *, ...) {}

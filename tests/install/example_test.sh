@@ -19,13 +19,13 @@ step cmake -S "$place/network" -B "$place/build" -G Ninja -DCMAKE_BUILD_TYPE=Min
 	-DCMAKE_CXX_FLAGS='-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror'
 step cmake --build "$place/build"
 if grep -rl "$1/" "$place/build" --include=build.ninja; then
-	echo "the example is built with what stands in the tree"
+	echo "the example is built with what is in the tree"
 	exit 1
 fi
 step ctest --test-dir "$place/build" --output-on-failure --no-tests=error
 grep 'tests passed' "$place/log"
 
-readelf --notes "$place/build/network.so.0" | grep -q Vexlo || { echo "the example does not tell its contract"; exit 1; }
+readelf --notes "$place/build/network.so.0" | grep -q Vexlo || { echo "the example has no note of its contract"; exit 1; }
 strip "$place/build/network.so.0"
 size=$(stat -c %s "$place/build/network.so.0")
 ((size <= 40000)) || { echo "the example has grown to $size bytes"; exit 1; }

@@ -8,7 +8,7 @@ HOME=$(mktemp -d)
 export HOME
 trap 'rm -rf "$HOME"' EXIT
 
-# The manual speaks of build/release, and stands in the source folder.
+# The manual names build/release, and its commands run in the source folder.
 mkdir -p "$HOME/tree/build"
 ln -s "$build" "$HOME/tree/build/release"
 ln -s "$source/tools" "$HOME/tree/tools"

@@ -15,7 +15,7 @@ mkdir "$packages"
 "$1" --config "$build/CPackConfig.cmake" -B "$packages" >"$packages/log" 2>&1 || { cat "$packages/log"; exit 1; }
 rm -rf "$packages/_CPack_Packages"
 
-# has PACKAGE FILE...: these and, of what stands in libraries' folders, nothing outside of this computer's kind.
+# has PACKAGE FILE...: these and, of what is in libraries' folders, nothing outside of this computer's kind.
 has()
 {
 	local package=$1 file

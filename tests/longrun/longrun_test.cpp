@@ -41,7 +41,7 @@ namespace fs = std::filesystem;
 
 constexpr size_t openings = VEXLO_OPENINGS;
 constexpr int loads = VEXLO_LOADS;
-constexpr int plays = VEXLO_PLAYS;
+constexpr int runs = VEXLO_RUNS;
 constexpr size_t warmUp = 10;
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -243,7 +243,7 @@ TEST(Loading, should_leave_nothing_of_the_plugin_behind)
 }
 
 /// What a process holds that has run the desk host with --plays `times`, all screens opened in each.
-Resources afterPlays(int times, const std::string &root)
+Resources afterRuns(int times, const std::string &root)
 {
 	int ends[2];
 	EXPECT_EQ(pipe(ends), 0);
@@ -286,16 +286,16 @@ Resources afterPlays(int times, const std::string &root)
 	return resources;
 }
 
-TEST(Plays, should_end_with_the_same_memory_however_many_there_were)
+TEST(Runs, should_end_with_the_same_memory_however_many_there_were)
 {
 	adoptOrphans();
 	const SmallReceiver receiver;
-	const Resources few = afterPlays(static_cast<int>(warmUp), receiver.path());
-	const Resources many = afterPlays(plays, receiver.path());
+	const Resources few = afterRuns(static_cast<int>(warmUp), receiver.path());
+	const Resources many = afterRuns(runs, receiver.path());
 	EXPECT_EQ(many, few);
 	expectNothingLeft();
 	printf("--plays: %zu bytes and %zu files in use after %zu, %zu and %zu after %d\n", few.memory, few.files,
-	       warmUp, many.memory, many.files, plays);
+	       warmUp, many.memory, many.files, runs);
 }
 
 } // namespace

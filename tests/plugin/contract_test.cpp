@@ -57,7 +57,7 @@ public:
 			std::string offset, info, type, a, name;
 			columns >> offset >> info >> type >> a;
 			const bool packed = info.empty() && offset.size() == 2 * wordSize;
-			// 32-bit targets keep what is added where the pointer stands; some give the symbol no version.
+			// 32-bit targets keep the addend at the relocated address; some give the symbol no version.
 			const bool inPlace = type.rfind("R_", 0) == 0 && a.empty();
 			if (packed || inPlace) {
 				const auto word = words.find(std::stoull(offset, nullptr, 16));
@@ -136,7 +136,7 @@ public:
 
 private:
 	/// The words of the section that holds the tables: address to content. A packed relocation says
-	/// where a pointer stands; what it points to stands there.
+	/// where a pointer is; what it points to is its content.
 	std::map<uint64_t, uint64_t> relocatedWords(const std::string &path) const
 	{
 		std::map<uint64_t, uint64_t> result;
@@ -160,7 +160,7 @@ private:
 		return result;
 	}
 
-	/// Bytes of a pointer, by the class that the file's header tells.
+	/// Bytes of a pointer, by the class in the file's header.
 	static size_t wordSizeOf(const std::string &path)
 	{
 		const std::string bytes = support::readFile(path);
@@ -362,7 +362,7 @@ TEST(Host, list_box_base_appends_two_pure_operations)
 
 TEST(Signals, counted_object_keeps_the_order_of_its_virtual_operations)
 {
-	// In this program's own code: hosts of this kind may have no use for the table as it stands alone.
+	// In this program's own code: hosts of this kind may not use the class itself, and then have no table of it.
 	SigC::ObjectBase *volatile object = new SigC::ObjectBase; // out of the optimiser's sight
 	object->reference();
 	delete object;

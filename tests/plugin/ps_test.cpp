@@ -207,7 +207,7 @@ TEST(Ps, should_open_empty_when_ps_is_missing_or_prints_nothing)
 	EXPECT_NE(run.outcome.err.find("ps"), std::string::npos) << "what the shell says is seen";
 }
 
-/// Something else stands where the temporary file should: the command cannot write, fopen fails.
+/// Something else is in the temporary file's place: the command cannot write, fopen fails.
 TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_same)
 {
 	ReceiverFolder receiver;

@@ -157,7 +157,7 @@ TEST(ScanLog, a_short_marker_line_shows_the_later_of_two_long_lines_up_to_its_en
 	const std::string longest = std::string(30, 'a') + ruler(170) + "\n";
 	const std::string shorter = std::string(30, 'b') + ruler(30) + "\n";
 	EXPECT_EQ(texts(parse(longest + shorter + "start at\n"))[3], "2 " + shorter.substr(46));
-	// A line that ends before 46 leaves the earlier one's text standing.
+	// A line that ends before 46 leaves the earlier one's text as it is.
 	EXPECT_EQ(texts(parse(longest + "short\n" + "start at\n"))[3], "2 " + longest.substr(46, 46));
 	EXPECT_EQ(texts(parse(shorter + longest + "start at\n"))[3], "2 " + longest.substr(46, 46));
 }

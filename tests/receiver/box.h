@@ -26,7 +26,7 @@ public:
 	Box(const Box &) = delete;
 	Box &operator=(const Box &) = delete;
 
-	/// The menu has come up, and told what is on the screen.
+	/// Waits for the menu; what is on the screen.
 	support::Json started() { return nextScreen(); }
 
 	/// Presses a key of the remote control and waits for what is on the screen then.

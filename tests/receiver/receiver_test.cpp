@@ -24,7 +24,7 @@ bool shows(const Json &screen, const std::string &text)
 	return screen.dump().find(text) != std::string::npos;
 }
 
-/// A folder for commands that stands in the place of the box's own, until it is unmounted again.
+/// A folder for commands in the place of the box's own, until it is unmounted again.
 const char ownCommands[] = "mount -t tmpfs none /usr/bin && /bin/busybox --install -s /usr/bin";
 
 /// Keeps what a command prints for the menu, so that the desk host can be shown the same.

@@ -5,7 +5,7 @@
 #     toolkit    a vendor's toolkit.h and nothing of src/toolkit; further argument: his front end
 #     desk       the desk host on a 1.x signal library; further arguments: that library, and the usual desk
 #                host, which must make the same of the same keys
-#     mistakes   what cannot be built is told by configuring, in one clear message
+#     mistakes   what cannot be built is refused when configuring, in one clear message
 set -eu
 cmake=$1 sources=$2 compiler=$3 what=$4
 build=$(mktemp -d)

@@ -3,7 +3,7 @@
 //
 //     vendor_host PLUGIN ROOT KEYS [OPTION=VALUE]...
 //
-// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only told. Options:
+// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only reported. Options:
 //
 //     fontsize=N  the skin's; 0: it has none
 //     lost=N      by how much a client area is lower than asked for
@@ -13,7 +13,7 @@
 //     log=PATH    what ff_scan is set to after loading
 //     format=0    eString::sprintf does nothing
 //     texts=0     dcgettext returns null
-//     tell=1      look-ups, where windows lie, what entries hold, how many slots are connected
+//     verbose=1   look-ups, where windows lie, what entries hold, how many slots are connected
 
 #include "gui/gui.h"
 
@@ -40,7 +40,7 @@ int answer = 0;
 int left = -1;
 bool formats = true;
 bool translates = true;
-bool tells = false;
+bool verbose = false;
 
 std::string nameOf(const void *object)
 {
@@ -137,7 +137,7 @@ int __wrap_remove(const char *path)
 
 char *__wrap_dcgettext(const char *domain, const char *id, int category)
 {
-	if (tells)
+	if (verbose)
 		line(std::string("dcgettext(") + (domain ? domain : "null") + ", " + quoted(id) + ", " +
 		     std::to_string(category) + ")");
 	return translates ? const_cast<char *>(id) : nullptr;
@@ -313,7 +313,7 @@ void eWidget::setFocus(eWidget *child)
 {
 	nameOf(this); // numbered before the child
 	call(this, "setFocus(" + nameOf(child) + ")");
-	if (tells)
+	if (verbose)
 		line(std::to_string(SigC::connectionsMade()) + " slots are connected");
 	focus = child;
 }
@@ -342,17 +342,17 @@ struct Remote
 	}
 
 	/// What the entries of a window's lists hold.
-	static void tellEntries(eWidget &window)
+	static void printEntries(eWidget &window)
 	{
 		for (eWidget *child : window.children)
 			if (eListBoxBase *list = dynamic_cast<eListBoxBase *>(child))
 				for (eListBoxEntry *entry : list->lines)
 					if (eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry))
-						tell(*text);
+						printEntry(*text);
 	}
 
 private:
-	static void tell(const eListBoxEntryText &entry)
+	static void printEntry(const eListBoxEntryText &entry)
 	{
 		const eString *key = static_cast<const eString *>(entry.key);
 		line("entry " + quoted(entry.text) + ", key " + (key ? quoted(*key) : "null") + ", help " +
@@ -422,11 +422,11 @@ int eWidget::exec()
 {
 	call(this, "exec()");
 	ended = false;
-	if (tells) {
+	if (verbose) {
 		const char here = 0;
 		const long distance = reinterpret_cast<const char *>(this) - &here;
 		line(distance > -1000000 && distance < 1000000 ? "it is on the stack" : "it is on the heap");
-		Remote::tellEntries(*this);
+		Remote::printEntries(*this);
 	}
 	if (answers && dynamic_cast<eMessageBox *>(this))
 		close(answer);
@@ -605,7 +605,7 @@ int main(int count, char **words)
 	left = number("left", -1);
 	formats = number("format", 1) != 0;
 	translates = number("texts", 1) != 0;
-	tells = number("tell", 0) != 0;
+	verbose = number("verbose", 0) != 0;
 	const char *path = std::getenv("PATH");
 	setenv("PATH", (root + "/bin:" + (path ? path : "/usr/bin:/bin")).c_str(), 1);
 

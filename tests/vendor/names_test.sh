@@ -1,5 +1,5 @@
 #!/bin/sh
-# Takes one name after another out of a vendor's toolkit: each must give one error, which tells the name
+# Takes one name after another out of a vendor's toolkit: each must give one error, which names it
 # and the document that explains it. Arguments: a C++ compiler, the sources' root.
 set -eu
 cd "$2"

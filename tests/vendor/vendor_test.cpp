@@ -1,4 +1,4 @@
-// The plugin's sources in a vendor's house (his headers, his signal library, his front end) make the
+// The plugin's sources in a vendor's environment (his headers, signal library and front end) make the
 // same calls as in the desk host.
 
 #include "support.h"
@@ -204,7 +204,7 @@ Lines linesThatBegin(const Outcome &outcome, const std::string &begin)
 
 TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
 {
-	const Outcome run = runVendor(receiver, "ok ok exit exit exit", {"tell=1"});
+	const Outcome run = runVendor(receiver, "ok ok exit exit exit", {"verbose=1"});
 	EXPECT_EQ(
 		linesThatBegin(run, "dcgettext("),
 		(Lines{R"(dcgettext(null, "Vexlo service menu", 5))", R"(dcgettext(null, "process info", 5))",
@@ -215,7 +215,7 @@ TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
 	           R"(dcgettext(null, "system info", 5))", R"(dcgettext(null, "show system info", 5))",
 	           R"(dcgettext(null, "    1 root init\n", 5))", R"(dcgettext(null, "  123 root telnetd\n", 5))",
 	           R"(dcgettext(null, "Kill %s pid?", 5))", R"(dcgettext(null, "kill pid", 5))"}));
-	const Outcome log = runVendor(receiver, "down down ok red exit exit exit", {"tell=1"});
+	const Outcome log = runVendor(receiver, "down down ok red exit exit exit", {"verbose=1"});
 	const Lines lookUps = linesThatBegin(log, "dcgettext(");
 	ASSERT_EQ(lookUps.size(), 12u);
 	EXPECT_EQ(
@@ -228,7 +228,7 @@ TEST_F(Vendor, sees_a_buttons_text_looked_up_when_it_is_due)
 {
 	const std::string logKeys = "down down ok exit exit", systemKeys = "down down down ok exit exit";
 	for (const auto &[keys, text] : {std::pair(logKeys, "delete log"), std::pair(systemKeys, "OK")}) {
-		const std::string trace = runVendor(receiver, keys, {"tell=1"}).out;
+		const std::string trace = runVendor(receiver, keys, {"verbose=1"}).out;
 		const size_t lookUp = trace.find("dcgettext(null, \"" + std::string(text) + "\", 5)");
 		ASSERT_NE(lookUp, std::string::npos) << trace;
 		EXPECT_LT(trace.find(".loadDeco()"), lookUp) << text << ": after everything else of the button";
@@ -254,7 +254,7 @@ TEST_F(Vendor, sees_a_question_of_none_where_his_formatting_does_nothing)
 TEST_F(Vendor, sees_windows_and_boxes_on_the_stack)
 {
 	const Outcome run = runVendor(
-		receiver, "ok ok exit exit down ok exit down ok red exit exit down ok exit exit", {"tell=1"});
+		receiver, "ok ok exit exit down ok exit down ok red exit exit down ok exit exit", {"verbose=1"});
 	EXPECT_EQ(linesThatBegin(run, "it is on the ").size(), 7u) << "the menu, four dialogs, two boxes";
 	EXPECT_EQ(linesThatBegin(run, "it is on the heap").size(), 0u);
 }
@@ -262,7 +262,7 @@ TEST_F(Vendor, sees_windows_and_boxes_on_the_stack)
 TEST_F(Vendor, sees_what_the_entries_hold)
 {
 	const auto entries = [&](const std::string &keys, size_t from) {
-		const Lines all = linesThatBegin(runVendor(receiver, keys, {"tell=1"}), "entry ");
+		const Lines all = linesThatBegin(runVendor(receiver, keys, {"verbose=1"}), "entry ");
 		return Lines(all.begin() + static_cast<std::ptrdiff_t>(std::min(from, all.size())), all.end());
 	};
 	EXPECT_EQ(
@@ -287,7 +287,7 @@ TEST_F(Vendor, sees_the_handler_connected_before_the_list_has_the_focus)
 {
 	// Two connections for each of the menu's entries, and the dialog's own.
 	for (const char *keys : {"ok exit exit", "down down ok exit exit"})
-		EXPECT_EQ(linesThatBegin(runVendor(receiver, keys, {"tell=1"}), "9 slots are connected").size(),
+		EXPECT_EQ(linesThatBegin(runVendor(receiver, keys, {"verbose=1"}), "9 slots are connected").size(),
 		          1u + (*keys == 'o'))
 			<< keys;
 }

@@ -22,7 +22,7 @@ namespace kernel
 namespace
 {
 
-/// What stands for which device, by the inode of what stands for it.
+/// The test's devices, by the inode of the file in the place of each.
 std::map<ino_t, Screen *> screens;
 std::map<ino_t, Remote *> remotes;
 std::set<std::string> consoles; // their paths

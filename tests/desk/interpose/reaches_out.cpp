@@ -1,5 +1,5 @@
-// A plugin that does by itself what others leave to commands, and worse. What it does stands in REACH,
-// a word each; what it acts on in ON.
+// A plugin that does by itself what others leave to commands, and worse. What it does is in the variable
+// REACH, a word each; what it acts on in ON.
 #include "toolkit.h"
 
 #include <csignal>

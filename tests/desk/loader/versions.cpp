@@ -15,7 +15,7 @@ public:
 		cmove(ePoint(60, 60));
 		cresize(eSize(400, 200));
 		label->resize(eSize(400, 40));
-		tell("nothing");
+		showLast("nothing");
 		add("green", &Page::count);
 		add("red", &Page::removeFile);
 	}
@@ -28,7 +28,7 @@ private:
 		button->selected.connect(SigC::slot(*this, operation));
 	}
 
-	void tell(const char *text)
+	void showLast(const char *text)
 	{
 		char line[80];
 		snprintf(line, sizeof line, "%s in " VERSION ", %d greens", text, greens);
@@ -41,13 +41,13 @@ private:
 		remove("/var/scaning.log");
 #endif
 		++greens;
-		tell("green");
+		showLast("green");
 	}
 
 	void removeFile()
 	{
 		remove("/var/scaning.log");
-		tell("red");
+		showLast("red");
 	}
 
 	eLabel *label;

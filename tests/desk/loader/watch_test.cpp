@@ -15,11 +15,11 @@ namespace
 using desk::Watch;
 using support::TempFolder;
 
-/// Counts what a watch tells.
-class Told
+/// Counts how often a watch notifies.
+class Notices
 {
 public:
-	std::function<void()> teller()
+	std::function<void()> counter()
 	{
 		return [this] {
 			const std::lock_guard<std::mutex> lock(mutex);
@@ -44,39 +44,39 @@ TEST(Watch, should_tell_when_the_file_is_written_or_replaced)
 {
 	TempFolder folder;
 	const std::string file = folder.write("plugin.so.0", "one");
-	Told told;
+	Notices notices;
 	std::string error;
-	const auto watch = Watch::start(file, told.teller(), error);
+	const auto watch = Watch::start(file, notices.counter(), error);
 	ASSERT_TRUE(watch) << error;
 	EXPECT_FALSE(watch->changed());
 
 	folder.write("plugin.so.0", "two");
-	EXPECT_TRUE(told.comesTo(1)) << "written in its place";
+	EXPECT_TRUE(notices.comesTo(1)) << "written in its place";
 	EXPECT_TRUE(watch->changed());
 	EXPECT_FALSE(watch->changed()) << "asked once, answered once";
 
 	std::filesystem::rename(folder.write("new", "three"), file);
-	EXPECT_TRUE(told.comesTo(2)) << "another file took its name";
+	EXPECT_TRUE(notices.comesTo(2)) << "another file took its name";
 
 	std::filesystem::remove(file);
 	folder.write("plugin.so.0", "four");
-	EXPECT_TRUE(told.comesTo(3)) << "deleted and made again";
+	EXPECT_TRUE(notices.comesTo(3)) << "deleted and made again";
 }
 
 TEST(Watch, should_not_mind_other_files_nor_tell_of_one_change_twice)
 {
 	TempFolder folder;
 	const std::string file = folder.write("plugin.so.0", "one");
-	Told told;
+	Notices notices;
 	std::string error;
-	const auto watch = Watch::start(file, told.teller(), error);
+	const auto watch = Watch::start(file, notices.counter(), error);
 	folder.write("plugin.so", "another");
 	folder.write("plugin.so.01", "another");
-	EXPECT_FALSE(told.comesTo(1, std::chrono::milliseconds(700)));
+	EXPECT_FALSE(notices.comesTo(1, std::chrono::milliseconds(700)));
 	for (const char *content : {"t", "tw", "two"})
 		folder.write("plugin.so.0", content);
-	EXPECT_TRUE(told.comesTo(1));
-	EXPECT_FALSE(told.comesTo(2, std::chrono::milliseconds(700))) << "a build writes more than once";
+	EXPECT_TRUE(notices.comesTo(1));
+	EXPECT_FALSE(notices.comesTo(2, std::chrono::milliseconds(700))) << "a build writes more than once";
 }
 
 TEST(Watch, should_say_why_it_cannot_watch)

@@ -80,7 +80,7 @@ TextStyle prose(Align align = Align::start)
 	return style;
 }
 
-/// Where each upright stroke of a text made of blanks and "|" stands: the brightest column of each.
+/// The place of each upright stroke of a text made of blanks and "|": the brightest column of each.
 std::vector<int> strokes(PixelCanvas &canvas, int y)
 {
 	std::vector<int> found;

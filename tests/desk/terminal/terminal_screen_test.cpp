@@ -414,7 +414,7 @@ TEST(TerminalScreen, stopping_gives_the_terminal_back_until_the_program_goes_on)
 	}
 	terminal.press("C-z");
 	ASSERT_TRUE(terminal.shows("Stopped"));
-	terminal.resize(100, 32); // nobody tells a stopped program; it sees for itself
+	terminal.resize(100, 32); // no signal reaches a stopped program; it looks when it goes on
 	terminal.enter("clear; fg");
 	ASSERT_TRUE(terminal.shows(std::string(5, ' ') + " Arrows j k move"));
 	terminal.press("q");

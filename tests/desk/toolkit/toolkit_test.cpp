@@ -62,7 +62,7 @@ TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
 		<< "the list has gone while it was left";
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 
-	// The focus goes to a widget two levels down, which is deleted with what it stands in.
+	// The focus goes to a widget two levels down, which is deleted with what it is in.
 	run = runDesk("", "ok red down exit", options);
 	EXPECT_EQ(focused(run.window(1)), 0) << "it is deeper than the description goes";
 	EXPECT_EQ(focused(run.window(2)), 1);

@@ -212,7 +212,7 @@ TEST_F(WindowScreen, saves_the_picture_under_the_next_free_name)
 	press({"F12"});
 	const auto saved = [&](const char *file) { return support::exists(folder / file); };
 	EXPECT_TRUE(eventually([&] { return saved("deskhost-1.png"); }));
-	// Its name is told over the picture, until the next key.
+	// Its name is shown over the picture, until the next key.
 	EXPECT_TRUE(eventually([&] { return pixel(700, 560) != green; }));
 	pressAndExpect("Down", "down");
 	EXPECT_TRUE(eventually([&] { return pixel(700, 560) == green; }));
