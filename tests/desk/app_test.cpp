@@ -210,7 +210,8 @@ TEST(App, should_tell_why_a_plugin_cannot_be_loaded)
 	const std::string empty = folder.write("empty.so.0", "");
 	expectRefused(deskhost({"--plugin", empty}), 1, empty);
 	expectRefused(deskhost({"--plugin", testPlugin("no_entry.so.0")}), 1, "plugin_exec");
-	expectRefused(deskhost({"--plugin", testPlugin("unresolved.so.0")}), 1, "undefined symbol: eSomethingElse");
+	expectRefused(deskhost({"--plugin", testPlugin("unresolved.so.0")}), 1,
+	              "undefined symbol: eSomethingElse");
 	expectRefused(deskhost({"--plugin", "missing.so.0"}), 1, "missing.so.0");
 }
 
