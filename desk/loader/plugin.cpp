@@ -46,7 +46,7 @@ const char *adviceFor(const std::string &reason)
 {
 	if (reason.find("undefined symbol") != std::string::npos)
 		return "link what defines it into the plugin, or, if it is the toolkit's, build against this host's "
-		       "headers";
+			   "headers";
 	return "name a plugin built for this computer with --plugin";
 }
 

@@ -43,7 +43,7 @@ class Answer : public ::testing::TestWithParam<int>
 {
 };
 
-TEST_P(Answer, should_kill_unless_it_is_no_or_none)
+TEST_P(Answer, kills_unless_it_is_no_or_none)
 {
 	ReceiverFolder receiver;
 	receiver.ps("PID\n123 telnetd\n");
@@ -57,7 +57,7 @@ TEST_P(Answer, should_kill_unless_it_is_no_or_none)
 	EXPECT_TRUE(has(trace, "eMessageBox#1.hide()")) << "in every case";
 }
 
-TEST_P(Answer, should_delete_only_when_it_is_a_plain_yes)
+TEST_P(Answer, deletes_only_when_it_is_a_plain_yes)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
@@ -69,7 +69,7 @@ TEST_P(Answer, should_delete_only_when_it_is_a_plain_yes)
 	EXPECT_TRUE(has(trace, "eMessageBox#1.hide()")) << "in every case";
 }
 
-TEST(Result, should_be_what_the_menus_run_returned)
+TEST(Result, is_what_the_menus_run_returned)
 {
 	ReceiverFolder receiver;
 	for (const int result : {-1, 0, 1, 8, 1234567, -1234567}) {
@@ -81,7 +81,7 @@ TEST(Result, should_be_what_the_menus_run_returned)
 	Desk::get().habits.left = -1;
 }
 
-TEST(Result, should_not_depend_on_what_a_screen_returned)
+TEST(Result, does_not_depend_on_what_a_screen_returned)
 {
 	ReceiverFolder receiver;
 	receiver.df("heading\n");

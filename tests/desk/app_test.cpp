@@ -37,7 +37,7 @@ void expectRefused(const Outcome &outcome, int status, const std::string &named)
 	EXPECT_NE(outcome.err.find(named), std::string::npos) << outcome.err;
 }
 
-TEST(App, should_explain_itself)
+TEST(App, explains_itself)
 {
 	const Outcome help = deskhost({"--help"});
 	EXPECT_EQ(help.status, 0);
@@ -48,7 +48,7 @@ TEST(App, should_explain_itself)
 	EXPECT_EQ(deskhost({"--version"}).out.rfind("deskhost ", 0), 0u);
 }
 
-TEST(App, should_refuse_arguments_that_it_does_not_know)
+TEST(App, refuses_arguments_that_it_does_not_know)
 {
 	expectRefused(deskhost({"--sceen", "none"}), 2, "--sceen");
 	expectRefused(deskhost({"--screen", "hologram"}), 2, "hologram");
@@ -61,14 +61,14 @@ TEST(App, should_refuse_arguments_that_it_does_not_know)
 	expectRefused(deskhost({"--lang", "../de"}), 2, "../de");
 }
 
-TEST(App, should_refuse_empty_names)
+TEST(App, refuses_empty_names)
 {
 	for (const char *option :
 	     {"--plugin", "--root", "--skin", "--pictures", "--dump", "--trace", "--lang", "--screen"})
 		expectRefused(deskhost({option, ""}), 2, option);
 }
 
-TEST(App, should_refuse_files_that_it_cannot_use)
+TEST(App, refuses_files_that_it_cannot_use)
 {
 	TempFolder folder;
 	const std::string file = folder.write("file", "text");
@@ -84,7 +84,7 @@ TEST(App, should_refuse_files_that_it_cannot_use)
 	expectRefused(deskhost({"--trace", missing}), 2, missing);
 }
 
-TEST(App, should_refuse_to_record_twice_into_one_file)
+TEST(App, refuses_to_record_twice_into_one_file)
 {
 	TempFolder folder;
 	const std::string file = folder / "file", other = folder / "other";
@@ -107,7 +107,7 @@ TEST(App, should_refuse_to_record_twice_into_one_file)
 	expectRefused(shell, 2, "standard output");
 }
 
-TEST(App, should_report_that_it_could_not_print)
+TEST(App, reports_that_it_could_not_print)
 {
 	TempFolder folder;
 	const std::string dump = folder / "dump";
@@ -121,7 +121,7 @@ TEST(App, should_report_that_it_could_not_print)
 	}
 }
 
-TEST(App, should_report_that_its_help_could_not_be_printed)
+TEST(App, reports_that_its_help_could_not_be_printed)
 {
 	for (const char *option : {"--help", "--version"}) {
 		const Outcome outcome = support::run(
@@ -130,7 +130,7 @@ TEST(App, should_report_that_its_help_could_not_be_printed)
 	}
 }
 
-TEST(App, should_say_that_there_is_not_enough_memory)
+TEST(App, says_that_there_is_not_enough_memory)
 {
 #if defined(__SANITIZE_ADDRESS__)
 	GTEST_SKIP() << "the sanitizer takes all addresses for itself";
@@ -145,7 +145,7 @@ TEST(App, should_say_that_there_is_not_enough_memory)
 	EXPECT_EQ(outcome.err.find("terminate"), std::string::npos) << outcome.err;
 }
 
-TEST(App, should_never_hand_controls_on_to_a_terminal)
+TEST(App, never_hands_controls_on_to_a_terminal)
 {
 	TempFolder folder;
 	const std::string csi = "\xc2\x9b", name = "no\x1b[2J" + csi + "31m\xff.so";
@@ -169,7 +169,7 @@ TEST(App, should_never_hand_controls_on_to_a_terminal)
 	EXPECT_TRUE(isClean(support::readFile(folder / "trace")));
 }
 
-TEST(App, should_say_that_there_is_no_font)
+TEST(App, says_that_there_is_no_font)
 {
 	TempFolder folder;
 	const std::string none = folder.write("fonts.conf", "<fontconfig></fontconfig>");
@@ -182,7 +182,7 @@ TEST(App, should_say_that_there_is_no_font)
 	EXPECT_EQ(drawing({}).status, 0) << "nothing is drawn";
 }
 
-TEST(App, should_refuse_a_screen_that_it_cannot_open)
+TEST(App, refuses_a_screen_that_it_cannot_open)
 {
 	expectRefused(deskhost({"--screen", "window"}, {{"DISPLAY", ":987"},
 	                                                {"WAYLAND_DISPLAY", ""},
@@ -200,7 +200,7 @@ TEST(App, should_refuse_a_screen_that_it_cannot_open)
 		"/dev/null");
 }
 
-TEST(App, should_tell_why_a_plugin_cannot_be_loaded)
+TEST(App, tells_why_a_plugin_cannot_be_loaded)
 {
 	TempFolder folder;
 	expectRefused(deskhost({"--plugin", folder / "missing.so.0"}), 1, folder / "missing.so.0");
@@ -215,27 +215,27 @@ TEST(App, should_tell_why_a_plugin_cannot_be_loaded)
 	expectRefused(deskhost({"--plugin", "missing.so.0"}), 1, "missing.so.0");
 }
 
-TEST(App, should_say_that_it_ran_what_a_plugin_returned)
+TEST(App, says_that_it_ran_what_a_plugin_returned)
 {
 	const Outcome outcome = deskhost({"--screen", "none", "--plugin", testPlugin("result.so.0")});
 	EXPECT_EQ(outcome.out, "plugin_exec returned 4711\n");
 	EXPECT_EQ(outcome.status, 0);
 }
 
-TEST(App, should_give_up_on_a_plugin_that_never_returns)
+TEST(App, gives_up_on_a_plugin_that_never_returns)
 {
 	const Outcome outcome = deskhost({"--screen", "none", "--plugin", testPlugin("stuck.so.0")});
 	EXPECT_EQ(outcome.status, 1);
 	EXPECT_NE(outcome.err.find("does not return"), std::string::npos) << outcome.err;
 }
 
-TEST(App, should_choose_no_screen_without_display_and_terminal)
+TEST(App, chooses_no_screen_without_display_and_terminal)
 {
 	const Outcome outcome = deskhost({"--keys", "exit"}, {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
 	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 }
 
-TEST(App, should_press_exit_until_the_plugin_returns)
+TEST(App, presses_exit_until_the_plugin_returns)
 {
 	ReceiverFolder receiver;
 	receiver.ps("PID\n1 init\n");
@@ -246,7 +246,7 @@ TEST(App, should_press_exit_until_the_plugin_returns)
 	}
 }
 
-TEST(App, should_tell_which_keys_were_never_pressed)
+TEST(App, tells_which_keys_were_never_pressed)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "exit ok down");
@@ -254,7 +254,7 @@ TEST(App, should_tell_which_keys_were_never_pressed)
 	EXPECT_NE(run.outcome.err.find("ok down"), std::string::npos) << run.outcome.err;
 }
 
-TEST(App, should_play_as_often_as_told)
+TEST(App, plays_as_often_as_told)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "down exit", {"--plays", "3"});
@@ -267,7 +267,7 @@ TEST(App, should_play_as_often_as_told)
 	}
 }
 
-TEST(App, should_show_the_texts_of_the_asked_language)
+TEST(App, shows_the_texts_of_the_asked_language)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "", {"--lang", "de_AT.UTF-8"});
@@ -277,7 +277,7 @@ TEST(App, should_show_the_texts_of_the_asked_language)
 	EXPECT_NE(list["help"], "(1) show current processes in memory");
 }
 
-TEST(App, should_know_english_and_list_the_languages_in_order)
+TEST(App, knows_english_and_lists_the_languages_in_order)
 {
 	ReceiverFolder receiver;
 	for (const char *english : {"en", "en_GB.UTF-8"})
@@ -285,7 +285,7 @@ TEST(App, should_know_english_and_list_the_languages_in_order)
 	expectRefused(deskhost({"--lang", "tlh"}), 2, "--lang knows: ar de el en es fr it pl ru tr");
 }
 
-TEST(App, should_take_the_texts_from_the_named_catalogue)
+TEST(App, takes_the_texts_from_the_named_catalogue)
 {
 	ReceiverFolder receiver;
 	receiver.write("texts/xx/LC_MESSAGES/other.mo",
@@ -299,7 +299,7 @@ TEST(App, should_take_the_texts_from_the_named_catalogue)
 	              "--lang knows: en");
 }
 
-TEST(App, should_number_the_help_in_every_language)
+TEST(App, numbers_the_help_in_every_language)
 {
 	ReceiverFolder receiver;
 	const DeskRun english = runDesk(receiver.path(), "down down down");
@@ -315,7 +315,7 @@ TEST(App, should_number_the_help_in_every_language)
 	}
 }
 
-TEST(App, should_not_take_the_language_of_the_desk)
+TEST(App, does_not_take_the_language_of_the_desk)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "", {},
@@ -323,7 +323,7 @@ TEST(App, should_not_take_the_language_of_the_desk)
 	EXPECT_EQ(run.window(0)["title"], "Vexlo service menu") << "the same keys, the same screens";
 }
 
-TEST(App, should_serve_only_the_receivers_own_files_from_the_root)
+TEST(App, serves_only_the_receivers_own_files_from_the_root)
 {
 	// What the root lacks is missing, whatever this computer has.
 	ReceiverFolder receiver;
@@ -332,7 +332,7 @@ TEST(App, should_serve_only_the_receivers_own_files_from_the_root)
 	EXPECT_TRUE(support::exists("/proc/meminfo"));
 }
 
-TEST(App, should_harm_nobody_with_a_root_however_the_plugin_calls)
+TEST(App, harms_nobody_with_a_root_however_the_plugin_calls)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo("the receiver's\n");
@@ -354,7 +354,7 @@ TEST(App, should_harm_nobody_with_a_root_however_the_plugin_calls)
 	EXPECT_EQ(reported, 2u) << run.outcome.err;
 }
 
-TEST(App, should_spend_nothing_on_lines_that_are_not_on_the_screen)
+TEST(App, spends_nothing_on_lines_that_are_not_on_the_screen)
 {
 	// A hundred thousand mounts: what cannot be seen is not laid out, or this would take minutes.
 	ReceiverFolder receiver;

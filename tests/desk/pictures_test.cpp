@@ -56,7 +56,7 @@ double difference(const Pixels &a, const Pixels &b)
 	return worst;
 }
 
-TEST(Pictures, should_be_those_of_the_documentation)
+TEST(Pictures, are_those_of_the_documentation)
 {
 	support::TempFolder drawn, tools;
 	const auto script = [&](const char *name, const std::string &program) {

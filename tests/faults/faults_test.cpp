@@ -500,7 +500,7 @@ class Faults : public testing::TestWithParam<Case>
 {
 };
 
-TEST_P(Faults, should_leave_every_screen_to_be_opened_and_left)
+TEST_P(Faults, leave_every_screen_to_be_opened_and_left)
 {
 	Setting setting;
 	const auto &[spoilt, fault] = GetParam();
@@ -515,7 +515,7 @@ INSTANTIATE_TEST_SUITE_P(All, Faults, testing::ValuesIn(cases()), [](const auto 
 	return std::string(tested.param.source->name) + "_" + tested.param.fault->name;
 });
 
-TEST(Health, should_show_everything_where_nothing_is_wrong)
+TEST(Health, shows_everything_where_nothing_is_wrong)
 {
 	Setting setting;
 	const std::string seen = setting.receiver / "seen";
@@ -539,7 +539,7 @@ TEST(Health, should_show_everything_where_nothing_is_wrong)
 	EXPECT_EQ(label(run, systemInfo, 1), "dev:\nmtd0:\nmtd1:\nmtd2:\n");
 }
 
-TEST(Table, should_be_in_the_documentation)
+TEST(Table, is_in_the_documentation)
 {
 	EXPECT_NE(support::readFile(support::sourcePath("docs/testing.md")).find(table()), std::string::npos)
 		<< "docs/testing.md needs what faults_test --list prints:\n"

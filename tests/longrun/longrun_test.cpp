@@ -170,7 +170,7 @@ class Openings : public testing::TestWithParam<Entry>
 {
 };
 
-TEST_P(Openings, should_leave_the_process_as_it_was)
+TEST_P(Openings, leave_the_process_as_it_was)
 {
 	adoptOrphans();
 	const SmallReceiver receiver;
@@ -214,7 +214,7 @@ bool isMapped()
 	return support::readFile("/proc/self/maps").find(name) != std::string::npos;
 }
 
-TEST(Loading, should_leave_nothing_of_the_plugin_behind)
+TEST(Loading, leaves_nothing_of_the_plugin_behind)
 {
 	Desk &desk = Desk::get();
 	desk.setScreen(std::make_unique<Viewer>(0));
@@ -286,7 +286,7 @@ Resources afterRuns(int times, const std::string &root)
 	return resources;
 }
 
-TEST(Runs, should_end_with_the_same_memory_however_many_there_were)
+TEST(Runs, end_with_the_same_memory_however_many_there_were)
 {
 	adoptOrphans();
 	const SmallReceiver receiver;

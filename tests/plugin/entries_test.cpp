@@ -15,7 +15,7 @@ struct Entry : eListBoxEntry
 	void redraw(gPainter *, const eRect &, gColor, gColor, gColor, gColor, int) override {}
 };
 
-TEST(Entry, should_have_its_attribute_when_it_is_appended)
+TEST(Entry, has_its_attribute_when_it_is_appended)
 {
 	// No list is there: its two operations below touch none.
 	alignas(eListBoxBase) char place[sizeof(eListBoxBase)] = {};

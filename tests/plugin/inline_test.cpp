@@ -48,18 +48,18 @@ struct Listener : SigC::Object
 	int calls = 0;
 };
 
-TEST(Entry, should_show_a_blank_where_the_help_is_empty)
+TEST(Entry, shows_a_blank_where_the_help_is_empty)
 {
 	EXPECT_EQ(Entry(nullptr, "").getHelpText(), " ");
 	EXPECT_EQ(Entry(nullptr, "help").getHelpText(), "help");
 }
 
-TEST(Entry, should_keep_its_attribute)
+TEST(Entry, keeps_its_attribute)
 {
 	EXPECT_EQ(Entry(nullptr, "", 7).attribute(), 7);
 }
 
-TEST(Entry, should_append_itself_at_the_end_of_its_list)
+TEST(Entry, appends_itself_at_the_end_of_its_list)
 {
 	eWindow window(1);
 	Box *box = new Box(&window);
@@ -70,7 +70,7 @@ TEST(Entry, should_append_itself_at_the_end_of_its_list)
 	EXPECT_EQ(box->kept().current, 0);
 }
 
-TEST(Entry, should_take_itself_out_of_its_list)
+TEST(Entry, takes_itself_out_of_its_list)
 {
 	eWindow window(1);
 	Box *box = new Box(&window);
@@ -80,7 +80,7 @@ TEST(Entry, should_take_itself_out_of_its_list)
 	EXPECT_EQ(box->kept().entries, std::deque<eListBoxEntry *>{second});
 }
 
-TEST(Entry, should_still_have_its_help_when_it_is_taken_out)
+TEST(Entry, still_has_its_help_when_it_is_taken_out)
 {
 	struct Watching : Box
 	{
@@ -98,7 +98,7 @@ TEST(Entry, should_still_have_its_help_when_it_is_taken_out)
 	EXPECT_EQ(box->help, help);
 }
 
-TEST(Entry, should_say_that_it_is_not_taken_out_by_its_list)
+TEST(Entry, says_that_it_is_not_taken_out_by_its_list)
 {
 	const support::TempFolder folder;
 	std::string error;
@@ -114,7 +114,7 @@ TEST(Entry, should_say_that_it_is_not_taken_out_by_its_list)
 	EXPECT_NE(trace.find("#1, false)\n"), std::string::npos) << "taken out: " << trace;
 }
 
-TEST(Entry, should_be_less_than_none)
+TEST(Entry, is_less_than_none)
 {
 	const Entry a(nullptr), b(nullptr);
 	EXPECT_FALSE(a < b);
@@ -122,7 +122,7 @@ TEST(Entry, should_be_less_than_none)
 	EXPECT_FALSE(a < a);
 }
 
-TEST(TextEntry, should_start_with_attribute_3_no_key_and_zero_fields)
+TEST(TextEntry, starts_with_attribute_3_no_key_and_zero_fields)
 {
 	const Text entry(nullptr, "text");
 	EXPECT_EQ(entry.attribute(), 3);
@@ -133,12 +133,12 @@ TEST(TextEntry, should_start_with_attribute_3_no_key_and_zero_fields)
 	EXPECT_EQ(entry.getHelpText(), " ");
 }
 
-TEST(TextEntry, should_count_an_absent_text_as_empty)
+TEST(TextEntry, counts_an_absent_text_as_empty)
 {
 	EXPECT_EQ(Text(nullptr, nullptr).getText(), "");
 }
 
-TEST(TextEntry, should_order_by_key_address_when_keys_differ)
+TEST(TextEntry, orders_by_key_address_when_keys_differ)
 {
 	int keys[2];
 	const Text low(nullptr, "z", &keys[0]), high(nullptr, "a", &keys[1]);
@@ -148,7 +148,7 @@ TEST(TextEntry, should_order_by_key_address_when_keys_differ)
 	EXPECT_TRUE(high < top) << "addresses have no sign";
 }
 
-TEST(TextEntry, should_order_by_text_when_keys_are_equal)
+TEST(TextEntry, orders_by_text_when_keys_are_equal)
 {
 	EXPECT_TRUE(Text(nullptr, "abc") < Text(nullptr, "abd"));
 	EXPECT_FALSE(Text(nullptr, "abd") < Text(nullptr, "abc"));
@@ -158,7 +158,7 @@ TEST(TextEntry, should_order_by_text_when_keys_are_equal)
 	EXPECT_TRUE(Text(nullptr, "a\x7f") < Text(nullptr, "a\x80")) << "bytes have no sign";
 }
 
-TEST(TextEntry, should_order_by_text_when_its_own_keys_are_ignored)
+TEST(TextEntry, orders_by_text_when_its_own_keys_are_ignored)
 {
 	int keys[2];
 	Text low(nullptr, "z", &keys[0]);
@@ -170,7 +170,7 @@ TEST(TextEntry, should_order_by_text_when_its_own_keys_are_ignored)
 	EXPECT_TRUE(high < low);
 }
 
-TEST(TextEntry, should_compare_addresses_the_other_way_when_only_the_other_ignores_keys)
+TEST(TextEntry, compares_addresses_the_other_way_when_only_the_other_ignores_keys)
 {
 	int keys[2];
 	Text low(nullptr, "z", &keys[0]);
@@ -179,7 +179,7 @@ TEST(TextEntry, should_compare_addresses_the_other_way_when_only_the_other_ignor
 	EXPECT_TRUE(low < high);
 }
 
-TEST(ListBox, should_emit_the_choice_in_the_order_of_connection)
+TEST(ListBox, emits_the_choice_in_the_order_of_connection)
 {
 	eWindow window(1);
 	Box *box = new Box(&window);
@@ -193,7 +193,7 @@ TEST(ListBox, should_emit_the_choice_in_the_order_of_connection)
 								  {1, entry}, {2, entry}, {1, nullptr}, {2, nullptr}}));
 }
 
-TEST(ListBox, should_end_its_signals_in_the_reverse_order)
+TEST(ListBox, ends_its_signals_in_the_reverse_order)
 {
 	struct Ending
 	{
@@ -215,7 +215,7 @@ TEST(ListBox, should_end_its_signals_in_the_reverse_order)
 	EXPECT_EQ(order, (std::vector<std::string>{"selchanged", "selected"}));
 }
 
-TEST(ListBox, should_emit_the_move_on_a_signal_of_its_own)
+TEST(ListBox, emits_the_move_on_a_signal_of_its_own)
 {
 	eWindow window(1);
 	Box *box = new Box(&window);
@@ -227,7 +227,7 @@ TEST(ListBox, should_emit_the_move_on_a_signal_of_its_own)
 	EXPECT_EQ(listener.order, (std::vector<std::pair<int, eListBoxEntry *>>{{1, entry}}));
 }
 
-TEST(MenuEntry, should_pass_on_only_its_own_choice)
+TEST(MenuEntry, passes_on_only_its_own_choice)
 {
 	eListBoxEntryMenu one(nullptr, "one"), two(nullptr, "two");
 	Listener first, second;
@@ -239,7 +239,7 @@ TEST(MenuEntry, should_pass_on_only_its_own_choice)
 	EXPECT_EQ(second.calls, 1);
 }
 
-TEST(MenuEntry, should_know_its_own_choice_by_address_and_not_by_text)
+TEST(MenuEntry, knows_its_own_choice_by_address_and_not_by_text)
 {
 	eSetupWindow window("menu", 10, 400);
 	eListBoxEntryMenu *one = new eListBoxEntryMenu(&window.list, "same", "same");
@@ -252,7 +252,7 @@ TEST(MenuEntry, should_know_its_own_choice_by_address_and_not_by_text)
 	EXPECT_EQ(second.calls, 1);
 }
 
-TEST(MenuEntry, should_connect_itself_once_to_its_list)
+TEST(MenuEntry, connects_itself_once_to_its_list)
 {
 	eSetupWindow window("menu", 10, 400);
 	Listener listener;
@@ -265,7 +265,7 @@ TEST(MenuEntry, should_connect_itself_once_to_its_list)
 	EXPECT_EQ(two->getKey(), nullptr);
 }
 
-TEST(Signals, should_forget_a_listener_that_is_gone)
+TEST(Signals, forget_a_listener_that_is_gone)
 {
 	SigC::Signal0<void> signal;
 	{
@@ -277,7 +277,7 @@ TEST(Signals, should_forget_a_listener_that_is_gone)
 	signal.emit(); // calls nobody: the sanitizers would tell
 }
 
-TEST(Signals, should_let_a_listener_outlive_the_signal)
+TEST(Signals, let_a_listener_outlive_the_signal)
 {
 	Listener listener;
 	{
@@ -287,7 +287,7 @@ TEST(Signals, should_let_a_listener_outlive_the_signal)
 	EXPECT_EQ(listener.calls, 0);
 }
 
-TEST(SignalObjects, should_be_deleted_by_their_last_owner_when_managed)
+TEST(SignalObjects, are_deleted_by_their_last_owner_when_managed)
 {
 	struct Counted : SigC::Object
 	{
@@ -312,7 +312,7 @@ TEST(SignalObjects, should_be_deleted_by_their_last_owner_when_managed)
 	EXPECT_FALSE(kept) << "an object that is not managed belongs to whoever made it";
 }
 
-TEST(SignalObjects, should_have_the_counted_object_as_virtual_base)
+TEST(SignalObjects, have_the_counted_object_as_virtual_base)
 {
 	struct Twice : virtual SigC::Object, virtual SigC::ObjectBase
 	{
@@ -321,7 +321,7 @@ TEST(SignalObjects, should_have_the_counted_object_as_virtual_base)
 	EXPECT_TRUE(std::has_virtual_destructor_v<SigC::ObjectBase>);
 }
 
-TEST(String, should_format_into_itself_without_a_limit)
+TEST(String, formats_into_itself_without_a_limit)
 {
 	eString text = "none";
 	char form[] = "(%d) %s";

@@ -16,7 +16,7 @@ const std::string olderLayout = "        total:    used:    free:  shared: buffe
 								"MemFree:           512 kB\n"
 								"SwapCached:          0 kB\n";
 
-TEST(MemInfo, should_place_and_fill_two_labels)
+TEST(MemInfo, places_and_fills_two_labels)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
@@ -42,7 +42,7 @@ TEST(MemInfo, should_place_and_fill_two_labels)
 			  }));
 }
 
-TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
+TEST(MemInfo, asks_the_skin_for_nothing_and_gives_no_focus)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
@@ -55,7 +55,7 @@ TEST(MemInfo, should_ask_the_skin_for_nothing_and_give_no_focus)
 	EXPECT_EQ(run.widget(2, "eLabel", 1)["focus"], false);
 }
 
-TEST(MemInfo, should_reach_five_pixels_below_its_client_area)
+TEST(MemInfo, reaches_five_pixels_below_its_client_area)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "down ok");
@@ -64,14 +64,14 @@ TEST(MemInfo, should_reach_five_pixels_below_its_client_area)
 	EXPECT_EQ(run.widget(2, "eLabel", 1)["rect"], Json({160, 5, 100, 350}));
 }
 
-TEST(MemInfo, should_not_translate_its_title)
+TEST(MemInfo, does_not_translate_its_title)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "down ok", {"--lang", "de"});
 	EXPECT_EQ(run.window(2)["title"], "Memory info");
 }
 
-TEST(MemInfo, should_read_anew_at_every_opening)
+TEST(MemInfo, reads_anew_at_every_opening)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(olderLayout);
@@ -97,7 +97,7 @@ class MemInfoSource : public ::testing::TestWithParam<Source>
 {
 };
 
-TEST_P(MemInfoSource, should_open_an_empty_screen)
+TEST_P(MemInfoSource, opens_an_empty_screen)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo(GetParam().content);
@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(Unusable, MemInfoSource,
                                            Source{"eight_pieces", support::repeat("MemTotal: 1 kB\n", 8)}),
                          [](const auto &entry) { return entry.param.name; });
 
-TEST(MemInfo, should_open_empty_when_the_file_is_missing_or_a_folder)
+TEST(MemInfo, opens_empty_when_the_file_is_missing_or_a_folder)
 {
 	ReceiverFolder missing;
 	EXPECT_EQ(runDesk(missing.path(), "down ok").widget(2, "eLabel")["text"], "");
@@ -125,7 +125,7 @@ TEST(MemInfo, should_open_empty_when_the_file_is_missing_or_a_folder)
 	EXPECT_EQ(run.outcome.status, 0);
 }
 
-TEST(MemInfo, should_show_binary_data_without_harm)
+TEST(MemInfo, shows_binary_data_without_harm)
 {
 	std::string bytes;
 	for (int i = 0; i < 4096; ++i)
@@ -139,7 +139,7 @@ TEST(MemInfo, should_show_binary_data_without_harm)
 	EXPECT_TRUE(support::exists(pictures / "02-ok.png"));
 }
 
-TEST(MemInfo, should_show_this_computers_memory_without_a_root)
+TEST(MemInfo, shows_this_computers_memory_without_a_root)
 {
 	const DeskRun run = runDesk("", "down ok exit exit", {"--as-is"});
 	const std::string names = run.widget(2, "eLabel", 0)["text"];

@@ -24,7 +24,7 @@ const Lines built = {
 	R"(eSetupWindow#1.exec())",
 };
 
-TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
+TEST(Menu, is_built_run_hidden_and_destroyed_in_that_order)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "exit");
@@ -37,7 +37,7 @@ TEST(Menu, should_be_built_run_hidden_and_destroyed_in_that_order)
 	EXPECT_EQ(run.outcome.err, "");
 }
 
-TEST(Menu, should_stand_at_its_place_with_ten_rows_and_400_pixels)
+TEST(Menu, stands_at_its_place_with_ten_rows_and_400_pixels)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "");
@@ -52,7 +52,7 @@ TEST(Menu, should_stand_at_its_place_with_ten_rows_and_400_pixels)
 	EXPECT_EQ(list["focus"], true);
 }
 
-TEST(Menu, should_hold_four_entries_with_their_numbered_help)
+TEST(Menu, holds_four_entries_with_their_numbered_help)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "down down down down up");
@@ -70,7 +70,7 @@ TEST(Menu, should_hold_four_entries_with_their_numbered_help)
 		EXPECT_EQ(run.widget(i, list)["help"], help[i]) << "after " << run.dump[i]["after"];
 }
 
-TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroyed)
+TEST(Menu, opens_a_screen_under_itself_and_comes_back_before_it_is_destroyed)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
@@ -101,7 +101,7 @@ TEST(Menu, should_open_a_screen_under_itself_and_come_back_before_it_is_destroye
 			  }));
 }
 
-TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)
+TEST(Menu, opens_the_screen_of_the_chosen_entry_and_no_other)
 {
 	ReceiverFolder receiver;
 	receiver.ps("PID\n");
@@ -121,7 +121,7 @@ TEST(Menu, should_open_the_screen_of_the_chosen_entry_and_no_other)
 	}
 }
 
-TEST(Menu, should_open_the_entry_of_a_digit)
+TEST(Menu, opens_the_entry_of_a_digit)
 {
 	ReceiverFolder receiver;
 	receiver.ps("PID\n");
@@ -133,7 +133,7 @@ TEST(Menu, should_open_the_entry_of_a_digit)
 		EXPECT_EQ(run.window(i)["class"], "eVexloMenu");
 }
 
-TEST(Menu, should_be_shown_again_after_a_screen_that_was_accepted)
+TEST(Menu, is_shown_again_after_a_screen_that_was_accepted)
 {
 	ReceiverFolder receiver;
 	receiver.df("Filesystem\n");

@@ -57,7 +57,7 @@ Lines construction(int fontSize)
 	};
 }
 
-TEST(Ps, should_be_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_size)
+TEST(Ps, is_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_size)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -65,7 +65,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_si
 	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(20));
 }
 
-TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
+TEST(Ps, is_laid_out_for_rows_of_30_pixels)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -75,7 +75,7 @@ TEST(Ps, should_be_laid_out_for_rows_of_30_pixels)
 	EXPECT_EQ(run.widget(1, "eLabel")["rect"], Json({5, 5, 500, 30}));
 }
 
-TEST(Ps, should_list_the_processes_under_their_heading)
+TEST(Ps, lists_the_processes_under_their_heading)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -88,7 +88,7 @@ TEST(Ps, should_list_the_processes_under_their_heading)
 	EXPECT_FALSE(support::exists("/var/tmp/ps.tmp"));
 }
 
-TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
+TEST(Ps, is_rejected_when_the_viewer_leaves_the_list)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -99,7 +99,7 @@ TEST(Ps, should_be_rejected_when_the_viewer_leaves_the_list)
 	                 "eWindow#1.~eWindow()"}));
 }
 
-TEST(Ps, should_ask_and_kill_on_yes)
+TEST(Ps, asks_and_kills_on_yes)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -126,7 +126,7 @@ TEST(Ps, should_ask_and_kill_on_yes)
 	EXPECT_NE(run.outcome.err.find("kill -9 123 (reported only"), std::string::npos) << run.outcome.err;
 }
 
-TEST(Ps, should_ask_in_a_box_above_itself)
+TEST(Ps, asks_in_a_box_above_itself)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -157,17 +157,17 @@ void expectSpared(const std::string &keys, const std::string &result)
 	EXPECT_EQ(run.widget(after, list)["current"], 1);
 }
 
-TEST(Ps, should_stay_as_it_was_after_no)
+TEST(Ps, stays_as_it_was_after_no)
 {
 	expectSpared("right ok", "8");
 }
 
-TEST(Ps, should_stay_as_it_was_when_the_box_is_left)
+TEST(Ps, stays_as_it_was_when_the_box_is_left)
 {
 	expectSpared("exit", "-1");
 }
 
-TEST(Ps, should_translate_format_and_caption_of_the_question)
+TEST(Ps, translates_format_and_caption_of_the_question)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -178,7 +178,7 @@ TEST(Ps, should_translate_format_and_caption_of_the_question)
 	EXPECT_NE(run.window(3)["title"], "kill pid");
 }
 
-TEST(Ps, should_offer_nothing_when_there_is_only_a_heading)
+TEST(Ps, offers_nothing_when_there_is_only_a_heading)
 {
 	ReceiverFolder receiver;
 	receiver.ps("  PID USER COMMAND\n");
@@ -190,7 +190,7 @@ TEST(Ps, should_offer_nothing_when_there_is_only_a_heading)
 	EXPECT_EQ(run.outcome.status, 0);
 }
 
-TEST(Ps, should_open_empty_when_ps_is_missing_or_prints_nothing)
+TEST(Ps, opens_empty_when_ps_is_missing_or_prints_nothing)
 {
 	ReceiverFolder silent;
 	silent.ps("");
@@ -208,7 +208,7 @@ TEST(Ps, should_open_empty_when_ps_is_missing_or_prints_nothing)
 }
 
 /// Something else is in the temporary file's place: the command cannot write, fopen fails.
-TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_same)
+TEST(Ps, closes_a_stream_that_never_opened_and_removes_the_file_all_the_same)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
@@ -233,7 +233,7 @@ TEST(Ps, should_close_a_stream_that_never_opened_and_remove_the_file_all_the_sam
 	EXPECT_EQ(run.outcome.status, 0);
 }
 
-TEST(Ps, should_draw_whatever_bytes_a_process_name_holds)
+TEST(Ps, draws_whatever_bytes_a_process_name_holds)
 {
 	std::string bytes = "PID\n";
 	bytes += "7 \x1b[2J\x1b]0;title\x07 %s%n \xff\xfe\xc3( \xed\xa0\x80 \xe2\x80\xae reversed\r\n";
@@ -256,7 +256,7 @@ TEST(Ps, should_draw_whatever_bytes_a_process_name_holds)
 	EXPECT_TRUE(support::exists(pictures / "03-pagedown.png"));
 }
 
-TEST(Ps, should_scroll_through_ten_thousand_processes)
+TEST(Ps, scrolls_through_ten_thousand_processes)
 {
 	std::string output = "PID\n";
 	for (int i = 1; i <= 10000; ++i)
@@ -290,7 +290,7 @@ void onlyThese(const ReceiverFolder &receiver, const std::vector<pid_t> &pids)
 	receiver.write("bin/ps", "#!/bin/sh\nexec /bin/ps -o pid,user,args -p " + wanted + "\n", true);
 }
 
-TEST(Ps, should_kill_the_chosen_process_and_no_other)
+TEST(Ps, kills_the_chosen_process_and_no_other)
 {
 	Sleeper first, second, third;
 	ReceiverFolder receiver;
@@ -305,7 +305,7 @@ TEST(Ps, should_kill_the_chosen_process_and_no_other)
 	EXPECT_TRUE(third.lives());
 }
 
-TEST(Ps, should_spare_the_chosen_process_on_no)
+TEST(Ps, spares_the_chosen_process_on_no)
 {
 	Sleeper sleeper;
 	ReceiverFolder receiver;
@@ -317,7 +317,7 @@ TEST(Ps, should_spare_the_chosen_process_on_no)
 	EXPECT_TRUE(sleeper.lives());
 }
 
-TEST(Ps, should_signal_nobody_with_a_root)
+TEST(Ps, signals_nobody_with_a_root)
 {
 	Sleeper sleeper;
 	ReceiverFolder receiver;
@@ -399,12 +399,12 @@ void killInRealList(const std::vector<std::string> &program)
 	EXPECT_TRUE(bystander.lives());
 }
 
-TEST(Ps, should_kill_in_the_list_of_the_full_ps)
+TEST(Ps, kills_in_the_list_of_the_full_ps)
 {
 	killInRealList({"ps", "-e"});
 }
 
-TEST(Ps, should_kill_in_the_list_of_busybox)
+TEST(Ps, kills_in_the_list_of_busybox)
 {
 	killInRealList({"busybox", "ps"});
 }

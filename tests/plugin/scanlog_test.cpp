@@ -63,7 +63,7 @@ const Lines noFile = {
 	R"(eDebug("file \"/var/scaning.log\" not found"))",
 };
 
-TEST(ScanLog, should_be_laid_out_around_the_log)
+TEST(ScanLog, is_laid_out_around_the_log)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\nb\n");
@@ -75,7 +75,7 @@ TEST(ScanLog, should_be_laid_out_around_the_log)
 	}
 }
 
-TEST(ScanLog, should_be_laid_out_without_a_log)
+TEST(ScanLog, is_laid_out_without_a_log)
 {
 	ReceiverFolder receiver;
 	for (const int fontSize : {20, 30}) {
@@ -86,7 +86,7 @@ TEST(ScanLog, should_be_laid_out_without_a_log)
 	}
 }
 
-TEST(ScanLog, should_list_numbered_lines_with_the_list_in_focus)
+TEST(ScanLog, lists_numbered_lines_with_the_list_in_focus)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\nb");
@@ -99,7 +99,7 @@ TEST(ScanLog, should_list_numbered_lines_with_the_list_in_focus)
 	EXPECT_EQ(run.widget(opened, "eLabel")["rect"], Json({180, 430, 600, 20})) << "past the client area";
 }
 
-TEST(ScanLog, should_split_marker_lines)
+TEST(ScanLog, splits_marker_lines)
 {
 	const std::string line = "0123456789 start at 01234567890123456789012345678901234567890123456789"
 							 "abcdefghijklmnopqrstuvwxyzABCDE";
@@ -111,7 +111,7 @@ TEST(ScanLog, should_split_marker_lines)
 	          Json({"0 " + line.substr(1, 46), "0 " + line.substr(46, 46)}));
 }
 
-TEST(ScanLog, should_translate_the_button_and_neither_title_nor_summary)
+TEST(ScanLog, translates_the_button_and_neither_title_nor_summary)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
@@ -121,7 +121,7 @@ TEST(ScanLog, should_translate_the_button_and_neither_title_nor_summary)
 	EXPECT_EQ(run.widget(opened, "eLabel")["text"], "size of /var/scaning.log : 2 bytes");
 }
 
-TEST(ScanLog, should_do_nothing_when_a_line_is_chosen)
+TEST(ScanLog, does_nothing_when_a_line_is_chosen)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\nb\n");
@@ -130,7 +130,7 @@ TEST(ScanLog, should_do_nothing_when_a_line_is_chosen)
 	EXPECT_EQ(run.widget(opened + 3, list)["current"], 1);
 }
 
-TEST(ScanLog, should_ask_and_delete_on_yes)
+TEST(ScanLog, asks_and_deletes_on_yes)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
@@ -175,17 +175,17 @@ void expectKept(const std::string &answer, const std::string &result)
 	EXPECT_EQ(support::readFile(receiver / "var/scaning.log"), "a\n");
 }
 
-TEST(ScanLog, should_keep_the_log_on_no)
+TEST(ScanLog, keeps_the_log_on_no)
 {
 	expectKept("right ok", "8");
 }
 
-TEST(ScanLog, should_keep_the_log_when_the_box_is_left)
+TEST(ScanLog, keeps_the_log_when_the_box_is_left)
 {
 	expectKept("exit", "-1");
 }
 
-TEST(ScanLog, should_ask_also_from_the_button_itself)
+TEST(ScanLog, asks_also_from_the_button_itself)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
@@ -194,7 +194,7 @@ TEST(ScanLog, should_ask_also_from_the_button_itself)
 	EXPECT_EQ(run.window(opened + 2)["class"], "eMessageBox");
 }
 
-TEST(ScanLog, should_ask_without_a_log_and_close_without_a_word)
+TEST(ScanLog, asks_without_a_log_and_closes_without_a_word)
 {
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), keys + "red ok exit");
@@ -203,7 +203,7 @@ TEST(ScanLog, should_ask_without_a_log_and_close_without_a_word)
 	EXPECT_EQ(run.outcome.status, 0);
 }
 
-TEST(ScanLog, should_close_also_when_the_log_cannot_be_deleted)
+TEST(ScanLog, closes_also_when_the_log_cannot_be_deleted)
 {
 	ReceiverFolder receiver;
 	receiver.write("var/scaning.log/inside", "");
@@ -216,7 +216,7 @@ TEST(ScanLog, should_close_also_when_the_log_cannot_be_deleted)
 	EXPECT_TRUE(support::exists(receiver / "var/scaning.log/inside"));
 }
 
-TEST(ScanLog, should_translate_the_question_as_a_whole)
+TEST(ScanLog, translates_the_question_as_a_whole)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
@@ -243,7 +243,7 @@ class ScanLogContent : public ::testing::TestWithParam<Log>
 {
 };
 
-TEST_P(ScanLogContent, should_be_shown_and_measured)
+TEST_P(ScanLogContent, is_shown_and_measured)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog(GetParam().content);
@@ -271,7 +271,7 @@ INSTANTIATE_TEST_SUITE_P(
             {"0 " + std::string(1018, 'x') + "star", "1 t at\n"}}),
 	[](const auto &entry) { return entry.param.name; });
 
-TEST(ScanLog, should_draw_every_byte_value)
+TEST(ScanLog, draws_every_byte_value)
 {
 	std::string bytes;
 	for (int round = 0; round < 4; ++round)
@@ -285,7 +285,7 @@ TEST(ScanLog, should_draw_every_byte_value)
 	EXPECT_GT(run.widget(opened, list)["count"], 3);
 }
 
-TEST(ScanLog, should_not_mind_a_log_that_changes_while_it_is_shown)
+TEST(ScanLog, does_not_mind_a_log_that_changes_while_it_is_shown)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");

@@ -9,7 +9,7 @@
 namespace
 {
 
-TEST(SysInfExit, should_accept)
+TEST(SysInfExit, accepts)
 {
 	eSysInfDialog dialog;
 	eButton *button = new eButton(&dialog, nullptr, 1, "eButton");

@@ -95,7 +95,7 @@ Lines construction(int f)
 	return lines;
 }
 
-TEST(SysInf, should_be_laid_out_by_the_font_size)
+TEST(SysInf, is_laid_out_by_the_font_size)
 {
 	ReceiverFolder receiver;
 	receiver.mtd(onePartition);
@@ -108,7 +108,7 @@ TEST(SysInf, should_be_laid_out_by_the_font_size)
 	}
 }
 
-TEST(SysInf, should_overlap_and_overhang_as_laid_out)
+TEST(SysInf, overlaps_and_overhangs_as_laid_out)
 {
 	ReceiverFolder receiver;
 	receiver.mtd(onePartition);
@@ -124,7 +124,7 @@ TEST(SysInf, should_overlap_and_overhang_as_laid_out)
 	EXPECT_EQ(rect(7), Json({280, 85, 500, 100}));
 }
 
-TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
+TEST(SysInf, closes_by_ok_by_green_and_by_exit)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
@@ -141,7 +141,7 @@ TEST(SysInf, should_close_by_ok_by_green_and_by_exit)
 	                 "eWindow#1.~eWindow()"}));
 }
 
-TEST(SysInf, should_give_the_button_the_focus_and_the_green_key)
+TEST(SysInf, gives_the_button_the_focus_and_the_green_key)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
@@ -153,7 +153,7 @@ TEST(SysInf, should_give_the_button_the_focus_and_the_green_key)
 	EXPECT_EQ(button["rect"], Json({10, 400, 160, 40}));
 }
 
-TEST(SysInf, should_translate_nothing_but_the_button)
+TEST(SysInf, translates_nothing_but_the_button)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
@@ -165,7 +165,7 @@ TEST(SysInf, should_translate_nothing_but_the_button)
 	EXPECT_NE(arabic.widget(opened, "eButton")["text"], "OK");
 }
 
-TEST(SysInf, should_show_headings_only_when_there_is_nothing_to_read)
+TEST(SysInf, shows_headings_only_when_there_is_nothing_to_read)
 {
 	ReceiverFolder receiver;
 	receiver.df("");
@@ -179,7 +179,7 @@ TEST(SysInf, should_show_headings_only_when_there_is_nothing_to_read)
 	EXPECT_FALSE(support::exists("/var/tmp/df.tmp"));
 }
 
-TEST(SysInf, should_open_when_df_is_missing_or_fails)
+TEST(SysInf, opens_when_df_is_missing_or_fails)
 {
 	ReceiverFolder missing;
 	DeskRun run = runDesk(missing.path(), keys + "exit exit", {}, {{"PATH", missing / "bin"}});
@@ -194,7 +194,7 @@ TEST(SysInf, should_open_when_df_is_missing_or_fails)
 	EXPECT_EQ(run.outcome.status, 0);
 }
 
-TEST(SysInf, should_remove_the_file_also_when_it_could_not_be_written)
+TEST(SysInf, removes_the_file_also_when_it_could_not_be_written)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
@@ -208,7 +208,7 @@ TEST(SysInf, should_remove_the_file_also_when_it_could_not_be_written)
 	unlink("/var/tmp/df.tmp");
 }
 
-TEST(SysInf, should_end_when_the_partition_list_cannot_be_read)
+TEST(SysInf, ends_when_the_partition_list_cannot_be_read)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
@@ -218,7 +218,7 @@ TEST(SysInf, should_end_when_the_partition_list_cannot_be_read)
 	EXPECT_EQ(run.outcome.status, 0);
 }
 
-TEST(SysInf, should_show_long_words_whole_in_their_own_columns)
+TEST(SysInf, shows_long_words_whole_in_their_own_columns)
 {
 	const std::string device(60, 'd'), longDevice(300, 'e'), mount(200, 'm');
 	ReceiverFolder receiver;
@@ -231,7 +231,7 @@ TEST(SysInf, should_show_long_words_whole_in_their_own_columns)
 	                                                       usageLine("1", "2", "3", "4%", "/"));
 }
 
-TEST(SysInf, should_not_break_with_forty_mounts_and_bad_bytes)
+TEST(SysInf, does_not_break_with_forty_mounts_and_bad_bytes)
 {
 	ReceiverFolder receiver;
 	receiver.mtd("heading\n" + repeat("mtd1: 80000000 00020000 \"\xff\xfe\x1b[2J\"\n", 30));
@@ -243,7 +243,7 @@ TEST(SysInf, should_not_break_with_forty_mounts_and_bad_bytes)
 	EXPECT_EQ(run.window(opened + 1)["class"], "eVexloMenu");
 }
 
-TEST(SysInf, should_show_this_computers_mounts_without_a_root)
+TEST(SysInf, shows_this_computers_mounts_without_a_root)
 {
 	const DeskRun run = runDesk("", keys + "exit exit", {"--as-is"});
 	const Lines shown = support::lines(run.widget(opened, "eLabel", 7)["text"]);

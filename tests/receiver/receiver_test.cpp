@@ -88,7 +88,7 @@ protected:
 Box *OnTheBoard::box = nullptr;
 Json OnTheBoard::start;
 
-TEST_F(OnTheBoard, should_show_and_do_what_the_desk_shows)
+TEST_F(OnTheBoard, shows_and_does_what_the_desk_shows)
 {
 	box->shell(ownCommands);
 	box->shell(kept("ps"));
@@ -171,7 +171,7 @@ TEST_F(OnTheBoard, should_show_and_do_what_the_desk_shows)
 	box->shell("umount /proc/meminfo; umount /usr/bin");
 }
 
-TEST_F(OnTheBoard, should_open_all_screens_when_nothing_more_fits_into_var_tmp)
+TEST_F(OnTheBoard, opens_all_screens_when_nothing_more_fits_into_var_tmp)
 {
 	box->shell("mount -t tmpfs -o size=64k none /var/tmp; dd if=/dev/zero of=/var/tmp/full 2>/dev/null");
 	EXPECT_EQ(box->shell("echo x 2>/dev/null >/var/tmp/x || echo full"), "full\n");
@@ -179,7 +179,7 @@ TEST_F(OnTheBoard, should_open_all_screens_when_nothing_more_fits_into_var_tmp)
 	box->shell("umount /var/tmp");
 }
 
-TEST_F(OnTheBoard, should_open_all_screens_on_read_only_flash)
+TEST_F(OnTheBoard, opens_all_screens_on_read_only_flash)
 {
 	box->shell("mkdir -p /config/var/tmp; echo '0 a log on flash' >/config/var/scaning.log; "
 	           "mount --bind /config/var /var; mount -o remount,ro /config");
@@ -199,7 +199,7 @@ TEST_F(OnTheBoard, should_open_all_screens_on_read_only_flash)
 	box->shell("umount /var; mount -o remount,rw /config");
 }
 
-TEST_F(OnTheBoard, should_open_all_screens_when_the_log_was_on_a_mount_that_is_gone)
+TEST_F(OnTheBoard, opens_all_screens_when_the_log_was_on_a_mount_that_is_gone)
 {
 	box->shell("mkdir -p /tmp/stick; mount -t tmpfs none /tmp/stick; echo '0 x' >/tmp/stick/log; "
 	           "ln -sf /tmp/stick/log /var/scaning.log; umount -l /tmp/stick");
@@ -207,7 +207,7 @@ TEST_F(OnTheBoard, should_open_all_screens_when_the_log_was_on_a_mount_that_is_g
 	box->shell("rm /var/scaning.log");
 }
 
-TEST_F(OnTheBoard, should_open_all_screens_without_ps)
+TEST_F(OnTheBoard, opens_all_screens_without_ps)
 {
 	box->shell(ownCommands);
 	box->shell("rm /usr/bin/ps");
@@ -216,7 +216,7 @@ TEST_F(OnTheBoard, should_open_all_screens_without_ps)
 	box->shell("umount /usr/bin");
 }
 
-TEST_F(OnTheBoard, should_run_another_plugin)
+TEST_F(OnTheBoard, runs_another_plugin)
 {
 	box->shell("sed 's,--screen,--plugin /opt/menu/network.so.0 &,' /usr/sbin/menu >/tmp/network; "
 	           "chmod +x /tmp/network; mount --bind /tmp/network /usr/sbin/menu");
@@ -238,7 +238,7 @@ const char menuProcesses[] =
 	"child_of() { for p in $(pidof deskhost); do read -r pid name state parent rest </proc/$p/stat; "
 	"[ $parent != $1 ] || echo $p; done; }; host=$(child_of 1); menu=$(child_of $host); ";
 
-TEST_F(OnTheBoard, should_give_the_console_back_whatever_ends_the_menu)
+TEST_F(OnTheBoard, gives_the_console_back_whatever_ends_the_menu)
 {
 	box->shell("echo '#!/bin/sh' >/tmp/idle; echo 'exec sleep 1000' >>/tmp/idle; chmod +x /tmp/idle");
 	const char print[] = "printf '\\n\\n%30s' text >/dev/tty1"; // where screen() looks
@@ -263,7 +263,7 @@ TEST_F(OnTheBoard, should_give_the_console_back_whatever_ends_the_menu)
 	}
 }
 
-TEST_F(OnTheBoard, should_sleep_while_no_key_comes)
+TEST_F(OnTheBoard, sleeps_while_no_key_comes)
 {
 	const std::string time = "for p in $(pidof deskhost); do cut -d' ' -f14,15 /proc/$p/stat; done";
 	const std::string before = box->shell(time);
@@ -272,7 +272,7 @@ TEST_F(OnTheBoard, should_sleep_while_no_key_comes)
 }
 
 // The last one: afterwards there is no box.
-TEST_F(OnTheBoard, should_switch_off_by_the_power_key)
+TEST_F(OnTheBoard, switches_off_by_the_power_key)
 {
 	EXPECT_TRUE(box->switchesOff());
 }

@@ -46,7 +46,7 @@ protected:
 	support::TempFolder folder;
 };
 
-TEST_F(Run, should_make_what_is_missing_and_press_keys_and_keep_pictures)
+TEST_F(Run, makes_what_is_missing_and_presses_keys_and_keeps_pictures)
 {
 	const std::string pictures = folder / "pictures";
 	const support::Outcome outcome = run({"--keys", "down ok exit red 1", "--pictures", pictures});
@@ -75,7 +75,7 @@ TEST_F(Run, should_make_what_is_missing_and_press_keys_and_keep_pictures)
 	EXPECT_EQ(log(), expected);
 }
 
-TEST_F(Run, should_show_a_window_where_a_display_is_until_it_is_closed)
+TEST_F(Run, shows_a_window_where_a_display_is_until_it_is_closed)
 {
 	script("receiver/qemu", "echo \"qemu ${*:2}\" >>\"$log\"\n");
 	EXPECT_EQ(run({}, {{"DISPLAY", ":7"}}).status, 0);
@@ -84,7 +84,7 @@ TEST_F(Run, should_show_a_window_where_a_display_is_until_it_is_closed)
 	EXPECT_EQ(run({}, {{"WAYLAND_DISPLAY", "w"}}).status, 3);
 }
 
-TEST_F(Run, should_say_where_its_screen_is_to_be_seen)
+TEST_F(Run, says_where_its_screen_is_to_be_seen)
 {
 	support::Child child;
 	child.start({folder / "receiver/run", "--vnc"}, {}, 2);
@@ -96,7 +96,7 @@ TEST_F(Run, should_say_where_its_screen_is_to_be_seen)
 	EXPECT_EQ(child.exitStatus(), 128 + SIGTERM);
 }
 
-TEST_F(Run, should_refuse_what_it_does_not_know_before_anything_is_made)
+TEST_F(Run, refuses_what_it_does_not_know_before_anything_is_made)
 {
 	const struct
 	{

@@ -36,7 +36,7 @@ bool comesBack(const kernel::Console &console)
 	return false;
 }
 
-TEST(Console, should_be_in_graphics_mode_while_it_is_held)
+TEST(Console, is_in_graphics_mode_while_it_is_held)
 {
 	TempFolder folder;
 	const kernel::Console console(folder);
@@ -49,7 +49,7 @@ TEST(Console, should_be_in_graphics_mode_while_it_is_held)
 	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "nobody is left";
 }
 
-TEST(Console, should_be_given_back_whatever_ends_the_program)
+TEST(Console, is_given_back_whatever_ends_the_program)
 {
 	const std::pair<const char *, std::function<void()>> ends[] = {
 		{"exit", [] { _exit(0); }},
@@ -84,7 +84,7 @@ TEST(Console, should_be_given_back_whatever_ends_the_program)
 	}
 }
 
-TEST(Console, should_be_given_back_although_it_has_hung_up)
+TEST(Console, is_given_back_although_it_has_hung_up)
 {
 	TempFolder folder;
 	const kernel::Console console(folder);
@@ -95,7 +95,7 @@ TEST(Console, should_be_given_back_although_it_has_hung_up)
 	EXPECT_EQ(console.keyboard(), "typing");
 }
 
-TEST(Console, should_be_given_back_from_within_the_session_that_owns_it)
+TEST(Console, is_given_back_from_within_the_session_that_owns_it)
 {
 	TempFolder folder;
 	const kernel::Console console(folder);
@@ -106,7 +106,7 @@ TEST(Console, should_be_given_back_from_within_the_session_that_owns_it)
 	EXPECT_NE(getpgid(watcher), getpgid(0));
 }
 
-TEST(Console, should_be_no_matter_where_there_is_none)
+TEST(Console, is_no_matter_where_there_is_none)
 {
 	TempFolder folder;
 	std::string error;

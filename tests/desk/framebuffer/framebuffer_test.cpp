@@ -68,7 +68,7 @@ std::string refusal(const std::string &device)
 	return error;
 }
 
-TEST(Framebuffer, should_draw_in_whatever_way_the_pixels_are_kept)
+TEST(Framebuffer, draws_in_whatever_way_the_pixels_are_kept)
 {
 	for (const Layout &layout : layouts) {
 		TempFolder folder;
@@ -87,7 +87,7 @@ TEST(Framebuffer, should_draw_in_whatever_way_the_pixels_are_kept)
 	}
 }
 
-TEST(Framebuffer, should_be_opaque)
+TEST(Framebuffer, is_opaque)
 {
 	TempFolder folder;
 	kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
@@ -98,7 +98,7 @@ TEST(Framebuffer, should_be_opaque)
 	EXPECT_EQ(screen.pixel(100, 100), 0xFFFF8040u);
 }
 
-TEST(Framebuffer, should_stand_in_the_middle_of_a_larger_screen)
+TEST(Framebuffer, stands_in_the_middle_of_a_larger_screen)
 {
 	TempFolder folder;
 	const kernel::Screen screen(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
@@ -112,7 +112,7 @@ TEST(Framebuffer, should_stand_in_the_middle_of_a_larger_screen)
 	EXPECT_EQ(screen.pixel(759, 588), 0u);
 }
 
-TEST(Framebuffer, should_become_smaller_on_a_smaller_screen)
+TEST(Framebuffer, becomes_smaller_on_a_smaller_screen)
 {
 	struct Size
 	{
@@ -141,7 +141,7 @@ TEST(Framebuffer, should_become_smaller_on_a_smaller_screen)
 	}
 }
 
-TEST(Framebuffer, should_heed_the_length_of_a_line_and_where_the_screen_starts)
+TEST(Framebuffer, heeds_the_length_of_a_line_and_where_the_screen_starts)
 {
 	TempFolder folder;
 	kernel::Screen screen(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
@@ -162,7 +162,7 @@ TEST(Framebuffer, should_heed_the_length_of_a_line_and_where_the_screen_starts)
 	EXPECT_EQ(memory.substr(600 * 2048 + 16 + 720 * 2, 4), "\xAB\xAB\xAB\xAB");
 }
 
-TEST(Framebuffer, should_write_only_what_has_changed)
+TEST(Framebuffer, writes_only_what_has_changed)
 {
 	TempFolder folder;
 	const kernel::Screen screen(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
@@ -179,7 +179,7 @@ TEST(Framebuffer, should_write_only_what_has_changed)
 	EXPECT_EQ(screen.pixel(40, 12), 0xFFFFu);
 }
 
-TEST(Framebuffer, should_straighten_the_tables_of_a_screen_that_has_them)
+TEST(Framebuffer, straightens_the_tables_of_a_screen_that_has_them)
 {
 	TempFolder folder;
 	kernel::Screen screen(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
@@ -192,7 +192,7 @@ TEST(Framebuffer, should_straighten_the_tables_of_a_screen_that_has_them)
 	EXPECT_EQ(screen.table[31], 65535) << "red has 5";
 }
 
-TEST(Framebuffer, should_refuse_what_it_cannot_draw_on)
+TEST(Framebuffer, refuses_what_it_cannot_draw_on)
 {
 	TempFolder folder;
 	kernel::Screen screen(folder, 720, 576, 8, {0, 8, 0}, {0, 8, 0}, {0, 8, 0});
@@ -216,7 +216,7 @@ TEST(Framebuffer, should_refuse_what_it_cannot_draw_on)
 	opened(other);
 }
 
-TEST(Framebuffer, should_say_what_is_wrong_with_a_device)
+TEST(Framebuffer, says_what_is_wrong_with_a_device)
 {
 	TempFolder folder;
 	EXPECT_NE(refusal(folder / "fb7").find("--framebuffer"), std::string::npos);
@@ -228,7 +228,7 @@ TEST(Framebuffer, should_say_what_is_wrong_with_a_device)
 	}
 }
 
-TEST(Framebuffer, should_be_found)
+TEST(Framebuffer, is_found)
 {
 	TempFolder folder;
 	std::string error;
@@ -239,7 +239,7 @@ TEST(Framebuffer, should_be_found)
 	EXPECT_EQ(desk::findFramebuffer(folder.path(), error), folder / "fb2");
 }
 
-TEST(FramebufferScreen, should_show_a_frame_when_it_is_presented)
+TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
 {
 	TempFolder folder;
 	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
@@ -270,7 +270,7 @@ TEST(FramebufferScreen, should_show_a_frame_when_it_is_presented)
 	          "deskhost: the remote control \"" + remote.path + "\" is gone; was it unplugged?\n");
 }
 
-TEST(FramebufferScreen, should_leave_everything_alone_when_something_is_missing)
+TEST(FramebufferScreen, leaves_everything_alone_when_something_is_missing)
 {
 	TempFolder folder;
 	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});

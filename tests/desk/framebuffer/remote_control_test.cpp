@@ -38,7 +38,7 @@ std::string refusal(const std::string &device)
 	return error;
 }
 
-TEST(RemoteControl, should_know_the_keys_of_remote_controls_and_keyboards)
+TEST(RemoteControl, knows_the_keys_of_remote_controls_and_keyboards)
 {
 	const std::pair<unsigned int, const char *> known[] = {
 		{KEY_UP, "up"},
@@ -88,7 +88,7 @@ TEST(RemoteControl, should_know_the_keys_of_remote_controls_and_keyboards)
 	}
 }
 
-TEST(RemoteControl, should_pass_over_what_is_no_key_of_the_menu)
+TEST(RemoteControl, passes_over_what_is_no_key_of_the_menu)
 {
 	TempFolder folder;
 	const kernel::Remote remote(folder, remoteKeys);
@@ -99,7 +99,7 @@ TEST(RemoteControl, should_pass_over_what_is_no_key_of_the_menu)
 	EXPECT_EQ(control->waitKey(), Key::red);
 }
 
-TEST(RemoteControl, should_repeat_a_key_that_is_held)
+TEST(RemoteControl, repeats_a_key_that_is_held)
 {
 	TempFolder folder;
 	const kernel::Remote remote(folder, remoteKeys);
@@ -115,7 +115,7 @@ TEST(RemoteControl, should_repeat_a_key_that_is_held)
 	EXPECT_EQ(control->waitKey(), Key::ok);
 }
 
-TEST(RemoteControl, should_not_run_on_after_a_key_that_was_held)
+TEST(RemoteControl, does_not_run_on_after_a_key_that_was_held)
 {
 	TempFolder folder;
 	const kernel::Remote remote(folder, remoteKeys);
@@ -132,7 +132,7 @@ TEST(RemoteControl, should_not_run_on_after_a_key_that_was_held)
 	EXPECT_EQ(control->waitKey(), Key::up) << "and none when the key is let go";
 }
 
-TEST(RemoteControl, should_lose_no_press)
+TEST(RemoteControl, loses_no_press)
 {
 	TempFolder folder;
 	const kernel::Remote remote(folder, remoteKeys);
@@ -143,7 +143,7 @@ TEST(RemoteControl, should_lose_no_press)
 		EXPECT_EQ(control->waitKey(), key);
 }
 
-TEST(RemoteControl, should_sleep_while_no_key_comes)
+TEST(RemoteControl, sleeps_while_no_key_comes)
 {
 	TempFolder folder;
 	const kernel::Remote remote(folder, remoteKeys);
@@ -163,7 +163,7 @@ TEST(RemoteControl, should_sleep_while_no_key_comes)
 	          100000);
 }
 
-TEST(RemoteControl, should_end_when_it_is_unplugged)
+TEST(RemoteControl, ends_when_it_is_unplugged)
 {
 	TempFolder folder;
 	kernel::Remote remote(folder, remoteKeys);
@@ -175,7 +175,7 @@ TEST(RemoteControl, should_end_when_it_is_unplugged)
 	EXPECT_EQ(control->waitKey(), std::nullopt);
 }
 
-TEST(RemoteControl, should_say_what_is_wrong_with_a_device)
+TEST(RemoteControl, says_what_is_wrong_with_a_device)
 {
 	TempFolder folder;
 	EXPECT_NE(refusal(folder / "event9").find("plugged in"), std::string::npos);
@@ -184,7 +184,7 @@ TEST(RemoteControl, should_say_what_is_wrong_with_a_device)
 	EXPECT_NE(refusal(mouse.path).find("lacks the keys"), std::string::npos);
 }
 
-TEST(RemoteControl, should_be_found_before_a_keyboard)
+TEST(RemoteControl, is_found_before_a_keyboard)
 {
 	TempFolder folder;
 	std::string error;

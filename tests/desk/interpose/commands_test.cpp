@@ -27,7 +27,7 @@ public:
 	std::string number() const { return std::to_string(pid()); }
 };
 
-TEST(Commands, should_signal_nobody_with_a_root)
+TEST(Commands, signal_nobody_with_a_root)
 {
 	ReceiverFolder receiver;
 	Bystander bystander;
@@ -48,7 +48,7 @@ TEST(Commands, should_signal_nobody_with_a_root)
 	}
 }
 
-TEST(Commands, should_signal_for_real_without_a_root)
+TEST(Commands, signal_for_real_without_a_root)
 {
 	for (const char *how : {"run", "pipe", "signal"}) {
 		Bystander bystander;
@@ -59,7 +59,7 @@ TEST(Commands, should_signal_for_real_without_a_root)
 	}
 }
 
-TEST(Commands, should_be_those_of_the_root_and_none_else)
+TEST(Commands, are_those_of_the_root_and_none_else)
 {
 	ReceiverFolder receiver;
 	DeskRun run = reach("run", "ps", {"--root", receiver.path()});
@@ -82,7 +82,7 @@ TEST(Commands, should_be_those_of_the_root_and_none_else)
 	EXPECT_TRUE(has(run.outcome.err, "popen: the receiver's\n")) << run.outcome.err;
 }
 
-TEST(Commands, should_be_found_in_a_root_with_a_colon_in_its_name)
+TEST(Commands, are_found_in_a_root_with_a_colon_in_its_name)
 {
 	TempFolder folder;
 	folder.write("a:b/bin/ps", "#!/bin/sh\necho the receiver\\'s\n", true);
@@ -90,7 +90,7 @@ TEST(Commands, should_be_found_in_a_root_with_a_colon_in_its_name)
 	EXPECT_TRUE(has(run.outcome.err, "the receiver's\n")) << run.outcome.err;
 }
 
-TEST(Commands, should_not_be_waited_for_when_they_stay_in_the_background)
+TEST(Commands, are_not_waited_for_when_they_stay_in_the_background)
 {
 	for (const char *how : {"run", "pipe"}) {
 		TempFolder folder;
@@ -102,7 +102,7 @@ TEST(Commands, should_not_be_waited_for_when_they_stay_in_the_background)
 	}
 }
 
-TEST(Commands, should_show_what_they_print_and_obey_none_of_it)
+TEST(Commands, show_what_they_print_and_obey_none_of_it)
 {
 	const DeskRun run =
 		reach("run", "printf 'out\\033[2J\\n'; printf 'err\\033]0;x\\007 without an end' >&2");
@@ -112,12 +112,12 @@ TEST(Commands, should_show_what_they_print_and_obey_none_of_it)
 	EXPECT_FALSE(has(run.outcome.out, "out")) << "not among what the desk host answers";
 }
 
-TEST(Commands, should_have_nothing_to_read)
+TEST(Commands, have_nothing_to_read)
 {
 	EXPECT_TRUE(has(reach("run", "cat; echo end").outcome.err, "end\n"));
 }
 
-TEST(Commands, should_give_their_status)
+TEST(Commands, give_their_status)
 {
 	EXPECT_TRUE(has(reach("run", "exit 3").outcome.err, "system: 768\n"));
 	EXPECT_TRUE(has(reach("pipe", "echo a line; exit 3").outcome.err, "popen: a line\npclose: 768\n"));
@@ -127,7 +127,7 @@ TEST(Commands, should_give_their_status)
 	EXPECT_EQ(asked.trace.front(), "system(null)");
 }
 
-TEST(Commands, should_be_traced_by_their_text_alone)
+TEST(Commands, are_traced_by_their_text_alone)
 {
 	EXPECT_EQ(
 		reach("pipe", "echo a line").trace,

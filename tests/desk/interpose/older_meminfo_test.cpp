@@ -41,7 +41,7 @@ std::string summary(unsigned long long total, unsigned long long free, unsigned 
 	       line("SwapFree", swap / 2) + line("Shmem", cached);
 }
 
-TEST(OlderMeminfo, should_tell_the_same_quantities_in_fixed_columns)
+TEST(OlderMeminfo, tells_the_same_quantities_in_fixed_columns)
 {
 	EXPECT_EQ(older("MemTotal:       16303428 kB\n"
 	                "MemFree:          512000 kB\n"
@@ -75,7 +75,7 @@ TEST(OlderMeminfo, should_tell_the_same_quantities_in_fixed_columns)
 	          "SwapFree:      2097000 kB\n");
 }
 
-TEST(OlderMeminfo, should_tell_what_captured_summaries_tell)
+TEST(OlderMeminfo, tells_what_captured_summaries_tell)
 {
 	for (const char *name : {"kernel-6.1-small.txt", "kernel-6.18-large.txt"}) {
 		const std::string today = support::readFile(support::sourcePath("tests/fixtures/meminfo/") + name);
@@ -91,20 +91,20 @@ TEST(OlderMeminfo, should_tell_what_captured_summaries_tell)
 	}
 }
 
-TEST(OlderMeminfo, should_keep_the_high_and_low_memory_of_a_kernel_that_has_them)
+TEST(OlderMeminfo, keeps_the_high_and_low_memory_of_a_kernel_that_has_them)
 {
 	const std::string text = older("MemTotal: 4000000 kB\nHighTotal: 3000000 kB\nLowTotal: 1000000 kB\n");
 	EXPECT_NE(text.find("HighTotal:     3000000 kB\n"), std::string::npos) << text;
 	EXPECT_NE(text.find("LowTotal:      1000000 kB\n"), std::string::npos) << text;
 }
 
-TEST(OlderMeminfo, should_be_whole_whatever_is_missing)
+TEST(OlderMeminfo, is_whole_whatever_is_missing)
 {
 	for (const char *today : {"", "\n\n", "no summary at all\n", "MemTotal:\n", ": 5 kB\n"})
 		EXPECT_EQ(support::lines(older(today)).size(), 17u) << today;
 }
 
-TEST(OlderMeminfo, should_show_fourteen_rows_whatever_the_size_of_the_memory)
+TEST(OlderMeminfo, shows_fourteen_rows_whatever_the_size_of_the_memory)
 {
 	constexpr unsigned long long mebibyte = 1024, tebibyte = mebibyte << 20;
 	for (unsigned long long total = 8 * mebibyte; total <= 64 * tebibyte; total += total / 3)
@@ -123,7 +123,7 @@ TEST(OlderMeminfo, should_show_fourteen_rows_whatever_the_size_of_the_memory)
 			}
 }
 
-TEST(OlderMeminfo, should_tell_true_bytes_up_to_a_tebibyte)
+TEST(OlderMeminfo, tells_true_bytes_up_to_a_tebibyte)
 {
 	constexpr unsigned long long tebibyte = 1ULL << 30; // in kB
 	for (const unsigned long long free : {tebibyte / 100, tebibyte / 50, tebibyte / 2, tebibyte / 100 * 99}) {

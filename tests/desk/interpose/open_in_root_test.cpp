@@ -65,7 +65,7 @@ protected:
 	int folder = -1;
 };
 
-TEST_P(OpenInRoot, should_find_files_from_the_root_on)
+TEST_P(OpenInRoot, finds_files_from_the_root_on)
 {
 	EXPECT_EQ(content("/file"), "top");
 	EXPECT_EQ(content("etc//./file"), "in etc");
@@ -78,7 +78,7 @@ TEST_P(OpenInRoot, should_find_files_from_the_root_on)
 	EXPECT_EQ(content(""), "No such file or directory");
 }
 
-TEST_P(OpenInRoot, should_follow_links_to_places_in_the_root)
+TEST_P(OpenInRoot, follows_links_to_places_in_the_root)
 {
 	EXPECT_EQ(content("/absolute/file"), "in etc");
 	EXPECT_EQ(content("/relative/file"), "in etc");
@@ -91,7 +91,7 @@ TEST_P(OpenInRoot, should_follow_links_to_places_in_the_root)
 	EXPECT_EQ(content("/round/file"), "Too many levels of symbolic links");
 }
 
-TEST_P(OpenInRoot, should_open_folders)
+TEST_P(OpenInRoot, opens_folders)
 {
 	for (const char *path : {"/", "/etc/..", "/etc/", "/relative", "/absolute/", "."}) {
 		const int found = opened(path, O_PATH | O_DIRECTORY);
@@ -105,7 +105,7 @@ TEST_P(OpenInRoot, should_open_folders)
 	EXPECT_EQ(content("/file", O_PATH | O_DIRECTORY), "Not a directory");
 }
 
-TEST_P(OpenInRoot, should_create_and_write)
+TEST_P(OpenInRoot, creates_and_writes)
 {
 	const int flags = O_WRONLY | O_CREAT | O_TRUNC;
 	for (const char *path : {"/new", "/absolute/new", "/dangling"}) {
@@ -121,7 +121,7 @@ TEST_P(OpenInRoot, should_create_and_write)
 	EXPECT_EQ(content("/etc", flags), "Is a directory");
 }
 
-TEST_P(OpenInRoot, should_leave_no_file_open)
+TEST_P(OpenInRoot, leaves_no_file_open)
 {
 	const auto next = [] {
 		const int file = open("/dev/null", O_RDONLY | O_CLOEXEC);

@@ -15,7 +15,7 @@ bool has(const std::string &text, const std::string &part)
 	return text.find(part) != std::string::npos;
 }
 
-TEST(ThisComputer, should_have_the_commands_of_a_receiver)
+TEST(ThisComputer, has_the_commands_of_a_receiver)
 {
 	const std::string listed = reach("run", "ps").outcome.err;
 	EXPECT_TRUE(has(listed, "USER")) << listed;
@@ -24,13 +24,13 @@ TEST(ThisComputer, should_have_the_commands_of_a_receiver)
 	EXPECT_TRUE(has(reach("run", "kill -9 0x").outcome.err, "invalid number '0x'"));
 }
 
-TEST(ThisComputer, should_have_its_own_commands_as_it_is)
+TEST(ThisComputer, has_its_own_commands_as_it_is)
 {
 	EXPECT_TRUE(has(reach("run", "ps", {"--as-is"}).outcome.err, "TTY"));
 	EXPECT_FALSE(has(reach("run", "df -h", {"--as-is"}).outcome.err, "Available"));
 }
 
-TEST(ThisComputer, should_have_a_memory_summary_in_the_older_layout)
+TEST(ThisComputer, has_a_memory_summary_in_the_older_layout)
 {
 	EXPECT_TRUE(has(reach("read", "/proc/meminfo").outcome.err, "fopen:         total:    used:"));
 	EXPECT_TRUE(has(reach("read", "/proc/meminfo", {"--as-is"}).outcome.err, "fopen: MemTotal:"));
@@ -41,7 +41,7 @@ TEST(ThisComputer, should_have_a_memory_summary_in_the_older_layout)
 	EXPECT_EQ(reach("read", "/proc/meminfo").trace.front(), R"(fopen("/proc/meminfo", "r") = stream)");
 }
 
-TEST(ThisComputer, should_say_that_busybox_is_missing_and_do_without)
+TEST(ThisComputer, says_that_busybox_is_missing_and_does_without)
 {
 	TempFolder folder;
 	folder.write("ps", "#!/bin/sh\necho another ps\n", true);

@@ -17,7 +17,7 @@ using support::readFile;
 using support::ReceiverFolder;
 using support::TempFolder;
 
-TEST(Root, should_reach_nothing_through_links_that_lead_out)
+TEST(Root, reaches_nothing_through_links_that_lead_out)
 {
 	TempFolder elsewhere;
 	const std::string log = elsewhere.write("scaning.log", "kept");
@@ -31,7 +31,7 @@ TEST(Root, should_reach_nothing_through_links_that_lead_out)
 	}
 }
 
-TEST(Root, should_follow_links_inside_itself)
+TEST(Root, follows_links_inside_itself)
 {
 	ReceiverFolder receiver;
 	receiver.write("data/scaning.log", "inside\n");
@@ -42,7 +42,7 @@ TEST(Root, should_follow_links_inside_itself)
 	EXPECT_FALSE(exists(receiver / "data/scaning.log"));
 }
 
-TEST(Root, should_say_what_it_lacks)
+TEST(Root, says_what_it_lacks)
 {
 	ReceiverFolder receiver;
 	const std::string said = reach("read", "/proc/meminfo", {"--root", receiver.path()}).outcome.err;
@@ -53,7 +53,7 @@ TEST(Root, should_say_what_it_lacks)
 		<< said;
 }
 
-TEST(Root, should_serve_a_path_however_it_is_spelled)
+TEST(Root, serves_a_path_however_it_is_spelled)
 {
 	ReceiverFolder receiver;
 	receiver.meminfo("the receiver's\n");
@@ -63,7 +63,7 @@ TEST(Root, should_serve_a_path_however_it_is_spelled)
 			<< path;
 }
 
-TEST(Root, should_serve_writing_and_unlinking_as_well)
+TEST(Root, serves_writing_and_unlinking_as_well)
 {
 	ReceiverFolder receiver;
 	receiver.write("var/.keep", "");
@@ -74,7 +74,7 @@ TEST(Root, should_serve_writing_and_unlinking_as_well)
 	EXPECT_EQ(run.trace.front(), R"(unlink("/var/scaning.log"))");
 }
 
-TEST(Root, should_serve_further_files)
+TEST(Root, serves_further_files)
 {
 	ReceiverFolder receiver;
 	receiver.write("etc/hostname", "box\n");
@@ -94,7 +94,7 @@ TEST(Root, should_serve_further_files)
 	EXPECT_EQ(reach("read", "/", {"--serve", "/etc/hostname"}).outcome.status, 2) << "there is no root";
 }
 
-TEST(Root, should_remove_a_folder_that_stands_in_the_logs_place_when_it_is_empty)
+TEST(Root, removes_a_folder_that_stands_in_the_logs_place_when_it_is_empty)
 {
 	ReceiverFolder receiver;
 	receiver.write("var/scaning.log/inside", "");

@@ -26,7 +26,7 @@ std::string contractPlugin(const std::string &name)
 	return CONTRACTS + name + ".so.0";
 }
 
-TEST(Contract, should_be_the_same_for_a_plugin_of_this_host)
+TEST(Contract, is_the_same_for_a_plugin_of_this_host)
 {
 	EXPECT_EQ(differenceOfContract(contractPlugin("same")), "");
 	std::string error;
@@ -35,7 +35,7 @@ TEST(Contract, should_be_the_same_for_a_plugin_of_this_host)
 	EXPECT_EQ(plugin->exec(), 4711);
 }
 
-TEST(Contract, should_be_told_apart_by_a_virtual_operation)
+TEST(Contract, is_told_apart_by_a_virtual_operation)
 {
 	EXPECT_EQ(differenceOfContract(contractPlugin("operation_more")),
 	          "eWidget has 1 virtual operation more than here");
@@ -45,25 +45,25 @@ TEST(Contract, should_be_told_apart_by_a_virtual_operation)
 	          "eListBoxBase has 2 virtual operations more than here");
 }
 
-TEST(Contract, should_be_told_apart_by_a_member)
+TEST(Contract, is_told_apart_by_a_member)
 {
 	EXPECT_EQ(differenceOfContract(contractPlugin("member_more")),
 	          "eListBoxEntryText has 64 bytes more than here");
 }
 
-TEST(Contract, should_be_told_apart_by_its_signals)
+TEST(Contract, is_told_apart_by_its_signals)
 {
 	const std::string said = differenceOfContract(contractPlugin("other_layer"));
 	EXPECT_EQ(said.rfind("its signals are those of libsigc++ 2, here those of libsigc++ ", 0), 0u) << said;
 }
 
-TEST(Contract, should_be_told_apart_by_its_classes)
+TEST(Contract, is_told_apart_by_its_classes)
 {
 	EXPECT_EQ(differenceOfContract(contractPlugin("class_more")),
 	          "it tells of other classes than this host knows");
 }
 
-TEST(Contract, should_keep_a_plugin_of_another_one_from_running)
+TEST(Contract, keeps_a_plugin_of_another_one_from_running)
 {
 	for (const auto load : {Plugin::load, Plugin::loadCopy}) {
 		std::string error;
@@ -74,7 +74,7 @@ TEST(Contract, should_keep_a_plugin_of_another_one_from_running)
 	}
 }
 
-TEST(Contract, should_not_be_asked_for)
+TEST(Contract, is_not_asked_for)
 {
 	EXPECT_EQ(differenceOfContract(VERSIONS "one.so.0"), "") << "a plugin without the note";
 	std::string error;
@@ -85,7 +85,7 @@ TEST(Contract, should_not_be_asked_for)
 	EXPECT_EQ(differenceOfContract(folder.path()), "");
 }
 
-TEST(Contract, should_be_read_from_any_bytes)
+TEST(Contract, is_read_from_any_bytes)
 {
 	std::string whole = support::readFile(contractPlugin("same"));
 	const size_t note = whole.find(std::string("Vexlo\0\0\0libsigc++", 17)) - sizeof(Elf32_Nhdr);

@@ -40,7 +40,7 @@ private:
 	int count = 0;
 };
 
-TEST(Watch, should_tell_when_the_file_is_written_or_replaced)
+TEST(Watch, tells_when_the_file_is_written_or_replaced)
 {
 	TempFolder folder;
 	const std::string file = folder.write("plugin.so.0", "one");
@@ -63,7 +63,7 @@ TEST(Watch, should_tell_when_the_file_is_written_or_replaced)
 	EXPECT_TRUE(notices.comesTo(3)) << "deleted and made again";
 }
 
-TEST(Watch, should_not_mind_other_files_nor_tell_of_one_change_twice)
+TEST(Watch, does_not_mind_other_files_nor_tell_of_one_change_twice)
 {
 	TempFolder folder;
 	const std::string file = folder.write("plugin.so.0", "one");
@@ -79,7 +79,7 @@ TEST(Watch, should_not_mind_other_files_nor_tell_of_one_change_twice)
 	EXPECT_FALSE(notices.comesTo(2, std::chrono::milliseconds(700))) << "a build writes more than once";
 }
 
-TEST(Watch, should_say_why_it_cannot_watch)
+TEST(Watch, says_why_it_cannot_watch)
 {
 	std::string error;
 	EXPECT_FALSE(Watch::start(

@@ -125,7 +125,7 @@ protected:
 	std::string error;
 };
 
-TEST_F(WatchedRun, should_show_the_same_screen_of_the_new_plugin)
+TEST_F(WatchedRun, shows_the_same_screen_of_the_new_plugin)
 {
 	EXPECT_TRUE(run({press(Key::green), see("green in one, 1 greens", Key::green), compile("two"),
 	                 see("green in two, 2 greens", Key::green), compile("one"),
@@ -135,7 +135,7 @@ TEST_F(WatchedRun, should_show_the_same_screen_of_the_new_plugin)
 	EXPECT_EQ(result, -1) << "left by the viewer";
 }
 
-TEST_F(WatchedRun, should_keep_the_picture_while_the_plugin_cannot_be_loaded)
+TEST_F(WatchedRun, keeps_the_picture_while_the_plugin_cannot_be_loaded)
 {
 	int presented = 0;
 	const auto broken = [&] {
@@ -156,7 +156,7 @@ TEST_F(WatchedRun, should_keep_the_picture_while_the_plugin_cannot_be_loaded)
 		<< "keys that nothing takes are not pressed later";
 }
 
-TEST_F(WatchedRun, should_end_when_the_viewer_leaves_a_broken_plugin)
+TEST_F(WatchedRun, ends_when_the_viewer_leaves_a_broken_plugin)
 {
 	const auto broken = [&] {
 		receiver.write("plugin.so.0", "half a plugin");
@@ -171,7 +171,7 @@ TEST_F(WatchedRun, should_end_when_the_viewer_leaves_a_broken_plugin)
 	EXPECT_TRUE(run({broken}) == false) << "the first one must be whole";
 }
 
-TEST_F(WatchedRun, should_not_delete_again)
+TEST_F(WatchedRun, does_not_delete_again)
 {
 	EXPECT_TRUE(run({press(Key::green), press(Key::red), see("red in one, 1 greens", Key::green),
 	                 [&] {
@@ -187,7 +187,7 @@ TEST_F(WatchedRun, should_not_delete_again)
 		<< author->notes;
 }
 
-TEST_F(WatchedRun, should_not_delete_with_a_key_that_did_not_before)
+TEST_F(WatchedRun, does_not_delete_with_a_key_that_did_not_before)
 {
 	EXPECT_TRUE(run({press(Key::green), press(Key::green), compile("three"),
 	                 see("green in three, 1 greens", Key::green),

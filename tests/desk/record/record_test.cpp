@@ -17,7 +17,7 @@ Outcome deskhost(Lines options)
 	return run(options);
 }
 
-TEST(Recorder, should_write_a_picture_and_a_line_for_the_start_and_every_key)
+TEST(Recorder, writes_a_picture_and_a_line_for_the_start_and_every_key)
 {
 	ReceiverFolder receiver;
 	TempFolder pictures;
@@ -35,7 +35,7 @@ TEST(Recorder, should_write_a_picture_and_a_line_for_the_start_and_every_key)
 	EXPECT_EQ(run.dump.back()["windows"].size(), 0u);
 }
 
-TEST(Recorder, should_report_a_picture_that_does_not_fit_and_leave_no_part_of_it)
+TEST(Recorder, reports_a_picture_that_does_not_fit_and_leaves_no_part_of_it)
 {
 	TempFolder pictures;
 	const Outcome outcome =
@@ -47,7 +47,7 @@ TEST(Recorder, should_report_a_picture_that_does_not_fit_and_leave_no_part_of_it
 	EXPECT_FALSE(support::exists(pictures / "00-start.png"));
 }
 
-TEST(Recorder, should_describe_windows_and_widgets_with_their_fixed_names)
+TEST(Recorder, describes_windows_and_widgets_with_their_fixed_names)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
@@ -65,7 +65,7 @@ TEST(Recorder, should_describe_windows_and_widgets_with_their_fixed_names)
 	          (Lines{"class", "rect", "text", "focus", "shortcut", "count", "current", "rows", "help"}));
 }
 
-TEST(Recorder, should_report_a_dump_or_a_trace_that_no_longer_fits)
+TEST(Recorder, reports_a_dump_or_a_trace_that_no_longer_fits)
 {
 	ReceiverFolder receiver;
 	const Outcome outcome = deskhost({"--screen", "none", "--root", receiver.path(), "--dump", "/dev/full"});
@@ -76,7 +76,7 @@ TEST(Recorder, should_report_a_dump_or_a_trace_that_no_longer_fits)
 	EXPECT_NE(traced.err.find("/dev/full"), std::string::npos) << traced.err;
 }
 
-TEST(Trace, should_trace_the_same_keys_on_the_same_root_alike)
+TEST(Trace, traces_the_same_keys_on_the_same_root_alike)
 {
 	ReceiverFolder receiver;
 	receiver.ps("PID\n1 init\n2 other\n");
@@ -92,7 +92,7 @@ TEST(Trace, should_trace_the_same_keys_on_the_same_root_alike)
 	EXPECT_EQ(runDesk(receiver.path(), keys, {"--pictures", pictures.path()}).trace, first.trace);
 }
 
-TEST(Trace, should_name_objects_by_class_and_number)
+TEST(Trace, names_objects_by_class_and_numbers)
 {
 	ReceiverFolder receiver;
 	const DeskRun run =

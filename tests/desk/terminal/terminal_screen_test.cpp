@@ -264,7 +264,7 @@ TEST(TerminalScreen, a_crash_gives_the_terminal_back)
 {
 	expectRestored(
 		139, [](const Tmux &terminal, int) { terminal.press("5"); },
-		"deskhost: ended by signal 11, Segmentation fault; --trace FILE shows the plugin's last calls");
+		"deskhost: ended by signal 11, Segmentation fault; --trace FILE");
 }
 
 TEST(TerminalScreen, an_abort_gives_the_terminal_back)

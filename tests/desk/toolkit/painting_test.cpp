@@ -92,7 +92,7 @@ std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 	return changes;
 }
 
-TEST(Painting, should_leave_the_same_screen_as_painting_all_of_it)
+TEST(Painting, leaves_the_same_screen_as_painting_all_of_it)
 {
 	changesOf(support::pluginPath(),
 	          "down up up ok right ok exit 3 down down pagedown end up red right left exit "
@@ -102,7 +102,7 @@ TEST(Painting, should_leave_the_same_screen_as_painting_all_of_it)
 	changesOf(support::testPlugin("lifetimes.so.0"), "ok red down yellow exit");
 }
 
-TEST(Painting, should_be_of_two_rows_for_one_step_in_a_list)
+TEST(Painting, is_of_two_rows_for_one_step_in_a_list)
 {
 	const std::vector<Rect> changes = changesOf(support::pluginPath(), "3 down down left left exit exit");
 	EXPECT_EQ(changes[0], desk::wholeScreen);
@@ -112,7 +112,7 @@ TEST(Painting, should_be_of_two_rows_for_one_step_in_a_list)
 	EXPECT_LE(changes[3].w, 600);
 }
 
-TEST(Painting, should_not_be_when_nothing_has_changed)
+TEST(Painting, is_not_when_nothing_has_changed)
 {
 	const std::vector<Rect> changes = changesOf(support::pluginPath(), "9 0 right red exit");
 	for (size_t key = 1; key <= 4; ++key)

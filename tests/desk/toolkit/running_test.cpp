@@ -21,7 +21,7 @@ DeskRun running(const std::string &keys)
 	return run;
 }
 
-TEST(Running, should_show_new_texts_and_places_at_once)
+TEST(Running, shows_new_texts_and_places_at_once)
 {
 	const DeskRun run = running("red red exit");
 	EXPECT_EQ(run.window(0)["title"], "Page");
@@ -33,7 +33,7 @@ TEST(Running, should_show_new_texts_and_places_at_once)
 	EXPECT_EQ(run.window(2), run.window(1)) << "the key is bound no more";
 }
 
-TEST(Running, should_bind_all_four_colours)
+TEST(Running, binds_all_four_colours)
 {
 	const DeskRun run = running("");
 	const char *const keys[] = {"red", "green", "yellow", "blue"};
@@ -41,7 +41,7 @@ TEST(Running, should_bind_all_four_colours)
 		EXPECT_EQ(run.widget(0, "eButton", i)["shortcut"], keys[i]);
 }
 
-TEST(Running, should_move_the_focus_from_what_is_hidden_and_show_it_again)
+TEST(Running, moves_the_focus_from_what_is_hidden_and_shows_it_again)
 {
 	const DeskRun run = running("green down ok green exit");
 	EXPECT_EQ(run.widget(0, list)["focus"], true);
@@ -53,7 +53,7 @@ TEST(Running, should_move_the_focus_from_what_is_hidden_and_show_it_again)
 	EXPECT_EQ(run.widget(4, "eButton", 0)["focus"], true) << "what is shown does not take the focus";
 }
 
-TEST(Running, should_report_every_move_and_choice)
+TEST(Running, reports_every_move_and_choice)
 {
 	const DeskRun run = running("down end end up ok exit");
 	const char *const texts[] = {"", "two", "three", "three", "two", "chosen two"};
@@ -62,7 +62,7 @@ TEST(Running, should_report_every_move_and_choice)
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 }
 
-TEST(Running, should_take_entries_out_and_put_them_back)
+TEST(Running, takes_entries_out_and_puts_them_back)
 {
 	const DeskRun run = running("down blue blue up up blue exit");
 	EXPECT_EQ(run.widget(2, list)["rows"], Json({"one", "three"}));
@@ -78,7 +78,7 @@ TEST(Running, should_take_entries_out_and_put_them_back)
 		<< "an entry that comes back is a new one to the trace";
 }
 
-TEST(Running, should_go_on_with_a_list_that_has_become_empty)
+TEST(Running, goes_on_with_a_list_that_has_become_empty)
 {
 	const DeskRun run = running("down red blue ok up pagedown exit");
 	for (size_t i = 3; i < 7; ++i) {
@@ -88,7 +88,7 @@ TEST(Running, should_go_on_with_a_list_that_has_become_empty)
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 }
 
-TEST(Running, should_ask_while_a_question_waits)
+TEST(Running, asks_while_a_question_waits)
 {
 	const DeskRun run = running("yellow exit right ok exit ok yellow ok exit");
 	EXPECT_EQ(run.widget(1, "eButton", 1)["focus"], true) << "no is the default answer";
@@ -102,7 +102,7 @@ TEST(Running, should_ask_while_a_question_waits)
 	EXPECT_EQ(run.widget(8, "eLabel")["text"], "answer 8");
 }
 
-TEST(Running, should_dispose_of_everything)
+TEST(Running, disposes_of_everything)
 {
 	// Under a sanitizer a leak or a second deletion ends this with another status.
 	running("down blue exit");

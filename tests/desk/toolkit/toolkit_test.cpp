@@ -9,7 +9,7 @@ using namespace support;
 namespace
 {
 
-TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
+TEST(Toolkit, survives_a_plugin_that_does_more_than_it_must)
 {
 	const Lines options = {"--plugin", testPlugin("widgets.so.0")};
 	// Down twice, delete the third entry; up from the first wraps; page and end; then leave.
@@ -33,7 +33,7 @@ TEST(Toolkit, should_survive_a_plugin_that_does_more_than_it_must)
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 }
 
-TEST(Toolkit, should_keep_questions_on_the_screen_whatever_the_font_size)
+TEST(Toolkit, keeps_questions_on_the_screen_whatever_the_font_size)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
@@ -46,7 +46,7 @@ TEST(Toolkit, should_keep_questions_on_the_screen_whatever_the_font_size)
 	}
 }
 
-TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
+TEST(Toolkit, survives_what_is_destroyed_while_it_is_in_use)
 {
 	const Lines options = {"--plugin", testPlugin("lifetimes.so.0")};
 	const auto focused = [](const Json &window) {
@@ -76,7 +76,7 @@ TEST(Toolkit, should_survive_what_is_destroyed_while_it_is_in_use)
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 }
 
-TEST(Toolkit, should_know_which_entries_are_left)
+TEST(Toolkit, knows_which_entries_are_left)
 {
 	// Leaves the list; "2" takes out the entry that it moves to, which then is not confirmed; "2" confirms what
 	// has moved up, "1" the first one; the last "2" deletes the menu while it moves.
@@ -88,14 +88,14 @@ TEST(Toolkit, should_know_which_entries_are_left)
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 }
 
-TEST(Toolkit, should_report_the_entry_that_becomes_current_when_one_is_taken_out)
+TEST(Toolkit, reports_the_entry_that_becomes_current_when_one_is_taken_out)
 {
 	const DeskRun run = runDesk("", "ok home ok exit", {"--plugin", testPlugin("widgets.so.0")});
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "two");
 	EXPECT_EQ(run.widget(3, "eLabel")["text"], "three");
 }
 
-TEST(Toolkit, should_empty_a_list_entry_by_entry)
+TEST(Toolkit, empties_a_list_entry_by_entry)
 {
 	const DeskRun run =
 		runDesk("", "ok ok ok ok ok ok ok ok down up end exit", {"--plugin", testPlugin("widgets.so.0")});

@@ -106,6 +106,7 @@ TEST_F(HostInWindow, says_over_the_picture_why_a_watched_plugin_is_not_loaded)
 	const std::string plugin = folder / "plugin.so.0";
 	std::filesystem::copy_file(support::pluginPath(), plugin);
 	start({"--watch", "--plugin", plugin});
+	ASSERT_TRUE(eventually([&] { return pixel(700, 565) > 1; })) << "the picture is there";
 	const unsigned long before = pixel(700, 565);
 	const auto isCovered = [&] { return pixel(700, 565) != before; };
 	const auto isClear = [&] { return pixel(700, 565) == before; };
