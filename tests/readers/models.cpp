@@ -256,7 +256,7 @@ ModelScanLog modelScanLog(const std::string &bytes, const std::string &path)
 			contents.entries.push_back({prefix + line, line});
 			continue;
 		}
-		for (const std::size_t start : {1, 46})
+		for (const std::size_t start : {1u, 46u})
 			contents.entries.push_back({prefix + untilNul(buffer.substr(start, 46)), line});
 	}
 	contents.summary = "size of " + path + " : " + std::to_string(bytes.size()) + " bytes";
