@@ -8,7 +8,6 @@
 #include "scanlog_contents.h"
 
 #include <cstdlib>
-#include <cstring>
 
 // The host's; nothing is said here.
 void eDebug(const char *, ...) {}

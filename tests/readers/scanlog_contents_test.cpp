@@ -5,7 +5,6 @@
 #include "streams.h"
 #include "temp_folder.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <string>
