@@ -12,6 +12,7 @@
 #include "skin.h"
 #include "supervisor.h"
 #include "terminal_screen.h"
+#include "texts.h"
 #include "trace.h"
 #include "visible_text.h"
 #include "watched_run.h"
@@ -20,7 +21,6 @@
 #include <CLI/CLI.hpp>
 
 #include <fcntl.h>
-#include <libintl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,7 +32,6 @@
 #include <iostream>
 #include <iterator>
 #include <new>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -156,47 +155,14 @@ std::string likelyScreen(std::string &note)
 	return otherwise;
 }
 
-/// Makes the message catalogue of `lang` the current one, under the null domain. `catalogue` is
-/// DOMAIN[:FOLDER], the folder being by default the one that comes with this program.
+/// Shows the plugin's texts in `lang`. `catalogue` is DOMAIN[:FOLDER], the folder being by default the one that
+/// comes with this program.
 bool setLanguage(const std::string &lang, const std::string &catalogue, std::string &error)
 {
 	const size_t colon = std::min(catalogue.find(':'), catalogue.size());
-	const std::string domain = catalogue.substr(0, colon);
-	const fs::path catalogues =
-		colon < catalogue.size() ? fs::path(catalogue.substr(colon + 1)) : find({"../po", "../share/locale"});
-	const auto file = [&](const std::string &name) {
-		return catalogues / name / "LC_MESSAGES" / (domain + ".mo");
-	};
-
-	std::error_code failed;
-	std::set<std::string> known = {"en"}; // the language of the texts themselves
-	for (const fs::directory_entry &entry : fs::directory_iterator(catalogues, failed))
-		if (const std::string name = entry.path().filename(); fs::exists(file(name), failed))
-			known.insert(name);
-	// "de_AT.UTF-8" may do with "de".
-	const std::string territory = lang.substr(0, lang.find_first_of(".@"));
-	const std::string language = territory.substr(0, territory.find('_'));
-	if (language == "en")
-		return true;
-	const bool plain = lang.find('/') == std::string::npos && !language.empty();
-	if (!plain || (!fs::exists(file(territory), failed) && !fs::exists(file(language), failed))) {
-		error = "there is no message catalogue '" + domain + "' for '" + lang + "' in '" +
-		        catalogues.lexically_normal().string() + "'; --lang knows:";
-		for (const std::string &name : known)
-			error += ' ' + name;
-		error += "; --catalogue names another folder";
-		return false;
-	}
-	// The catalogues are UTF-8, and so is the screen; of the locale only this must not be "C".
-	if (!std::setlocale(LC_MESSAGES, "C.UTF-8")) {
-		error = "cannot translate: this system lacks the locale C.UTF-8; install it, or leave out --lang";
-		return false;
-	}
-	setenv("LANGUAGE", lang.c_str(), 1);
-	bindtextdomain(domain.c_str(), fs::absolute(catalogues).c_str());
-	bind_textdomain_codeset(domain.c_str(), "UTF-8");
-	textdomain(domain.c_str());
-	return true;
+	const std::string folder =
+		colon < catalogue.size() ? catalogue.substr(colon + 1) : find({"../po", "../share/locale"}).string();
+	return Texts::get().setLanguage(lang, folder, catalogue.substr(0, colon), error);
 }
 
 /// What the plugin is called: "vexlomenu" for ".../vexlomenu.so.0".

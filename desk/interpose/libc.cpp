@@ -7,16 +7,20 @@
 #include "commands.h"
 #include "desk.h"
 #include "files.h"
+#include "texts.h"
 #include "trace.h"
 
 #include <sys/types.h>
 
 #include <cerrno>
+#include <clocale>
+#include <libintl.h>
 #include <string_view>
 
 using desk::Commands;
 using desk::Files;
 using desk::next;
+using desk::Texts;
 using desk::Trace;
 
 namespace
@@ -55,6 +59,12 @@ bool mayDelete(const char *path)
 		return true;
 	errno = EPERM;
 	return desk::Desk::get().permits("remove " + std::string(name));
+}
+
+/// Whether texts of this domain are the plugin's. Libraries look up their own, by the name of their domain.
+bool translates(const char *domain, int category = LC_MESSAGES)
+{
+	return category == LC_MESSAGES && Texts::get().translates() && (!domain || byPlugin());
 }
 
 } // namespace
@@ -125,6 +135,56 @@ int kill(pid_t process, int number) noexcept
 		return next<int(pid_t, int)>("kill")(process, number);
 	trace("kill", process, number);
 	return Commands::get().signal(process, number);
+}
+
+char *dcgettext(const char *domain, const char *id, int category) noexcept
+{
+	if (!id || !translates(domain, category))
+		return next<char *(const char *, const char *, int)>("dcgettext")(domain, id, category);
+	return const_cast<char *>(Texts::get().find(domain, id));
+}
+
+char *dgettext(const char *domain, const char *id) noexcept
+{
+	return dcgettext(domain, id, LC_MESSAGES);
+}
+
+char *gettext(const char *id) noexcept
+{
+	return dcgettext(nullptr, id, LC_MESSAGES);
+}
+
+char *dcngettext(const char *domain, const char *id, const char *plural, unsigned long n,
+                 int category) noexcept
+{
+	using Function = char *(const char *, const char *, const char *, unsigned long, int);
+	if (!id || !translates(domain, category))
+		return next<Function>("dcngettext")(domain, id, plural, n, category);
+	return const_cast<char *>(Texts::get().find(domain, id, plural, n));
+}
+
+char *dngettext(const char *domain, const char *id, const char *plural, unsigned long n) noexcept
+{
+	return dcngettext(domain, id, plural, n, LC_MESSAGES);
+}
+
+char *ngettext(const char *id, const char *plural, unsigned long n) noexcept
+{
+	return dcngettext(nullptr, id, plural, n, LC_MESSAGES);
+}
+
+char *textdomain(const char *domain) noexcept
+{
+	if (!byPlugin() || !Texts::get().translates())
+		return next<char *(const char *)>("textdomain")(domain);
+	return const_cast<char *>(Texts::get().setDomain(domain));
+}
+
+char *bindtextdomain(const char *domain, const char *folder) noexcept
+{
+	if (!byPlugin() || !Texts::get().translates())
+		return next<char *(const char *, const char *)>("bindtextdomain")(domain, folder);
+	return const_cast<char *>(Texts::get().setFolder(domain, folder));
 }
 }
 

@@ -315,6 +315,50 @@ TEST(App, numbers_the_help_in_every_language)
 	}
 }
 
+TEST(App, needs_no_locale_for_any_language)
+{
+	ReceiverFolder receiver;
+	receiver.write("locales/.keep", "");
+	const support::Environment noLocale = {
+		{"LOCPATH", receiver / "locales"}, {"LC_ALL", ""}, {"LANG", ""}, {"LANGUAGE", ""}};
+	for (const std::string &language : support::lines(support::readFile(support::sourcePath("po/LINGUAS")))) {
+		const auto shown = [&](const support::Environment &environment) {
+			const DeskRun run = runDesk(receiver.path(), "3 red", {"--lang", language}, environment);
+			return run.window(0).dump() + run.window(1).dump() + run.window(2).dump();
+		};
+		const std::string texts = shown({{"LC_ALL", "C.UTF-8"}});
+		EXPECT_EQ(texts.find("Vexlo service menu"), std::string::npos) << language;
+		EXPECT_EQ(texts.find("delete log"), std::string::npos) << language;
+		EXPECT_EQ(shown(noLocale), texts) << language;
+	}
+}
+
+TEST(App, says_why_it_cannot_show_a_language)
+{
+	ReceiverFolder receiver;
+	const std::string german = support::readFile(support::buildPath("po/de/LC_MESSAGES/vexlomenu.mo"));
+	std::string western = german;
+	western.replace(western.find("charset=UTF-8"), 13, "charset=CP850");
+	const auto expectRefusedFor = [&](const std::string &reason) {
+		expectRefused(
+			deskhost({"--screen", "none", "--lang", "xx", "--catalogue", "vexlomenu:" + receiver.path()}), 2,
+			reason);
+	};
+	const std::string path = receiver / "xx/LC_MESSAGES/vexlomenu.mo";
+	receiver.write("xx/LC_MESSAGES/vexlomenu.mo", german.substr(0, german.size() / 2));
+	expectRefusedFor("cannot use the message catalogue '" + path + "': its text number ");
+	support::writeFile(path, western);
+	expectRefusedFor("CP850");
+	support::writeFile(path, "");
+	expectRefusedFor("it is none; make it with msgfmt");
+	unlink(path.c_str());
+	ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+	expectRefusedFor("cannot read the message catalogue '" + path + "': it is no file");
+	unlink(path.c_str());
+	ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
+	expectRefusedFor("it is no file");
+}
+
 TEST(App, does_not_take_the_language_of_the_desk)
 {
 	ReceiverFolder receiver;
