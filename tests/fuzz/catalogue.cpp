@@ -1,0 +1,40 @@
+// Message catalogues: texts that can be used or a reason why not, whatever the bytes.
+
+#include "catalogue.h"
+#include "target.h"
+
+#include <cstring>
+
+namespace
+{
+
+/// Whether it is within the catalogue's bytes to its end, which the sanitizer sees.
+void requireUsable(const char *text, std::size_t size)
+{
+	fuzz::require(!text || std::strlen(text) < size, "a text is larger than its catalogue");
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+	std::string error;
+	const auto catalogue = desk::Catalogue::parse(fuzz::text(data, size), "fuzzed.mo", error);
+	fuzz::require(catalogue ? error.empty() : error.find("fuzzed.mo") != std::string::npos,
+	              "the error does not say whether it was taken");
+	if (!catalogue)
+		return 0;
+	for (const char *id : {"", "a", "%s", "%d row", "menu\4a"}) {
+		requireUsable(catalogue->find(id), size);
+		for (const unsigned long n : {0ul, 1ul, 2ul, 5ul, 11ul, ~0ul})
+			requireUsable(catalogue->find(id, n), size);
+	}
+	if (const char *format = catalogue->find("%s")) {
+		char text[64];
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // that it takes no other value is what is tried
+		snprintf(text, sizeof text, format, "value");
+#pragma GCC diagnostic pop
+	}
+	return 0;
+}
