@@ -1,7 +1,5 @@
 // Every source of the plugin's information with every fault: all screens open, show what is left,
 // and the menu comes back.
-//
-// faults_test --list prints the table for the documentation.
 
 #include "models.h"
 #include "support.h"
@@ -17,8 +15,8 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <iostream>
 #include <optional>
+#include <ostream>
 
 using support::DeskRun;
 using support::Json;
@@ -542,18 +540,8 @@ TEST(Health, shows_everything_where_nothing_is_wrong)
 TEST(Table, is_in_the_documentation)
 {
 	EXPECT_NE(support::readFile(support::sourcePath("docs/testing.md")).find(table()), std::string::npos)
-		<< "docs/testing.md needs what faults_test --list prints:\n"
+		<< "docs/testing.md needs this table:\n"
 		<< table();
 }
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-	testing::InitGoogleTest(&argc, argv);
-	if (argc == 2 && std::string(argv[1]) == "--list") {
-		std::cout << table();
-		return 0;
-	}
-	return RUN_ALL_TESTS();
-}

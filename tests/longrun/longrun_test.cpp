@@ -298,17 +298,14 @@ TEST(Runs, end_with_the_same_memory_however_many_there_were)
 	       warmUp, many.memory, many.files, runs);
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+/// Memory that malloc keeps at hand counts as in use; so it is to keep none, which it must know from the start.
+[[gnu::constructor]] void keepNoMemory(int, char **argv, char **)
 {
-	// Memory that malloc keeps at hand counts as in use; so it is to keep none, which it must know
-	// from the start.
-	if (!std::getenv("GLIBC_TUNABLES")) {
-		setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0", 1);
-		execv("/proc/self/exe", argv);
-		return 1;
-	}
-	testing::InitGoogleTest(&argc, argv);
-	return RUN_ALL_TESTS();
+	if (std::getenv("GLIBC_TUNABLES"))
+		return;
+	setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0", 1);
+	execv("/proc/self/exe", argv);
+	_exit(EXIT_FAILURE);
 }
+
+} // namespace

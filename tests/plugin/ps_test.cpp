@@ -3,6 +3,7 @@
 #include "description.h"
 #include "desk.h"
 #include "inside.h"
+#include "own_processes.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
@@ -18,6 +19,8 @@ using namespace support;
 
 namespace
 {
+
+const OwnProcesses ownProcesses;
 
 const char *const list = "eListBox<eListBoxEntryText>";
 
@@ -321,7 +324,7 @@ TEST(Ps, signals_nobody_with_a_root)
 {
 	Sleeper sleeper;
 	ReceiverFolder receiver;
-	onlyThese(receiver, {sleeper.pid()});
+	receiver.ps("  PID USER COMMAND\n" + std::to_string(sleeper.pid()) + " root sleep\n");
 	const DeskRun run = runDesk(receiver.path(), "ok ok ok exit");
 	const std::string command = "kill -9 " + std::to_string(sleeper.pid());
 	EXPECT_NE(std::find(run.trace.begin(), run.trace.end(), "system(\"" + command + "\")"), run.trace.end());

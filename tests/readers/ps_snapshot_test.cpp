@@ -1,6 +1,7 @@
 #include "fake_platform.h"
 #include "generator.h"
 #include "models.h"
+#include "own_processes.h"
 #include "ps_snapshot.h"
 #include "streams.h"
 #include "temp_folder.h"
@@ -21,6 +22,8 @@ using support::exists;
 using support::writeFile;
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
+
+const support::OwnProcesses ownProcesses;
 
 const char psFile[] = "/var/tmp/ps.tmp";
 
