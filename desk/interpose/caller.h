@@ -1,6 +1,8 @@
 #ifndef DESK_INTERPOSE_CALLER_H
 #define DESK_INTERPOSE_CALLER_H
 
+#include "trace.h"
+
 namespace desk
 {
 
@@ -23,6 +25,12 @@ private:
 		return runs;
 	}
 };
+
+/// Whether a call of the program's functions is the plugin's.
+inline bool byPlugin()
+{
+	return PluginRuns::here() && !Trace::get().isQuiet();
+}
 
 } // namespace desk
 

@@ -2,12 +2,15 @@
 
 #include "desk.h"
 #include "libc.h"
+#include "open_in_root.h"
 #include "trace.h"
 
 #include <fcntl.h>
 #include <linux/sched.h>
 #include <sys/mman.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +18,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -81,6 +85,20 @@ pid_t forkApart()
 	return fork();
 }
 
+/// Mounts the folder /var/tmp of `root` at this computer's, for the calling process and its children only.
+bool mountVarTmp(int root)
+{
+	const int folder = openInRoot(root, "/var/tmp", O_PATH | O_DIRECTORY);
+	char path[PATH_MAX] = "";
+	struct stat meant = {}, there = {};
+	// By its name, because what is open lies in the namespace that is left; so the name is not trusted.
+	return folder >= 0 && fstat(folder, &meant) == 0 &&
+	       readlink(("/proc/self/fd/" + std::to_string(folder)).c_str(), path, sizeof path - 1) > 0 &&
+	       unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+	       mount(path, "/var/tmp", nullptr, MS_BIND | MS_REC, nullptr) == 0 &&
+	       stat("/var/tmp", &there) == 0 && meant.st_dev == there.st_dev && meant.st_ino == there.st_ino;
+}
+
 /// A file without a name, for reading and writing; -1: there is no room for one.
 int scratchFile()
 {
@@ -115,11 +133,20 @@ Commands &Commands::get()
 	return commands;
 }
 
-void Commands::takeFrom(int root)
+bool Commands::takeFrom(int root, int rootOfVarTmp)
 {
 	rooted = true;
 	// Through the descriptor, because a PATH cannot name a folder with a colon.
 	before = "PATH=/proc/self/fd/" + std::to_string(root) + "/bin; ";
+	// Tried out once: then the plugin's own calls and the commands mean the same folder.
+	const pid_t attempt = forkApart();
+	if (attempt == 0)
+		_exit(mountVarTmp(rootOfVarTmp) ? 0 : 1);
+	int status = -1;
+	while (attempt > 0 && waitpid(attempt, &status, 0) < 0 && errno == EINTR) {
+	}
+	varTmp = status == 0 ? rootOfVarTmp : -1;
+	return status == 0;
 }
 
 void Commands::takeFromBusybox()
@@ -160,6 +187,11 @@ Commands::Running Commands::start(const char *command, int in, int out) const
 		dup2(in < 0 ? nothing : in, STDIN_FILENO);
 		dup2(out >= 0 ? out : said < 0 ? nothing : said, STDOUT_FILENO);
 		dup2(said < 0 ? nothing : said, STDERR_FILENO);
+		if (varTmp >= 0 && !mountVarTmp(varTmp)) {
+			const char gone[] = "deskhost: the folder of /var/tmp has gone: this command is not run\n";
+			[[maybe_unused]] const ssize_t written = write(STDERR_FILENO, gone, sizeof gone - 1);
+			_exit(EXIT_FAILURE);
+		}
 		execle("/bin/sh", "sh", "-c", text.c_str(), static_cast<char *>(nullptr), variables.data());
 		_exit(notFound);
 	}

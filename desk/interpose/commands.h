@@ -21,8 +21,9 @@ public:
 
 	/// Commands are those of the folder bin in `root`, an open folder, and none else; what kills is
 	/// only reported. Where the kernel permits it, each command runs in a process namespace of its
-	/// own: it can signal no process of this computer, and what it leaves behind ends with it.
-	void takeFrom(int root);
+	/// own: it can signal no process of this computer, and what it leaves behind ends with it. Its /var/tmp is that
+	/// of `rootOfVarTmp`, another open folder; false: the kernel does not permit that, and it is this computer's.
+	bool takeFrom(int root, int rootOfVarTmp);
 
 	/// The commands ps, df and kill are BusyBox's, as on most receivers. Without BusyBox they stay
 	/// this computer's, and a note says so.
@@ -51,6 +52,7 @@ private:
 	int finish(const Running &command) const;
 
 	bool rooted = false;
+	int varTmp = -1;    ///< the folder whose /var/tmp commands have; -1: this computer's
 	std::string before; ///< what the shell reads before each command
 	std::map<FILE *, Running> streams;
 };

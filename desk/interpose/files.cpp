@@ -1,5 +1,6 @@
 #include "files.h"
 
+#include "caller.h"
 #include "commands.h"
 #include "desk.h"
 #include "libc.h"
@@ -8,10 +9,12 @@
 #include "trace.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
@@ -33,6 +36,54 @@ int flagsOf(const char *mode)
 	if (std::strchr(mode, 'x'))
 		flags |= O_EXCL;
 	return flags;
+}
+
+/// After what may have failed.
+void closeKeepingErrno(int descriptor)
+{
+	const int reason = errno;
+	if (descriptor >= 0)
+		close(descriptor);
+	errno = reason;
+}
+
+/// Whether a folder has a /var/tmp to write to, which is made where it is missing; false with errno set.
+bool hasVarTmp(int root)
+{
+	constexpr int place = O_PATH | O_DIRECTORY;
+	int folder = openInRoot(root, "/var/tmp", place);
+	if (folder < 0 && errno == ENOENT && (mkdirat(root, "var", 0777) == 0 || errno == EEXIST)) {
+		const int var = openInRoot(root, "/var", place);
+		if (var >= 0 && mkdirat(var, "tmp", 0777) == 0)
+			folder = openInRoot(root, "/var/tmp", place);
+		closeKeepingErrno(var);
+	}
+	const bool has = folder >= 0 && faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
+	closeKeepingErrno(folder);
+	return has;
+}
+
+std::filesystem::path normal(const char *path)
+{
+	return std::filesystem::path(path).lexically_normal();
+}
+
+bool isVarTmp(const std::filesystem::path &plain)
+{
+	const std::string path = plain;
+	return path == "/var/tmp" || path.rfind("/var/tmp/", 0) == 0;
+}
+
+int removeInRoot(int root, const std::filesystem::path &path, bool foldersToo)
+{
+	const int folder = openInRoot(root, path.parent_path().c_str(), O_PATH | O_DIRECTORY);
+	if (folder < 0)
+		return -1;
+	int result = unlinkat(folder, path.filename().c_str(), 0);
+	if (result != 0 && errno == EISDIR && foldersToo)
+		result = unlinkat(folder, path.filename().c_str(), AT_REMOVEDIR);
+	closeKeepingErrno(folder);
+	return result;
 }
 
 /// /proc/meminfo in its older layout, at its start; null when there is none.
@@ -75,7 +126,39 @@ bool Files::setRoot(const std::string &folder, std::string &error)
 		close(root);
 	root = fcntl(opened, F_DUPFD, 64);
 	close(opened);
-	Commands::get().takeFrom(root);
+	return setVarTmp() || failed(std::string("there is no place for its /var/tmp: ") + std::strerror(errno));
+}
+
+Files::~Files()
+{
+	std::error_code failed;
+	if (!temporary.empty())
+		std::filesystem::remove_all(temporary, failed);
+}
+
+bool Files::setVarTmp()
+{
+	Screen &screen = Desk::get().screen();
+	rootOfVarTmp = root;
+	if (!hasVarTmp(root)) {
+		screen.note(
+			std::string("deskhost: with --root, /var/tmp is the one in that folder, which is no folder "
+		                "to write to (") +
+			std::strerror(errno) + "); a temporary one takes its place");
+		std::error_code failed;
+		temporary = std::filesystem::temp_directory_path(failed) / "deskhost-XXXXXX";
+		if (!mkdtemp(temporary.data()))
+			return false;
+		rootOfVarTmp = ::open(temporary.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+		if (!hasVarTmp(rootOfVarTmp))
+			return false;
+	}
+	if (!Commands::get().takeFrom(root, rootOfVarTmp)) {
+		screen.note(
+			"deskhost: this kernel permits no mount namespace; so /var/tmp is this computer's, with --root "
+			"as well, where two desk hosts at a time can get into each other's way");
+		rootOfVarTmp = -1;
+	}
 	return true;
 }
 
@@ -96,25 +179,30 @@ bool Files::serve(const std::string &path, std::string &error)
 	return true;
 }
 
-bool Files::serves(const char *path) const
+/// The folder that a path is served from; -1: it is not.
+int Files::rootOf(const char *path) const
 {
 	if (root < 0 || !path)
-		return false;
-	const std::string plain = std::filesystem::path(path).lexically_normal();
-	return std::find(served.begin(), served.end(), plain) != served.end();
+		return -1;
+	const std::filesystem::path plain = normal(path);
+	// What the host writes for itself or the viewer is not to end in there.
+	if (isVarTmp(plain))
+		return byPlugin() ? rootOfVarTmp : -1;
+	return std::find(served.begin(), served.end(), plain) != served.end() ? root : -1;
 }
 
 FILE *Files::open(const char *path, const char *mode) const
 {
 	if (older && path && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
 		return openOlderMeminfo();
-	if (!serves(path))
+	const int from = rootOf(path);
+	if (from < 0)
 		return next<FILE *(const char *, const char *)>("fopen")(path, mode);
-	const int file = openInRoot(root, path, flagsOf(mode));
+	const int file = openInRoot(from, path, flagsOf(mode));
 	if (file >= 0)
 		return fdopen(file, mode);
 	const int reason = errno;
-	if (*mode == 'r') // a screen that stays empty is to be understood
+	if (*mode == 'r' && !isVarTmp(normal(path))) // a screen that stays empty is to be understood
 		Desk::get().screen().note(
 			"deskhost: with --root, " + std::string(path) +
 			" is the one in that folder, which cannot be read: " + std::strerror(reason));
@@ -122,29 +210,16 @@ FILE *Files::open(const char *path, const char *mode) const
 	return nullptr;
 }
 
-int Files::removeInRoot(const char *path, bool foldersToo) const
-{
-	const std::filesystem::path plain = std::filesystem::path(path).lexically_normal();
-	const int folder = openInRoot(root, plain.parent_path().c_str(), O_PATH | O_DIRECTORY);
-	if (folder < 0)
-		return -1;
-	int result = unlinkat(folder, plain.filename().c_str(), 0);
-	if (result != 0 && errno == EISDIR && foldersToo)
-		result = unlinkat(folder, plain.filename().c_str(), AT_REMOVEDIR);
-	const int reason = errno;
-	close(folder);
-	errno = reason;
-	return result;
-}
-
 int Files::remove(const char *path) const
 {
-	return serves(path) ? removeInRoot(path, true) : next<int(const char *)>("remove")(path);
+	const int from = rootOf(path);
+	return from < 0 ? next<int(const char *)>("remove")(path) : removeInRoot(from, normal(path), true);
 }
 
 int Files::unlink(const char *path) const
 {
-	return serves(path) ? removeInRoot(path, false) : next<int(const char *)>("unlink")(path);
+	const int from = rootOf(path);
+	return from < 0 ? next<int(const char *)>("unlink")(path) : removeInRoot(from, normal(path), false);
 }
 
 } // namespace desk

@@ -13,9 +13,12 @@ class Files
 {
 public:
 	static Files &get();
+	~Files();
 
-	/// Serves /proc/meminfo, /proc/mtd and /var/scaning.log from `folder`; commands are then those of
-	/// `folder`/bin. On failure returns false and leaves one line in `error`.
+	/// Serves /proc/meminfo, /proc/mtd, /var/scaning.log and what is in /var/tmp from `folder`; commands are then
+	/// those of `folder`/bin, with the same /var/tmp. It is made where it is missing; where it cannot be used, it
+	/// is a temporary folder instead, and where commands cannot have it, it is this computer's: a note says
+	/// so. On failure returns false and leaves one line in `error`.
 	bool setRoot(const std::string &folder, std::string &error);
 
 	/// Makes a receiver of this computer, for a plugin that expects an older kernel and BusyBox: its
@@ -32,10 +35,12 @@ public:
 	int unlink(const char *path) const;
 
 private:
-	bool serves(const char *path) const;
-	int removeInRoot(const char *path, bool foldersToo) const;
+	bool setVarTmp();
+	int rootOf(const char *path) const;
 
-	int root = -1; ///< the folder; -1: this computer is the receiver
+	int root = -1;         ///< the folder; -1: this computer is the receiver
+	int rootOfVarTmp = -1; ///< the folder whose /var/tmp is served; -1: that is this computer's
+	std::string temporary; ///< the latter, where it is not the root; empty: it is
 	bool older = false;
 	std::vector<std::string> served = {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"};
 };

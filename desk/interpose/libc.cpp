@@ -17,6 +17,7 @@
 #include <libintl.h>
 #include <string_view>
 
+using desk::byPlugin;
 using desk::Commands;
 using desk::Files;
 using desk::next;
@@ -25,11 +26,6 @@ using desk::Trace;
 
 namespace
 {
-
-bool byPlugin()
-{
-	return desk::PluginRuns::here() && !Trace::get().isQuiet();
-}
 
 template <class... Args> void trace(const char *what, const Args &...args)
 {

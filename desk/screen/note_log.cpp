@@ -25,6 +25,9 @@ bool NoteLog::open(const std::string &path, std::string &error)
 	}
 	std::setvbuf(file, nullptr, _IOLBF, BUFSIZ); // for somebody who watches it grow
 	whole = true;
+	const std::lock_guard<std::mutex> lock(mutex);
+	for (const std::string &line : lines)
+		std::fputs((line + '\n').c_str(), file);
 	return true;
 }
 

@@ -20,7 +20,7 @@ public:
 
 	static NoteLog &get();
 
-	/// Writes the lines to `path` as well from now on, each at once. On failure returns false and leaves one
+	/// Writes the lines to `path` as well: those so far, and from now on each at once. On failure returns false and leaves one
 	/// line in `error`.
 	bool open(const std::string &path, std::string &error);
 

@@ -41,15 +41,15 @@ struct Source
 	const char *title;
 	Kind kind;
 	const char *path;      ///< below the receiver's folder
-	const char *temporary; ///< commands: where their output goes
+	const char *temporary; ///< commands: where in /var/tmp their output goes
 };
 
 constexpr Source sources[] = {
 	{"meminfo", "`/proc/meminfo`", Kind::file, "proc/meminfo", nullptr},
 	{"mtd", "`/proc/mtd`", Kind::file, "proc/mtd", nullptr},
 	{"scanlog", "the scan log", Kind::file, "var/scaning.log", nullptr},
-	{"ps", "`ps`", Kind::command, "bin/ps", "/var/tmp/ps.tmp"},
-	{"df", "`df`", Kind::command, "bin/df", "/var/tmp/df.tmp"},
+	{"ps", "`ps`", Kind::command, "bin/ps", "ps.tmp"},
+	{"df", "`df`", Kind::command, "bin/df", "df.tmp"},
 	{"var_tmp", "`/var/tmp`", Kind::varTmp, nullptr, nullptr},
 };
 
@@ -90,7 +90,7 @@ constexpr size_t diskBlock = 512; // the shell's unit of ulimit -f
 struct Setting
 {
 	ReceiverFolder receiver;
-	std::string varTmp = receiver / "private/tmp";
+	std::string varTmp = receiver / "var/tmp";
 	std::map<std::string, std::string> environment;
 	bool dropRights = false; ///< for the superuser: go without the right to open everything
 
@@ -99,7 +99,7 @@ struct Setting
 
 	Setting()
 	{
-		fs::create_directories(varTmp);
+		fs::create_directories(varTmp); // for what lies in it beforehand
 		for (const auto &[name, content] : healthy) {
 			bytes[name] = content;
 			if (source(name).kind == Kind::file)
@@ -111,13 +111,14 @@ struct Setting
 		// Nothing but the receiver's own commands is there to be found.
 		environment["PATH"] = "/nonexistent";
 		environment["LD_PRELOAD"] = TEST_DISK_FAULTS;
-		environment["DISK_FAULTS_VAR_TMP"] = varTmp;
 		const char *options = std::getenv("ASAN_OPTIONS");
 		environment["ASAN_OPTIONS"] =
 			(options ? std::string(options) + ':' : "") + "verify_asan_link_order=0";
 	}
 
 	std::string place(const Source &of) const { return receiver / of.path; }
+	/// Where a command's output is on its way.
+	std::string output(const Source &of) const { return varTmp + "/" + of.temporary; }
 
 	/// The command becomes a shell script.
 	void script(const Source &command, const std::string &lines) const
@@ -147,7 +148,7 @@ struct Setting
 		after = std::to_string(most);
 		for (auto &[name, left] : bytes) {
 			const Source &one = source(name);
-			if (paths.find(one.temporary ? one.temporary : place(one)) != paths.npos)
+			if (paths.find(one.temporary ? output(one) : place(one)) != paths.npos)
 				left = healthy.at(name).substr(0, healthy.at(name).rfind('\n', most) + 1);
 		}
 	}
@@ -190,14 +191,13 @@ const Fault faults[] = {
 	  }},
      {"its output is gone before it is read",
       [](Setting &setting, const Source &command) {
-		  const std::string name = fs::path(command.temporary).filename();
-		  const std::string removing = "/bin/rm '" + setting.varTmp + "/" + name + "'\n";
+		  const std::string removing = std::string("/bin/rm /var/tmp/") + command.temporary + '\n';
 		  setting.print(command, healthy.at(command.name), "", removing);
 		  setting.bytes[command.name] = std::nullopt;
 	  }},
-     {"there is no such folder",
+     {"the folder is gone before anything is read",
       [](Setting &setting, const Source &) {
-		  fs::remove(setting.varTmp);
+		  setting.print(source("ps"), healthy.at("ps"), "", "/bin/rm -r '" + setting.varTmp + "'\n");
 		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
 	  }}},
 
@@ -217,7 +217,7 @@ const Fault faults[] = {
      {"files that nobody may open are in the place of both files in it",
       [](Setting &setting, const Source &) {
 		  for (const char *name : {"ps.tmp", "df.tmp"})
-			  chmod(setting.receiver.write(std::string("private/tmp/") + name, "left over\n").c_str(), 0);
+			  chmod(setting.receiver.write(std::string("var/tmp/") + name, "left over\n").c_str(), 0);
 		  setting.dropRights = true;
 		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
 	  }}},
@@ -271,11 +271,13 @@ const Fault faults[] = {
      {"EIO in the middle of the last line",
       [](Setting &setting, const Source &file) { setting.breakReading(file, setting.place(file)); }},
      {"EIO in the middle of the last line of its output",
-      [](Setting &setting, const Source &command) { setting.breakReading(command, command.temporary); }},
+      [](Setting &setting, const Source &command) {
+		  setting.breakReading(command, setting.output(command));
+	  }},
      {"EIO in both files in it",
       [](Setting &setting, const Source &) {
 		  for (const char *name : {"ps", "df"})
-			  setting.breakReading(source(name), source(name).temporary);
+			  setting.breakReading(source(name), setting.output(source(name)));
 	  }}},
 
 	{"full_disk",
@@ -517,14 +519,15 @@ TEST(Health, shows_everything_where_nothing_is_wrong)
 {
 	Setting setting;
 	const std::string seen = setting.receiver / "seen";
-	setting.print(source("ps"), healthy.at("ps"), "echo '" + setting.varTmp + "'/* >'" + seen + "'\n");
+	setting.print(source("ps"), healthy.at("ps"),
+	              "echo /var/tmp/* '" + setting.varTmp + "'/* >'" + seen + "'\n");
 	const DeskRun run = runAll(setting);
 	ASSERT_EQ(run.dump.size(), afterwards + 1) << run.outcome.err;
 	expectScreens(run, setting);
 	expectGoodEnd(run, setting);
 
 	// What the other runs take from the models, and where they keep their files.
-	EXPECT_EQ(support::readFile(seen), setting.varTmp + "/ps.tmp\n");
+	EXPECT_EQ(support::readFile(seen), "/var/tmp/ps.tmp " + setting.varTmp + "/ps.tmp\n");
 	EXPECT_EQ(label(run, processes, 0), "  PID USER COMMAND\n");
 	EXPECT_EQ(run.widget(processes, list)["count"], 4);
 	EXPECT_EQ(run.widget(processes, list)["rows"][0], "    1 root init\n");

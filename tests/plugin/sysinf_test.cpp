@@ -176,7 +176,7 @@ TEST(SysInf, shows_headings_only_when_there_is_nothing_to_read)
 	EXPECT_EQ(run.widget(opened, "eLabel", 6)["text"], padded("Filesystem", 35) + "\n");
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
 	EXPECT_EQ(run.widget(opened, "eLabel", 5)["rect"], Json({5, 40, 240, 40}));
-	EXPECT_FALSE(support::exists("/var/tmp/df.tmp"));
+	EXPECT_FALSE(support::exists(receiver / "var/tmp/df.tmp"));
 }
 
 TEST(SysInf, opens_when_df_is_missing_or_fails)
@@ -198,14 +198,15 @@ TEST(SysInf, removes_the_file_also_when_it_could_not_be_written)
 {
 	ReceiverFolder receiver;
 	receiver.df(threeMounts);
-	ASSERT_EQ(symlink("/var/tmp/no-such-folder/df.tmp", "/var/tmp/df.tmp"), 0);
+	receiver.write("var/tmp/.keep", "");
+	ASSERT_EQ(symlink("/var/tmp/no-such-folder/df.tmp", (receiver / "var/tmp/df.tmp").c_str()), 0);
 	const DeskRun run = runDesk(receiver.path(), keys + "exit exit");
 	const Lines reading =
 		run.traceBetween(R"(system("df -h >/var/tmp/df.tmp"))", R"(remove("/var/tmp/df.tmp"))");
 	EXPECT_EQ(reading, (Lines{R"(system("df -h >/var/tmp/df.tmp"))",
 	                          R"(fopen("/var/tmp/df.tmp", "r") = null)", R"(remove("/var/tmp/df.tmp"))"}));
 	EXPECT_EQ(run.widget(opened, "eLabel", 7)["text"], usageHeading);
-	unlink("/var/tmp/df.tmp");
+	EXPECT_FALSE(support::exists(receiver / "var/tmp/df.tmp"));
 }
 
 TEST(SysInf, ends_when_the_partition_list_cannot_be_read)

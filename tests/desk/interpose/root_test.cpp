@@ -1,4 +1,5 @@
-// With --root: nothing outside of the folder is read, written or removed through a served path.
+// With --root: nothing outside of the folder is read, written or removed through a served path, and /var/tmp is
+// the folder's own.
 
 #include "reach.h"
 
@@ -7,12 +8,16 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <functional>
+#include <string>
 
 namespace
 {
 
+using support::Command;
 using support::DeskRun;
 using support::exists;
+using support::Lines;
 using support::readFile;
 using support::ReceiverFolder;
 using support::TempFolder;
@@ -103,6 +108,161 @@ TEST(Root, removes_a_folder_that_stands_in_the_logs_place_when_it_is_empty)
 	std::filesystem::remove(receiver / "var/scaning.log/inside");
 	reach("remove", "/var/scaning.log", {"--root", receiver.path()});
 	EXPECT_FALSE(exists(receiver / "var/scaning.log"));
+}
+
+TEST(Root, has_a_var_tmp_of_its_own_for_calls_and_commands)
+{
+	ReceiverFolder receiver;
+	support::writeFile("/var/tmp/ps.tmp", "this computer's\n");
+	reach("write", "/var/tmp/one", {"--root", receiver.path()});
+	EXPECT_EQ(readFile(receiver / "var/tmp/one"), "written") << "made where it is missing";
+	reach("run", "read x </var/tmp/one; echo $x again >/var/tmp/two", {"--root", receiver.path()});
+	EXPECT_EQ(reach("read", "/var/tmp/two", {"--root", receiver.path()}).outcome.err,
+	          "fopen: written again\n");
+	const DeskRun run = reach("remove", "/var/tmp/../tmp/two", {"--root", receiver.path()});
+	EXPECT_EQ(run.trace.front(), R"(remove("/var/tmp/../tmp/two"))");
+	EXPECT_FALSE(exists(receiver / "var/tmp/two"));
+	EXPECT_EQ(reach("read", "/var/tmp/ps.tmp", {"--root", receiver.path()}).outcome.err, "fopen: null\n");
+	EXPECT_EQ(readFile("/var/tmp/ps.tmp"), "this computer's\n");
+	EXPECT_FALSE(exists("/var/tmp/one"));
+}
+
+/// A folder below /var/tmp itself is hidden from its own commands by name, but not as the root.
+TEST(Root, may_lie_below_var_tmp)
+{
+	ReceiverFolder receiver;
+	receiver.ps("  PID USER COMMAND\n");
+	std::filesystem::copy(receiver.path(), "/var/tmp/box", std::filesystem::copy_options::recursive);
+	const DeskRun run = reach("run", "ps >/var/tmp/ps.tmp", {"--root", "/var/tmp/box"});
+	EXPECT_EQ(run.outcome.err, "system: 0\n");
+	EXPECT_EQ(readFile("/var/tmp/box/var/tmp/ps.tmp"), "  PID USER COMMAND\n");
+}
+
+TEST(Root, takes_nothing_of_what_is_recorded_for_the_viewer_into_its_var_tmp)
+{
+	ReceiverFolder receiver;
+	reach("run", "true", {"--root", receiver.path(), "--debug", "/var/tmp/debug"});
+	EXPECT_EQ(readFile("/var/tmp/debug"), "system: 0\n");
+	EXPECT_FALSE(exists(receiver / "var/tmp/debug"));
+}
+
+const std::string temporary = "a temporary one takes its place\n";
+
+TEST(Root, has_a_temporary_var_tmp_where_its_own_is_no_folder)
+{
+	TempFolder elsewhere;
+	struct
+	{
+		const char *reason;
+		std::function<void(const ReceiverFolder &)> spoil;
+	} const cases[] = {
+		{"Not a directory", [](const ReceiverFolder &root) { root.write("var/tmp", "a file"); }},
+		{"Not a directory", [](const ReceiverFolder &root) { root.write("var", "a file"); }},
+		{"Too many levels of symbolic links",
+	     [](const ReceiverFolder &root) {
+			 root.write("var/.keep", "");
+			 std::filesystem::create_symlink("/var/tmp", root / "var/tmp");
+		 }},
+		{"File exists",
+	     [&](const ReceiverFolder &root) {
+			 root.write("var/.keep", "");
+			 std::filesystem::create_symlink(elsewhere.path(), root / "var/tmp");
+		 }},
+		{"No such file or directory",
+	     [&](const ReceiverFolder &root) {
+			 std::filesystem::create_symlink(elsewhere.path(), root / "var");
+		 }},
+	};
+	TempFolder folderOfTemporary;
+	for (const auto &[reason, spoil] : cases) {
+		ReceiverFolder receiver;
+		spoil(receiver);
+		const Lines options = {"--plugin",      REACHES_OUT, "--root",
+		                       receiver.path(), "--debug",   "/var/tmp/debug"};
+		const DeskRun run =
+			support::runDesk("", "", options,
+		                     {{"REACH", "run"},
+		                      {"ON", "echo mine >/var/tmp/one; read x </var/tmp/one; echo $x"},
+		                      {"TMPDIR", folderOfTemporary.path()}});
+		EXPECT_EQ(run.outcome.status, 0);
+		EXPECT_EQ(run.outcome.err,
+		          "deskhost: with --root, /var/tmp is the one in that folder, which is no folder to "
+		          "write to (" +
+		              std::string(reason) + "); " + temporary + "mine\nsystem: 0\n");
+		EXPECT_EQ(readFile("/var/tmp/debug"), run.outcome.err) << "from the first line on";
+		EXPECT_FALSE(exists("/var/tmp/one"));
+		EXPECT_TRUE(std::filesystem::is_empty(elsewhere.path()));
+		EXPECT_TRUE(std::filesystem::is_empty(folderOfTemporary.path())) << "it goes with the run";
+	}
+}
+
+TEST(Root, has_a_temporary_var_tmp_where_it_cannot_be_written)
+{
+	ReceiverFolder receiver;
+	receiver.write("bin/ps", "#!/bin/sh\necho list\n", true);
+	// Read-only for this desk host.
+	const Command command = {"unshare",
+	                         "--map-root-user",
+	                         "--mount",
+	                         "sh",
+	                         "-c",
+	                         "mount --bind -o ro \"$1\" \"$1\" && mount -o remount,bind,ro \"$1\" && "
+	                         "exec \"$0\" --screen none --keys 'ok' --dump \"$2\" --root \"$1\"",
+	                         support::deskhostPath(),
+	                         receiver.path(),
+	                         "/var/tmp/dump"};
+	const support::Outcome outcome = support::run(command);
+	EXPECT_NE(outcome.err.find("(Read-only file system); " + temporary), std::string::npos) << outcome.err;
+	EXPECT_NE(readFile("/var/tmp/dump").find(R"("text":"list\n")"), std::string::npos)
+		<< readFile("/var/tmp/dump");
+	EXPECT_FALSE(exists(receiver / "var"));
+}
+
+TEST(Root, shares_this_computers_var_tmp_where_there_are_no_mount_namespaces_and_says_so)
+{
+	ReceiverFolder receiver;
+	receiver.write("bin/ps", "#!/bin/sh\nls /var/tmp\n", true);
+	const Command command = {"unshare",
+	                         "--map-root-user",
+	                         "sh",
+	                         "-c",
+	                         "echo 0 >/proc/sys/user/max_mnt_namespaces; "
+	                         "exec \"$0\" --screen none --keys ok --dump /var/tmp/dump --root \"$1\"",
+	                         support::deskhostPath(),
+	                         receiver.path()};
+	const support::Outcome outcome = support::run(command);
+	EXPECT_EQ(outcome.status, 0);
+	const std::string line =
+		"deskhost: this kernel permits no mount namespace; so /var/tmp is this computer's, "
+		"with --root as well, where two desk hosts at a time can get into each other's way\n";
+	EXPECT_EQ(outcome.err.find(line), outcome.err.rfind(line)) << "once: " << outcome.err;
+	EXPECT_NE(outcome.err.find(line), std::string::npos) << outcome.err;
+	EXPECT_NE(readFile("/var/tmp/dump").find(R"("text":"dump\n")"), std::string::npos) << "what it listed";
+	EXPECT_NE(readFile("/var/tmp/dump").find(R"("rows":["ps.tmp\n")"), std::string::npos)
+		<< readFile("/var/tmp/dump");
+}
+
+TEST(Root, shows_each_of_twenty_desk_hosts_at_once_its_own_list)
+{
+	constexpr int hosts = 20;
+	ReceiverFolder receivers[hosts];
+	support::Child running[hosts];
+	for (int i = 0; i < hosts; ++i) {
+		receivers[i].write(
+			"bin/ps",
+			"#!/bin/sh\necho '  PID USER COMMAND'; /bin/sleep 0.2; echo '    1 root host number " +
+				std::to_string(i) + "'\n",
+			true);
+		running[i].start({support::deskhostPath(), "--screen", "none", "--keys", "ok", "--dump",
+		                  receivers[i] / "dump", "--root", receivers[i].path()});
+	}
+	for (int i = 0; i < hosts; ++i) {
+		EXPECT_EQ(running[i].exitStatus(), 0);
+		const std::string list = R"("rows":["    1 root host number )" + std::to_string(i) + R"(\n"])";
+		EXPECT_NE(readFile(receivers[i] / "dump").find(list), std::string::npos)
+			<< readFile(receivers[i] / "dump");
+		EXPECT_TRUE(std::filesystem::is_empty(receivers[i] / "var/tmp"));
+	}
 }
 
 } // namespace
