@@ -221,7 +221,7 @@ TEST(Root, has_a_temporary_var_tmp_where_it_cannot_be_written)
 TEST(Root, shares_this_computers_var_tmp_where_there_are_no_mount_namespaces_and_says_so)
 {
 	ReceiverFolder receiver;
-	receiver.write("bin/ps", "#!/bin/sh\nls /var/tmp\n", true);
+	receiver.write("bin/ps", "#!/bin/sh\necho list\nls /var/tmp/ps.tmp\n", true);
 	const Command command = {"unshare",
 	                         "--map-root-user",
 	                         "sh",
@@ -237,8 +237,8 @@ TEST(Root, shares_this_computers_var_tmp_where_there_are_no_mount_namespaces_and
 		"with --root as well, where two desk hosts at a time can get into each other's way\n";
 	EXPECT_EQ(outcome.err.find(line), outcome.err.rfind(line)) << "once: " << outcome.err;
 	EXPECT_NE(outcome.err.find(line), std::string::npos) << outcome.err;
-	EXPECT_NE(readFile("/var/tmp/dump").find(R"("text":"dump\n")"), std::string::npos) << "what it listed";
-	EXPECT_NE(readFile("/var/tmp/dump").find(R"("rows":["ps.tmp\n")"), std::string::npos)
+	EXPECT_NE(readFile("/var/tmp/dump").find(R"("text":"list\n")"), std::string::npos) << "what it listed";
+	EXPECT_NE(readFile("/var/tmp/dump").find(R"("rows":["/var/tmp/ps.tmp\n")"), std::string::npos)
 		<< readFile("/var/tmp/dump");
 }
 
