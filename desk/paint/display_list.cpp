@@ -8,8 +8,13 @@ namespace desk
 template <class What> void DisplayList::add(const Rect &reach, What what)
 {
 	const Rect seen = reach.intersected(clips.back());
-	if (!seen.empty())
-		items.push_back({clips.back(), seen, std::move(what)});
+	if (seen.empty())
+		return;
+	// In its place: GCC 14 takes an item that is moved there for partly uninitialised.
+	Item &item = items.emplace_back();
+	item.clip = clips.back();
+	item.reach = seen;
+	item.what = std::move(what);
 }
 
 void DisplayList::pushClip(const Rect &area)
