@@ -95,7 +95,10 @@ int system(const char *command)
 	current->calls.push_back("system(" + quoted(command) + ")");
 	if (!current->shell)
 		return real(command);
-	current->shell();
+	// A command is another process: what it opens and removes is not the caller's.
+	FakePlatform *const platform = std::exchange(current, nullptr);
+	platform->shell();
+	current = platform;
 	return 0;
 }
 
