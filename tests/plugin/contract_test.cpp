@@ -51,15 +51,22 @@ public:
 			names[address].insert(name);
 		}
 		const std::map<uint64_t, uint64_t> words = relocatedWords(path);
+		bool packed = false;
 		for (const std::string &line : readelf("-r", path)) {
-			// offset  info  type  value  name + addend, or: offset  info  type  addend, or, packed: offset
+			if (line.rfind("Relocation section", 0) == 0)
+				packed = line.find("'.relr") != std::string::npos;
+			// offset  info  type  value  name + addend, or: offset  info  type  addend, or, packed: offset;
+			// newer binutils put before the first of several a number with a colon and the entry that packs them
 			std::istringstream columns(line);
 			std::string offset, info, type, a, name;
-			columns >> offset >> info >> type >> a;
-			const bool packed = info.empty() && offset.size() == 2 * wordSize;
+			columns >> offset;
+			if (packed && !offset.empty() && offset.back() == ':')
+				columns >> offset >> offset;
+			columns >> info >> type >> a;
+			const bool packedOffset = packed && offset.size() == 2 * wordSize;
 			// 32-bit targets keep the addend at the relocated address; some give the symbol no version.
 			const bool inPlace = type.rfind("R_", 0) == 0 && a.empty();
-			if (packed || inPlace) {
+			if (packedOffset || inPlace) {
 				const auto word = words.find(std::stoull(offset, nullptr, 16));
 				if (word != words.end() && names.count(word->second))
 					targets[word->first] = names[word->second];
