@@ -71,7 +71,9 @@ void drawControlPicture(cairo_t *to, PangoAttrShape *shape, gboolean, gpointer)
 	cairo_text_extents(to, letter, &extents);
 	cairo_move_to(to, w / 2 - extents.width / 2 - extents.x_bearing,
 	              w * 0.17 - h / 2 - extents.height / 2 - extents.y_bearing);
-	cairo_show_text(to, letter);
+	// As a shape, not as a glyph: Cairo 1.18 may draw a pixel more of a glyph than is within the clip.
+	cairo_text_path(to, letter);
+	cairo_fill(to);
 	cairo_restore(to);
 }
 
