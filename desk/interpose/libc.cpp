@@ -82,10 +82,11 @@ __attribute__((alias("fopen"))) FILE *fopen64(const char *path, const char *mode
 int fclose(FILE *stream)
 {
 	static const auto real = next<int(FILE *)>("fclose");
-	// Closing a stream that never opened is survived, as the receiver's library does.
+	// Closing a stream that never opened is survived, as the receiver's library does, whatever the header
+	// promises the compiler.
 	FILE *volatile given = stream;
 	const int result = given ? real(stream) : EOF;
-	traceClosing(stream, "fclose", result);
+	traceClosing(given, "fclose", result);
 	return result;
 }
 

@@ -71,11 +71,12 @@ FILE *fopen(const char *path, const char *mode)
 int fclose(FILE *stream)
 {
 	static const auto real = next<int(FILE *)>("fclose");
-	if (current && !stream)
+	FILE *volatile given = stream; // null as well, whatever the header promises the compiler
+	if (current && !given)
 		current->calls.push_back("fclose(null)");
 	else if (current && current->streams.erase(stream))
 		current->calls.push_back("fclose(stream)");
-	return stream ? real(stream) : EOF;
+	return given ? real(stream) : EOF;
 }
 
 int remove(const char *path) noexcept
