@@ -158,9 +158,11 @@ std::vector<Pair> pairs()
 					   PlainRows list = {};
 					   plainProcesses(stream, &list);
 					   bool same = equal(ours.header, list.header) && ours.rows.size() == list.count;
-					   for (size_t i = 0; same && i < list.count; ++i)
-						   same =
-							   ours.rows[i].text == list.rows[i].text && ours.rows[i].pid == list.rows[i].pid;
+					   const PlainRow *row = list.rows;
+					   for (const PsEntry &entry : ours.rows) {
+						   same = same && entry.text == row->text && entry.pid == row->pid;
+						   ++row;
+					   }
 					   release(&list);
 					   return same;
 				   }});

@@ -1,8 +1,8 @@
 #ifndef VEXLO_HOST_NAMES_H
 #define VEXLO_HOST_NAMES_H
 
-// The toolkit, ours or a vendor's, and the few names in which toolkits differ. A vendor's toolkit.h
-// defines those that are not as in ours; docs/porting.md shows one.
+// The toolkit, ours or a vendor's, and the few things in which toolkits differ. A vendor's toolkit.h
+// defines the names that are not as in ours; docs/porting.md shows one.
 
 #include "toolkit.h"
 
@@ -30,6 +30,20 @@
 #define VEXLO_ANSWER_NO 8
 #endif
 
-#include "toolkit_check.h"
+/// The active skin, which toolkits hand out as a pointer or as a reference.
+inline const eSkin &hostSkin(const eSkin *skin)
+{
+	return *skin;
+}
+inline const eSkin &hostSkin(const eSkin &skin)
+{
+	return skin;
+}
+
+/// A format as eString::sprintf takes it: as writable characters, which it only reads.
+__attribute__((format_arg(1))) inline char *hostFormat(const char *format)
+{
+	return const_cast<char *>(format);
+}
 
 #endif

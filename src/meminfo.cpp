@@ -15,4 +15,4 @@ eMemInfoDialog::eMemInfoDialog() : eWindow(1)
 	screen::addLabel(*this, columns.values.c_str(), ePoint(160, 5), eSize(100, clientHeight));
 }
 
-eMemInfoDialog::~eMemInfoDialog() = default;
+eMemInfoDialog::~eMemInfoDialog() {}

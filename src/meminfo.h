@@ -8,7 +8,7 @@ class eMemInfoDialog : public eWindow
 {
 public:
 	eMemInfoDialog();
-	~eMemInfoDialog() override;
+	~eMemInfoDialog();
 };
 
 #endif

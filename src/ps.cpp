@@ -1,6 +1,5 @@
 #include "ps.h"
 
-#include "formatted.h"
 #include "ps_snapshot.h"
 #include "translation.h"
 #include "widgets.h"
@@ -15,8 +14,8 @@ ePsDialog::ePsDialog() : eWindow(1)
 	processList = screen::addList(*this, ePoint(5, fontSize + 10), eSize(490, clientHeight - 40));
 
 	const PsSnapshot snapshot = takePsSnapshot();
-	for (const PsEntry &row : snapshot.rows)
-		new eListBoxEntryText(processList, row.text.c_str(), new eString(row.pid.c_str()));
+	for (std::list<PsEntry>::const_iterator row = snapshot.rows.begin(); row != snapshot.rows.end(); ++row)
+		screen::addLine(processList, row->text.c_str(), row->pid.c_str());
 
 	// Reaches 5 pixels past the client area, which cuts them off.
 	screen::addLabel(*this, snapshot.header.c_str(), ePoint(5, 5), eSize(500, fontSize));
@@ -25,7 +24,7 @@ ePsDialog::ePsDialog() : eWindow(1)
 	setFocus(processList);
 }
 
-ePsDialog::~ePsDialog() = default;
+ePsDialog::~ePsDialog() {}
 
 void ePsDialog::selectedItem(eListBoxEntryText *entry)
 {
@@ -36,10 +35,10 @@ void ePsDialog::selectedItem(eListBoxEntryText *entry)
 	}
 
 	const eString &pid = *static_cast<const eString *>(VEXLO_ENTRY_KEY(*entry));
-	eString question = "none"; // what is left if a host cannot format the translation
-	format(question, translate("Kill %s pid?"), pid.c_str());
+	eString question("none"); // what is left if a host cannot format the translation
+	question.sprintf(hostFormat(translate("Kill %s pid?")), pid.c_str());
 
-	eMessageBox box(question, translate("kill pid"), 76, 4, 0);
+	eMessageBox box(question, eString(translate("kill pid")), 76, 4, 0);
 	box.show();
 	const int answer = box.exec();
 	box.hide();

@@ -8,7 +8,7 @@ class ePsDialog : public eWindow
 {
 public:
 	ePsDialog();
-	~ePsDialog() override;
+	~ePsDialog();
 
 	/// The viewer has chosen `entry`, or left the list without one (null).
 	void selectedItem(eListBoxEntryText *entry);

@@ -1,6 +1,5 @@
 #include "scanlog.h"
 
-#include "formatted.h"
 #include "scanlog_contents.h"
 #include "translation.h"
 #include "widgets.h"
@@ -23,9 +22,10 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 
 	// A log can be large: what the list has taken over does not stay here as well.
 	ScanLogContents log = readScanLog(ff_scan);
-	log.entries.takeAll([this](const ScanLogEntry &entry) {
-		new eListBoxEntryText(logList, entry.text.c_str(), new eString(entry.line.c_str()));
-	});
+	for (; !log.entries.empty(); log.entries.pop_front()) {
+		const ScanLogEntry &entry = log.entries.front();
+		screen::addLine(logList, entry.text.c_str(), entry.line.c_str());
+	}
 
 	// As wide as the client area although it starts in its middle: the window cuts off the rest.
 	screen::addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));
@@ -34,17 +34,21 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 	setFocus(logList);
 }
 
-eScanLogDialog::~eScanLogDialog() = default;
+eScanLogDialog::~eScanLogDialog() {}
 
 void eScanLogDialog::dellog()
 {
 	// Translated as a whole, path and all.
-	const eString question = translate(formatted("Delete %s ?", ff_scan).c_str());
+	eString whole;
+	whole.sprintf(hostFormat("Delete %s ?"), ff_scan);
+	const eString question(translate(whole.c_str()));
 
-	eMessageBox box(question, translate("Warning"), 76, 4, 0);
+	eMessageBox box(question, eString(translate("Warning")), 76, 4, 0);
 	box.show();
 	if (box.exec() == VEXLO_ANSWER_YES) {
-		::remove(formatted("%s", ff_scan).c_str());
+		eString path;
+		path.sprintf(hostFormat("%s"), ff_scan);
+		::remove(path.c_str());
 		accept();
 	}
 	box.hide();

@@ -11,7 +11,7 @@ class eScanLogDialog : public eWindow
 {
 public:
 	eScanLogDialog();
-	~eScanLogDialog() override;
+	~eScanLogDialog();
 
 	/// Asks, and on a plain yes removes the log and closes the screen.
 	void dellog();

@@ -13,7 +13,8 @@ eSysInfDialog::eSysInfDialog() : eWindow(1)
 
 	okButton = screen::addButton(*this, VEXLO_CLIENT_HEIGHT(*this), "green");
 	screen::setText(*okButton, translate("OK"));
-	okButton->selected.connect(SigC::slot(*this, &eWidget::accept));
+	// The toolkit's accept() itself, named so that it may be one of several, and protected.
+	okButton->selected.connect(SigC::slot(*this, static_cast<void (eWidget::*)()>(&eSysInfDialog::accept)));
 
 	// The columns overlap a little, and the last of each table reaches past the client area, which cuts it
 	// off: each is as wide as what it may hold.
@@ -36,7 +37,7 @@ eSysInfDialog::eSysInfDialog() : eWindow(1)
 	screen::addLabel(*this, mounts.usage.c_str(), ePoint(280, mountsTop), eSize(500, mountsHeight));
 }
 
-eSysInfDialog::~eSysInfDialog() = default;
+eSysInfDialog::~eSysInfDialog() {}
 
 void eSysInfDialog::exit()
 {

@@ -8,7 +8,7 @@ class eSysInfDialog : public eWindow
 {
 public:
 	eSysInfDialog();
-	~eSysInfDialog() override;
+	~eSysInfDialog();
 
 	/// Closes the screen.
 	void exit();

@@ -1,6 +1,5 @@
 #include "vexlomenu.h"
 
-#include "formatted.h"
 #include "meminfo.h"
 #include "ps.h"
 #include "scanlog.h"
@@ -11,22 +10,27 @@ eVexloMenu::eVexloMenu() : eSetupWindow(translate("Vexlo service menu"), 10, 400
 {
 	cmove(ePoint(170, 145));
 
-	addEntry({1, translate("process info"), translate("show current processes in memory"),
-	          &eVexloMenu::processinfo});
-	addEntry(
-		{2, translate("memory info"), translate("show current used and free memory"), &eVexloMenu::meminfo});
-	addEntry({3, translate("scan log"), translate("show scan log"), &eVexloMenu::scanlog});
-	addEntry({4, translate("system info"), translate("show system info"), &eVexloMenu::sysinf});
+	// Arguments of one call would be translated in any order: the label comes first.
+	const char *label = translate("process info");
+	addEntry(1, label, translate("show current processes in memory"), &eVexloMenu::processinfo);
+	label = translate("memory info");
+	addEntry(2, label, translate("show current used and free memory"), &eVexloMenu::meminfo);
+	label = translate("scan log");
+	addEntry(3, label, translate("show scan log"), &eVexloMenu::scanlog);
+	label = translate("system info");
+	addEntry(4, label, translate("show system info"), &eVexloMenu::sysinf);
 }
 
-eVexloMenu::~eVexloMenu() = default;
+eVexloMenu::~eVexloMenu() {}
 
-void eVexloMenu::addEntry(const Line &line)
+void eVexloMenu::addEntry(int number, const char *label, const char *help, void (eVexloMenu::*action)())
 {
+	eString numberedHelp;
+	numberedHelp.sprintf(hostFormat("(%d) %s"), number, help);
+
 	// Belongs to the list, and has connected itself to it.
-	eListBoxEntryMenu *entry = new eListBoxEntryMenu(&VEXLO_MENU_LIST(*this), line.label,
-	                                                 formatted("(%d) %s", line.number, line.help));
-	entry->selected.connect(SigC::slot(*this, line.action));
+	eListBoxEntryMenu *entry = new eListBoxEntryMenu(&VEXLO_MENU_LIST(*this), label, numberedHelp);
+	entry->selected.connect(SigC::slot(*this, action));
 }
 
 template <class Dialog> void eVexloMenu::open()

@@ -9,7 +9,7 @@ class eVexloMenu : public eSetupWindow
 public:
 	/// Builds the whole menu, hidden.
 	eVexloMenu();
-	~eVexloMenu() override;
+	~eVexloMenu();
 
 	// The menu actions. Each runs its screen until the viewer leaves it; the menu is hidden meanwhile.
 	void processinfo();
@@ -18,14 +18,8 @@ public:
 	void sysinf();
 
 private:
-	struct Line
-	{
-		int number; ///< shown in the help
-		const char *label, *help;
-		void (eVexloMenu::*action)();
-	};
-
-	void addEntry(const Line &line);
+	/// `number` is shown in front of the help.
+	void addEntry(int number, const char *label, const char *help, void (eVexloMenu::*action)());
 	template <class Dialog> void open();
 };
 

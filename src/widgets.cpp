@@ -1,16 +1,18 @@
 #include "widgets.h"
 
+#include <cstddef>
+
 namespace screen
 {
 
 int rowHeight()
 {
-	return eSkin::getActive()->queryValue("fontsize", 20);
+	return hostSkin(eSkin::getActive()).queryValue(eString("fontsize"), 20);
 }
 
 void setText(eWidget &widget, const char *text)
 {
-	widget.setText(text);
+	widget.setText(eString(text));
 }
 
 void frame(eWindow &window, const char *title, ePoint position, eSize size)
@@ -30,10 +32,10 @@ void addLabel(eWindow &window, const char *text, ePoint position, eSize size)
 
 eButton *addButton(eWindow &window, int clientHeight, const char *colour)
 {
-	eButton *button = new eButton(&window, nullptr, 1, "eButton");
+	eButton *button = new eButton(&window, NULL, 1, "eButton");
 	button->move(ePoint(10, clientHeight - 50));
 	button->resize(eSize(160, 40));
-	const eString key = colour;
+	const eString key(colour);
 	button->setShortcut(key);
 	button->setShortcutPixmap(key);
 	button->loadDeco();
@@ -43,11 +45,16 @@ eButton *addButton(eWindow &window, int clientHeight, const char *colour)
 eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size)
 {
 	eListBox<eListBoxEntryText> *list =
-		new eListBox<eListBoxEntryText>(&window, nullptr, 1, eListBoxEntryText::getEntryHeight(), "eListBox");
+		new eListBox<eListBoxEntryText>(&window, NULL, 1, eListBoxEntryText::getEntryHeight(), "eListBox");
 	list->setFlags(4);
 	list->move(position);
 	list->resize(size);
 	return list;
+}
+
+void addLine(eListBox<eListBoxEntryText> *list, const char *text, const char *key)
+{
+	new eListBoxEntryText(list, text, new eString(key));
 }
 
 } // namespace screen

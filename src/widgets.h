@@ -27,6 +27,9 @@ eButton *addButton(eWindow &window, int clientHeight, const char *colour);
 /// A list of text lines in the client area of `window`, which owns it.
 eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size);
 
+/// A line at the end of `list`, which owns it; its key is an eString of its own that holds `key`.
+void addLine(eListBox<eListBoxEntryText> *list, const char *text, const char *key);
+
 } // namespace screen
 
 #endif

@@ -11,7 +11,7 @@
 /// point into `text`.
 __attribute__((format(printf, 2, 3))) inline void appendFormatted(std::string &text, const char *format, ...)
 {
-	char *made = nullptr;
+	char *made = NULL;
 	va_list arguments;
 	va_start(arguments, format);
 	const int length = vasprintf(&made, format, arguments);

@@ -7,8 +7,8 @@ namespace
 
 // A piece holds up to 29 characters: a whole line of a quantity, or a part of a line of the
 // summary table that older kernels print first. That table makes eight pieces.
-constexpr int pieceLimit = 30;
-constexpr int tablePieces = 8;
+const int pieceLimit = 30;
+const int tablePieces = 8;
 
 } // namespace
 

@@ -6,26 +6,28 @@
 namespace
 {
 
-constexpr int lineSize = 1024;
-constexpr int lineLimit = 1023;
+const int lineSize = 1024;
+const int lineLimit = 1023;
 
+// The format of a row is given as it is; beside the '-' its zeros do nothing. Around the function, because
+// older compilers take no such line in it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat"
 void addRow(MountColumns &columns, const char *device, const char *size, const char *used,
             const char *available, const char *percent, const char *mountPoint)
 {
 	appendFormatted(columns.filesystem, "%-35s\n", device);
-#pragma GCC diagnostic push
-// The format is given as it is; beside the '-' its zeros do nothing.
-#pragma GCC diagnostic ignored "-Wformat"
 	appendFormatted(columns.usage, "%-06s  %-06s  %-06s  %-04s %-50s\n", size, used, available, percent,
 	                mountPoint);
-#pragma GCC diagnostic pop
 	++columns.rows;
 }
+#pragma GCC diagnostic pop
 
 MountColumns headings()
 {
-	constexpr int spareRow = 1;
-	MountColumns columns = {{}, {}, spareRow};
+	const int spareRow = 1;
+	MountColumns columns;
+	columns.rows = spareRow;
 	addRow(columns, "Filesystem", "Size", "Used", "Avail.", "Use%", "Mounted");
 	return columns;
 }
@@ -42,8 +44,8 @@ MountColumns parseMountColumns(FILE *stream)
 	while (fgets(line, lineLimit, stream)) {
 		// Each as large as a line, so that no word can be too long for its buffer.
 		char words[6][lineSize];
-		for (char *word : words)
-			word[0] = '\0';
+		for (int i = 0; i < 6; ++i)
+			words[i][0] = '\0';
 		sscanf(line, "%s %s %s %s %s %s\n", words[0], words[1], words[2], words[3], words[4], words[5]);
 		addRow(columns, words[0], words[1], words[2], words[3], words[4], words[5]);
 	}

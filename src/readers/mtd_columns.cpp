@@ -5,8 +5,8 @@
 namespace
 {
 
-constexpr int lineSize = 1024;
-constexpr int lineLimit = 1023;
+const int lineSize = 1024;
+const int lineLimit = 1023;
 
 MtdColumns headings()
 {

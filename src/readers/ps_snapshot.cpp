@@ -8,8 +8,8 @@
 namespace
 {
 
-constexpr int lineSize = 1024;
-constexpr int lineLimit = 1023;
+const int lineSize = 1024;
+const int lineLimit = 1023;
 
 } // namespace
 
@@ -28,7 +28,7 @@ PsSnapshot parsePsSnapshot(FILE *stream)
 			first = false;
 			continue;
 		}
-		snapshot.rows.emplace_back();
+		snapshot.rows.push_back(PsEntry());
 		PsEntry &row = snapshot.rows.back();
 		row.text = translate(line);
 		appendNumber(row.pid, pid);

@@ -2,8 +2,8 @@
 #define VEXLO_PS_SNAPSHOT_H
 
 #include <cstdio>
+#include <list>
 #include <string>
-#include <vector>
 
 /// One row of the process list.
 struct PsEntry
@@ -16,7 +16,7 @@ struct PsEntry
 struct PsSnapshot
 {
 	std::string header; ///< the first line of the output, line end included; empty without output
-	std::vector<PsEntry> rows;
+	std::list<PsEntry> rows;
 };
 
 /// Runs `ps` by way of /var/tmp/ps.tmp and waits for it; the file is gone afterwards.

@@ -9,14 +9,32 @@
 namespace
 {
 
-constexpr int lineSize = 1024;
-constexpr int lineLimit = 1023;
+const int lineSize = 1024;
+const int lineLimit = 1023;
 
 // What is shown of a line that marks the start of a scan: two pieces, which share the
 // character at 46.
-constexpr std::size_t pieceLength = 46;
-constexpr std::size_t firstPiece = 1;
-constexpr std::size_t secondPiece = 46;
+const std::size_t pieceLength = 46;
+const std::size_t firstPiece = 1;
+const std::size_t secondPiece = 46;
+
+void addEntry(ScanLogContents &contents, int number, const char *shown, std::size_t mostShown,
+              const char *line)
+{
+	contents.entries.push_back(ScanLogEntry());
+	ScanLogEntry &entry = contents.entries.back();
+	appendNumber(entry.text, number);
+	entry.text.append(" ", 1);
+	entry.text.append(shown, strnlen(shown, mostShown));
+	entry.line = line;
+}
+
+ScanLogContents nothing()
+{
+	ScanLogContents contents;
+	contents.found = false;
+	return contents;
+}
 
 } // namespace
 
@@ -31,27 +49,16 @@ long filesize(FILE *stream)
 
 ScanLogContents parseScanLog(FILE *stream, const char *path)
 {
-	ScanLogContents contents = {{}, {}, true};
+	ScanLogContents contents;
+	contents.found = true;
 	// Cleared once only: the second piece of a short line shows what longer ones left behind.
 	char line[lineSize] = "";
-	std::string text; // of one row after another
-
 	for (int number = 0; fgets(line, lineLimit, stream); ++number) {
-		const std::size_t length = strlen(line);
-		const auto addEntry = [&](const char *shown, std::size_t shownLength) {
-			text.clear();
-			appendNumber(text, number);
-			text.append(" ", 1);
-			text.append(shown, shownLength);
-			contents.entries.append(text.data(), text.size(), line, length);
-		};
-		if (!strstr(line, "start at")) {
-			addEntry(line, length);
-			continue;
-		}
-		for (const std::size_t start : {firstPiece, secondPiece}) {
-			const char *const piece = line + start;
-			addEntry(piece, strnlen(piece, pieceLength));
+		if (strstr(line, "start at")) {
+			addEntry(contents, number, line + firstPiece, pieceLength, line);
+			addEntry(contents, number, line + secondPiece, pieceLength, line);
+		} else {
+			addEntry(contents, number, line, lineSize, line);
 		}
 	}
 	appendFormatted(contents.summary, "size of %s : %ld bytes", path, filesize(stream));
@@ -61,7 +68,7 @@ ScanLogContents parseScanLog(FILE *stream, const char *path)
 ScanLogContents readScanLog(const char *path)
 {
 	FILE *const stream = fopen(path, "r");
-	ScanLogContents contents = stream ? parseScanLog(stream, path) : ScanLogContents{{}, {}, false};
+	ScanLogContents contents = stream ? parseScanLog(stream, path) : nothing();
 	if (stream) {
 		fclose(stream);
 		eDebug("close file");

@@ -1,17 +1,25 @@
 #ifndef VEXLO_SCANLOG_CONTENTS_H
 #define VEXLO_SCANLOG_CONTENTS_H
 
-#include "scanlog_entries.h"
-
 #include <cstdio>
+#include <list>
 #include <string>
+
+/// One row of the scan log's list.
+struct ScanLogEntry
+{
+	std::string text; ///< line number from 0, a blank, and the line or a piece of it
+	std::string line; ///< the whole line as read from the log, line end included
+};
 
 /// What the scan log held when it was read.
 struct ScanLogContents
 {
-	ScanLogEntries entries; ///< in the order of the file; two for a line that says "start at"
-	std::string summary;    ///< the file's size in bytes, or that it was not found
-	bool found;             ///< whether the file opened
+	/// In the order of the file; two for a line that says "start at". Taken from the front, they leave no memory
+	/// behind: a log can be large.
+	std::list<ScanLogEntry> entries;
+	std::string summary; ///< the file's size in bytes, or that it was not found
+	bool found;          ///< whether the file opened
 };
 
 /// Size in bytes of the file behind `stream`, whose position stays; -1 where it has none.

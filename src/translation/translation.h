@@ -2,6 +2,7 @@
 #define VEXLO_TRANSLATION_H
 
 #include <clocale>
+#include <cstddef>
 #include <libintl.h>
 
 /// The text that the message catalogue gives for `id`, or `id` itself when it has none. Every text is
@@ -10,7 +11,7 @@
 /// belongs to the catalogue (or to the caller, when it is `id`).
 __attribute__((format_arg(1))) inline const char *translate(const char *id)
 {
-	const char *text = dcgettext(nullptr, id, LC_MESSAGES);
+	const char *text = dcgettext(NULL, id, LC_MESSAGES);
 	return text ? text : "";
 }
 

@@ -10,9 +10,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 	const PsSnapshot wanted = modelPs(bytes);
 	fuzz::require(read.header == wanted.header, "the heading differs from the model's");
 	fuzz::require(read.rows.size() == wanted.rows.size(), "the number of rows differs from the model's");
-	for (std::size_t row = 0; row < read.rows.size(); ++row) {
-		fuzz::require(read.rows[row].text == wanted.rows[row].text, "a row differs from the model's");
-		fuzz::require(read.rows[row].pid == wanted.rows[row].pid, "a row's pid differs from the model's");
+	auto expected = wanted.rows.begin();
+	for (const PsEntry &row : read.rows) {
+		fuzz::require(row.text == expected->text, "a row differs from the model's");
+		fuzz::require(row.pid == expected->pid, "a row's pid differs from the model's");
+		++expected;
 	}
 	return 0;
 }

@@ -8,6 +8,7 @@
 #include "scanlog_contents.h"
 
 #include <string>
+#include <vector>
 
 /// What each reader must return for a file of these bytes, worked out byte by byte without a
 /// call of the C library's reading, scanning or formatting. Texts are not translated. The

@@ -146,7 +146,7 @@ TEST(PsSnapshot, a_line_of_5000_characters_makes_five_rows)
 {
 	const PsSnapshot snapshot = parse("PID\n9 " + std::string(4998, 'x') + "\n10 y\n");
 	EXPECT_EQ(pids(snapshot), Strings({"9", "9", "9", "9", "9", "10"}));
-	EXPECT_EQ(snapshot.rows[4].text.size(), 5000u - 4 * 1022 + 1);
+	EXPECT_EQ(texts(snapshot)[4].size(), 5000u - 4 * 1022 + 1);
 }
 
 TEST(PsSnapshot, a_long_headers_rest_is_a_row)
@@ -180,10 +180,10 @@ TEST(PsSnapshot, ten_thousand_processes_are_ten_thousand_rows)
 	std::string bytes = "PID CMD\n";
 	for (int pid = 1; pid <= 10000; ++pid)
 		bytes += std::to_string(pid) + " sh\n";
-	const PsSnapshot snapshot = parse(bytes);
-	ASSERT_EQ(snapshot.rows.size(), 10000u);
+	const Strings rows = pids(parse(bytes));
+	ASSERT_EQ(rows.size(), 10000u);
 	for (std::size_t row = 0; row < 10000; ++row)
-		ASSERT_EQ(snapshot.rows[row].pid, std::to_string(row + 1));
+		ASSERT_EQ(rows[row], std::to_string(row + 1));
 }
 
 TEST(PsSnapshot, rows_but_not_the_header_are_looked_up_whole_and_in_order)

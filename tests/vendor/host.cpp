@@ -42,6 +42,13 @@ bool formats = true;
 bool translates = true;
 bool verbose = false;
 
+std::string decimal(long number)
+{
+	std::ostringstream text;
+	text << number;
+	return text.str();
+}
+
 std::string nameOf(const void *object)
 {
 	if (!object)
@@ -49,19 +56,19 @@ std::string nameOf(const void *object)
 	int &number = numbers[object];
 	if (number == 0)
 		number = ++lastNumber;
-	return "#" + std::to_string(number);
+	return "#" + decimal(number);
 }
 
 std::string quoted(const std::string &text)
 {
 	std::string result = "\"";
-	for (const char c : text)
-		if (c == '\n')
+	for (std::string::const_iterator c = text.begin(); c != text.end(); ++c)
+		if (*c == '\n')
 			result += "\\n";
-		else if (c == '"' || c == '\\')
-			result += std::string("\\") + c;
+		else if (*c == '"' || *c == '\\')
+			result += std::string("\\") + *c;
 		else
-			result += c;
+			result += *c;
 	return result + '"';
 }
 
@@ -79,7 +86,7 @@ void call(const void *object, const std::string &what)
 
 std::string pair(int a, int b)
 {
-	return "(" + std::to_string(a) + ", " + std::to_string(b) + ")";
+	return "(" + decimal(a) + ", " + decimal(b) + ")";
 }
 
 std::string printed(const char *format, va_list values)
@@ -112,9 +119,8 @@ extern "C" {
 
 FILE *__wrap_fopen(const char *path, const char *mode)
 {
-	bool served = false;
-	for (const char *file : {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"})
-		served = served || std::strcmp(path, file) == 0;
+	const bool served = std::strcmp(path, "/proc/meminfo") == 0 || std::strcmp(path, "/proc/mtd") == 0 ||
+	                    std::strcmp(path, "/var/scaning.log") == 0;
 	FILE *stream = std::fopen(served ? (root + path).c_str() : path, mode);
 	line("fopen(" + quoted(path) + ", " + quoted(mode) + ") = " + (stream ? "stream" : "null"));
 	return stream;
@@ -124,7 +130,7 @@ int __wrap_fclose(FILE *stream)
 {
 	const char *what = stream ? "fclose(stream)" : "fclose(null)";
 	const int result = stream ? std::fclose(stream) : EOF;
-	line(what + (" = " + std::to_string(result)));
+	line(what + (" = " + decimal(result)));
 	return result;
 }
 
@@ -139,8 +145,8 @@ char *__wrap_dcgettext(const char *domain, const char *id, int category)
 {
 	if (verbose)
 		line(std::string("dcgettext(") + (domain ? domain : "null") + ", " + quoted(id) + ", " +
-		     std::to_string(category) + ")");
-	return translates ? const_cast<char *>(id) : nullptr;
+		     decimal(category) + ")");
+	return translates ? const_cast<char *>(id) : NULL;
 }
 
 int __wrap_system(const char *command)
@@ -183,16 +189,15 @@ eSkin *eSkin::getActive()
 int eSkin::queryValue(const eString &value, int fallback) const
 {
 	const int result = value == "fontsize" && fontSize ? fontSize : fallback;
-	line("eSkin.queryValue(" + quoted(value) + ", " + std::to_string(fallback) +
-	     ") = " + std::to_string(result));
+	line("eSkin.queryValue(" + quoted(value) + ", " + decimal(fallback) + ") = " + decimal(result));
 	return result;
 }
 
 int eWidget::lostHeight = 0;
 
 eWidget::eWidget(eWidget *of, int takefocus)
-	: parent(of), focus(nullptr), canFocus(takefocus != 0), visible(of != nullptr), ended(true),
-	  traced(false), result(0)
+	: parent(of), focus(NULL), canFocus(takefocus != 0), visible(of != NULL), ended(true), traced(false),
+	  result(0)
 {
 	std::memset(tag, 'w', sizeof tag);
 	if (parent)
@@ -207,7 +212,7 @@ eWidget::~eWidget()
 	if (parent)
 		parent->children.remove(this);
 	if (parent && parent->focus == this)
-		parent->focus = nullptr;
+		parent->focus = NULL;
 	numbers.erase(this);
 	--muted;
 }
@@ -314,7 +319,7 @@ void eWidget::setFocus(eWidget *child)
 	nameOf(this); // numbered before the child
 	call(this, "setFocus(" + nameOf(child) + ")");
 	if (verbose)
-		line(std::to_string(SigC::connectionsMade()) + " slots are connected");
+		line(decimal(static_cast<long>(SigC::connectionsMade())) + " slots are connected");
 	focus = child;
 }
 
@@ -344,21 +349,23 @@ struct Remote
 	/// What the entries of a window's lists hold.
 	static void printEntries(eWidget &window)
 	{
-		for (eWidget *child : window.children)
-			if (eListBoxBase *list = dynamic_cast<eListBoxBase *>(child))
-				for (eListBoxEntry *entry : list->lines)
-					if (eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry))
+		for (Child child = window.children.begin(); child != window.children.end(); ++child)
+			if (eListBoxBase *list = dynamic_cast<eListBoxBase *>(*child))
+				for (Entry entry = list->lines.begin(); entry != list->lines.end(); ++entry)
+					if (eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(*entry))
 						printEntry(*text);
 	}
 
 private:
+	typedef std::list<eWidget *>::iterator Child;
+	typedef std::list<eListBoxEntry *>::iterator Entry;
+
 	static void printEntry(const eListBoxEntryText &entry)
 	{
 		const eString *key = static_cast<const eString *>(entry.key);
 		line("entry " + quoted(entry.text) + ", key " + (key ? quoted(*key) : "null") + ", help " +
-		     quoted(entry.helptext) + ", attribute " + std::to_string(entry.attribute) + ", others " +
-		     std::to_string(entry.keytype) + " " + std::to_string(entry.align) + " " +
-		     std::to_string(entry.precolour));
+		     quoted(entry.helptext) + ", attribute " + decimal(entry.attribute) + ", others " +
+		     decimal(entry.keytype) + " " + decimal(entry.align) + " " + decimal(entry.precolour));
 	}
 
 	/// The widget of that kind that has the focus, or else may have it.
@@ -366,10 +373,10 @@ private:
 	{
 		if (window.focus)
 			return dynamic_cast<T *>(window.focus);
-		for (eWidget *child : window.children)
-			if (child->canFocus)
-				return dynamic_cast<T *>(child);
-		return nullptr;
+		for (Child child = window.children.begin(); child != window.children.end(); ++child)
+			if ((*child)->canFocus)
+				return dynamic_cast<T *>(*child);
+		return NULL;
 	}
 
 	static void answerBox(eMessageBox &box, const std::string &key)
@@ -384,9 +391,9 @@ private:
 
 	static bool pressColour(eWidget &window, const std::string &key)
 	{
-		for (eWidget *child : window.children)
-			if (child->shortcut == key)
-				if (eButton *button = dynamic_cast<eButton *>(child)) {
+		for (Child child = window.children.begin(); child != window.children.end(); ++child)
+			if ((*child)->shortcut == key)
+				if (eButton *button = dynamic_cast<eButton *>(*child)) {
 					button->selected.emit();
 					return true;
 				}
@@ -402,17 +409,14 @@ private:
 	static void pressList(eWidget &window, eListBoxBase &list, const std::string &key)
 	{
 		const int count = static_cast<int>(list.lines.size());
-		eListBoxEntry *entry = nullptr;
-		int index = 0;
-		for (eListBoxEntry *candidate : list.lines)
-			if (index++ == list.current)
-				entry = candidate;
+		Entry entry = list.lines.begin();
+		std::advance(entry, list.current);
 		if (key == "down" && count)
 			list.current = (list.current + 1) % count;
 		else if (key == "ok" && count)
-			list.SendSelected(entry);
+			list.SendSelected(*entry);
 		else if (key == "exit") {
-			list.SendSelected(nullptr);
+			list.SendSelected(NULL);
 			window.close(left);
 		}
 	}
@@ -432,7 +436,7 @@ int eWidget::exec()
 		close(answer);
 	while (!ended)
 		Remote::press(*this, nextKey());
-	call(this, "exec() = " + std::to_string(result));
+	call(this, "exec() = " + decimal(result));
 	return result;
 }
 
@@ -453,8 +457,8 @@ void eDecoWidget::loadDeco()
 
 eLabel::eLabel(eWidget *of, int flags, int takefocus, const char *deco) : eDecoWidget(of, takefocus, deco)
 {
-	line(nameOf(this) + " = eLabel(" + nameOf(of) + ", " + std::to_string(flags) + ", " +
-	     std::to_string(takefocus) + ", " + quoted(deco) + ")");
+	line(nameOf(this) + " = eLabel(" + nameOf(of) + ", " + decimal(flags) + ", " + decimal(takefocus) + ", " +
+	     quoted(deco) + ")");
 }
 eLabel::~eLabel() {}
 void eLabel::setShortcutPixmap(const eString &key)
@@ -467,14 +471,14 @@ eButton::eButton(eWidget *of, eLabel *description, int takefocus, const char *de
 	: eLabel(of, 0, quietly(takefocus), deco), about(description)
 {
 	--muted;
-	line(nameOf(this) + " = eButton(" + nameOf(of) + ", " + nameOf(description) + ", " +
-	     std::to_string(takefocus) + ", " + quoted(deco) + ")");
+	line(nameOf(this) + " = eButton(" + nameOf(of) + ", " + nameOf(description) + ", " + decimal(takefocus) +
+	     ", " + quoted(deco) + ")");
 }
 eButton::~eButton() {}
 
-eWindow::eWindow(int takefocus) : eWidget(nullptr, takefocus), frame()
+eWindow::eWindow(int takefocus) : eWidget(NULL, takefocus), frame()
 {
-	line(nameOf(this) + " = eWindow(" + std::to_string(takefocus) + ")");
+	line(nameOf(this) + " = eWindow(" + decimal(takefocus) + ")");
 }
 eWindow::~eWindow()
 {
@@ -494,8 +498,8 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 	: eWindow(quietly(1)), offered(flags), highlighted(preset)
 {
 	--muted;
-	line(nameOf(this) + " = eMessageBox(" + quoted(text) + ", " + quoted(caption) + ", " +
-	     std::to_string(flags) + ", " + std::to_string(preset) + ", " + std::to_string(last) + ")");
+	line(nameOf(this) + " = eMessageBox(" + quoted(text) + ", " + quoted(caption) + ", " + decimal(flags) +
+	     ", " + decimal(preset) + ", " + decimal(last) + ")");
 }
 eMessageBox::~eMessageBox()
 {
@@ -508,7 +512,7 @@ eListBoxBase::eListBoxBase(eWidget *of, const eWidget *description, int takefocu
 {
 	if (muted == 0)
 		line(nameOf(this) + " = eListBoxBase(" + nameOf(of) + ", " + nameOf(description) + ", " +
-		     std::to_string(takefocus) + ", " + std::to_string(height) + ", " + quoted(deco) + ")");
+		     decimal(takefocus) + ", " + decimal(height) + ", " + quoted(deco) + ")");
 }
 
 eListBoxBase::~eListBoxBase()
@@ -535,7 +539,7 @@ int eListBoxBase::setProperty(const eString &, const eString &)
 
 void eListBoxBase::setFlags(int flags)
 {
-	call(this, "setFlags(" + std::to_string(flags) + ")");
+	call(this, "setFlags(" + decimal(flags) + ")");
 }
 
 void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
@@ -558,7 +562,7 @@ void eListBoxEntryText::redraw(gPainter *, const eRect &, gColor, gColor, gColor
 int eListBoxEntryText::getEntryHeight()
 {
 	const int height = eSkin::fontSize ? eSkin::fontSize : 20;
-	line("eListBoxEntryText.getEntryHeight() = " + std::to_string(height));
+	line("eListBoxEntryText.getEntryHeight() = " + decimal(height));
 	return height;
 }
 
@@ -567,8 +571,8 @@ eSetupWindow::eSetupWindow(const char *title, int rows, int width)
 {
 	--muted;
 	focus = &entries;
-	line(nameOf(this) + " = eSetupWindow(" + quoted(title) + ", " + std::to_string(rows) + ", " +
-	     std::to_string(width) + ")");
+	line(nameOf(this) + " = eSetupWindow(" + quoted(title) + ", " + decimal(rows) + ", " + decimal(width) +
+	     ")");
 }
 eSetupWindow::~eSetupWindow()
 {
@@ -580,6 +584,17 @@ int eSetupWindow::eventHandler(const eWidgetEvent &)
 	return 0;
 }
 
+namespace
+{
+
+int number(const std::map<std::string, std::string> &options, const char *option, int otherwise)
+{
+	const std::map<std::string, std::string>::const_iterator found = options.find(option);
+	return found == options.end() ? otherwise : std::atoi(found->second.c_str());
+}
+
+} // namespace
+
 int main(int count, char **words)
 {
 	if (count < 4) {
@@ -588,24 +603,22 @@ int main(int count, char **words)
 	}
 	root = words[2];
 	std::istringstream script(words[3]);
-	for (std::string key; script >> key;)
+	std::string key;
+	while (script >> key)
 		keys.push_back(key);
 	std::map<std::string, std::string> options;
 	for (int i = 4; i < count; ++i) {
 		const std::string word = words[i];
 		options[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
 	}
-	const auto number = [&](const char *option, int otherwise) {
-		return options.count(option) ? std::atoi(options[option].c_str()) : otherwise;
-	};
-	eSkin::fontSize = number("fontsize", 20);
-	eWidget::lostHeight = number("lost", 0);
+	eSkin::fontSize = number(options, "fontsize", 20);
+	eWidget::lostHeight = number(options, "lost", 0);
 	answers = options.count("answer") > 0;
-	answer = number("answer", 0);
-	left = number("left", -1);
-	formats = number("format", 1) != 0;
-	translates = number("texts", 1) != 0;
-	verbose = number("verbose", 0) != 0;
+	answer = number(options, "answer", 0);
+	left = number(options, "left", -1);
+	formats = number(options, "format", 1) != 0;
+	translates = number(options, "texts", 1) != 0;
+	verbose = number(options, "verbose", 0) != 0;
 	const char *path = std::getenv("PATH");
 	setenv("PATH", (root + "/bin:" + (path ? path : "/usr/bin:/bin")).c_str(), 1);
 
@@ -616,10 +629,12 @@ int main(int count, char **words)
 	}
 	if (options.count("log"))
 		*static_cast<const char **>(dlsym(plugin, "ff_scan")) = options["log"].c_str();
-	const auto entry = reinterpret_cast<int (*)()>(dlsym(plugin, "plugin_exec"));
+	int (*entry)();
+	const void *const symbol = dlsym(plugin, "plugin_exec");
+	std::memcpy(&entry, &symbol, sizeof entry); // C++98 has no cast from an object's address
 	std::fprintf(stderr, "plugin_exec returned %d\n", entry());
 	if (options.count("again")) {
-		left = number("again", 0);
+		left = number(options, "again", 0);
 		std::fprintf(stderr, "plugin_exec returned %d\n", entry());
 	}
 	return dlclose(plugin);

@@ -1,5 +1,6 @@
 #include <sigc++/signal_system.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace SigC
@@ -22,9 +23,9 @@ struct SignalNode
 	{
 		std::vector<SlotNode *> going;
 		going.swap(slots);
-		for (SlotNode *slot : going)
-			if (slot)
-				slot->unreference();
+		for (std::size_t i = 0; i < going.size(); ++i)
+			if (going[i])
+				going[i]->unreference();
 	}
 
 	int owners;
@@ -43,12 +44,12 @@ unsigned long connectionsMade()
 	return made;
 }
 
-ObjectBase::ObjectBase() : owners(0), managed(false), slots(nullptr) {}
+ObjectBase::ObjectBase() : owners(0), managed(false), slots(0) {}
 
 ObjectBase::~ObjectBase()
 {
 	for (SlotNode *slot = slots; slot; slot = slot->next)
-		slot->object = nullptr;
+		slot->object = 0;
 }
 
 void ObjectBase::reference() const
@@ -150,12 +151,12 @@ Connection::~Connection()
 
 void Connection::disconnect()
 {
-	for (SlotNode *&connected : signal->slots)
-		if (connected == slot) {
-			connected = nullptr;
-			slot->unreference();
-			return;
-		}
+	const std::vector<SlotNode *>::iterator connected =
+		std::find(signal->slots.begin(), signal->slots.end(), slot);
+	if (connected == signal->slots.end())
+		return;
+	*connected = 0;
+	slot->unreference();
 }
 
 SignalBase::SignalBase() : node(new SignalNode) {}
@@ -175,7 +176,7 @@ Connection SignalBase::add(SlotNode *slot)
 }
 
 SignalBase::Emission::Emission(SignalBase &of)
-	: signal(of.node), current(nullptr), at(0), count(of.node->slots.size())
+	: signal(of.node), current(0), at(0), count(of.node->slots.size())
 {
 	++signal->owners;
 }
@@ -191,7 +192,7 @@ SlotNode *SignalBase::Emission::next()
 {
 	if (current)
 		current->unreference();
-	current = nullptr;
+	current = 0;
 	while (!current && at < count && at < signal->slots.size()) {
 		SlotNode *slot = signal->slots[at++];
 		if (slot && slot->leadsSomewhere())

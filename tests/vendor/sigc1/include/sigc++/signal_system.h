@@ -53,7 +53,7 @@ public:
 	explicit SlotNode(ObjectBase &target);
 	void reference();
 	void unreference();
-	bool leadsSomewhere() const { return object != nullptr; }
+	bool leadsSomewhere() const { return object != 0; }
 
 protected:
 	virtual ~SlotNode();
