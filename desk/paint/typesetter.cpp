@@ -100,7 +100,7 @@ void Setting::setLine(std::string_view line)
 
 // Moves the glyphs of the line to where the screen can show them sharply, and returns its width. In
 // columns each character takes exactly its columns, whatever font it was found in; in prose each glyph
-// takes whole pixels.
+// takes whole pixels, but for those that join their neighbours. All are drawn at whole pixels.
 int Setting::spread()
 {
 	const char *text = pango_layout_get_text(layout.get());
@@ -134,6 +134,20 @@ int Setting::spread()
 				glyphs[i].geometry.width = pango_units_from_double(std::round(pixels) / squeeze);
 			}
 		width += pango_glyph_string_get_width(item->glyphs);
+	}
+
+	// A glyph between two pixels is blurred by Cairo from 1.18 on; before, it was drawn at the nearer one.
+	const auto whole = [this](int units) {
+		return pango_units_from_double(std::round(units * squeeze / PANGO_SCALE) / squeeze);
+	};
+	int start = 0;
+	for (GSList *run = line->runs; run; run = run->next) {
+		const PangoGlyphString *glyphs = static_cast<PangoGlyphItem *>(run->data)->glyphs;
+		for (int i = 0; i < glyphs->num_glyphs; ++i) {
+			PangoGlyphGeometry &place = glyphs->glyphs[i].geometry;
+			place.x_offset = whole(start + place.x_offset) - start;
+			start += place.width;
+		}
 	}
 	return width;
 }
