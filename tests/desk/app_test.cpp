@@ -130,21 +130,6 @@ TEST(App, reports_that_its_help_could_not_be_printed)
 	}
 }
 
-TEST(App, says_that_there_is_not_enough_memory)
-{
-#if defined(__SANITIZE_ADDRESS__)
-	GTEST_SKIP() << "the sanitizer takes all addresses for itself";
-#endif
-	ReceiverFolder receiver;
-	receiver.scanLog(support::repeat("\n", 1000000));
-	const Outcome outcome = support::run({"/bin/sh", "-c",
-	                                      "ulimit -v 200000; exec '" + support::deskhostPath() +
-	                                          "' --screen none --root '" + receiver.path() + "' --keys 3"});
-	EXPECT_EQ(outcome.status, 1);
-	EXPECT_NE(outcome.err.find("deskhost: there is not enough memory"), std::string::npos) << outcome.err;
-	EXPECT_EQ(outcome.err.find("terminate"), std::string::npos) << outcome.err;
-}
-
 TEST(App, never_hands_controls_on_to_a_terminal)
 {
 	TempFolder folder;
