@@ -268,7 +268,7 @@ std::vector<int> CellCanvas::rowsWithin(int comfortable, int most) const
 	{
 		backdrop,
 		blank,
-		text,
+		written,
 	};
 	std::vector<std::pair<int, Worth>> rows;
 	int viewer = cellRows / 2;
@@ -281,7 +281,7 @@ std::vector<int> CellCanvas::rowsWithin(int comfortable, int most) const
 			if (here.current)
 				viewer = row;
 			if (here.glyph != " " || here.current || (here.shape != Shape::none && !side))
-				worth = text;
+				worth = written;
 			else if (here.inWindow)
 				worth = std::max(worth, blank);
 		}

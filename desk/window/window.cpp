@@ -408,7 +408,7 @@ void Window::showNotes()
 	showsNotes = true;
 }
 
-PixelCanvas &Window::clearPanel(int height)
+PixelCanvas &Window::clearPanel(int rows)
 {
 	if (!panelCanvas) {
 		panelCanvas = std::make_unique<PixelCanvas>();
@@ -416,8 +416,8 @@ PixelCanvas &Window::clearPanel(int height)
 		SDL_SetTextureBlendMode(panel.get(), SDL_BLENDMODE_BLEND);
 		SDL_SetTextureAlphaMod(panel.get(), 230);
 	}
-	panelHeight = height;
-	panelCanvas->fill({0, 0, screenWidth, height}, Fill::plain({12, 18, 25}));
+	panelHeight = rows;
+	panelCanvas->fill({0, 0, screenWidth, rows}, Fill::plain({12, 18, 25}));
 	return *panelCanvas;
 }
 

@@ -49,7 +49,7 @@ private:
 	void say(const std::string &line);
 	void showNotice(const std::string &line);
 	void showNotes();
-	PixelCanvas &clearPanel(int height);
+	PixelCanvas &clearPanel(int rows);
 	void presentPanel();
 	void hidePanel();
 	void close();
