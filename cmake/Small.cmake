@@ -57,7 +57,8 @@ vexlo_append_known(linker_flag link_flags
 if(VEXLO_RECEIVER)
   # Where flash counts: without a part that is read-only after loading, which would be padded to a page,
   # and without an identifier of the build.
-  vexlo_append_known(linker_flag link_flags -Wl,-z,norelro -Wl,--build-id=none)
+  # What is written begins where it falls, not at the next page of the file.
+  vexlo_append_known(linker_flag link_flags -Wl,-z,norelro -Wl,--build-id=none -Wl,-z,common-page-size=64)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Seen as a whole, the tables of dialogs of one shape fall together. The objects are fat, so that

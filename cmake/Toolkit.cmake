@@ -10,6 +10,15 @@ install(DIRECTORY src/toolkit/ DESTINATION ${VEXLO_TOOLKIT_INCLUDE_DIR} COMPONEN
 install(PROGRAMS cmake/toolkit/golden-test tools/check-host DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 install(FILES cmake/toolkit/plugin.map src/toolkit/econtract.cpp DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 
+# The signal library is the one that this is built on.
+set(VEXLO_PC_REQUIRES sigc++-3.0)
+if(VEXLO_SIGC1_INCLUDE)
+  get_target_property(VEXLO_SIGC1_DEFINITION vexlo_toolkit INTERFACE_COMPILE_DEFINITIONS)
+  set(VEXLO_PC_REQUIRES)
+  list(TRANSFORM VEXLO_SIGC1_INCLUDE PREPEND " -isystem " OUTPUT_VARIABLE folders)
+  string(CONCAT VEXLO_PC_SIGNALS " -D${VEXLO_SIGC1_DEFINITION}" ${folders})
+endif()
+
 configure_package_config_file(cmake/VexloToolkitConfig.cmake.in VexloToolkitConfig.cmake
   INSTALL_DESTINATION ${VEXLO_TOOLKIT_PACKAGE}
   PATH_VARS VEXLO_TOOLKIT_INCLUDE_DIR VEXLO_TOOLKIT_DATA CMAKE_INSTALL_BINDIR)

@@ -1,13 +1,18 @@
 #ifndef VEXLO_SIGNALS_H
 #define VEXLO_SIGNALS_H
 
-// Signals and slots as the toolkit uses them: namespace SigC, the interface of libsigc++ 1.x, of the
-// kind that has SigC::ObjectBase. A receiver's host brings that library. Where there is none, as much of
+// Signals and slots as the toolkit uses them: namespace SigC, the interface of libsigc++ 1.2, which
+// has SigC::ObjectBase and calls slots in the order of their connection. A receiver's host brings that library. Where there is none, as much of
 // the interface as the toolkit uses is made here from libsigc++ 3.0.
 
-#ifdef VEXLO_SIGC1_HEADER
+#ifdef VEXLO_SIGC1
 
-#include VEXLO_SIGC1_HEADER
+#if VEXLO_SIGC1 >= 2
+#include <sigc++/object_slot.h>
+#include <sigc++/signal.h>
+#else // as 1.0 names them
+#include <sigc++/signal_system.h>
+#endif
 
 /// Whose signals and slots these are; two sides with different ones do not fit together.
 #define VEXLO_SIGNAL_LAYER "libsigc++ 1"
@@ -23,7 +28,7 @@
 namespace SigC
 {
 
-/// A counted object. Its virtual operations come first in the order that the 1.x library has them.
+/// A counted object. Its virtual operations come first in the order that the 1.2 library has them.
 class ObjectBase
 {
 public:

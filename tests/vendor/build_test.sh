@@ -1,9 +1,9 @@
 #!/bin/sh
 # Builds the plugin as a receiver's vendor does, without the desk host. Arguments: cmake, the sources' root, a
 # C++ compiler, and what to see:
-#     signals    our contract on a 1.x signal library: nothing of 3.0 is needed, and the plugin is small
+#     signals    our contract on a 1.2 signal library: nothing of 3.0 is needed, and the plugin is small
 #     toolkit    a vendor's toolkit.h and nothing of src/toolkit; further argument: his front end
-#     desk       the desk host on a 1.x signal library; further arguments: that library, and the usual desk
+#     desk       the desk host on a 1.2 signal library; further arguments: that library, and the usual desk
 #                host, which must make the same of the same keys
 #     mistakes   what cannot be built is refused when configuring, in one clear message
 set -eu
@@ -11,7 +11,8 @@ cmake=$1 sources=$2 compiler=$3 what=$4
 build=$(mktemp -d)
 trap 'rm -rf "$build"' EXIT
 
-sigc="$sources/tests/vendor/sigc1/include;$sources/tests/vendor/sigc1/lib/include"
+signals=$sources/tests/vendor/sigc1
+sigc="$signals/include/sigc++-1.2;$signals/lib/sigc++-1.2/include"
 configure()
 {
 	"$cmake" -S "$sources" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_BUILD_TYPE=Release \
@@ -51,7 +52,7 @@ refuses() # WORDS, then options
 case $what in
 signals)
 	build "-DVEXLO_SIGC1_INCLUDE=$sigc"
-	[ $# -lt 5 ] || "$sources/tests/size/size_test.sh" "$plugin" strip size 45056 35500
+	[ $# -lt 5 ] || "$sources/tests/size/size_test.sh" "$plugin" strip size 43520 34000
 	;;
 toolkit)
 	build "-DVEXLO_TOOLKIT_INCLUDE=$sources/tests/vendor/include" "-DVEXLO_SIGC1_INCLUDE=$sigc"
@@ -78,11 +79,24 @@ desk)
 	press "$6" "$keys" "$build/there"
 	[ "$(wc -l <"$build/here")" -gt 100 ] || { echo "hardly anything happened"; exit 1; }
 	cmp "$build/here" "$build/there"
+	# What is installed is on the same library.
+	"$cmake" --install "$build" --component dev --prefix "$build/usr" >"$build.log"
+	flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$build/usr" -name vexlo-toolkit.pc)") pkg-config --cflags vexlo-toolkit)
+	"$compiler" -std=c++17 -fPIC -shared $flags "$sources"/examples/network/*.cpp -o "$build/network.so.0"
+	if nm -DC "$build/network.so.0" | grep sigc::; then
+		echo "the example needs libsigc++ 3.0"
+		exit 1
+	fi
 	;;
 mistakes)
-	refuses 'The desk host needs the 1.x signal library itself' "-DVEXLO_SIGC1_INCLUDE=$sigc"
-	refuses 'none of these folders has sigc++/signal_system.h' -DVEXLO_DESK=OFF -DVEXLO_SIGC1_INCLUDE=/nowhere
-	refuses 'there is no /nowhere/toolkit.h' -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE=/nowhere
+	refuses 'The desk host needs the 1.2 signal library itself' "-DVEXLO_SIGC1_INCLUDE=$sigc"
+	refuses 'none of these folders has sigc++/signal.h' -DVEXLO_DESK=OFF -DVEXLO_SIGC1_INCLUDE=/nowhere
+	refuses 'has libsigc++ 2 or 3, not 1.2' -DVEXLO_DESK=OFF \
+		"-DVEXLO_SIGC1_INCLUDE=$(pkg-config --variable=includedir sigc++-3.0)/sigc++-3.0"
+	echo '!<arch>' >"$build.a"
+	refuses 'is no shared library' "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=$build.a"
+	rm "$build.a"
+	refuses 'there is no toolkit.h in /nowhere' -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE=/nowhere
 	refuses 'with VEXLO_TOOLKIT_INCLUDE, give -DVEXLO_DESK=OFF as well' \
 		"-DVEXLO_TOOLKIT_INCLUDE=$sources/tests/vendor/include"
 	;;

@@ -8,7 +8,7 @@ cd "$2"
 
 compiler=$1
 alone=$(mktemp)
-trap 'rm -f "$alone"' EXIT
+trap 'rm -rf "$alone" "$alone.1.0"' EXIT
 
 count=0
 compile() # STANDARD, FILE, then options
@@ -16,8 +16,7 @@ compile() # STANDARD, FILE, then options
 	standard=$1 file=$2
 	shift 2
 	"$compiler" "-std=$standard" -pedantic-errors -Wno-long-long -Wno-variadic-macros -Wall -Wextra -Wconversion \
-		-Wshadow -Werror -fsyntax-only -isystem tests/vendor/sigc1/include -isystem tests/vendor/sigc1/lib/include \
-		"$@" -x c++ "$file" || { echo "$file is no $standard"; exit 1; }
+		-Wshadow -Werror -fsyntax-only $sigc "$@" -x c++ "$file" || { echo "$file is no $standard"; exit 1; }
 	count=$((count + 1))
 }
 knows() { "$compiler" "-std=$1" -fsyntax-only -x c++ /dev/null 2>/dev/null; }
@@ -28,6 +27,7 @@ include() # FILE...: as the content of one source
 	done >"$alone"
 }
 
+sigc='-isystem tests/vendor/sigc1/include/sigc++-1.2 -isystem tests/vendor/sigc1/lib/sigc++-1.2/include'
 vendor='-Isrc -Isrc/readers -Isrc/translation -isystem tests/vendor/include'
 for file in src/*.cpp src/readers/*.cpp; do
 	compile c++98 "$file" $vendor
@@ -55,7 +55,12 @@ done
 
 for file in src/toolkit/*.h; do
 	include "$file"
-	compile c++11 "$alone" -Isrc/toolkit '-DVEXLO_SIGC1_HEADER="sigc++/signal_system.h"'
+	compile c++11 "$alone" -Isrc/toolkit -DVEXLO_SIGC1=2
 done
+# 1.0 has the same under another name.
+mkdir "$alone.1.0" "$alone.1.0/sigc++"
+printf '#include <sigc++/object_slot.h>\n#include <sigc++/signal.h>\n' >"$alone.1.0/sigc++/signal_system.h"
+include src/toolkit/toolkit.h
+compile c++11 "$alone" -Isrc/toolkit -isystem "$alone.1.0" -DVEXLO_SIGC1=0
 [ "$count" -gt 45 ] || { echo "only $count files"; exit 1; }
 echo "$count times, up to $newest"

@@ -1,4 +1,4 @@
-#include <sigc++/signal_system.h>
+#include <sigc++/signal.h>
 
 #include <algorithm>
 #include <vector>
@@ -49,7 +49,7 @@ ObjectBase::ObjectBase() : owners(0), managed(false), slots(0) {}
 ObjectBase::~ObjectBase()
 {
 	for (SlotNode *slot = slots; slot; slot = slot->next)
-		slot->object = 0;
+		slot->target = 0;
 }
 
 void ObjectBase::reference() const
@@ -71,16 +71,17 @@ void ObjectBase::set_manage()
 Object::Object() {}
 Object::~Object() {}
 
-SlotNode::SlotNode(ObjectBase &target) : owners(0), object(&target), next(target.slots)
+SlotNode::SlotNode(ObjectBase &to, void *of, Operation what, Call how)
+	: object(of), operation(what), call(how), owners(0), target(&to), next(to.slots)
 {
-	target.slots = this;
+	to.slots = this;
 }
 
 SlotNode::~SlotNode()
 {
-	if (!object)
+	if (!target)
 		return;
-	SlotNode **link = &object->slots;
+	SlotNode **link = &target->slots;
 	while (*link != this)
 		link = &(*link)->next;
 	*link = next;
@@ -175,32 +176,20 @@ Connection SignalBase::add(SlotNode *slot)
 	return Connection(node, slot);
 }
 
-SignalBase::Emission::Emission(SignalBase &of)
-	: signal(of.node), current(0), at(0), count(of.node->slots.size())
+void SignalBase::emitAll(const void *argument)
 {
+	SignalNode *const signal = node; // this may go
 	++signal->owners;
-}
-
-SignalBase::Emission::~Emission()
-{
-	if (current)
-		current->unreference();
-	signal->unreference();
-}
-
-SlotNode *SignalBase::Emission::next()
-{
-	if (current)
-		current->unreference();
-	current = 0;
-	while (!current && at < count && at < signal->slots.size()) {
-		SlotNode *slot = signal->slots[at++];
-		if (slot && slot->leadsSomewhere())
-			current = slot;
+	const std::size_t count = signal->slots.size();
+	for (std::size_t at = 0; at < count && at < signal->slots.size(); ++at) {
+		SlotNode *const slot = signal->slots[at];
+		if (!slot || !slot->leadsSomewhere())
+			continue;
+		slot->reference();
+		slot->call(*slot, argument);
+		slot->unreference();
 	}
-	if (current)
-		current->reference();
-	return current;
+	signal->unreference();
 }
 
 } // namespace SigC

@@ -5,7 +5,8 @@
 #define VENDOR_GUI_H
 
 #include <list>
-#include <sigc++/signal_system.h>
+#include <sigc++/object_slot.h>
+#include <sigc++/signal.h>
 #include <string>
 
 class gPainter;

@@ -1,0 +1,141 @@
+// A signal library with the interface of libsigc++ 1.2, as strict as a real one: a slot is connected
+// to signals of exactly its own type, emit is not const, nothing but void is returned, and what the
+// plugin does not use is not there. It connects and emits for real. Objects and slots are here, signals in
+// signal.h.
+#ifndef SIGC1_OBJECT_SLOT_H
+#define SIGC1_OBJECT_SLOT_H
+
+#include <sigcconfig.h>
+#if SIGC_MAJOR_VERSION != 1 || SIGC_MINOR_VERSION != 2
+#error "this is the 1.2 interface"
+#endif
+
+namespace SigC
+{
+
+class SlotNode;
+
+/// A counted object; its end is the end of the slots that lead to it.
+class ObjectBase
+{
+public:
+	ObjectBase();
+	virtual void reference() const;
+	virtual void unreference() const;
+	virtual void set_manage();
+	virtual ~ObjectBase();
+
+private:
+	ObjectBase(const ObjectBase &);
+	ObjectBase &operator=(const ObjectBase &);
+
+	friend class SlotNode;
+	mutable int owners;
+	bool managed;
+	SlotNode *slots; ///< those that lead here, linked
+};
+
+class Object : public virtual ObjectBase
+{
+public:
+	Object();
+	~Object();
+};
+
+/// One call into an object, shared by the slots that are copies of each other and the signals that
+/// they are connected to. Which operation it is and what it takes only `call` knows.
+class SlotNode
+{
+public:
+	typedef void (ObjectBase::*Operation)();
+	typedef void (*Call)(const SlotNode &slot, const void *argument);
+
+	SlotNode(ObjectBase &target, void *object, Operation operation, Call call);
+	void reference();
+	void unreference();
+	bool leadsSomewhere() const { return target != 0; }
+
+	void *const object;
+	const Operation operation;
+	const Call call;
+
+private:
+	~SlotNode();
+	SlotNode(const SlotNode &);
+	SlotNode &operator=(const SlotNode &);
+
+	friend class ObjectBase;
+	int owners;
+	ObjectBase *target; ///< null: gone
+	SlotNode *next;
+};
+
+/// What slots and signals have in common, whatever they pass.
+class SlotBase
+{
+protected:
+	explicit SlotBase(SlotNode *made);
+	SlotBase(const SlotBase &other);
+	SlotBase &operator=(const SlotBase &other);
+	~SlotBase();
+
+	SlotNode *node;
+};
+
+template <class T> struct ObjectCall0
+{
+	static void call(const SlotNode &slot, const void *)
+	{
+		(static_cast<T *>(slot.object)->*reinterpret_cast<void (T::*)()>(slot.operation))();
+	}
+};
+
+template <class T, class P1> struct ObjectCall1
+{
+	static void call(const SlotNode &slot, const void *argument)
+	{
+		(static_cast<T *>(slot.object)->*reinterpret_cast<void (T::*)(P1)>(slot.operation))(
+			*static_cast<const P1 *>(argument));
+	}
+};
+
+template <class R> class Slot0;
+template <class R, class P1> class Slot1;
+template <class R> class Signal0;
+template <class R, class P1> class Signal1;
+
+template <> class Slot0<void> : public SlotBase
+{
+public:
+	explicit Slot0(SlotNode *made) : SlotBase(made) {}
+
+private:
+	friend class Signal0<void>;
+};
+
+template <class P1> class Slot1<void, P1> : public SlotBase
+{
+public:
+	explicit Slot1(SlotNode *made) : SlotBase(made) {}
+
+private:
+	friend class Signal1<void, P1>;
+};
+
+template <class T, class Base> Slot0<void> slot(T &object, void (Base::*operation)())
+{
+	return Slot0<void>(new SlotNode(object, static_cast<Base *>(&object),
+	                                reinterpret_cast<SlotNode::Operation>(operation),
+	                                ObjectCall0<Base>::call));
+}
+
+template <class T, class Base, class P1> Slot1<void, P1> slot(T &object, void (Base::*operation)(P1))
+{
+	return Slot1<void, P1>(new SlotNode(object, static_cast<Base *>(&object),
+	                                    reinterpret_cast<SlotNode::Operation>(operation),
+	                                    ObjectCall1<Base, P1>::call));
+}
+
+} // namespace SigC
+
+#endif

@@ -1,0 +1,6 @@
+// Real installations keep what configuring found out apart from the other headers.
+#ifndef SIGCCONFIG_H
+#define SIGCCONFIG_H
+#define SIGC_MAJOR_VERSION 1
+#define SIGC_MINOR_VERSION 2
+#endif
