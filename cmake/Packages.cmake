@@ -34,11 +34,11 @@ as the remote control. It records what a plugin calls and shows.")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libvexlo-toolkit-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_SHLIBDEPS OFF)
-set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "pkgconf")
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "binutils, pkgconf")
 if(NOT VEXLO_SIGC1_INCLUDE)
   string(PREPEND CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "libsigc++-3.0-dev, ")
 endif()
-set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS "deskhost, gettext")
+set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS "abigail-tools, deskhost, gettext")
 set(CPACK_COMPONENT_DEV_DESCRIPTION "headers for plugins of a television receiver
 What a plugin requires of the front end that loads it, as C++ headers, with
 a CMake package, a pkg-config file, a runner of golden tests, a reference

@@ -7,7 +7,11 @@ set(VEXLO_TOOLKIT_DATA ${CMAKE_INSTALL_DATADIR}/vexlo-toolkit)
 set(VEXLO_TOOLKIT_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/VexloToolkit)
 
 install(DIRECTORY src/toolkit/ DESTINATION ${VEXLO_TOOLKIT_INCLUDE_DIR} COMPONENT dev FILES_MATCHING PATTERN *.h)
-install(PROGRAMS cmake/toolkit/golden-test tools/check-host DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+install(PROGRAMS cmake/toolkit/golden-test DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+install(PROGRAMS tools/check-host DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT dev)
+configure_file(docs/check-host.1 ${CMAKE_BINARY_DIR}/docs/check-host.1 @ONLY)
+execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/check-host.1 COMMAND_ERROR_IS_FATAL ANY)
+install(FILES ${CMAKE_BINARY_DIR}/docs/check-host.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT dev)
 install(FILES cmake/toolkit/plugin.map src/toolkit/econtract.cpp DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 
 # The signal library is the one that this is built on.

@@ -35,6 +35,9 @@ echo exit >"$place/test/keys"
 said=$("$place/usr/share/vexlo-toolkit/golden-test" --approve "$place/test" 2>&1) && fail "any plugin is approved"
 [[ $said == *'name the plugin to test with --plugin' ]] || fail "golden-test does not ask for the plugin: $said"
 
+"$place/usr/bin/check-host" --help | grep '^usage: check-host' >/dev/null || fail "check-host is not on the PATH"
+[[ -s $place/usr/share/man/man1/check-host.1.gz ]] || fail "check-host has no manual page"
+
 "$1" --build "$2" --target receiver-archive >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
 tar tzf "$(tail -n 1 "$place/log" | grep -o '/.*tar.gz' || ls "$2"/vexlomenu-*.tar.gz)" >"$place/contents"
 grep -qx vexlomenu.so.0 "$place/contents" || fail "the archive lacks the plugin"

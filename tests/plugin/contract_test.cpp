@@ -182,16 +182,9 @@ private:
 	std::map<uint64_t, std::set<std::string>> targets; ///< address of a pointer: what it points to
 };
 
-std::string testedPlugin()
-{
-	const char *named = std::getenv("VEXLO_TESTED_PLUGIN");
-	return named ? named : pluginPath();
-}
-
 const Object &plugin()
 {
-	// Another one may be named: one that was built for another processor.
-	static const Object object(testedPlugin());
+	static const Object object(pluginPath());
 	return object;
 }
 
@@ -268,7 +261,7 @@ std::vector<std::string> listSlots(const std::string &type)
 TEST(Plugin, defines_its_entry_and_the_log_path_and_nothing_else)
 {
 	std::set<std::string> defined;
-	for (const std::string &line : Object::readelf("--dyn-syms", testedPlugin())) {
+	for (const std::string &line : Object::readelf("--dyn-syms", pluginPath())) {
 		std::istringstream words(line);
 		std::string number, value, size, type, bind, visibility, section, name;
 		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
@@ -282,7 +275,7 @@ TEST(Plugin, defines_its_entry_and_the_log_path_and_nothing_else)
 TEST(Plugin, resolves_the_toolkit_from_its_host)
 {
 	std::set<std::string> needed;
-	for (const std::string &line : Object::readelf("--dyn-syms", testedPlugin())) {
+	for (const std::string &line : Object::readelf("--dyn-syms", pluginPath())) {
 		std::istringstream words(line);
 		std::string number, value, size, type, bind, visibility, section, name;
 		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
