@@ -1,6 +1,7 @@
 #include "bench_host.h"
 
 #include "desk.h"
+#include "peer.h"
 #include "plugin.h"
 #include "skin.h"
 
@@ -15,6 +16,8 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <utility>
 
 namespace bench
 {
@@ -30,24 +33,38 @@ namespace fs = std::filesystem;
 	std::exit(2);
 }
 
-class WatchedScreen : public desk::Screen
+/// The viewer's half in this process: what is sent is encoded and decoded as between the two, and painted.
+class WatchedViewer : public desk::Peer
 {
 public:
-	WatchedScreen(const Watcher &w, bool p) : watcher(w), paints(p) {}
+	WatchedViewer(const Watcher &w, bool p) : watcher(w), paints(p) {}
 
-	desk::Canvas *canvas() override { return paints ? &pixels : nullptr; }
-	void present(const desk::Rect &) override {}
-	std::optional<desk::Key> waitKey() override { return watcher(pressed++); }
-	void note(const std::string &) override {}
+	void send(const desk::ToViewer &message) override
+	{
+		std::optional<desk::ToViewer> came = desk::decodeToViewer(desk::encode(message));
+		desk::Frame *frame = came ? std::get_if<desk::Frame>(&*came) : nullptr;
+		if (!paints || !frame)
+			return;
+		if (const auto changes = picture.apply(std::move(frame->edit)); changes && !changes->empty())
+			picture.draw(pixels, *changes);
+	}
+
+	std::optional<desk::ToHost> receive() override
+	{
+		const desk::Press press = {watcher(pressed++).value_or(desk::Key::exit), false};
+		return desk::decodeToHost(desk::encode(press));
+	}
 
 private:
 	const Watcher &watcher;
 	const bool paints;
 	int pressed = 0;
+	desk::DisplayList picture;
 	desk::PixelCanvas pixels;
 };
 
-std::string log; // the stage's
+std::unique_ptr<WatchedViewer> viewer; // the stage's
+std::string log;                       // the stage's
 
 double statusLine(const char *name)
 {
@@ -69,7 +86,8 @@ void prepare(const Stage &stage, const Watcher &watcher)
 		fail(error);
 	log = stage.log;
 	desk.setSkin(std::move(*skin));
-	desk.setScreen(std::make_unique<WatchedScreen>(watcher, stage.paints));
+	viewer = std::make_unique<WatchedViewer>(watcher, stage.paints);
+	desk.setViewer(viewer.get(), stage.paints);
 }
 
 void run(const std::string &path)

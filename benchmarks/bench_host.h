@@ -1,8 +1,8 @@
 #ifndef BENCH_HOST_H
 #define BENCH_HOST_H
 
+#include "key.h"
 #include "pixel_canvas.h"
-#include "screen.h"
 
 #include <functional>
 #include <optional>
@@ -13,7 +13,7 @@ namespace bench
 {
 
 /// What a run is watched through. It is called whenever the host waits for a key, with the number
-/// of keys pressed so far, and gives the next one; nothing: the viewer leaves.
+/// of keys pressed so far, and gives the next one; nothing: the viewer leaves, by exit.
 using Watcher = std::function<std::optional<desk::Key>(int pressed)>;
 
 struct Stage

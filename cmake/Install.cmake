@@ -9,11 +9,17 @@ install(DIRECTORY ${CMAKE_BINARY_DIR}/po/ DESTINATION ${CMAKE_INSTALL_DATADIR}/l
 install(FILES docs/porting.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vexlomenu COMPONENT plugin)
 
 if(VEXLO_DESK)
-  # deskhost looks for these by their places relative to its own: see desk/app.cpp.
+  # deskhost looks for these by their places relative to its own: see desk/viewer.
   file(RELATIVE_PATH VEXLO_PLUGIN_FROM_BIN
        ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/vexlomenu/vexlomenu.so.0)
-  target_compile_definitions(desk_app PRIVATE DESK_INSTALLED_PLUGIN="${VEXLO_PLUGIN_FROM_BIN}")
+  set(VEXLO_HALF_DIR ${CMAKE_INSTALL_FULL_LIBEXECDIR}/deskhost)
+  file(RELATIVE_PATH VEXLO_HALF_FROM_BIN ${CMAKE_INSTALL_FULL_BINDIR} ${VEXLO_HALF_DIR}/deskhost-plugin)
+  file(RELATIVE_PATH VEXLO_LOCALE_FROM_HALF ${VEXLO_HALF_DIR} ${CMAKE_INSTALL_FULL_LOCALEDIR})
+  target_compile_definitions(deskhost PRIVATE
+    DESK_INSTALLED_PLUGIN="${VEXLO_PLUGIN_FROM_BIN}" DESK_INSTALLED_HALF="${VEXLO_HALF_FROM_BIN}")
+  target_compile_definitions(desk_half PRIVATE DESK_INSTALLED_CATALOGUES="${VEXLO_LOCALE_FROM_HALF}")
   install(TARGETS deskhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
+  install(TARGETS deskhost-plugin RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/deskhost COMPONENT desk)
   install(DIRECTORY desk/skins samples DESTINATION ${CMAKE_INSTALL_DATADIR}/deskhost
           USE_SOURCE_PERMISSIONS COMPONENT desk PATTERN .gitattributes EXCLUDE)
   configure_file(docs/deskhost.1 ${CMAKE_BINARY_DIR}/docs/deskhost.1 @ONLY)

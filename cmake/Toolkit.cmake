@@ -71,7 +71,12 @@ function(vexlo_add_example name)
   set(VexloToolkit_DIR ${folder})
   # A program that is built for another computer runs in its emulator.
   list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
-  file(GENERATE OUTPUT ${folder}/deskhost CONTENT "#!/bin/sh\nexec ${emulator} $<TARGET_FILE:deskhost> \"$@\"\n"
+  set(through)
+  if(emulator)
+    set(through "--through '${emulator}'")
+  endif()
+  file(GENERATE OUTPUT ${folder}/deskhost
+       CONTENT "#!/bin/sh\nexec ${emulator} $<TARGET_FILE:deskhost> ${through} \"$@\"\n"
        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   set(VEXLO_DESKHOST ${folder}/deskhost)
   set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)

@@ -1,17 +1,16 @@
 #ifndef DESK_FRAMEBUFFER_CONSOLE_H
 #define DESK_FRAMEBUFFER_CONSOLE_H
 
+#include "message.h"
+
 #include <memory>
 #include <string>
-
-#include <sys/types.h>
 
 namespace desk
 {
 
 /// The Linux console in graphics mode: it draws no text over the picture, and what is pressed on its
-/// keyboard is not typed into a shell as well. Both end with this object, or with the program,
-/// whatever ends that: a second process waits for it.
+/// keyboard is not typed into a shell as well. Both end with this object.
 class Console
 {
 public:
@@ -22,11 +21,14 @@ public:
 	Console(const Console &) = delete;
 	Console &operator=(const Console &) = delete;
 
+	const ConsoleModes &before() const { return modes; }
+
 private:
 	Console() = default;
 
-	pid_t watcher = -1;
-	int lifeline = -1; ///< the watcher reads the other end: it sees this process's end
+	int file = -1;
+	bool isTaken = false;
+	ConsoleModes modes;
 };
 
 } // namespace desk

@@ -2,8 +2,11 @@
 
 #include "console.h"
 #include "framebuffer.h"
+#include "note_log.h"
 #include "pixel_canvas.h"
 #include "remote_control.h"
+
+#include <utility>
 
 namespace desk
 {
@@ -30,7 +33,7 @@ public:
 		if (!memory)
 			return false;
 		// Last, so that nothing is changed when something else is wrong.
-		console = Console::take(devices.console, error);
+		taken = Console::take(devices.console, error);
 		if (!error.empty())
 			return false;
 		memory->blacken();
@@ -41,24 +44,28 @@ public:
 
 	void present(const Rect &changed) override { memory->show(painted.pixels(), painted.stride(), changed); }
 
-	std::optional<Key> waitKey() override
+	int descriptor() const override { return remote->descriptor(); }
+
+	void look() override
 	{
-		const std::optional<Key> key = remote->waitKey();
-		if (!key && remote->gone() && !goneNoted) {
-			note("deskhost: the remote control \"" + remoteName + "\" is gone; was it unplugged?");
-			goneNoted = true;
-		}
-		return key;
+		remote->look();
+		if (remote->descriptor() < 0 && !std::exchange(goneNoted, true))
+			NoteLog::get().add("deskhost: the remote control \"" + remoteName +
+			                   "\" is gone; was it unplugged?");
 	}
 
-	void wake() override { remote->wake(); }
+	std::optional<Input> take() override { return remote->take(); }
+
+	bool hasKeys() const override { return !remote->gone(); }
+
+	ConsoleModes console() const override { return taken ? taken->before() : ConsoleModes(); }
 
 private:
 	PixelCanvas painted;
 	std::string remoteName;
 	bool goneNoted = false;
 	std::unique_ptr<RemoteControl> remote;
-	std::unique_ptr<Console> console;
+	std::unique_ptr<Console> taken;
 	std::unique_ptr<Framebuffer> memory;
 };
 

@@ -7,7 +7,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -152,45 +151,31 @@ std::unique_ptr<RemoteControl> RemoteControl::open(const std::string &path, std:
 	return opened;
 }
 
-RemoteControl::RemoteControl(int file, libevdev *opened)
-	: device(file), input(opened), wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-{}
+RemoteControl::RemoteControl(int file, libevdev *opened) : device(file), input(opened) {}
 
 RemoteControl::~RemoteControl()
 {
 	libevdev_free(input);
 	close(device);
-	close(wakeUp);
 }
 
-void RemoteControl::wake()
-{
-	eventfd_write(wakeUp, 1);
-}
-
-std::optional<Key> RemoteControl::waitKey()
+std::optional<Key> RemoteControl::take()
 {
 	// What is there already decides whether a repeat is still meant.
-	read();
-	while (waiting.empty()) {
-		if (unplugged)
-			return std::nullopt;
-		pollfd ready[] = {{device, POLLIN, 0}, {wakeUp, POLLIN, 0}};
-		poll(ready, 2, -1);
-		if (eventfd_t wakes; eventfd_read(wakeUp, &wakes) == 0)
-			return std::nullopt;
-		read();
-		if (ready[0].revents & (POLLHUP | POLLERR | POLLNVAL))
-			unplugged = true;
-	}
+	look();
+	if (waiting.empty())
+		return std::nullopt;
 	const Key key = waiting.front().key;
 	waiting.pop_front();
 	return key;
 }
 
-/// Takes all that has come.
-void RemoteControl::read()
+void RemoteControl::look()
 {
+	if (unplugged)
+		return;
+	pollfd end = {device, POLLIN, 0};
+	const bool hungUp = poll(&end, 1, 0) > 0 && (end.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
 	unsigned int flag = LIBEVDEV_READ_FLAG_NORMAL;
 	for (;;) {
 		input_event event;
@@ -200,7 +185,7 @@ void RemoteControl::read()
 			continue;
 		}
 		if (status < 0) {
-			unplugged = unplugged || (status != -EAGAIN && status != -EINTR);
+			unplugged = hungUp || (status != -EAGAIN && status != -EINTR);
 			return;
 		}
 		// Events were lost: those that libevdev reports next make up for them.

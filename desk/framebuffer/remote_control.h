@@ -23,19 +23,20 @@ public:
 	RemoteControl(const RemoteControl &) = delete;
 	RemoteControl &operator=(const RemoteControl &) = delete;
 
-	/// Sleeps until a key is pressed or repeats itself. Repeats that came while nobody waited count
-	/// as one, and as none once the key was let go: a slow screen does not run on.
-	/// Nothing: the device is gone, or wake() was called.
-	std::optional<Key> waitKey();
-	bool gone() const { return unplugged; }
+	/// Becomes readable when look() is to be called; -1: the device is gone.
+	int descriptor() const { return unplugged ? -1 : device; }
+	/// Takes all that has come.
+	void look();
 
-	/// Ends the wait that sleeps, or the next one. From any thread.
-	void wake();
+	/// The next key that was pressed or repeats itself; nothing: none so far. Repeats that came while nobody
+	/// asked count as one, and as none once the key was let go: a slow screen does not run on.
+	std::optional<Key> take();
+
+	/// The device is gone, and its last key has been taken.
+	bool gone() const { return unplugged && waiting.empty(); }
 
 private:
 	RemoteControl(int file, libevdev *opened);
-
-	void read();
 
 	struct Press
 	{
@@ -45,7 +46,6 @@ private:
 
 	int device;
 	libevdev *input;
-	int wakeUp; ///< an eventfd
 	bool unplugged = false;
 	std::deque<Press> waiting;
 };

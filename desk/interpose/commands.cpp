@@ -55,7 +55,7 @@ bool hasWord(const std::string &command, std::initializer_list<std::string_view>
 
 void report(const std::string &what)
 {
-	Desk::get().screen().note(what + " (reported only: with --root nobody is signalled)");
+	Desk::get().note(what + " (reported only: with --root nobody is signalled)");
 }
 
 /// fork() into a process namespace of the child's own. Root needs nothing else for it, others a user
@@ -158,8 +158,8 @@ void Commands::takeFromBusybox()
 				R"(ps() { busybox ps "$@"; }; df() { busybox df "$@"; }; kill() { busybox kill "$@"; }; )";
 			return;
 		}
-	Desk::get().screen().note("deskhost: busybox is not installed: ps, df and kill are this computer's own, "
-	                          "and ps may list this terminal's processes only");
+	Desk::get().note("deskhost: busybox is not installed: ps, df and kill are this computer's own, "
+	                 "and ps may list this terminal's processes only");
 }
 
 bool Commands::refuses(const char *command) const
@@ -205,7 +205,7 @@ int Commands::finish(const Running &command) const
 	int status = -1;
 	while (command.process > 0 && waitpid(command.process, &status, 0) < 0 && errno == EINTR) {
 	}
-	Screen &screen = Desk::get().screen();
+	Desk &desk = Desk::get();
 	FILE *said = fdopen(command.said, "r");
 	if (!said) // nothing was kept: see scratchFile()
 		return status;
@@ -213,12 +213,12 @@ int Commands::finish(const Running &command) const
 	char *line = nullptr;
 	size_t room = 0;
 	for (ssize_t length; (length = getline(&line, &room, said)) > 0;)
-		screen.note(std::string(line, static_cast<size_t>(length)));
+		desk.note(std::string(line, static_cast<size_t>(length)));
 	free(line);
 	fclose(said);
 	if (rooted && WIFEXITED(status) &&
 	    (WEXITSTATUS(status) == notFound || WEXITSTATUS(status) == notExecutable))
-		screen.note("deskhost: with --root, commands are those in its bin; there this one cannot be run");
+		desk.note("deskhost: with --root, commands are those in its bin; there this one cannot be run");
 	return status;
 }
 

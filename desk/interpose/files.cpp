@@ -138,13 +138,12 @@ Files::~Files()
 
 bool Files::setVarTmp()
 {
-	Screen &screen = Desk::get().screen();
+	Desk &desk = Desk::get();
 	rootOfVarTmp = root;
 	if (!hasVarTmp(root)) {
-		screen.note(
-			std::string("deskhost: with --root, /var/tmp is the one in that folder, which is no folder "
-		                "to write to (") +
-			std::strerror(errno) + "); a temporary one takes its place");
+		desk.note(std::string("deskhost: with --root, /var/tmp is the one in that folder, which is no folder "
+		                      "to write to (") +
+		          std::strerror(errno) + "); a temporary one takes its place");
 		std::error_code failed;
 		temporary = std::filesystem::temp_directory_path(failed) / "deskhost-XXXXXX";
 		if (!mkdtemp(temporary.data()))
@@ -154,7 +153,7 @@ bool Files::setVarTmp()
 			return false;
 	}
 	if (!Commands::get().takeFrom(root, rootOfVarTmp)) {
-		screen.note(
+		desk.note(
 			"deskhost: this kernel permits no mount namespace; so /var/tmp is this computer's, with --root "
 			"as well, where two desk hosts at a time can get into each other's way");
 		rootOfVarTmp = -1;
@@ -203,9 +202,8 @@ FILE *Files::open(const char *path, const char *mode) const
 		return fdopen(file, mode);
 	const int reason = errno;
 	if (*mode == 'r' && !isVarTmp(normal(path))) // a screen that stays empty is to be understood
-		Desk::get().screen().note(
-			"deskhost: with --root, " + std::string(path) +
-			" is the one in that folder, which cannot be read: " + std::strerror(reason));
+		Desk::get().note("deskhost: with --root, " + std::string(path) +
+		                 " is the one in that folder, which cannot be read: " + std::strerror(reason));
 	errno = reason;
 	return nullptr;
 }

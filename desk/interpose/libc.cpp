@@ -14,6 +14,7 @@
 
 #include <cerrno>
 #include <clocale>
+#include <cstdlib>
 #include <libintl.h>
 #include <string_view>
 
@@ -35,16 +36,15 @@ template <class... Args> void trace(const char *what, const Args &...args)
 
 void traceStream(const FILE *stream, const char *what, const char *name, const char *how)
 {
-	Trace &trace = Trace::get();
-	if (byPlugin() && trace.on())
-		trace.line(trace.form(what, name, how) + (stream ? " = stream" : " = null"));
+	if (byPlugin())
+		Trace::get().resultInWords(stream ? "stream" : "null", what, name, how);
 }
 
 void traceClosing(const FILE *stream, const char *what, int result)
 {
-	Trace &trace = Trace::get();
-	if (byPlugin() && trace.on())
-		trace.line(std::string(what) + (stream ? "(stream) = " : "(null) = ") + std::to_string(result));
+	if (byPlugin())
+		Trace::get().line(std::string(what) + (stream ? "(stream) = " : "(null) = ") +
+		                  std::to_string(result));
 }
 
 /// Whether the caller may delete this: a plugin's own temporary files are no loss.
@@ -125,6 +125,16 @@ int pclose(FILE *stream)
 	traceClosing(stream, "pclose", status);
 	return status;
 }
+
+void _exit(int status)
+{
+	if (byPlugin() && desk::Desk::get().onExit)
+		desk::Desk::get().onExit(status);
+	next<void(int)>("_exit")(status);
+	std::abort(); // it has not come back
+}
+
+__attribute__((alias("_exit"))) void _Exit(int status) noexcept;
 
 int kill(pid_t process, int number) noexcept
 {

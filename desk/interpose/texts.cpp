@@ -91,7 +91,7 @@ const std::vector<Catalogue> &Texts::cataloguesOf(const char *domain)
 	std::string error;
 	const auto added = loaded.emplace(std::make_pair(from, name), load(from, name, error)).first;
 	if (!error.empty())
-		Desk::get().screen().note("deskhost: " + error);
+		Desk::get().note("deskhost: " + error);
 	errno = before;
 	return added->second;
 }

@@ -4,7 +4,6 @@
 #include "contract.h"
 
 #include <dlfcn.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -65,29 +64,10 @@ bool isFile(const std::string &path, std::string &error)
 
 std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error)
 {
-	// A bare name would be searched for among the system's libraries.
-	const std::string place = path.find('/') == std::string::npos ? "./" + path : path;
-	return isFile(path, error) ? loadFrom(place, path, error) : nullptr;
-}
-
-std::unique_ptr<Plugin> Plugin::loadCopy(const std::string &path, std::string &error)
-{
 	if (!isFile(path, error))
 		return nullptr;
-	// The copy stays open: the loader takes a name that it has seen for the plugin that it knows by it.
-	const std::string copy = "/proc/self/fd/" + std::to_string(memfd_create("plugin", MFD_CLOEXEC));
-	std::error_code failed;
-	fs::copy_file(path, copy, fs::copy_options::overwrite_existing, failed);
-	if (failed) {
-		error = failure(path, failed.message(), "name a plugin that can be read with --plugin");
-		return nullptr;
-	}
-	return loadFrom(copy, path, error);
-}
-
-std::unique_ptr<Plugin> Plugin::loadFrom(const std::string &place, const std::string &path,
-                                         std::string &error)
-{
+	// A bare name would be searched for among the system's libraries.
+	const std::string place = path.find('/') == std::string::npos ? "./" + path : path;
 	// Before anything of it runs: what it would do with other classes has no bounds.
 	if (const std::string difference = differenceOfContract(place); !difference.empty()) {
 		error = failure(path, "it was built against another contract: " + difference,

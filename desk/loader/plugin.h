@@ -15,9 +15,6 @@ public:
 	/// in one line.
 	static std::unique_ptr<Plugin> load(const std::string &path, std::string &error);
 
-	/// The same with a copy of the file, which may then be overwritten while the plugin runs.
-	static std::unique_ptr<Plugin> loadCopy(const std::string &path, std::string &error);
-
 	/// Unloads it.
 	~Plugin();
 	Plugin(const Plugin &) = delete;
@@ -27,8 +24,6 @@ public:
 	int exec();
 
 private:
-	static std::unique_ptr<Plugin> loadFrom(const std::string &place, const std::string &path,
-	                                        std::string &error);
 	Plugin(void *loaded, int (*start)()) : handle(loaded), entry(start) {}
 
 	void *handle;

@@ -283,20 +283,16 @@ bool haveLetters()
 	return pango_layout_get_unknown_glyphs_count(setting.layout.get()) == 0;
 }
 
-int lineWidth(std::string_view line, Face face, int rowHeight, bool bold)
-{
-	Setting &setting = typesetter().setting(face, rowHeight, bold);
-	setting.setLine(line);
-	return setting.width();
-}
-
 void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextStyle &style)
 {
 	if (area.empty() || line.empty())
 		return;
 	Setting &setting = typesetter().setting(style.face, style.rowHeight, style.bold);
-	line = startWithin(line, area.w, setting);
+	if (!style.whole)
+		line = startWithin(line, area.w, setting);
 	setting.setLine(line);
+	const double narrower = style.whole ? std::min(1.0, area.w / std::max(1.0, setting.linePixels)) : 1.0;
+	setting.linePixels *= narrower;
 
 	PangoLayoutLine *laidOut = pango_layout_get_line(setting.layout.get(), 0);
 	const bool rightToLeft = pango_layout_line_get_resolved_direction(laidOut) == PANGO_DIRECTION_RTL;
@@ -313,7 +309,7 @@ void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextSt
 	cairo_save(to);
 	cairo_set_source_rgb(to, style.color.r / 255.0, style.color.g / 255.0, style.color.b / 255.0);
 	cairo_translate(to, x, baseline);
-	cairo_scale(to, setting.squeeze, 1);
+	cairo_scale(to, setting.squeeze * narrower, 1);
 	cairo_move_to(to, 0, 0);
 	pango_cairo_show_layout_line(to, laidOut);
 	cairo_restore(to);

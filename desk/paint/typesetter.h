@@ -19,9 +19,6 @@ namespace desk
 /// Whether the fonts of this computer have letters and digits.
 bool haveLetters();
 
-/// Pixels that the line is wide.
-int lineWidth(std::string_view line, Face face, int rowHeight, bool bold);
-
 /// Draws the line in the middle of the height of `area`. Draws the start of a line that is longer than
 /// `area` is wide, and beyond its end; the caller clips. Lays out no more than can be seen in `area`.
 /// In Face::prose a right-to-left line starts at the right.

@@ -13,8 +13,9 @@ namespace desk
 
 Recorder::~Recorder()
 {
-	if (dump)
-		std::fclose(dump);
+	for (FILE *file : {dump, trace})
+		if (file)
+			std::fclose(file);
 }
 
 bool Recorder::openPictures(const std::string &folder, std::string &error)
@@ -34,7 +35,7 @@ bool Recorder::openPictures(const std::string &folder, std::string &error)
 
 bool Recorder::openDump(const std::string &file, std::string &error)
 {
-	dump = std::fopen(file.c_str(), "w");
+	dump = std::fopen(file.c_str(), "we");
 	dumpPath = file;
 	if (!dump)
 		error = "cannot write the dump to '" + file + "': " + std::strerror(errno) +
@@ -42,24 +43,38 @@ bool Recorder::openDump(const std::string &file, std::string &error)
 	return dump != nullptr;
 }
 
-void Recorder::record(const std::string &after, const std::function<nlohmann::ordered_json()> &describe,
-                      const std::function<void(Canvas &)> &paint)
+bool Recorder::openTrace(const std::string &file, std::string &error)
+{
+	trace = std::fopen(file.c_str(), "we");
+	tracePath = file;
+	if (!trace)
+		error = "cannot write the trace to '" + file + "': " + std::strerror(errno) +
+		        "; name another file with --trace";
+	return trace != nullptr;
+}
+
+void Recorder::write(FILE *file, const std::string &line, const char *what, const std::string &path)
+{
+	if ((std::fputs((line + '\n').c_str(), file) == EOF || std::fflush(file) != 0) && failure.empty())
+		failure = std::string("cannot write ") + what + " to '" + path + "': " + std::strerror(errno);
+}
+
+void Recorder::record(const std::string &after, const nlohmann::ordered_json &windows,
+                      const DisplayList &picture)
 {
 	if (dump) {
 		nlohmann::ordered_json object;
 		object["after"] = after;
-		object["windows"] = describe();
-		const std::string line = object.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
-		if (std::fprintf(dump, "%s\n", line.c_str()) < 0 || std::fflush(dump) != 0)
-			if (failure.empty())
-				failure = "cannot write the dump to '" + dumpPath + "': " + std::strerror(errno);
+		object["windows"] = windows;
+		write(dump, object.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace), "the dump",
+		      dumpPath);
 	}
 	if (!pictures.empty()) {
 		std::string count = std::to_string(number);
 		if (count.size() < 2)
 			count.insert(0, 1, '0');
 		PixelCanvas canvas;
-		paint(canvas);
+		picture.draw(canvas, wholeScreen);
 		std::string error;
 		if (!canvas.writePng(pictures + '/' + count + '-' + after + ".png", error) && failure.empty())
 			failure = error;
@@ -67,11 +82,19 @@ void Recorder::record(const std::string &after, const std::function<nlohmann::or
 	++number;
 }
 
+void Recorder::call(const std::string &line)
+{
+	if (trace)
+		write(trace, line, "all of the trace", tracePath);
+}
+
 bool Recorder::close(std::string &error)
 {
-	if (dump && std::fclose(dump) != 0 && failure.empty())
-		failure = "cannot write the dump to '" + dumpPath + "': " + std::strerror(errno);
-	dump = nullptr;
+	for (FILE *file : {dump, trace})
+		if (file && std::fclose(file) != 0 && failure.empty())
+			failure = std::string("cannot write ") + (file == dump ? "the dump" : "all of the trace") +
+			          " to '" + (file == dump ? dumpPath : tracePath) + "': " + std::strerror(errno);
+	dump = trace = nullptr;
 	pictures.clear();
 	error = failure;
 	return failure.empty();

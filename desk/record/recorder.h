@@ -1,18 +1,18 @@
 #ifndef DESK_RECORD_RECORDER_H
 #define DESK_RECORD_RECORDER_H
 
-#include "canvas.h"
+#include "display_list.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
-#include <functional>
 #include <string>
 
 namespace desk
 {
 
-/// What is on the screen at the start and after every key: as pictures, as JSON lines, or both.
+/// What a run leaves behind: what is on the screen at the start and after every key, as pictures and as JSON lines,
+/// and the plugin's calls.
 class Recorder
 {
 public:
@@ -21,25 +21,30 @@ public:
 	Recorder &operator=(const Recorder &) = delete;
 	~Recorder();
 
-	/// Writes pictures into `folder`, which is made when it does not exist, or descriptions to `file`.
+	/// Writes pictures into `folder`, which is made when it does not exist, or descriptions or calls to `file`.
 	/// On failure they return false and leave one line in `error`.
 	bool openPictures(const std::string &folder, std::string &error);
 	bool openDump(const std::string &file, std::string &error);
+	bool openTrace(const std::string &file, std::string &error);
 
-	bool on() const { return dump || !pictures.empty(); }
+	bool draws() const { return !pictures.empty(); }
+	bool describes() const { return dump; }
+	bool traces() const { return trace; }
 
-	/// Records the screen after `after` ("start" or a key's name), as `describe` and `paint` give it.
-	/// They are called only for what is recorded.
-	void record(const std::string &after, const std::function<nlohmann::ordered_json()> &describe,
-	            const std::function<void(Canvas &)> &paint);
+	/// Records the screen after `after` ("start" or a key's name).
+	void record(const std::string &after, const nlohmann::ordered_json &windows, const DisplayList &picture);
+	/// Records a call, at once: a trace is read above all when the plugin has crashed.
+	void call(const std::string &line);
 
 	/// Ends the recording. False when not everything could be written; `error` then says what.
 	bool close(std::string &error);
 
 private:
+	void write(FILE *file, const std::string &line, const char *what, const std::string &path);
+
 	std::string pictures;
-	std::string dumpPath;
-	FILE *dump = nullptr;
+	std::string dumpPath, tracePath;
+	FILE *dump = nullptr, *trace = nullptr;
 	int number = 0;
 	std::string failure; ///< the first one
 };

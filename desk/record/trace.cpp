@@ -2,8 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <cerrno>
-#include <cstring>
+#include <algorithm>
 
 namespace desk
 {
@@ -14,39 +13,25 @@ Trace &Trace::get()
 	return trace;
 }
 
-bool Trace::open(const std::string &path, std::string &error)
+void Trace::start(Reader to)
 {
-	close();
-	file = std::fopen(path.c_str(), "w");
-	if (!file) {
-		error = "cannot write the trace to '" + path + "': " + std::strerror(errno) +
-		        "; name another file with --trace";
-		return false;
-	}
-	failed = false;
+	stop();
+	started = true;
+	reader = std::move(to);
+}
+
+void Trace::startRemembering()
+{
+	start(nullptr);
+}
+
+void Trace::stop()
+{
+	started = false;
+	reader = nullptr;
 	objects.clear();
 	counts.clear();
-	return true;
-}
-
-bool Trace::close()
-{
-	if (!file)
-		return true;
-	if (std::fclose(file) != 0)
-		failed = true;
-	file = nullptr;
-	return !failed;
-}
-
-std::string Trace::name(const void *object)
-{
-	if (!object)
-		return "null";
-	Object &known = objects.try_emplace(object, Object{"eListBoxEntry"}).first->second;
-	if (known.number == 0)
-		known.number = ++counts[known.type];
-	return known.type + ('#' + std::to_string(known.number));
+	text.clear();
 }
 
 void Trace::destroyed(const void *object)
@@ -65,16 +50,36 @@ void Trace::disposes(const void *object)
 		known->second.hosts = true;
 }
 
-void Trace::line(const std::string &text)
+void Trace::argument(const void *object)
 {
-	// Flushed line by line: a trace is read above all when the plugin has crashed.
-	if (std::fputs(text.c_str(), file) == EOF || std::fputc('\n', file) == EOF || std::fflush(file) != 0)
-		failed = true;
+	if (!object)
+		return put("null");
+	auto known = objects.find(object);
+	if (known == objects.end()) {
+		const Object entry = {"eListBoxEntry"};
+		if (!reader)
+			return put(entry.type); // there may be millions
+		known = objects.emplace(object, entry).first;
+	}
+	if (known->second.number == 0)
+		known->second.number = ++counts[known->second.type];
+	put(known->second.type);
+	put("#");
+	argument(known->second.number);
 }
 
-std::string Trace::argument(std::string_view text)
+void Trace::argument(std::string_view value)
 {
-	return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+	constexpr size_t most = 200; // bytes of what is only remembered
+	if (!reader)
+		value = value.substr(0, most);
+	const auto isPlain = [](char c) { return c >= ' ' && c < '\x7f' && c != '"' && c != '\\'; };
+	if (std::all_of(value.begin(), value.end(), isPlain)) {
+		put("\"");
+		put(value);
+		put("\"");
+	} else
+		put(nlohmann::json(value).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace));
 }
 
 } // namespace desk

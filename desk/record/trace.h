@@ -1,7 +1,8 @@
 #ifndef DESK_RECORD_TRACE_H
 #define DESK_RECORD_TRACE_H
 
-#include <cstdio>
+#include <charconv>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -18,16 +19,23 @@ namespace desk
 class Trace
 {
 public:
+	using Reader = std::function<void(const std::string &line)>;
+
 	static Trace &get();
 
-	/// Starts writing to `path`. On failure returns false and leaves one line in `error`.
-	bool open(const std::string &path, std::string &error);
+	/// Begins anew: hands each line to `reader` as it comes about.
+	void start(Reader reader);
 
-	/// Ends it. False when not everything could be written.
-	bool close();
+	/// Begins anew: only keeps the last line, in which long strings are cut and entries of lists have no numbers.
+	void startRemembering();
 
-	/// Whether lines are written just now.
-	bool on() const { return file && quiet == 0; }
+	void stop();
+
+	/// The line of the last call.
+	const std::string &last() const { return text; }
+
+	/// Whether the plugin's calls are written down just now.
+	bool on() const { return started && quiet == 0; }
 
 	/// Whether the host works for itself just now.
 	bool isQuiet() const { return quiet > 0; }
@@ -49,11 +57,17 @@ public:
 	/// the constructors of their bases quiet.
 	template <class... Args> void constructed(const void *object, const char *type, const Args &...args)
 	{
-		if (!file)
+		if (!started)
 			return;
 		objects[object] = {type, 0, quiet != 0};
-		if (on())
-			line(name(object) + " = " + type + list(args...));
+		if (!on())
+			return;
+		begin();
+		argument(object);
+		put(" = ");
+		put(type);
+		list(args...);
+		end();
 	}
 
 	/// The destructor that all have in common: "eLabel#2.~eLabel()". Nothing is written about an object
@@ -62,46 +76,86 @@ public:
 	void disposes(const void *object);
 
 	/// An object is gone without a line; another one at its address is a new one.
-	void forget(const void *object) { objects.erase(object); }
+	void forget(const void *object)
+	{
+		if (reader)
+			objects.erase(object);
+	}
 
 	/// An operation: "eLabel#2.move(5, 30)".
 	template <class... Args> void call(const void *object, const char *operation, const Args &...args)
 	{
 		if (!on())
 			return;
-		const std::string who = name(object); // numbered before what is among the arguments
-		line(who + '.' + operation + list(args...));
+		begin();
+		argument(object); // numbered before what is among the arguments
+		put(".");
+		put(operation);
+		list(args...);
+		end();
 	}
 
 	/// The end of one that was written as it began: "eWindow#1.exec() = 0".
 	template <class Result> void returned(const void *object, const char *operation, const Result &result)
 	{
-		if (on())
-			line(name(object) + '.' + operation + "() = " + argument(result));
+		if (!on())
+			return;
+		begin();
+		argument(object);
+		put(".");
+		put(operation);
+		put("() = ");
+		argument(result);
+		end();
 	}
 
 	/// A function that belongs to no object: "eDebug("close file")".
 	template <class... Args> void function(const char *what, const Args &...args)
 	{
-		if (on())
-			line(form(what, args...));
+		if (!on())
+			return;
+		begin();
+		put(what);
+		list(args...);
+		end();
 	}
 
 	/// The same with what it returned: "eSkin.queryValue("fontsize", 20) = 20".
 	template <class Result, class... Args>
 	void result(const Result &value, const char *what, const Args &...args)
 	{
-		if (on())
-			line(form(what, args...) + " = " + argument(value));
+		if (!on())
+			return;
+		begin();
+		put(what);
+		list(args...);
+		put(" = ");
+		argument(value);
+		end();
 	}
 
-	/// A function's call as text, for results that are put in words.
-	template <class... Args> std::string form(const char *what, const Args &...args)
+	/// The same with a result in words: "fopen("/proc/mtd", "r") = null".
+	template <class... Args> void resultInWords(const char *words, const char *what, const Args &...args)
 	{
-		return what + list(args...);
+		if (!on())
+			return;
+		begin();
+		put(what);
+		list(args...);
+		put(" = ");
+		put(words);
+		end();
 	}
 
-	void line(const std::string &text);
+	/// A line of any other form.
+	void line(std::string_view whole)
+	{
+		if (!on())
+			return;
+		begin();
+		put(whole);
+		end();
+	}
 
 private:
 	struct Object
@@ -111,28 +165,45 @@ private:
 		bool hosts = false; ///< its end is not the plugin's doing
 	};
 
-	template <class... Args> std::string list(const Args &...args)
+	void begin() { text.clear(); }
+	void end()
 	{
-		std::string text = "(";
-		[[maybe_unused]] const char *separator = "";
-		((text += separator, text += argument(args), separator = ", "), ...); // from left to right
-		return text + ')';
+		if (reader)
+			reader(text);
 	}
 
-	std::string argument(int value) { return std::to_string(value); }
-	std::string argument(bool value) { return value ? "true" : "false"; }
-	std::string argument(const char *text) { return text ? argument(std::string_view(text)) : "null"; }
-	std::string argument(char *text) { return argument(static_cast<const char *>(text)); }
-	std::string argument(std::string_view text); ///< as in JSON
-	std::string argument(const std::string &text) { return argument(std::string_view(text)); }
-	std::string argument(const void *object) { return name(object); }
+	void put(std::string_view words) { text += words; }
 
-	/// "eLabel#2"; "null" for none.
-	std::string name(const void *object);
+	template <class... Args> void list(const Args &...args)
+	{
+		text += '(';
+		[[maybe_unused]] const char *separator = "";
+		((put(separator), argument(args), separator = ", "), ...); // from left to right
+		text += ')';
+	}
 
-	FILE *file = nullptr;
-	bool failed = false;
+	void argument(int value)
+	{
+		char digits[16];
+		text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+	}
+	void argument(bool value) { put(value ? "true" : "false"); }
+	void argument(const char *value)
+	{
+		if (value)
+			argument(std::string_view(value));
+		else
+			put("null");
+	}
+	void argument(char *value) { argument(static_cast<const char *>(value)); }
+	void argument(std::string_view value); ///< as in JSON
+	void argument(const std::string &value) { argument(std::string_view(value)); }
+	void argument(const void *object); ///< "eLabel#2"; "null" for none
+
+	bool started = false;
+	Reader reader;
 	int quiet = 0;
+	std::string text; ///< the last line
 	std::unordered_map<const void *, Object> objects;
 	std::map<std::string, int> counts; ///< per class
 };

@@ -2,7 +2,6 @@
 
 #include "cell_canvas.h"
 #include "note_log.h"
-#include "supervisor.h"
 #include "terminal_colours.h"
 #include "visible_text.h"
 
@@ -14,16 +13,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <deque>
 #include <map>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <curses.h>
@@ -147,13 +148,6 @@ std::string described(const char *name)
 	return out;
 }
 
-std::string leaving()
-{
-	const std::string back = described("rmcup");
-	return described("op") + described("sgr0") + described("cnorm") + described("rmkx") +
-	       (back.empty() ? described("clear") : back);
-}
-
 /// A glyph in the wide characters of this locale; false when it cannot be shown in `span` cells. Where the
 /// locale is not UTF-8, a byte beyond ASCII might be a control to the terminal.
 bool localized(const std::string &glyph, int span, std::wstring &out)
@@ -192,32 +186,7 @@ const cchar_t *lineCharacter(Cell::Shape shape)
 	}
 }
 
-volatile sig_atomic_t continued; // after a stop
-
-/// Lets signals come only while it sleeps, so that none is lost between a look and the sleep.
-class WakingSignals
-{
-public:
-	WakingSignals()
-	{
-		sigset_t waking;
-		sigemptyset(&waking);
-		sigaddset(&waking, SIGWINCH);
-		sigaddset(&waking, SIGCONT);
-		sigprocmask(SIG_BLOCK, &waking, &before);
-	}
-	~WakingSignals() { sigprocmask(SIG_SETMASK, &before, nullptr); }
-	WakingSignals(const WakingSignals &) = delete;
-	WakingSignals &operator=(const WakingSignals &) = delete;
-
-	void sleep(pollfd *ends, nfds_t count) const { ppoll(ends, count, nullptr, &before); }
-
-private:
-	sigset_t before;
-};
-
-/// The screens in a terminal, by curses, which also stops, goes on and resizes. The supervisor gives the
-/// terminal back.
+/// The screens in a terminal, by curses, which also stops, goes on and resizes.
 class TerminalScreen : public Screen
 {
 public:
@@ -225,61 +194,61 @@ public:
 	~TerminalScreen() override;
 
 	Canvas *canvas() override { return &cells; }
-	int rowHeight() const override { return CellCanvas::cellHeight; }
 	void present(const Rect &changed) override;
-	std::optional<Key> waitKey() override;
-	void notify(const std::string &line) override;
-	void wake() override { eventfd_write(wakeUp, 1); }
+	int descriptor() const override { return hungUp ? -1 : STDIN_FILENO; }
+	void look() override;
+	void handleSignal(int signal) override;
+	std::optional<Input> take() override;
+	bool hasKeys() const override { return !hungUp || !keys.empty(); }
 
 private:
-	explicit TerminalScreen(TakenTerminal taken) : terminal(taken) {}
+	TerminalScreen() = default;
 
 	bool start(const char *name);
 	bool fits() const { return LINES >= neededRows && COLS >= neededColumns; }
 	void draw();
 	void redraw();
+	void repair();
 	void drawCell(int row, int column, const Cell &cell, int span, int &textColour);
 	void drawHelp(int row, int column);
-	void drawNotice();
 	void drawLog();
 	int pair(int text, int ground);
 	std::optional<Key> keyOf(int kind, wint_t code);
 	bool skipSequence();
 
-	const TakenTerminal terminal;
-	const int wakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 	FILE *input = nullptr, *output = nullptr;
 	SCREEN *curses = nullptr;
 	ColourDepth depth = ColourDepth::none;
 	std::map<std::pair<int, int>, int> pairs;
 	CellCanvas cells;
-	std::string notice; // over the lowest rows; visible text
+	termios modes = {}; // of the terminal before
+	std::deque<Input> keys;
+	bool hungUp = false;
 	bool showsLog = false;
 };
 
 std::unique_ptr<Screen> TerminalScreen::open(std::string &error)
 {
-	const TakenTerminal taken = takeTerminal();
 	const auto refuse = [&](const std::string &why) {
 		error = "cannot use the terminal: " + why + ", or use --screen none";
 		return nullptr;
 	};
-	if (!isatty(taken.input))
+	if (!isatty(STDIN_FILENO))
 		return refuse("standard input is not one; start it from a terminal");
-	if (!isatty(taken.output))
+	if (!isatty(STDOUT_FILENO))
 		return refuse("standard output is not one; leave out the redirection");
 	const char *name = getenv("TERM");
 	if (!name || !*name)
 		return refuse("TERM is not set; set it to the terminal's name");
 	const std::string shown = "TERM=" + visibleText(name);
 	int status = 0;
-	if (setupterm(name, taken.output, &status) != OK)
+	if (setupterm(name, STDOUT_FILENO, &status) != OK)
 		return refuse(status < 0 ? "there are no terminal descriptions here; install ncurses-base"
 		                         : shown + " is not known here; set TERM to what the terminal is");
 	if (described("cup").empty())
 		return refuse(shown + " cannot move the cursor; set TERM to what the terminal is");
 
-	std::unique_ptr<TerminalScreen> screen(new TerminalScreen(taken));
+	std::unique_ptr<TerminalScreen> screen(new TerminalScreen);
 	if (!screen->start(name))
 		return refuse(shown + " does not work; set TERM to what the terminal is");
 	return screen;
@@ -287,11 +256,11 @@ std::unique_ptr<Screen> TerminalScreen::open(std::string &error)
 
 bool TerminalScreen::start(const char *name)
 {
-	leaveTerminalBy(leaving());
 	depth = terminalColours();
 	del_curterm(cur_term); // curses has its own
-	input = fdopen(dup(terminal.input), "r");
-	output = fdopen(dup(terminal.output), "w");
+	input = fdopen(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3), "r");
+	output = fdopen(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3), "w");
+	tcgetattr(STDIN_FILENO, &modes);
 	if (input && output)
 		curses = newterm(name, output, input);
 	if (!curses)
@@ -313,23 +282,21 @@ bool TerminalScreen::start(const char *name)
 		if (key_defined(key.bytes) == 0)
 			define_key(key.bytes, key.key);
 	curs_set(0);
-	struct sigaction action = {};
-	action.sa_handler = [](int) { continued = 1; };
-	sigaction(SIGCONT, &action, nullptr);
 	return true;
 }
 
 TerminalScreen::~TerminalScreen()
 {
 	if (curses) {
-		std::signal(SIGCONT, SIG_DFL);
 		endwin();
 		delscreen(curses);
+		// Commands may have changed them. In the background the terminal is somebody else's.
+		if (const pid_t foreground = tcgetpgrp(STDIN_FILENO); foreground < 0 || foreground == getpgrp())
+			tcsetattr(STDIN_FILENO, TCSANOW, &modes);
 	}
 	for (FILE *stream : {input, output})
 		if (stream)
 			fclose(stream);
-	close(wakeUp);
 }
 
 void TerminalScreen::present(const Rect &)
@@ -377,8 +344,6 @@ void TerminalScreen::draw()
 	}
 	if (top + count < LINES)
 		drawHelp(top + count, left);
-	if (!notice.empty())
-		drawNotice();
 }
 
 // `textColour` is that of the cell before. Blanks keep it, so that no change of colours is sent for them.
@@ -464,18 +429,6 @@ void TerminalScreen::drawHelp(int row, int column)
 	attrset(A_NORMAL);
 }
 
-void TerminalScreen::drawNotice()
-{
-	const std::vector<std::string> rows = textRows(notice, COLS - 2);
-	int row = LINES - std::min(static_cast<int>(rows.size()), LINES / 2);
-	attrset(A_REVERSE);
-	for (size_t i = 0; row < LINES; ++row, ++i) {
-		mvhline(row, 0, ' ' | A_REVERSE, COLS);
-		addText(row, 1, rows[i]);
-	}
-	attrset(A_NORMAL);
-}
-
 // The last debug lines and notes, as many as there is room for.
 void TerminalScreen::drawLog()
 {
@@ -490,56 +443,60 @@ void TerminalScreen::drawLog()
 	attrset(A_NORMAL);
 }
 
-void TerminalScreen::notify(const std::string &line)
+void TerminalScreen::look()
 {
-	Screen::notify(line);
-	notice = localText(line);
-	draw();
-	refresh();
-}
-
-std::optional<Key> TerminalScreen::waitKey()
-{
-	const WakingSignals signals;
 	for (;;) {
 		wint_t code = 0;
 		const int kind = get_wch(&code);
-		if (kind == ERR) {
-			// A frame may have been left half sent because keys were waiting.
-			refresh();
-			pollfd ends[] = {{terminal.input, POLLIN, 0}, {wakeUp, POLLIN, 0}};
-			signals.sleep(ends, 2);
-			if (eventfd_t wakes; ends[1].revents && eventfd_read(wakeUp, &wakes) == 0)
-				return std::nullopt;
-			int waiting = 0;
-			if (ends[0].revents && (ioctl(terminal.input, FIONREAD, &waiting) != 0 || waiting == 0))
-				return std::nullopt; // the terminal is gone
-			if (!continued)
-				continue;
-			// Others have used the terminal, which may have another size now.
-			continued = 0;
-			endwin();
-			winsize size = {};
-			if (ioctl(terminal.output, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0)
-				resizeterm(size.ws_row, size.ws_col);
-			redraw();
-		} else if (kind == KEY_CODE_YES && code == KEY_RESIZE)
-			redraw();
-		else if (const std::optional<Key> key = keyOf(kind, code); key && (fits() || *key == Key::exit))
-			return key;
+		if (kind == ERR)
+			break;
+		if (kind == KEY_CODE_YES && code == KEY_RESIZE)
+			continue; // has been seen to
+		if (const std::optional<Key> key = keyOf(kind, code); key && (fits() || *key == Key::exit))
+			keys.push_back(*key);
 	}
+	// A frame may have been left half sent because keys were waiting.
+	refresh();
+	pollfd end = {STDIN_FILENO, POLLIN, 0};
+	int waiting = 0;
+	if (poll(&end, 1, 0) > 0 && (ioctl(STDIN_FILENO, FIONREAD, &waiting) != 0 || waiting == 0))
+		hungUp = true;
+}
+
+std::optional<Input> TerminalScreen::take()
+{
+	if (keys.empty())
+		return std::nullopt;
+	const Input key = keys.front();
+	keys.pop_front();
+	return key;
+}
+
+void TerminalScreen::handleSignal(int signal)
+{
+	if (signal == SIGTSTP) {
+		endwin();
+		raise(SIGSTOP);
+	}
+	repair();
+}
+
+// Others have used the terminal, or it has another size now.
+void TerminalScreen::repair()
+{
+	endwin();
+	winsize size = {};
+	if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0)
+		resizeterm(size.ws_row, size.ws_col);
+	redraw();
 }
 
 // The remote's key of what has been typed. Keys of the screen's own are dealt with here.
 std::optional<Key> TerminalScreen::keyOf(int kind, wint_t code)
 {
-	if (!notice.empty()) {
-		notice.clear();
-		draw();
-		refresh();
-	}
 	if (showsLog || (kind == KEY_CODE_YES && code == logKey)) {
 		showsLog = !showsLog;
+		keys.push_back(OwnKey());
 		redraw();
 		if (code == 033)
 			skipSequence();

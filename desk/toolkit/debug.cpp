@@ -12,5 +12,5 @@ void eDebug(const char *format, ...)
 	va_end(values);
 
 	desk::Trace::get().function("eDebug", text);
-	desk::Desk::get().screen().note(text);
+	desk::Desk::get().note(text);
 }

@@ -18,48 +18,35 @@ Desk &Desk::get()
 	return desk;
 }
 
-void Desk::setScreen(std::unique_ptr<Screen> screen)
+void Desk::setViewer(Peer *peer, bool wantsFrames, bool wantsDescriptions)
 {
-	activeScreen = std::move(screen);
+	viewer = peer;
+	draws = wantsFrames;
+	describes = wantsDescriptions;
 	frame = {};
-	if (activeScreen)
-		activeScreen->onClick([this](int x, int y) { return openWindows.keysAt(x, y); });
 }
 
-Screen &Desk::screen()
+void Desk::note(const std::string &line, bool urgent)
 {
-	if (!activeScreen)
-		activeScreen = makeNoScreen();
-	return *activeScreen;
-}
-
-void Desk::beginRun()
-{
-	due = "start";
-	keys.restart();
+	if (viewer)
+		viewer->send(Note{line, urgent});
+	else
+		std::fputs((line + '\n').c_str(), stderr);
 }
 
 void Desk::endRun()
 {
 	openWindows.forgetAll();
-	showFrame();
-	if (const std::string rest = keys.takeRest(); !rest.empty())
-		screen().note("deskhost: the plugin returned before these keys were pressed:" + rest);
-}
-
-void Desk::pressAgain()
-{
-	if (const std::optional<Key> harmful = keys.pressAgain())
-		screen().notify(std::string("deskhost: not pressed again, because it killed or deleted: ") +
-		                keyName(*harmful));
+	showFrame(false);
 }
 
 bool Desk::permits(const std::string &what)
 {
-	if (keys.permitsHarm())
-		return true;
-	screen().notify("deskhost: not done, because nobody pressed the key: " + what);
-	return false;
+	if (viewer)
+		viewer->send(Harm{!pressedAgain});
+	if (pressedAgain)
+		note("deskhost: not done, because nobody pressed the key: " + what, true);
+	return !pressedAgain;
 }
 
 void Desk::leave(eWidget &window)
@@ -80,40 +67,37 @@ bool Desk::run(eWidget &window)
 
 Key Desk::nextKey()
 {
-	showFrame();
-	const std::optional<KeySource::Press> press = keys.next(screen());
-	if (!press) {
-		activeScreen.reset(); // gives the terminal back
-		std::fputs("deskhost: the plugin does not return although 'exit' was pressed 1000 times; "
-		           "see that its windows end their exec()\n",
-		           stderr);
-		std::fflush(nullptr);
-		std::_Exit(1);
-	}
-	if (press->viewers)
-		due = keyName(press->key);
-	return press->key;
-}
-
-void Desk::showFrame()
-{
-	if (keys.restarts())
-		return;                 // the old picture stays
-	const Trace::Quiet drawing; // also of what the plugin's own classes call while they are drawn
-	if (Canvas *canvas = screen().canvas()) {
-		DisplayList next;
-		paint(next);
-		const Rect changes = next.changesFrom(frame);
-		frame = std::move(next);
-		if (!changes.empty()) {
-			frame.draw(*canvas, canvas->paintsInParts() ? changes : wholeScreen);
-			screen().present(changes);
+	const Trace::Quiet waiting;
+	showFrame(true);
+	for (;;) {
+		const std::optional<ToHost> message = viewer ? viewer->receive() : std::nullopt;
+		if (!message)
+			std::_Exit(1); // nobody is left to leave the plugin
+		if (const Click *click = std::get_if<Click>(&*message)) {
+			viewer->send(Meaning{openWindows.keysAt(click->x, click->y)});
+		} else if (const Press *press = std::get_if<Press>(&*message)) {
+			pressedAgain = press->again;
+			return press->key;
 		}
 	}
-	if (due && activeRecorder && activeRecorder->on())
-		activeRecorder->record(
-			*due, [this] { return describe(openWindows); }, [this](Canvas &canvas) { paint(canvas); });
-	due.reset();
+}
+
+void Desk::showFrame(bool waits)
+{
+	if (!viewer)
+		return;
+	const Trace::Quiet drawing; // also of what the plugin's own classes call while they are drawn
+	Frame message;
+	message.waits = waits;
+	if (draws) {
+		DisplayList next;
+		paint(next);
+		message.edit = next.editOf(frame);
+		frame = std::move(next);
+	}
+	if (describes)
+		message.windows = describe(openWindows);
+	viewer->send(message);
 }
 
 } // namespace desk

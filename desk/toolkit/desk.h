@@ -2,16 +2,12 @@
 #define DESK_TOOLKIT_DESK_H
 
 #include "display_list.h"
-#include "key_source.h"
-#include "recorder.h"
-#include "screen.h"
+#include "peer.h"
 #include "skin.h"
 #include "windows.h"
 
-#include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace desk
 {
@@ -23,7 +19,7 @@ struct HostHabits
 	int left = -1;             ///< what exec() returns for a window that the viewer has left
 };
 
-/// The receiver that is not there: its skin, its screen, its windows and its keys.
+/// The receiver that is not there: its skin, its windows, and who looks at them.
 ///
 /// One for the process, because the toolkit's operations name none. Everything runs on one thread.
 class Desk
@@ -33,33 +29,28 @@ public:
 
 	// What a run is made of; set before the plugin is loaded.
 	void setSkin(Skin skin) { activeSkin = std::move(skin); }
-	void setScreen(std::unique_ptr<Screen> screen);
-	void setRecorder(Recorder *recorder) { activeRecorder = recorder; }
+	/// Who presses the keys, and whether he wants frames to draw and descriptions of them. Null: nobody;
+	/// notes then go to standard error.
+	void setViewer(Peer *peer, bool draws = false, bool describes = false);
 
 	const Skin &skin() const { return activeSkin; }
-	Screen &screen();
 	Windows &windows() { return openWindows; }
 	const Windows &windows() const { return openWindows; }
 
 	HostHabits habits;
+	/// What a plugin's _exit() is told to before; null: nobody.
+	void (*onExit)(int status) = nullptr;
 
-	/// Presses these keys before any of the screen's.
-	void press(const std::vector<Key> &script) { keys.press(script); }
-
-	/// Presses those keys again that were pressed before, up to the first one that did harm.
-	void pressAgain();
-
-	/// What is asked when the screen's wait ends without a key: whether the run is to end for another one,
-	/// with the picture left as it is. Null: never.
-	void setRestart(std::function<bool()> asked) { keys.setRestart(std::move(asked)); }
-	bool restarts() const { return keys.restarts(); }
+	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that was only
+	/// reported. `urgent`: it must not be missed.
+	void note(const std::string &line, bool urgent = false);
 
 	/// To be asked before the plugin does harm: kills or deletes. False when it must not be done, because
 	/// nobody presses the keys.
 	bool permits(const std::string &what);
 
-	/// Begins or ends one run of the plugin. The end shows and records what the last key has left.
-	void beginRun();
+	/// Begins or ends one run of the plugin. The end shows what the last key has left. `again`: see Run.
+	void beginRun(bool again = false) { pressedAgain = again; }
 	void endRun();
 
 	/// The height in pixels of one row of text.
@@ -74,15 +65,14 @@ public:
 
 private:
 	Key nextKey();
-	void showFrame();
+	void showFrame(bool waits);
 
 	Skin activeSkin;
-	std::unique_ptr<Screen> activeScreen;
-	Recorder *activeRecorder = nullptr;
+	Peer *viewer = nullptr;
+	bool draws = false, describes = false;
 	Windows openWindows;
-	KeySource keys;
-	DisplayList frame;              ///< what the screen shows
-	std::optional<std::string> due; ///< what is to be recorded with the next frame: "start" or a key's name
+	DisplayList frame; ///< what the screen shows
+	bool pressedAgain = false;
 };
 
 } // namespace desk

@@ -59,6 +59,7 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 	style.face = face;
 	style.align = align;
 	style.bold = bold;
+	style.whole = wraps;
 	style.rowHeight = Desk::get().fontSize();
 	style.emphasis = focused ? Emphasis::current : Emphasis::none;
 
@@ -74,7 +75,7 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 	const int right = align == Align::start ? 0 : look->padding;
 	const Rect inner{area.x + left, area.y, area.w - left - right, area.h};
 
-	const std::string wrapped = wraps ? wrapText(state.text, inner.w, style.rowHeight, bold) : std::string();
+	const std::string wrapped = wraps ? wrapText(state.text, inner.w, style.rowHeight) : std::string();
 	const std::string_view text = wraps ? std::string_view(wrapped) : std::string_view(state.text);
 	if (oneLine) {
 		painter.canvas.text(inner, text, style);

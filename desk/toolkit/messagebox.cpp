@@ -49,7 +49,7 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 
 	const int row = Desk::get().fontSize();
 	const int textWidth = clientWidth - 2 * margin;
-	const std::string wrapped = desk::wrapText(text, textWidth, row, false);
+	const std::string wrapped = desk::wrapText(text, textWidth, row);
 	const int rows = 1 + static_cast<int>(std::count(wrapped.begin(), wrapped.end(), '\n'));
 	// No higher than the screen, however long the question and large the font.
 	const int frame = state->height - clientrect.height();

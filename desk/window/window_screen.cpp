@@ -1,94 +1,455 @@
 #include "window_screen.h"
 
-#include "exchange.h"
+#include "note_log.h"
 #include "pixel_canvas.h"
-#include "window.h"
+#include "visible_text.h"
+#include "window_keys.h"
 
+#include <SDL.h>
+#include <SDL_syswm.h>
+#include <X11/Xlib.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <memory>
-#include <thread>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace desk
 {
 namespace
 {
 
+constexpr int displayPatience = 5000; // milliseconds that a display may take to answer
+
+constexpr int width = screenWidth, height = screenHeight + stripHeight;
+
+std::string variable(const char *name)
+{
+	const char *value = getenv(name);
+	return value ? value : "";
+}
+
+// What lies over the picture: rows of text, within a margin.
+constexpr int panelRow = 20, panelMargin = 8;
+constexpr int panelRows = (screenHeight - 2 * panelMargin) / panelRow;
+constexpr int panelColumns = (screenWidth - 2 * panelMargin) / 8; // of Face::columns in such a row
+
+constexpr Rect panelRowAt(int row)
+{
+	return {panelMargin, panelMargin + row * panelRow, screenWidth - 2 * panelMargin, panelRow};
+}
+
+TextStyle panelText(Face face)
+{
+	TextStyle style;
+	style.color = {238, 243, 247};
+	style.face = face;
+	return style;
+}
+
+// How many pixels of the display a pixel of the picture takes: whole ones where one fits at all, with
+// room for what the desktop puts around a window.
+double suitableScale()
+{
+	SDL_Rect room = {0, 0, width, height};
+	SDL_GetDisplayUsableBounds(0, &room);
+	const double scale = std::min((room.w - 16) / double(width), (room.h - 48) / double(height));
+	return scale >= 1 ? std::floor(scale) : std::max(scale, 0.25);
+}
+
+// Connects SDL to the display. False on failure, with one line in `error`.
+bool startVideo(std::string &error)
+{
+	const std::string x11 = variable("DISPLAY"), wayland = variable("WAYLAND_DISPLAY");
+	const auto failed = [&](const std::string &why) {
+		error = visibleText("cannot open a window: " + why +
+		                    "; set DISPLAY or use --screen terminal or --screen none");
+		return false;
+	};
+	// Asked without a display, some of SDL's drivers take the machine's console, others complain by
+	// themselves. Whoever names a driver gets that one.
+	if (variable("SDL_VIDEODRIVER").empty()) {
+		if (x11.empty() && wayland.empty())
+			return failed("there is no display");
+		SDL_SetHint(SDL_HINT_VIDEODRIVER, wayland.empty() ? "x11" : x11.empty() ? "wayland" : "x11,wayland");
+	}
+	SDL_SetMainReady();
+	SDL_SetHint(SDL_HINT_APP_NAME, "deskhost");
+	SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1"); // SDL's do not reach a thread that sleeps
+	SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+	SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
+	SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
+	SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1"); // the click that gives the focus is one as well
+	if (SDL_Init(SDL_INIT_VIDEO) != 0)
+		return failed("display \"" + (x11.empty() ? wayland : x11) + "\": " + SDL_GetError());
+	return true;
+}
+
+/// The window: all of SDL.
 class WindowScreen : public Screen
 {
 public:
-	WindowScreen(const std::string &title, std::string &error) : exchange(std::make_shared<Exchange>())
-	{
-		// What the thread uses is the thread's as well: when the display goes, it never returns.
-		thread = std::thread([exchange = exchange, title] {
-			{
-				Window window(*exchange, title);
-				std::string why;
-				const bool open = window.open(why);
-				exchange->opened(why);
-				if (open)
-					window.serve();
-			}
-			exchange->ended();
-		});
-		exchange->waitOpened(error);
-	}
-
-	~WindowScreen() override
-	{
-		if (exchange->finish())
-			thread.join();
-		else
-			thread.detach();
-	}
-
+	WindowScreen() = default;
+	~WindowScreen() override;
 	WindowScreen(const WindowScreen &) = delete;
 	WindowScreen &operator=(const WindowScreen &) = delete;
 
+	/// False on failure, with one line in `error`.
+	bool open(const std::string &title, std::string &error);
+
 	Canvas *canvas() override { return &painted; }
-
-	void present(const Rect &changed) override { exchange->show(painted.pixels(), changed); }
-
-	std::optional<Key> waitKey() override
-	{
-		while (pending.empty() || closed()) {
-			const std::optional<Input> input = exchange->waitInput();
-			if (!input)
-				return std::nullopt;
-			if (const Key *key = std::get_if<Key>(&*input))
-				return *key;
-			const Click &click = std::get<Click>(*input);
-			if (keysOfClick)
-				for (const Key key : keysOfClick(click.x, click.y))
-					pending.push_back(key);
-		}
-		const Key next = pending.front();
-		pending.pop_front();
-		return next;
-	}
-
-	void notify(const std::string &line) override
-	{
-		Screen::notify(line);
-		exchange->notify(line);
-	}
-
-	void wake() override { exchange->wakePlugin(); }
-	bool closed() const override { return exchange->closed(); }
-	std::string lost() const override { return exchange->lost(); }
+	void present(const Rect &changed) override;
+	int descriptor() const override;
+	int patience() const override;
+	void look() override;
+	std::optional<Input> take() override;
+	bool hasKeys() const override { return !closed(); }
+	bool closed() const override { return isClosed; }
+	std::string lost() const override;
 
 private:
-	std::shared_ptr<Exchange> exchange;
-	std::thread thread;
+	struct Destroy
+	{
+		void operator()(SDL_Window *w) const { SDL_DestroyWindow(w); }
+		void operator()(SDL_Renderer *r) const { SDL_DestroyRenderer(r); }
+		void operator()(SDL_Texture *t) const { SDL_DestroyTexture(t); }
+	};
+	template <typename T> using Handle = std::unique_ptr<T, Destroy>;
+
+	bool create(const std::string &title);
+	Handle<SDL_Texture> texture(int width, int height) const;
+	void handle(const SDL_Event &event);
+	void handleButton(const SDL_MouseButtonEvent &event);
+	void perform(const Action &action);
+	void showNotes();
+	void hideNotes();
+	void close();
+	void draw();
+	bool moreIsQueued() const;
+
+	Display *display = nullptr; ///< X11's; null with another display server
+	Handle<SDL_Window> window;
+	Handle<SDL_Renderer> renderer;
+	Handle<SDL_Texture> picture, strip, notes;
 	PixelCanvas painted;
-	std::deque<Key> pending; ///< what the last click has come to
+	const StripButton *pressed = nullptr; ///< under the mouse
+	bool showsNotes = false;              ///< over the picture
+	bool stale = true;                    ///< what the window shows
+	bool isClosed = false;
+	std::deque<Input> inputs;
 };
+
+bool displayIsGone = false;
+
+WindowScreen::~WindowScreen()
+{
+	if (displayIsGone) { // nothing of it can be given back
+		for (Handle<SDL_Texture> *each : {&picture, &strip, &notes})
+			each->release();
+		renderer.release();
+		window.release();
+		return;
+	}
+	for (Handle<SDL_Texture> *each : {&picture, &strip, &notes})
+		each->reset();
+	renderer.reset();
+	window.reset();
+	SDL_Quit();
+}
+
+bool WindowScreen::open(const std::string &title, std::string &error)
+{
+	if (!displayAnswers(error) || !startVideo(error))
+		return false;
+	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
+	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
+		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+	if (!create(title)) {
+		error = visibleText(std::string("cannot open a window: ") + SDL_GetError() +
+		                    "; use --screen terminal or --screen none");
+		return false;
+	}
+	if (display) {
+		// Without these Xlib ends the program.
+		XSetIOErrorHandler([](Display *) { return 0; });
+		XSetIOErrorExitHandler(
+			display, [](Display *, void *) { displayIsGone = true; }, nullptr);
+	}
+	return true;
+}
+
+bool WindowScreen::create(const std::string &title)
+{
+	const double scale = suitableScale();
+	const std::string shown =
+		visibleText(title) + " - arrows, Enter, Esc, F1-F4 (red green yellow blue), F9 log";
+	window.reset(SDL_CreateWindow(shown.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
+	                              static_cast<int>(width * scale), static_cast<int>(height * scale),
+	                              SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI));
+	if (!window)
+		return false;
+	renderer.reset(SDL_CreateRenderer(window.get(), -1, SDL_RENDERER_SOFTWARE));
+	if (!renderer || SDL_RenderSetLogicalSize(renderer.get(), width, height) != 0)
+		return false;
+	picture = texture(screenWidth, screenHeight);
+	strip = texture(width, stripHeight);
+	if (!picture || !strip)
+		return false;
+	PixelCanvas drawn(width, stripHeight);
+	drawStrip(drawn);
+	SDL_UpdateTexture(strip.get(), nullptr, drawn.pixels(), drawn.stride());
+	present(wholeScreen);
+	SDL_SetWindowMinimumSize(window.get(), width / 2, height / 2);
+	SDL_StopTextInput(); // keys, not letters: no input method is wanted
+	SDL_SysWMinfo info;
+	SDL_VERSION(&info.version);
+	if (SDL_GetWindowWMInfo(window.get(), &info) && info.subsystem == SDL_SYSWM_X11)
+		display = info.info.x11.display;
+	return true;
+}
+
+WindowScreen::Handle<SDL_Texture> WindowScreen::texture(int w, int h) const
+{
+	return Handle<SDL_Texture>(
+		SDL_CreateTexture(renderer.get(), SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_STREAMING, w, h));
+}
+
+void WindowScreen::present(const Rect &changed)
+{
+	const SDL_Rect rows = {0, changed.y, screenWidth, changed.h};
+	SDL_UpdateTexture(picture.get(), &rows, painted.pixels() + changed.y * painted.stride(),
+	                  painted.stride());
+	stale = true;
+}
+
+int WindowScreen::descriptor() const
+{
+	return display && !displayIsGone ? ConnectionNumber(display) : -1;
+}
+
+int WindowScreen::patience() const
+{
+	if (isClosed || displayIsGone)
+		return displayIsGone && !isClosed ? 0 : -1;
+	if (stale || moreIsQueued())
+		return 0;
+	return display ? -1 : 20; // what other display servers send is looked for now and then
+}
+
+void WindowScreen::look()
+{
+	if (isClosed)
+		return;
+	for (SDL_Event event; !displayIsGone && SDL_PollEvent(&event);)
+		handle(event);
+	if (stale && !displayIsGone && !isClosed)
+		draw();
+	isClosed = isClosed || displayIsGone;
+}
+
+std::optional<Input> WindowScreen::take()
+{
+	if (inputs.empty() || isClosed)
+		return std::nullopt;
+	const Input input = inputs.front();
+	inputs.pop_front();
+	return input;
+}
+
+std::string WindowScreen::lost() const
+{
+	return displayIsGone ? "the display has gone: its server has ended or the connection to it broke" : "";
+}
+
+// Events that SDL or Xlib has read already do not end a sleep.
+bool WindowScreen::moreIsQueued() const
+{
+	if (SDL_HasEvents(SDL_FIRSTEVENT, SDL_LASTEVENT))
+		return true;
+	return display && XEventsQueued(display, QueuedAlready) > 0;
+}
+
+void WindowScreen::handle(const SDL_Event &event)
+{
+	const bool asks =
+		event.type == SDL_KEYDOWN || event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEWHEEL;
+	if (showsNotes && asks)
+		return hideNotes(); // any key goes back, and does nothing else
+	switch (event.type) {
+	case SDL_KEYDOWN:
+		if (const auto action = actionOf(event.key.keysym))
+			if (std::holds_alternative<Key>(*action) || !event.key.repeat)
+				perform(*action);
+		break;
+	case SDL_MOUSEBUTTONDOWN:
+		handleButton(event.button);
+		break;
+	case SDL_MOUSEBUTTONUP:
+		stale = stale || pressed;
+		pressed = nullptr;
+		break;
+	case SDL_MOUSEWHEEL:
+		for (int i = std::abs(event.wheel.y); i > 0; --i)
+			perform(event.wheel.y > 0 ? Key::up : Key::down);
+		break;
+	case SDL_WINDOWEVENT:
+		if (event.window.event == SDL_WINDOWEVENT_EXPOSED ||
+		    event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED)
+			stale = true;
+		break;
+	case SDL_QUIT:
+		close();
+		break;
+	default:
+		break;
+	}
+}
+
+void WindowScreen::handleButton(const SDL_MouseButtonEvent &event)
+{
+	if (event.button == SDL_BUTTON_RIGHT)
+		return perform(Key::exit);
+	if (event.button != SDL_BUTTON_LEFT)
+		return;
+	if (event.y < screenHeight) {
+		inputs.push_back(Click{event.x, event.y});
+		return;
+	}
+	pressed = stripButtonAt(event.x, event.y - screenHeight);
+	if (pressed) {
+		stale = true;
+		perform(pressed->action);
+	}
+}
+
+void WindowScreen::perform(const Action &action)
+{
+	if (const Key *key = std::get_if<Key>(&action)) {
+		inputs.push_back(*key);
+		return;
+	}
+	switch (std::get<Command>(action)) {
+	case Command::savePicture:
+		inputs.push_back(SavePicture());
+		break;
+	case Command::fullScreen:
+		SDL_SetWindowFullscreen(window.get(), SDL_GetWindowFlags(window.get()) & SDL_WINDOW_FULLSCREEN
+		                                          ? 0
+		                                          : SDL_WINDOW_FULLSCREEN_DESKTOP);
+		stale = true;
+		break;
+	case Command::showNotes:
+		showNotes();
+		break;
+	}
+}
+
+// The last debug lines and notes, as many as there is room for, over the whole picture.
+void WindowScreen::showNotes()
+{
+	constexpr int rows = panelRows - 1;
+	const std::vector<std::string> lines = NoteLog::get().lastRows(rows, panelColumns);
+	PixelCanvas canvas;
+	canvas.fill(wholeScreen, Fill::plain({12, 18, 25}));
+	int row = 0;
+	for (const std::string &line : lines)
+		canvas.text(panelRowAt(row++), line, panelText(Face::columns));
+	canvas.text(panelRowAt(rows),
+	            lines.empty() ? "There are no debug lines yet. Any key goes back."
+	                          : "The last debug lines. Any key goes back.",
+	            panelText(Face::prose));
+	if (!notes) {
+		notes = texture(screenWidth, screenHeight);
+		SDL_SetTextureBlendMode(notes.get(), SDL_BLENDMODE_BLEND);
+		SDL_SetTextureAlphaMod(notes.get(), 230);
+	}
+	SDL_UpdateTexture(notes.get(), nullptr, canvas.pixels(), canvas.stride());
+	showsNotes = stale = true;
+}
+
+void WindowScreen::hideNotes()
+{
+	showsNotes = false;
+	stale = true;
+}
+
+void WindowScreen::close()
+{
+	isClosed = true;
+	SDL_HideWindow(window.get());
+}
+
+void WindowScreen::draw()
+{
+	stale = false;
+	SDL_Renderer *to = renderer.get();
+	SDL_SetRenderDrawColor(to, 0, 0, 0, SDL_ALPHA_OPAQUE);
+	SDL_RenderClear(to);
+	const SDL_Rect upper = {0, 0, width, screenHeight}, lower = {0, screenHeight, width, stripHeight};
+	SDL_RenderCopy(to, picture.get(), nullptr, &upper);
+	if (showsNotes)
+		SDL_RenderCopy(to, notes.get(), nullptr, &upper);
+	SDL_RenderCopy(to, strip.get(), nullptr, &lower);
+	if (pressed) {
+		const Rect &area = pressed->area;
+		const SDL_Rect lit = {area.x, screenHeight + area.y, area.w, area.h};
+		SDL_SetRenderDrawBlendMode(to, SDL_BLENDMODE_BLEND);
+		SDL_SetRenderDrawColor(to, 255, 255, 255, 60);
+		SDL_RenderFillRect(to, &lit);
+	}
+	SDL_RenderPresent(to);
+}
 
 } // namespace
 
+bool displayAnswers(std::string &error)
+{
+	static bool answered = false;
+	if (answered)
+		return true;
+	// Asked by another process, because a display that is there can be silent for ever.
+	int ends[2];
+	if (pipe2(ends, O_CLOEXEC) != 0)
+		return true;
+	const pid_t asking = fork();
+	if (asking == 0) {
+		::close(ends[0]);
+		std::string why;
+		startVideo(why);
+		const ssize_t written = write(ends[1], why.data(), why.size());
+		_exit(written < 0 ? 1 : 0);
+	}
+	::close(ends[1]);
+	pollfd answer = {ends[0], POLLIN, 0};
+	error.clear();
+	if (poll(&answer, 1, displayPatience) > 0) {
+		char text[1000];
+		for (ssize_t length; (length = read(ends[0], text, sizeof text)) > 0;)
+			error.append(text, static_cast<size_t>(length));
+	} else
+		error = "cannot open a window: the display does not answer; set DISPLAY or use --screen terminal or "
+				"--screen none";
+	::close(ends[0]);
+	kill(asking, SIGKILL);
+	waitpid(asking, nullptr, 0);
+	answered = error.empty();
+	return answered;
+}
+
 std::unique_ptr<Screen> makeWindowScreen(const std::string &title, std::string &error)
 {
-	auto screen = std::make_unique<WindowScreen>(title, error);
-	if (!error.empty())
+	auto screen = std::make_unique<WindowScreen>();
+	if (!screen->open(title, error))
 		return nullptr;
 	return screen;
 }

@@ -26,12 +26,13 @@ std::vector<std::string> runAnswering(const ReceiverFolder &receiver, int answer
 {
 	std::string error;
 	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
-	EXPECT_TRUE(desk::Trace::get().open(receiver / "trace", error)) << error;
+	std::vector<std::string> lines;
+	desk::Trace::get().start([&](const std::string &line) { lines.push_back(line); });
 	Desk::get().habits.answer = answer;
 	returned = support::runInside(keys);
 	Desk::get().habits.answer.reset();
-	EXPECT_TRUE(desk::Trace::get().close());
-	return support::lines(support::readFile(receiver / "trace"));
+	desk::Trace::get().stop();
+	return lines;
 }
 
 bool has(const std::vector<std::string> &lines, const std::string &line)

@@ -27,7 +27,7 @@ has()
 }
 lib=usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)
 has vexlomenu "$lib/vexlomenu/vexlomenu.so.0" usr/share/locale/ar/LC_MESSAGES/vexlomenu.mo
-has deskhost usr/bin/deskhost usr/share/deskhost/skins/default.toml usr/share/man/man1/deskhost.1.gz \
+has deskhost usr/bin/deskhost usr/libexec/deskhost/deskhost-plugin usr/share/deskhost/skins/default.toml usr/share/man/man1/deskhost.1.gz \
 	usr/share/deskhost/samples/receiver/bin/ps
 has libvexlo-toolkit-dev usr/include/vexlo-toolkit/toolkit.h "$lib/cmake/VexloToolkit/VexloToolkitConfig.cmake" \
 	"$lib/pkgconfig/vexlo-toolkit.pc" usr/share/vexlo-toolkit/golden-test \

@@ -1,10 +1,10 @@
 // What a receiver that is never switched off sees: the same screens, opened over and over, and the
 // plugin loaded and unloaded. Nothing may grow, and nothing may be left.
 
-#include "app.h"
 #include "description.h"
 #include "desk.h"
 #include "files.h"
+#include "half.h"
 #include "inside.h"
 #include "plugin.h"
 #include "support.h"
@@ -119,21 +119,17 @@ struct SmallReceiver : ReceiverFolder
 
 /// A viewer who opens the current entry and leaves it again, so many times, and then the menu. What
 /// the process holds is looked at whenever the menu is back.
-class Viewer : public desk::Screen
+class Viewer : public support::Viewer
 {
 public:
 	// What it keeps must not grow while it looks.
-	explicit Viewer(size_t rounds) : left(rounds)
+	explicit Viewer(size_t rounds, const std::string &pressed = "") : support::Viewer(pressed), left(rounds)
 	{
 		resources.reserve(rounds + 1);
 		dialogs.reserve(2);
 	}
 
-	desk::Canvas *canvas() override { return nullptr; }
-	void present(const desk::Rect &) override {}
-	void note(const std::string &) override {}
-
-	std::optional<Key> waitKey() override
+	std::optional<Key> next() override
 	{
 		inside = !inside;
 		if (!inside) {
@@ -177,10 +173,9 @@ TEST_P(Openings, leave_the_process_as_it_was)
 	std::string error;
 	ASSERT_TRUE(Files::get().setRoot(receiver.path(), error)) << error;
 
-	Viewer *viewer = new Viewer(openings);
-	Desk &desk = Desk::get();
-	desk.setScreen(std::unique_ptr<desk::Screen>(viewer));
-	EXPECT_EQ(support::runInside(support::repeat("down ", GetParam().number)), -1);
+	Viewer menu(openings, support::repeat("down ", GetParam().number));
+	Viewer *const viewer = &menu;
+	EXPECT_EQ(support::runInside(menu, support::pluginPath()), -1);
 
 	EXPECT_EQ(viewer->opened, openings);
 	EXPECT_EQ(viewer->dialogs, std::vector<std::string>(2, GetParam().dialog));
@@ -197,7 +192,6 @@ TEST_P(Openings, leave_the_process_as_it_was)
 	printf("%zu openings: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", openings,
 	       first.memory, first.files, warmUp, viewer->resources.back().memory,
 	       viewer->resources.back().files);
-	desk.setScreen(nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Openings,
@@ -217,14 +211,14 @@ bool isMapped()
 TEST(Loading, leaves_nothing_of_the_plugin_behind)
 {
 	Desk &desk = Desk::get();
-	desk.setScreen(std::make_unique<Viewer>(0));
+	support::Viewer viewer;
+	desk.setViewer(&viewer);
 	std::optional<Resources> first;
 	for (int load = 1; load <= loads; ++load) {
 		std::string error;
 		std::unique_ptr<Plugin> plugin = Plugin::load(support::pluginPath(), error);
 		ASSERT_TRUE(plugin) << error;
 		ASSERT_TRUE(isMapped());
-		desk.press({Key::exit});
 		desk.beginRun();
 		ASSERT_EQ(plugin->exec(), -1);
 		desk.endRun();
@@ -239,38 +233,62 @@ TEST(Loading, leaves_nothing_of_the_plugin_behind)
 	EXPECT_EQ(last, *first);
 	printf("%d loads: %zu bytes and %zu files in use after %zu, %zu and %zu after the last\n", loads,
 	       first->memory, first->files, warmUp, last.memory, last.files);
-	desk.setScreen(nullptr);
+	desk.setViewer(nullptr);
 }
 
-/// What a process holds that has run the desk host with --plays `times`, all screens opened in each.
+/// The viewer's half of `plays` runs.
+class Player : public desk::Peer
+{
+public:
+	Player(int plays, const std::string &root) : left(plays), menu(keys)
+	{
+		desk::Start start;
+		start.plugin = support::pluginPath();
+		start.root = root;
+		start.skin = support::readFile(support::sourcePath("desk/skins/default.toml"));
+		reply = start;
+	}
+
+	void send(const desk::ToViewer &message) override
+	{
+		if (std::holds_alternative<desk::Loaded>(message))
+			reply = desk::Run();
+		else if (std::holds_alternative<desk::Returned>(message) && --left > 0)
+			reply = desk::Load();
+	}
+
+	std::optional<desk::ToHost> receive() override
+	{
+		if (!reply)
+			return left > 0 ? menu.receive() : std::nullopt;
+		const auto next = std::exchange(reply, std::nullopt);
+		if (std::holds_alternative<desk::Start>(*next))
+			reply = desk::Load();
+		if (std::holds_alternative<desk::Run>(*next))
+			menu = support::Viewer(keys);
+		return next;
+	}
+
+private:
+	static constexpr char keys[] = "ok exit down ok exit down ok exit down ok green exit";
+
+	int left;
+	support::Viewer menu;
+	std::optional<desk::ToHost> reply;
+};
+
+/// What a process holds that was the plugin's half so many times, all screens opened in each.
 Resources afterRuns(int times, const std::string &root)
 {
 	int ends[2];
 	EXPECT_EQ(pipe(ends), 0);
 	const pid_t child = fork();
 	if (child == 0) {
-		const int quiet = ::open("/dev/null", O_RDWR);
-		dup2(quiet, STDOUT_FILENO);
-		dup2(quiet, STDERR_FILENO);
-		close(quiet);
-		const std::string number = std::to_string(times), plugin = support::pluginPath(),
-						  skin = support::sourcePath("desk/skins/default.toml");
-		const char *arguments[] = {"deskhost",
-		                           "--screen",
-		                           "none",
-		                           "--root",
-		                           root.c_str(),
-		                           "--plugin",
-		                           plugin.c_str(),
-		                           "--skin",
-		                           skin.c_str(),
-		                           "--plays",
-		                           number.c_str(),
-		                           "--keys",
-		                           "ok exit down ok exit down ok exit down ok green exit",
-		                           nullptr};
-		const int count = static_cast<int>(std::size(arguments)) - 1;
-		const int status = desk::runApp(count, const_cast<char **>(arguments));
+		int status = 0;
+		{
+			Player player(times, root);
+			status = desk::runHalf(player);
+		}
 		const Resources resources;
 		const bool written =
 			write(ends[1], &resources, sizeof resources) == static_cast<ssize_t>(sizeof resources);

@@ -16,7 +16,6 @@
 #include <set>
 #include <sstream>
 
-using support::deskhostPath;
 using support::pluginPath;
 
 namespace
@@ -190,7 +189,7 @@ const Object &plugin()
 
 const Object &host()
 {
-	static const Object object(deskhostPath());
+	static const Object object(support::pluginHalfPath());
 	return object;
 }
 

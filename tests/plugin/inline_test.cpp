@@ -100,16 +100,14 @@ TEST(Entry, still_has_its_help_when_it_is_taken_out)
 
 TEST(Entry, says_that_it_is_not_taken_out_by_its_list)
 {
-	const support::TempFolder folder;
-	std::string error;
-	ASSERT_TRUE(desk::Trace::get().open(folder / "trace", error)) << error;
+	std::string trace;
+	desk::Trace::get().start([&](const std::string &line) { trace += line + '\n'; });
 	{
 		eWindow window(1);
 		Box *box = new Box(&window);
 		delete new Entry(box);
-		desk::Trace::get().close();
+		desk::Trace::get().stop();
 	}
-	const std::string trace = support::readFile(folder / "trace");
 	EXPECT_NE(trace.find("#1, false, false)\n"), std::string::npos) << "appended: " << trace;
 	EXPECT_NE(trace.find("#1, false)\n"), std::string::npos) << "taken out: " << trace;
 }

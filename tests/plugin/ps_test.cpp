@@ -331,16 +331,12 @@ TEST(Ps, signals_nobody_with_a_root)
 }
 
 /// A viewer who goes to one row, and says yes to one question only.
-class CarefulViewer : public desk::Screen
+class CarefulViewer : public support::Viewer
 {
 public:
 	CarefulViewer(int toRow, std::string question) : row(toRow), expected(std::move(question)) {}
 
-	desk::Canvas *canvas() override { return nullptr; }
-	void present(const desk::Rect &) override {}
-	void note(const std::string &) override {}
-
-	std::optional<desk::Key> waitKey() override
+	std::optional<desk::Key> next() override
 	{
 		const Json window = desk::describe(desk::Desk::get().windows()).back();
 		if (window.at("class") == "eMessageBox")
@@ -389,13 +385,10 @@ void killInRealList(const std::vector<std::string> &program)
 	const std::string path = std::getenv("PATH");
 	setenv("PATH", ((commands / "bin") + ":/usr/bin:/bin").c_str(), 1);
 	const std::string question = "Kill " + std::to_string(sleeper.pid()) + " pid?";
-	auto viewer = std::make_unique<CarefulViewer>(row, question);
-	const CarefulViewer &saw = *viewer;
-	desk::Desk::get().setScreen(std::move(viewer));
-	EXPECT_EQ(support::runInside(), -1);
+	CarefulViewer viewer(row, question);
+	EXPECT_EQ(support::runInside(viewer, support::pluginPath()), -1);
 	setenv("PATH", path.c_str(), 1);
-	EXPECT_EQ(saw.questions, Lines{question});
-	desk::Desk::get().setScreen(nullptr);
+	EXPECT_EQ(viewer.questions, Lines{question});
 	EXPECT_EQ(sleeper.exitStatus(), killed);
 	EXPECT_TRUE(bystander.lives());
 }

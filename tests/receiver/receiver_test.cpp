@@ -233,22 +233,17 @@ TEST_F(OnTheBoard, runs_another_plugin)
 	EXPECT_EQ(window(box->started())["class"], "eVexloMenu");
 }
 
-/// Sets host to the process that init has started, and menu to the one that host watches over.
-const char menuProcesses[] =
-	"child_of() { for p in $(pidof deskhost); do read -r pid name state parent rest </proc/$p/stat; "
-	"[ $parent != $1 ] || echo $p; done; }; host=$(child_of 1); menu=$(child_of $host); ";
-
 TEST_F(OnTheBoard, gives_the_console_back_whatever_ends_the_menu)
 {
 	box->shell("echo '#!/bin/sh' >/tmp/idle; echo 'exec sleep 1000' >>/tmp/idle; chmod +x /tmp/idle");
 	const char print[] = "printf '\\n\\n%30s' text >/dev/tty1"; // where screen() looks
-	for (const std::string end : {"kill -9 $menu", "kill -9 $host"}) {
+	for (const std::string end : {"kill -TERM $(pidof deskhost)", "kill -9 $(pidof deskhost)"}) {
 		const Picture menu = box->screen();
 		box->shell(print);
 		EXPECT_EQ(box->screen(), menu) << "the console draws over the menu";
 
 		// Instead of another menu, init then starts a program that leaves the console as it is.
-		box->shell("mount --bind /tmp/idle /usr/sbin/menu; " + (menuProcesses + end));
+		box->shell("mount --bind /tmp/idle /usr/sbin/menu; " + end);
 		ASSERT_TRUE(support::eventually([&] { return !(box->screen() == menu); })) << end;
 		box->shell("until pidof sleep >/tmp/pid; do usleep 1000; done");
 		const Picture text = box->screen();
@@ -265,7 +260,8 @@ TEST_F(OnTheBoard, gives_the_console_back_whatever_ends_the_menu)
 
 TEST_F(OnTheBoard, sleeps_while_no_key_comes)
 {
-	const std::string time = "for p in $(pidof deskhost); do cut -d' ' -f14,15 /proc/$p/stat; done";
+	const std::string time =
+		"for p in $(pidof deskhost deskhost-plugin); do cut -d' ' -f14,15 /proc/$p/stat; done";
 	const std::string before = box->shell(time);
 	box->shell("sleep 1");
 	EXPECT_EQ(box->shell(time), before);

@@ -13,6 +13,11 @@ std::string deskhostPath()
 	return TEST_DESKHOST;
 }
 
+std::string pluginHalfPath()
+{
+	return TEST_PLUGIN_HALF;
+}
+
 std::string pluginPath()
 {
 	return TEST_PLUGIN;
@@ -96,6 +101,9 @@ DeskRun runDesk(const std::string &root, const std::string &keys, const Lines &o
 	                   "--dump",       folder / "dump", "--trace", folder / "trace"};
 	if (!root.empty())
 		command.insert(command.end(), {"--root", root});
+#ifdef TEST_THROUGH // a program that runs in an emulator starts others by the computer itself
+	command.insert(command.end(), {"--through", TEST_THROUGH});
+#endif
 	command.insert(command.end(), options.begin(), options.end());
 
 	DeskRun result;

@@ -12,6 +12,7 @@ namespace support
 using Json = nlohmann::ordered_json;
 
 std::string deskhostPath();
+std::string pluginHalfPath(); ///< the half of it that runs the plugin
 std::string pluginPath();
 std::string testPlugin(const std::string &name);   ///< one of tests/desk/plugins, as "result.so.0"
 std::string sourcePath(const std::string &inTree); ///< a file of the source tree

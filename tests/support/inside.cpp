@@ -11,19 +11,51 @@
 namespace support
 {
 
-int runInside(const std::string &keys)
+Viewer::Viewer(const std::string &keys)
 {
 	std::string error;
-	const auto script = desk::parseKeyScript(keys, error);
-	const auto plugin = desk::Plugin::load(pluginPath(), error);
-	if (!script || !plugin)
+	const auto parsed = desk::parseKeyScript(keys, error);
+	if (!parsed)
+		throw std::runtime_error(error);
+	script.assign(parsed->begin(), parsed->end());
+}
+
+void Viewer::send(const desk::ToViewer &message)
+{
+	if (const desk::Frame *frame = std::get_if<desk::Frame>(&message); frame && frame->waits)
+		look(*frame);
+}
+
+std::optional<desk::ToHost> Viewer::receive()
+{
+	desk::Press press;
+	if (!script.empty()) {
+		press.key = script.front();
+		script.pop_front();
+	} else
+		press.key = next().value_or(desk::Key::exit);
+	return press;
+}
+
+int runInside(Viewer &viewer, const std::string &path, bool draws)
+{
+	std::string error;
+	const auto plugin = desk::Plugin::load(path, error);
+	if (!plugin)
 		throw std::runtime_error(error);
 	desk::Desk &desk = desk::Desk::get();
-	desk.press(*script);
+	desk.setViewer(&viewer, draws);
 	desk.beginRun();
 	const int result = plugin->exec();
 	desk.endRun();
+	desk.setViewer(nullptr);
 	return result;
+}
+
+int runInside(const std::string &keys)
+{
+	Viewer viewer(keys);
+	return runInside(viewer, pluginPath());
 }
 
 } // namespace support

@@ -71,7 +71,7 @@ desk)
 	keys='ok ok exit exit down ok exit down ok red ok ok exit exit down down down ok green exit'
 	configure -DCMAKE_BUILD_TYPE=Debug "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=$5" &&
 		"$cmake" --build "$build" --target deskhost >"$build.log" 2>&1 || { cat "$build.log"; exit 1; }
-	if ldd "$build/bin/deskhost" | grep 'libsigc-3'; then
+	if ldd "$build/bin/deskhost-plugin" | grep 'libsigc-3'; then
 		echo "libsigc++ 3.0 is used"
 		exit 1
 	fi

@@ -306,6 +306,24 @@ TEST(PixelCanvas, shows_the_start_of_a_text_that_is_too_long)
 	}
 }
 
+TEST(PixelCanvas, makes_a_text_narrower_that_is_to_be_seen_whole)
+{
+	const Rect area = {100, 100, 150, 20};
+	TextStyle style = prose();
+	PixelCanvas cut, whole, shorter;
+	cut.text(area, "WWWWWWWWWWWWWWWWi", style);
+	style.whole = true;
+	whole.text(area, "WWWWWWWWWWWWWWWWi", style);
+	EXPECT_TRUE(within(painted(whole), area)) << painted(whole);
+	EXPECT_NE(copyOf(cut), copyOf(whole));
+	shorter.text(area, "WWWWWWWWWWWWWWWW ", style);
+	EXPECT_NE(copyOf(shorter), copyOf(whole)) << "its last letter is there";
+	PixelCanvas one, other;
+	one.text(area, "has room", prose());
+	other.text(area, "has room", style);
+	EXPECT_EQ(copyOf(one), copyOf(other)) << "what has room is as ever";
+}
+
 TEST(PixelCanvas, loses_nothing_that_can_be_seen_of_a_long_line)
 {
 	// What is cut away before it is laid out must not change a pixel of what is seen.

@@ -1,4 +1,4 @@
-// A list on the terminal screen, supervised as the desk host is, with ways to end badly on the digits. What the keys
+// A list on the desk host's terminal screen, in place of a plugin, with ways to end badly on the digits. What the keys
 // were is said afterwards.
 //
 //   1 a note                5 a wild pointer     8 the message box comes or goes
@@ -6,12 +6,10 @@
 //   3 exit with status 7    7 a full stack       0 a command, as plugins run them
 //   4 what the variable DEMO_END says: a signal's number, or a word of end()
 
-#include "supervisor.h"
-#include "terminal_screen.h"
+#include "fake_half.h"
 
 #include <unistd.h>
 
-#include <clocale>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -94,6 +92,13 @@ void paint(Canvas &canvas, const State &state)
 	}
 }
 
+void show(FakeHalf &viewer, const State &state, bool waits)
+{
+	desk::DisplayList frame;
+	paint(frame, state);
+	viewer.show(frame, waits);
+}
+
 int fillStack(volatile unsigned *depth)
 {
 	volatile char here[4096];
@@ -120,15 +125,15 @@ void end(const std::string &way)
 		raise(std::stoi(way));
 }
 
-void misbehave(Key key, desk::Screen &screen, State &state)
+void misbehave(Key key, FakeHalf &viewer, State &state)
 {
 	switch (key) {
 	case Key::digit1:
-		screen.note("a note \033[31m in red");
+		viewer.note("a note \033[31m in red");
 		break;
 	case Key::digit2:
 		for (int i = 0; i < 1200; ++i)
-			screen.note("note " + std::to_string(i) + ".");
+			viewer.note("note " + std::to_string(i) + ".");
 		break;
 	case Key::digit3:
 		exit(7);
@@ -154,8 +159,7 @@ void misbehave(Key key, desk::Screen &screen, State &state)
 		break;
 	case Key::digit9:
 		state.last = "busy";
-		paint(*screen.canvas(), state);
-		screen.present(desk::wholeScreen);
+		show(viewer, state, false);
 		for (volatile unsigned i = 0;;)
 			i = i + 1;
 	case Key::digit0:
@@ -168,25 +172,16 @@ void misbehave(Key key, desk::Screen &screen, State &state)
 
 } // namespace
 
-int run()
+int main()
 {
-	setlocale(LC_ALL, "");
-	std::string error;
-	std::unique_ptr<desk::Screen> screen = desk::makeTerminalScreen(error);
-	if (!screen) {
-		fprintf(stderr, "demo: %s\n", error.c_str());
-		return 1;
-	}
+	FakeHalf viewer;
 	State state;
 	std::string keys;
 	for (;;) {
-		paint(*screen->canvas(), state);
-		screen->present(desk::wholeScreen);
-		const std::optional<Key> key = screen->waitKey();
-		if (!key) {
-			keys += " closed";
-			break;
-		}
+		show(viewer, state, true);
+		const std::optional<Key> key = viewer.key();
+		if (!key)
+			return 1;
 		state.last = keyName(*key);
 		keys += " " + state.last;
 		if (*key == Key::exit)
@@ -195,14 +190,9 @@ int run()
 			++state.current;
 		if (*key == Key::up && state.current > 0)
 			--state.current;
-		misbehave(*key, *screen, state);
+		misbehave(*key, viewer, state);
 	}
-	screen.reset();
-	printf("keys:%s\n", keys.c_str());
+	viewer.note("keys:" + keys);
+	viewer.returned(0);
 	return 0;
-}
-
-int main()
-{
-	return desk::supervise(run);
 }

@@ -2,14 +2,13 @@
 
 #include "desk.h"
 #include "files.h"
+#include "inside.h"
 #include "pixel_canvas.h"
-#include "plugin.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
 
 using desk::Desk;
-using desk::Key;
 using desk::PixelCanvas;
 using desk::Rect;
 
@@ -29,40 +28,28 @@ std::string difference(PixelCanvas &one, PixelCanvas &other)
 }
 
 /// Presses keys, and looks at the frame before each.
-class WatchingScreen : public desk::Screen
+class Painter : public support::Viewer
 {
 public:
-	WatchingScreen(std::vector<Key> script, std::vector<Rect> &seen) : keys(std::move(script)), changes(seen)
-	{}
+	Painter(const std::string &pressed, std::vector<Rect> &seen) : Viewer(pressed), changes(seen) {}
 
-	desk::Canvas *canvas() override { return &painted; }
-
-	void present(const Rect &changed) override
+	void look(const desk::Frame &frame) override
 	{
-		EXPECT_FALSE(changed.empty());
-		EXPECT_EQ(changed, changed.intersected(desk::wholeScreen));
-		changes.back() = changed;
-	}
-
-	std::optional<Key> waitKey() override
-	{
+		const std::optional<Rect> changed = picture.apply(frame.edit);
+		ASSERT_TRUE(changed);
+		EXPECT_EQ(*changed, changed->intersected(desk::wholeScreen));
+		changes.push_back(*changed);
+		picture.draw(painted, *changed);
 		PixelCanvas whole;
 		Desk::get().paint(whole);
 		const std::string where = difference(painted, whole);
-		EXPECT_EQ(where, "") << "before key " << pressed;
-		if (pressed == keys.size())
-			return std::nullopt;
-		changes.push_back({});
-		return keys[pressed++];
+		EXPECT_EQ(where, "") << "before key " << changes.size();
 	}
 
-	void note(const std::string &) override {}
-
 private:
-	const std::vector<Key> keys;
 	std::vector<Rect> &changes;
+	desk::DisplayList picture;
 	PixelCanvas painted;
-	size_t pressed = 0;
 };
 
 /// What was painted before the first key and after each.
@@ -76,19 +63,11 @@ std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 	std::string error;
 	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
 	auto skin = desk::Skin::load(support::sourcePath("desk/skins/default.toml"), error);
-	auto script = desk::parseKeyScript(keys, error);
-	EXPECT_TRUE(skin && script) << error;
-	std::vector<Rect> changes(1);
+	EXPECT_TRUE(skin) << error;
 	Desk::get().setSkin(std::move(*skin));
-	Desk::get().setScreen(std::make_unique<WatchingScreen>(*script, changes));
-	const auto loaded = desk::Plugin::load(plugin, error);
-	EXPECT_TRUE(loaded) << error;
-	if (loaded) {
-		Desk::get().beginRun();
-		loaded->exec();
-		Desk::get().endRun();
-	}
-	Desk::get().setScreen(nullptr);
+	std::vector<Rect> changes;
+	Painter viewer(keys, changes);
+	support::runInside(viewer, plugin, true);
 	return changes;
 }
 

@@ -1,49 +1,49 @@
-// Opens a window, paints it green with a red corner, and prints the name of every key that arrives.
-// After "red" it paints a blue frame without presenting it, after "green" it presents that.
-// It prints where it is clicked, and says that a click means "up ok". It has two notes to look back at.
+// Shows a green picture with a red corner in deskhost's window, and prints the name of every key that arrives on
+// standard error. After "red" it has a blue picture, which it shows after "green". It prints where it is clicked, and
+// says that a click means "up ok". It has two notes to look back at. Two times "exit" end it.
 // `window_probe busy` asks for no key.
 
-#include "window_screen.h"
+#include "fake_half.h"
 
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 
-int main(int argc, char **)
+int main(int argc, char **argv)
 {
-	std::string error;
-	const auto screen = desk::makeWindowScreen("probe", error);
-	if (!screen) {
-		std::fprintf(stderr, "%s\n", error.c_str());
-		return 1;
-	}
-	const auto paint = [&](desk::Color color) {
-		screen->canvas()->fill({0, 0, desk::screenWidth, desk::screenHeight}, desk::Fill::plain(color));
-		screen->canvas()->fill({0, 0, 100, 100}, desk::Fill::plain({255, 0, 0}));
+	FakeHalf viewer;
+	viewer.note("a note that is as long as the window is wide and longer still: " + std::string(200, '#'));
+	viewer.note("the last note");
+	desk::Color colour = {0, 255, 0}, shown = colour;
+	const auto show = [&](bool waits) {
+		desk::DisplayList frame;
+		frame.fill(desk::wholeScreen, desk::Fill::plain(shown));
+		frame.fill({0, 0, 100, 100}, desk::Fill::plain({255, 0, 0}));
+		viewer.show(frame, waits);
 	};
-	paint({0, 255, 0});
-	screen->present(desk::wholeScreen);
-	screen->note("a note that is as long as the window is wide and longer still: " + std::string(200, '#'));
-	screen->note("the last note");
-	std::puts("ready");
-	std::fflush(stdout);
-	while (argc > 1)
-		pause();
-	screen->onClick([](int x, int y) {
-		std::printf("click %d %d\n", x, y);
-		std::fflush(stdout);
-		return std::vector<desk::Key>{desk::Key::up, desk::Key::ok};
-	});
-	while (const auto key = screen->waitKey()) {
-		if (key == desk::Key::red)
-			paint({0, 0, 255});
-		if (key == desk::Key::green)
-			screen->present(desk::wholeScreen);
-		std::puts(desk::keyName(*key));
-		std::fflush(stdout);
+	if (argc > 1 && std::strcmp(argv[1], "busy") == 0) {
+		show(false);
+		std::fputs("ready\n", stderr);
+		for (;;)
+			pause();
 	}
-	if (!screen->lost().empty())
-		std::printf("lost: %s\n", screen->lost().c_str());
-	std::puts(screen->waitKey() ? "a key after the end" : "closed");
+	std::fputs("ready\n", stderr);
+	for (int exits = 0; exits < 2;) {
+		show(true);
+		const auto key = viewer.key([](const desk::Click &click) {
+			std::fprintf(stderr, "click %d %d\n", click.x, click.y);
+			return desk::Meaning{{desk::Key::up, desk::Key::ok}};
+		});
+		if (!key)
+			return 1;
+		if (key == desk::Key::red)
+			colour = {0, 0, 255};
+		if (key == desk::Key::green)
+			shown = colour;
+		exits = key == desk::Key::exit ? exits + 1 : 0;
+		std::fprintf(stderr, "%s\n", desk::keyName(*key));
+	}
+	viewer.returned(0);
 	return 0;
 }

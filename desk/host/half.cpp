@@ -1,0 +1,88 @@
+#include "half.h"
+
+#include "desk.h"
+#include "files.h"
+#include "language.h"
+#include "last_words.h"
+#include "plugin.h"
+#include "trace.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace desk
+{
+
+namespace
+{
+
+constexpr int statusNotLoaded = 1;
+constexpr int statusBadArguments = 2;
+
+/// False, with one line in `error`, when something of it cannot be had.
+bool prepare(const Start &start, Peer &viewer, std::string &error)
+{
+	std::optional<Skin> skin = Skin::parse(start.skin, "skin", error);
+	if (!skin)
+		return false;
+	if (start.rowHeight > 0)
+		skin->setValue("fontsize", start.rowHeight);
+	Desk::get().setSkin(std::move(*skin));
+	Desk::get().setViewer(&viewer, start.draws, start.describes);
+	Desk::get().onExit = sayExit;
+	if (!start.lang.empty() && !setLanguage(start.lang, start.catalogue, error))
+		return false;
+	if (!start.root.empty() && !Files::get().setRoot(start.root, error))
+		return false;
+	for (const std::string &path : start.served)
+		if (!Files::get().serve(path, error))
+			return false;
+	if (start.traces)
+		Trace::get().start([&viewer](const std::string &line) { viewer.send(Call{line}); });
+	else
+		Trace::get().startRemembering();
+	return true;
+}
+
+} // namespace
+
+int runHalf(Peer &viewer)
+{
+	std::string error;
+	const std::optional<ToHost> first = viewer.receive();
+	const Start *start = first ? std::get_if<Start>(&*first) : nullptr;
+	if (!start)
+		return statusBadArguments;
+	if (!prepare(*start, viewer, error)) {
+		viewer.send(Failed{statusBadArguments, error});
+		return statusBadArguments;
+	}
+	if (start->root.empty() && !start->asIs)
+		Files::get().makeReceiver();
+
+	std::unique_ptr<Plugin> plugin;
+	while (const std::optional<ToHost> message = viewer.receive()) {
+		if (std::holds_alternative<Load>(*message)) {
+			plugin = Plugin::load(start->plugin, error);
+			if (!plugin) {
+				viewer.send(Failed{statusNotLoaded, error});
+				return statusNotLoaded;
+			}
+			viewer.send(Loaded());
+		} else if (const Run *run = std::get_if<Run>(&*message); run && plugin) {
+			keepConsole(run->console);
+			Desk::get().beginRun(run->again);
+			const int result = plugin->exec();
+			Desk::get().endRun();
+			plugin.reset();
+			viewer.send(Returned{result});
+		}
+	}
+	plugin.reset();
+	Trace::get().stop();
+	Desk::get().setViewer(nullptr);
+	return 0;
+}
+
+} // namespace desk

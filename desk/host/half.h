@@ -1,0 +1,15 @@
+#ifndef DESK_HOST_HALF_H
+#define DESK_HOST_HALF_H
+
+#include "peer.h"
+
+namespace desk
+{
+
+/// The plugin's half: loads and runs the plugin as the viewer's half says, until that has nothing more to say.
+/// Returns the exit status.
+int runHalf(Peer &viewer);
+
+} // namespace desk
+
+#endif

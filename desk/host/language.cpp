@@ -1,0 +1,35 @@
+#include "language.h"
+
+#include "texts.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace desk
+{
+
+namespace
+{
+
+/// Where the catalogues are that come with this program: in the build tree, or where it is installed.
+std::string ownCatalogues()
+{
+	namespace fs = std::filesystem;
+	std::error_code failed;
+	const fs::path folder = fs::read_symlink("/proc/self/exe", failed).parent_path();
+	for (const char *place : {"../po", DESK_INSTALLED_CATALOGUES})
+		if (fs::exists(folder / place, failed))
+			return (folder / place).lexically_normal();
+	return (folder / "../po").lexically_normal();
+}
+
+} // namespace
+
+bool setLanguage(const std::string &lang, const std::string &catalogue, std::string &error)
+{
+	const size_t colon = std::min(catalogue.find(':'), catalogue.size());
+	const std::string folder = colon < catalogue.size() ? catalogue.substr(colon + 1) : ownCatalogues();
+	return Texts::get().setLanguage(lang, folder, catalogue.substr(0, colon), error);
+}
+
+} // namespace desk

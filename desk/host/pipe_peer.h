@@ -1,0 +1,25 @@
+#ifndef DESK_HOST_PIPE_PEER_H
+#define DESK_HOST_PIPE_PEER_H
+
+#include "channel.h"
+#include "peer.h"
+
+namespace desk
+{
+
+/// The viewer's half at the other end of two descriptors.
+class PipePeer : public Peer
+{
+public:
+	PipePeer(int in, int out) : channel(in, out) {}
+
+	void send(const ToViewer &message) override;
+	std::optional<ToHost> receive() override;
+
+private:
+	Channel channel;
+};
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,191 @@
+#include "framebuffer_screen.h"
+#include "note_log.h"
+#include "options.h"
+#include "pixel_canvas.h"
+#include "recorder.h"
+#include "session.h"
+#include "skin.h"
+#include "terminal_screen.h"
+#include "visible_text.h"
+#include "window_screen.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <new>
+#include <sstream>
+#include <utility>
+
+namespace desk
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void endWithoutMemory()
+{
+	static const char message[] =
+		"deskhost: there is not enough memory; give it more (ulimit -v), or look at less\n";
+	[[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, sizeof message - 1);
+	_exit(statusNotToItsEnd);
+}
+
+/// A standard stream that is closed must not become the first file that is opened: it is taken up in the
+/// direction in which it cannot be used.
+void occupyStandardStreams()
+{
+	for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+		if (fcntl(stream, F_GETFD) < 0)
+			::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+/// Whether what is recorded would overwrite something else that is written, by whatever name.
+bool overwrites(const Options &options, std::string &error)
+{
+	const struct
+	{
+		const char *name;
+		std::string path;
+	} outputs[] = {{"standard output", "/proc/self/fd/1"},
+	               {"standard error", "/proc/self/fd/2"},
+	               {"--dump", options.dump},
+	               {"--trace", options.trace},
+	               {"--debug", options.debug}};
+	std::error_code failed;
+	for (size_t recorded = 2; recorded < std::size(outputs); ++recorded)
+		for (size_t other = 0; other < recorded; ++other)
+			if (fs::is_regular_file(outputs[recorded].path, failed) &&
+			    fs::equivalent(outputs[recorded].path, outputs[other].path, failed)) {
+				error = std::string(outputs[other].name) + " and " + outputs[recorded].name +
+				        " would overwrite each other in '" + outputs[recorded].path +
+				        "'; give each a file of its own";
+				return true;
+			}
+	return false;
+}
+
+bool displayIsNamed()
+{
+	const auto given = [](const char *name) {
+		const char *value = std::getenv(name);
+		return value && *value;
+	};
+	return given("DISPLAY") || given("WAYLAND_DISPLAY");
+}
+
+/// What there is to show and press keys on: a display, else a terminal, else nothing. `note` says why a
+/// display that is named is not it.
+std::string likelyScreen(std::string &note)
+{
+	std::string otherwise = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
+	std::string why;
+	if (!displayIsNamed())
+		return otherwise;
+	if (displayAnswers(why))
+		return "window";
+	// It was named long ago, as in a terminal that has outlived it.
+	note = "deskhost: " + why + "; this is --screen " + otherwise;
+	return otherwise;
+}
+
+/// What the plugin is called: "vexlomenu" for ".../vexlomenu.so.0".
+std::string pluginName(const std::string &path)
+{
+	const std::string file = fs::path(path).filename();
+	return file.substr(0, file.find(".so"));
+}
+
+/// The program that runs the plugin: beside this one, or, when it is started by a command, beside the plugin, which
+/// may be on another computer or for another processor.
+std::string halfFor(const Options &options)
+{
+	const std::string own = besideProgram({"deskhost-plugin", DESK_INSTALLED_HALF});
+	const std::string beside = (fs::path(options.plugin).parent_path() / "deskhost-plugin").string();
+	std::error_code failed;
+	const bool isHere = fs::exists(options.plugin, failed) && !fs::exists(beside, failed);
+	return options.through.empty() || isHere ? own : beside;
+}
+
+std::unique_ptr<Screen> openScreen(const Options &options, std::string &error)
+{
+	const std::string &name = options.screen;
+	if (name == "window")
+		return makeWindowScreen(pluginName(options.plugin), error);
+	if (name == "terminal")
+		return makeTerminalScreen(error);
+	if (name == "framebuffer")
+		return makeFramebufferScreen(options.devices, error);
+	return std::make_unique<Screen>();
+}
+
+int runApp(int argc, char **argv)
+{
+	occupyStandardStreams();
+	std::set_new_handler(endWithoutMemory);
+	// Only what characters are is the desk's: numbers and messages are the same everywhere.
+	std::setlocale(LC_CTYPE, "");
+
+	int status = 0;
+	std::optional<Options> options = readArguments(argc, argv, status);
+	if (!options)
+		return status;
+	if (options->catalogue.empty())
+		options->catalogue = pluginName(options->plugin);
+	std::string error;
+	std::optional<Skin> skin = Skin::load(options->skin, error);
+	if (!skin)
+		return fail(statusBadArguments, error);
+	Stage stage;
+	if (options->screen.empty())
+		options->screen = likelyScreen(stage.note);
+	const bool inTerminal = options->screen == "terminal";
+	if (options->watch && options->screen == "none")
+		return fail(statusBadArguments,
+		            "--watch needs a screen to press keys on: a window, a terminal or a framebuffer");
+	Recorder recorder;
+	if (!options->pictures.empty() && !recorder.openPictures(options->pictures, error))
+		return fail(statusBadArguments, error);
+	if (!options->dump.empty() && !recorder.openDump(options->dump, error))
+		return fail(statusBadArguments, error);
+	if (!options->trace.empty() && !recorder.openTrace(options->trace, error))
+		return fail(statusBadArguments, error);
+	if (!options->debug.empty() && !NoteLog::get().open(options->debug, error))
+		return fail(statusBadArguments, error);
+	if (overwrites(*options, error))
+		return fail(statusBadArguments, error);
+	stage.draws = options->screen != "none";
+	if (((stage.draws && !inTerminal) || recorder.draws()) && !PixelCanvas::canDrawText())
+		return fail(statusNotToItsEnd,
+		            "there is no font to draw with; install one, such as fonts-dejavu-core");
+	if (!options->lang.empty() && inTerminal && !localeIsUtf8())
+		stage.note +=
+			"deskhost: letters that the locale's character set lacks are shown as question marks; set "
+			"LC_ALL=C.UTF-8 to see them";
+
+	std::ostringstream text;
+	text << std::ifstream(options->skin, std::ios::binary).rdbuf();
+	stage.skinText = text.str();
+	stage.skin = std::move(*skin);
+	stage.half = halfFor(*options);
+	stage.rowHeight = inTerminal ? terminalRowHeight : 0;
+	stage.holdsErrorsBack = inTerminal && isatty(STDERR_FILENO);
+	stage.openScreen = [&options](std::string &why) { return openScreen(*options, why); };
+	return Session(*options, std::move(stage), recorder).run();
+}
+
+} // namespace
+
+} // namespace desk
+
+int main(int argc, char **argv)
+{
+	return desk::runApp(argc, argv);
+}

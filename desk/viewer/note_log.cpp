@@ -1,0 +1,84 @@
+#include "note_log.h"
+
+#include "visible_text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace desk
+{
+
+NoteLog &NoteLog::get()
+{
+	static NoteLog log;
+	return log;
+}
+
+bool NoteLog::open(const std::string &path, std::string &error)
+{
+	file = std::fopen(path.c_str(), "we");
+	if (!file) {
+		error = "cannot write debug lines to '" + path + "': " + std::strerror(errno) +
+		        "; name a file that can be written";
+		return false;
+	}
+	std::setvbuf(file, nullptr, _IOLBF, BUFSIZ); // for somebody who watches it grow
+	whole = true;
+	for (const std::string &line : lines)
+		std::fputs((line + '\n').c_str(), file);
+	return true;
+}
+
+bool NoteLog::close()
+{
+	lines.clear();
+	if (!file)
+		return true;
+	whole = !std::ferror(file) && whole;
+	whole = std::fclose(file) == 0 && whole;
+	file = nullptr;
+	return whole;
+}
+
+void NoteLog::addToFile(const std::string &line)
+{
+	if (file)
+		std::fputs((localText(line) + '\n').c_str(), file);
+}
+
+void NoteLog::add(const std::string &bytes)
+{
+	addToFile(bytes);
+	const std::string line = localText(bytes);
+	// One write a line: what others print beside it then falls between lines, not into them.
+	if (holding)
+		holding(line);
+	else
+		std::fputs((line + '\n').c_str(), stderr);
+
+	size_t length = std::min(line.size(), mostBytes);
+	while (length < line.size() && length > 0 && (static_cast<unsigned char>(line[length]) & 0xC0) == 0x80)
+		--length; // not within a character
+	lines.push_back(line.substr(0, length));
+	if (lines.size() > mostLines)
+		lines.pop_front();
+}
+
+std::vector<std::string> NoteLog::last(size_t most) const
+{
+	return {lines.end() - static_cast<std::ptrdiff_t>(std::min(most, lines.size())), lines.end()};
+}
+
+std::vector<std::string> NoteLog::lastRows(size_t most, int columns) const
+{
+	std::vector<std::string> rows;
+	for (const std::string &line : last(most))
+		for (std::string &row : textRows(line, columns))
+			rows.push_back(std::move(row));
+	if (rows.size() > most)
+		rows.erase(rows.begin(), rows.end() - static_cast<std::ptrdiff_t>(most));
+	return rows;
+}
+
+} // namespace desk

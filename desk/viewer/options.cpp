@@ -1,0 +1,142 @@
+#include "options.h"
+
+#include "visible_text.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+
+namespace desk
+{
+
+namespace fs = std::filesystem;
+
+int fail(int status, const std::string &message)
+{
+	std::fprintf(stderr, "deskhost: %s\n", localText(message).c_str());
+	return status;
+}
+
+std::string besideProgram(std::initializer_list<const char *> places)
+{
+	std::error_code failed;
+	const fs::path folder = fs::read_symlink("/proc/self/exe", failed).parent_path();
+	for (const char *place : places)
+		if (fs::exists(folder / place, failed))
+			return (folder / place).lexically_normal();
+	return (folder / *places.begin()).lexically_normal();
+}
+
+std::optional<Options> readArguments(int argc, char **argv, int &status)
+{
+	Options options;
+	std::string script;
+	options.plugin = besideProgram({"vexlomenu.so.0", DESK_INSTALLED_PLUGIN});
+	options.skin = besideProgram({"skins/default.toml", "../share/deskhost/skins/default.toml"});
+
+	CLI::App cli(
+		"Runs a receiver's service plugin on a desk computer: draws its screens and takes the keyboard\n"
+		"(or a script) as the remote control.",
+		"deskhost");
+	cli.set_version_flag("--version", "deskhost " DESK_VERSION);
+	cli.add_option("--plugin", options.plugin, "The plugin to load; by default the one built beside deskhost")
+		->type_name("PATH");
+	cli.add_option("--screen", options.screen,
+	               "window, terminal, framebuffer or none; by default a window where a display is, else the "
+	               "terminal,\n"
+	               "else none")
+		->type_name("WHERE")
+		->check(CLI::IsMember({"window", "terminal", "framebuffer", "none"}));
+	cli.add_option("--framebuffer", options.devices.framebuffer,
+	               "The device that --screen framebuffer draws on; by default the first there is")
+		->type_name("DEVICE");
+	cli.add_option("--remote", options.devices.remote,
+	               "The input device of its remote control; by default one with an OK key, else a keyboard")
+		->type_name("DEVICE");
+	cli.add_option(
+		   "--keys", script,
+		   "Press these keys first, one after another: up down left right pageup pagedown home end ok exit\n"
+		   "red green yellow blue 0-9. With --screen none, exit follows until the plugin returns")
+		->type_name("KEYS");
+	cli.add_option("--pictures", options.pictures,
+	               "Write a PNG of the screen at the start and after every key: 00-start.png, 01-ok.png, ...")
+		->type_name("DIR");
+	cli.add_option("--dump", options.dump, "Write what is on the screen at the same times, as JSON lines")
+		->type_name("FILE");
+	cli.add_option("--trace", options.trace,
+	               "Write every call that the plugin makes to its host, a line each")
+		->type_name("FILE");
+	cli.add_option("--debug", options.debug, "Write debug lines and other notes to this file as well")
+		->type_name("FILE");
+	cli.add_option(
+		   "--root", options.root,
+		   "Serve the receiver's files from this folder and run the commands in its bin, none else. Kills\n"
+		   "are only reported, and commands can signal nobody where the kernel has process namespaces")
+		->type_name("DIR");
+	cli.add_option("--serve", options.served,
+	               "Serve one more file from the --root folder, by its whole path; may be given again")
+		->type_name("PATH")
+		->allow_extra_args(false)
+		->needs("--root");
+	cli.add_flag(
+		   "--as-is", options.asIs,
+		   "Without --root: this computer's own ps, df, kill and memory summary, not those of a receiver")
+		->excludes("--root");
+	cli.add_option("--skin", options.skin, "The look: a skin file")->type_name("FILE");
+	cli.add_option("--lang", options.lang, "The language of the plugin's texts, such as de")
+		->type_name("LANG");
+	cli.add_option(
+		   "--catalogue", options.catalogue,
+		   "Where those texts are: the domain of the catalogue, by default the plugin's name, and the\n"
+		   "folder that holds LANG/LC_MESSAGES/DOMAIN.mo")
+		->type_name("DOMAIN[:FOLDER]");
+	cli.add_option(
+		   "--through", options.through,
+		   "Start the half that runs the plugin by this command, which passes standard input and output on:\n"
+		   "valgrind, an emulator, gdbserver, ssh to a box. It is the one beside the plugin, if there is one")
+		->type_name("COMMAND");
+	cli.add_option("--plays", options.plays, "Load, run and unload the plugin N times in one process")
+		->type_name("N")
+		->check(CLI::Range(1, 1000000000));
+	cli.add_flag(
+		   "--watch", options.watch,
+		   "Whenever the plugin's file changes, load it anew and press the same keys again, but none that\n"
+		   "killed or deleted")
+		->excludes("--plays");
+	// An empty name is a variable that was not set, not a wish.
+	for (CLI::Option *option : cli.get_options())
+		if (option->get_items_expected_max() > 0 && option->get_name() != "--keys")
+			option->check([](const std::string &value) { return value.empty() ? "a name is missing" : ""; },
+			              "");
+	cli.footer(
+		"On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
+		"blue), digits; in the window and the terminal also h j k l, q (exit), r g y b, F9 (the last debug "
+		"lines).\n\n"
+		"Exit status: 0 the plugin ran to its end; 1 it cannot be loaded or did not run to its end, or there "
+	    "is\n"
+		"no font or memory; 2 bad arguments, or something could not be written.");
+	try {
+		cli.parse(argc, argv);
+	} catch (const CLI::ParseError &problem) {
+		if (problem.get_exit_code() == 0) {
+			cli.exit(problem);
+			status = std::cout.flush() ? 0 : fail(statusBadArguments, "cannot write to standard output");
+			return std::nullopt;
+		}
+		status = fail(statusBadArguments, std::string(problem.what()) + "; see deskhost --help");
+		return std::nullopt;
+	}
+
+	std::string error;
+	std::optional<std::vector<Key>> keys = parseKeyScript(script, error);
+	if (!keys) {
+		status = fail(statusBadArguments, error);
+		return std::nullopt;
+	}
+	options.keys = std::move(*keys);
+	return options;
+}
+
+} // namespace desk

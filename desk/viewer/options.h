@@ -1,0 +1,47 @@
+#ifndef DESK_VIEWER_OPTIONS_H
+#define DESK_VIEWER_OPTIONS_H
+
+#include "framebuffer_screen.h"
+#include "key.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace desk
+{
+
+constexpr int statusNotToItsEnd = 1;
+constexpr int statusBadArguments = 2;
+
+/// What the command line asks for.
+struct Options
+{
+	std::string plugin;
+	std::string screen; ///< empty: what is likely
+	FramebufferDevices devices;
+	std::vector<Key> keys;
+	std::string pictures, dump, trace, debug;
+	std::string root;
+	std::vector<std::string> served;
+	bool asIs = false;
+	std::string skin;
+	std::string lang, catalogue;
+	std::string through;
+	bool watch = false;
+	int plays = 1;
+};
+
+/// Reads the command line. Nothing: there is nothing to run, and `status` is the exit status; what is to be
+/// said has been.
+std::optional<Options> readArguments(int argc, char **argv, int &status);
+
+/// Says on standard error why there is no more to do; returns `status`.
+int fail(int status, const std::string &message);
+
+/// The first of these places, relative to the program, that exists; the first one when none does.
+std::string besideProgram(std::initializer_list<const char *> places);
+
+} // namespace desk
+
+#endif

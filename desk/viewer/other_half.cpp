@@ -1,0 +1,124 @@
+#include "other_half.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+namespace desk
+{
+
+std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, const std::string &through,
+                                            int errors, std::string &error)
+{
+	const auto failed = [&](const std::string &why) {
+		error = "cannot start the half that runs the plugin, '" + program + "': " + why;
+		return nullptr;
+	};
+	if (through.empty() && access(program.c_str(), X_OK) != 0)
+		return failed(std::strerror(errno) + std::string("; install deskhost anew"));
+	int ends[2];
+	if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+		return failed(std::strerror(errno));
+	const pid_t parent = getpid();
+	const pid_t child = fork();
+	if (child == 0) {
+		prctl(PR_SET_PDEATHSIG, SIGTERM); // whatever it is busy with
+		if (getppid() != parent)
+			_exit(1);
+		for (const int stream : {STDIN_FILENO, STDOUT_FILENO})
+			dup2(ends[1], stream);
+		dup2(errors, STDERR_FILENO);
+		for (const int ours : {SIGPIPE, SIGCHLD})
+			std::signal(ours, SIG_DFL);
+		sigset_t none;
+		sigemptyset(&none);
+		sigprocmask(SIG_SETMASK, &none, nullptr);
+		if (through.empty())
+			execl(program.c_str(), program.c_str(), nullptr);
+		else
+			execl("/bin/sh", "sh", "-c", ("exec " + through + " \"$0\"").c_str(), program.c_str(), nullptr);
+		_exit(127);
+	}
+	close(ends[1]);
+	if (child < 0) {
+		close(ends[0]);
+		return failed(std::strerror(errno));
+	}
+	fcntl(ends[0], F_SETFL, O_NONBLOCK);
+	return std::unique_ptr<OtherHalf>(new OtherHalf(child, ends[0]));
+}
+
+OtherHalf::~OtherHalf()
+{
+	hangUp();
+	kill();
+	while (!status) {
+		int how = 0;
+		if (waitpid(process, &how, 0) == process || errno != EINTR)
+			status = how;
+	}
+}
+
+void OtherHalf::send(const ToHost &message)
+{
+	if (!channel)
+		return;
+	channel->put(encode(message));
+	channel->flush();
+}
+
+void OtherHalf::flush()
+{
+	if (channel)
+		channel->flush();
+}
+
+void OtherHalf::read()
+{
+	// Of a half that has ended all that it has said.
+	while (channel && !silent) {
+		const Channel::Came came = channel->read();
+		silent = came == Channel::Came::end || (came == Channel::Came::nothing && status);
+		if (!status || came == Channel::Came::nothing)
+			break;
+	}
+}
+
+std::optional<ToViewer> OtherHalf::next()
+{
+	const std::optional<std::string> bytes = channel ? channel->next() : std::nullopt;
+	std::optional<ToViewer> message = bytes ? decodeToViewer(*bytes) : std::nullopt;
+	broken = broken || (bytes && !message) || (channel && channel->isBroken());
+	return message;
+}
+
+void OtherHalf::kill()
+{
+	if (!status)
+		::kill(process, SIGKILL);
+}
+
+void OtherHalf::reap()
+{
+	int how = 0;
+	if (!status && waitpid(process, &how, WNOHANG) == process)
+		status = how;
+}
+
+void reapOrphans(const OtherHalf *half)
+{
+	siginfo_t ended = {};
+	while (waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) == 0 && ended.si_pid != 0 &&
+	       (!half || ended.si_pid != half->id() || half->ending())) {
+		waitpid(ended.si_pid, nullptr, 0);
+		ended = {};
+	}
+}
+
+} // namespace desk

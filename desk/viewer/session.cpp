@@ -1,0 +1,620 @@
+#include "session.h"
+
+#include "pixel_canvas.h"
+#include "visible_text.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <initializer_list>
+#include <sstream>
+#include <utility>
+#include <variant>
+
+namespace desk
+{
+
+namespace
+{
+
+using std::chrono::duration_cast;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr seconds patienceWithTheEnd(1);   // with a plugin that is to end by itself
+constexpr seconds patienceWithItsHalf(60); // when that has ended; a tool may be looking for leaks
+constexpr int exitsThatEnd = 3;            // a plugin that is busy
+constexpr int mostExits = 1000;            // in vain, of a script
+
+// The panel over the picture: in the 80 columns that a terminal shows of it at the least.
+constexpr int panelLeft = 48, panelWidth = 78 * 8, panelRow = 20, panelMargin = 8;
+constexpr int panelTitle = 30, panelEdge = 4;
+
+std::string lineFor(int result)
+{
+	// -1 would read like a failure.
+	return "plugin_exec returned " + std::to_string(result) +
+	       (result == -1 ? ": the viewer left the menu\n" : "\n");
+}
+
+} // namespace
+
+Session::Session(const Options &given, Stage of, Recorder &records)
+	: options(given), stage(std::move(of)), recorder(records), script(given.keys.begin(), given.keys.end()),
+	  plays(given.plays)
+{}
+
+int Session::run()
+{
+	if (stage.holdsErrorsBack && pipe2(errors, O_CLOEXEC | O_NONBLOCK) == 0) {
+		fcntl(errors[1], F_SETFL, 0); // who writes there waits
+		NoteLog::get().holdBack([this](const std::string &line) { held.addLine(line); });
+	}
+	std::string error;
+	if (options.watch && !(watch = Watch::start(options.plugin, error)))
+		finish(statusNotToItsEnd, error);
+	else
+		startHalf();
+	while (state != State::over) {
+		pressNext();
+		if (state != State::over)
+			wait();
+	}
+	return close();
+}
+
+// The other half.
+
+bool Session::startHalf()
+{
+	std::string error;
+	half = OtherHalf::start(stage.half, options.through, errors[1] < 0 ? STDERR_FILENO : errors[1], error);
+	if (!half) {
+		finish(statusNotToItsEnd, error);
+		return false;
+	}
+	Start start;
+	start.plugin = options.plugin;
+	start.root = options.root;
+	start.served = options.served;
+	start.asIs = options.asIs;
+	start.lang = options.lang;
+	start.catalogue = options.catalogue;
+	start.skin = stage.skinText;
+	start.rowHeight = stage.rowHeight;
+	start.draws = stage.draws || recorder.draws();
+	start.describes = recorder.describes();
+	start.traces = recorder.traces();
+	half->send(start);
+	half->send(Load());
+	state = State::busy;
+	busySince = Clock::now();
+	return true;
+}
+
+void Session::listen()
+{
+	while (half && state != State::over) {
+		std::optional<ToViewer> message = half->next();
+		if (!message)
+			break;
+		std::visit([this](auto &kind) { handle(kind); }, *message);
+	}
+	if (half && half->isBroken())
+		giveUp("what comes from its half are no messages");
+}
+
+void Session::handle(Loaded &)
+{
+	if (!screen) {
+		std::string error;
+		screen = stage.openScreen(error);
+		if (!screen)
+			return finish(statusBadArguments, error);
+		if (!stage.note.empty())
+			NoteLog::get().add(stage.note);
+	}
+	hidePanel();
+	if (!afterLoading.empty())
+		say(std::exchange(afterLoading, {}));
+	due = "start";
+	busySince = Clock::now();
+	half->send(Run{replays, screen->console()});
+}
+
+void Session::handle(Failed &message)
+{
+	if (!screen || !watch)
+		return finish(message.status, message.why);
+	say("deskhost: " + message.why);
+	half.reset();
+	state = State::gone;
+}
+
+void Session::handle(Frame &message)
+{
+	const std::optional<Rect> changes = picture.apply(std::move(message.edit));
+	if (!changes)
+		return giveUp("what comes from its half does not fit together");
+	if (secondsShown > 0)
+		hidePanel();
+	show(*changes);
+	if (due)
+		recorder.record(*due, message.windows, picture);
+	due.reset();
+	if (message.waits)
+		state = State::waiting;
+}
+
+void Session::handle(Meaning &message)
+{
+	meant.assign(message.keys.begin(), message.keys.end());
+	state = State::waiting;
+}
+
+void Session::handle(Note &message)
+{
+	if (message.urgent)
+		say(message.line);
+	else
+		NoteLog::get().add(message.line);
+}
+
+void Session::handle(Call &message)
+{
+	recorder.call(message.line);
+}
+
+void Session::handle(Harm &message)
+{
+	if (!message.done)
+		script.clear();
+	else if (!harmless)
+		harmless = history.empty() ? 0 : history.size() - 1;
+}
+
+void Session::handle(Returned &message)
+{
+	returned += lineFor(message.result);
+	std::string rest;
+	for (const Key key : script)
+		rest += std::string(" ") + keyName(key);
+	if (!rest.empty())
+		NoteLog::get().add("deskhost: the plugin returned before these keys were pressed:" + rest);
+	meant.clear();
+	leaving = false;
+	exits = 0;
+	if (!screen->lost().empty())
+		return finish(statusNotToItsEnd, screen->lost());
+	if (--plays > 0 && !screen->closed()) {
+		script.assign(options.keys.begin(), options.keys.end());
+		half->send(Load());
+		busySince = Clock::now();
+		state = State::busy;
+	} else {
+		half->hangUp();
+		deadline = Clock::now() + patienceWithItsHalf;
+		state = State::finishing;
+	}
+}
+
+void Session::handle(Crash &message)
+{
+	crash = std::move(message);
+}
+
+/// Looks whether the half has ended, and whether it should have.
+void Session::lookForEnd()
+{
+	if (half && deadline && Clock::now() >= *deadline) {
+		deadline.reset();
+		half->kill();
+		if (half->isSilent() && whyEnded.empty())
+			whyEnded = "it went on without a way to here";
+		if (screen && screen->closed())
+			return finish(statusNotToItsEnd, !screen->lost().empty()
+			                                     ? screen->lost()
+			                                     : "the window was closed while the plugin or a "
+			                                       "command was busy; ended without waiting for it");
+	}
+	if (half && half->isSilent() && !half->ending() && !deadline && state != State::finishing)
+		deadline = Clock::now() + patienceWithTheEnd; // it has closed its end, and may become another program
+	if (!half || !half->ending())
+		return;
+	const int how = *half->ending();
+	half.reset();
+	deadline.reset();
+	if (state == State::finishing && how == 0)
+		state = State::over;
+	else if (state == State::finishing)
+		finish(statusNotToItsEnd, "the half that ran the plugin did not end well: " +
+		                              reportOf(std::nullopt, how, options.plugin).lines.front());
+	else {
+		CrashReport report = reportOf(crash, how, options.plugin);
+		if (!whyEnded.empty())
+			report.lines = {"It was ended, because " + whyEnded};
+		reportEnd(report);
+	}
+}
+
+void Session::reportEnd(const CrashReport &report)
+{
+	NoteLog &notes = NoteLog::get();
+	notes.add("deskhost: the plugin has not run to its end");
+	for (const std::string &line : report.lines)
+		notes.add("deskhost: " + line);
+	for (const std::string &line : report.stack)
+		notes.addToFile("deskhost: " + line);
+	if (!replays)
+		script.clear();
+	meant.clear();
+	typed.clear();
+	due.reset();
+	if (!screen || !screen->hasKeys())
+		return finish(statusNotToItsEnd);
+	std::vector<std::string> lines = report.lines;
+	lines.push_back("A key starts it anew, exit leaves.");
+	showPanel("The plugin has not run to its end", lines);
+	crashed = true;
+	state = State::gone;
+}
+
+void Session::startAgain(bool pressesAgain)
+{
+	half.reset();
+	crash.reset();
+	crashed = false;
+	whyEnded.clear();
+	deadline.reset();
+	meant.clear();
+	typed.clear();
+	if (!pressesAgain || !replays || harmless)
+		script
+			.clear(); // else what has not been pressed again yet, of a plugin that came to nothing, still is to be
+	afterLoading.clear();
+	leaving = false;
+	replays = pressesAgain;
+	if (pressesAgain) {
+		const size_t count = harmless.value_or(history.size());
+		script.insert(script.begin(), history.begin(), history.begin() + static_cast<std::ptrdiff_t>(count));
+		if (count < history.size())
+			afterLoading = std::string("deskhost: not pressed again, because it killed or deleted: ") +
+			               keyName(history[count]);
+	}
+	history.clear();
+	harmless.reset();
+	startHalf();
+}
+
+void Session::giveUp(const std::string &reason)
+{
+	whyEnded = reason;
+	half->kill();
+}
+
+// The person.
+
+void Session::pressNext()
+{
+	while (state == State::waiting) {
+		if (screen->closed()) {
+			script.clear();
+			meant.clear();
+			leaving = true;
+		}
+		if (!script.empty()) {
+			const Key key = script.front();
+			script.pop_front();
+			press(key, true);
+			continue;
+		}
+		replays = false;
+		if (!meant.empty()) {
+			const Key key = meant.front();
+			meant.pop_front();
+			press(key, true);
+			continue;
+		}
+		if (!leaving) {
+			const std::optional<Input> input = takeInput();
+			if (!input && screen->hasKeys())
+				return;
+			leaving = !input;
+			if (input && std::holds_alternative<SavePicture>(*input))
+				savePicture();
+			else if (input)
+				hidePanel();
+			if (const Key *key = input ? std::get_if<Key>(&*input) : nullptr)
+				press(*key, true);
+			if (const Click *click = input ? std::get_if<Click>(&*input) : nullptr) {
+				half->send(*click);
+				state = State::busy;
+				busySince = Clock::now();
+			}
+			continue;
+		}
+		if (++exits > mostExits)
+			return giveUp("it does not return although exit was pressed " + std::to_string(mostExits) +
+			              " times; see that its windows end their exec()");
+		press(Key::exit, false);
+	}
+}
+
+void Session::press(Key key, bool isSomebodys)
+{
+	if (isSomebodys) {
+		due = keyName(key);
+		if (watch) // nothing else presses keys again
+			history.push_back(key);
+	}
+	state = State::busy;
+	busySince = Clock::now();
+	half->send(Press{key, replays});
+}
+
+std::optional<Input> Session::takeInput()
+{
+	if (typed.empty())
+		return screen->take();
+	const Input input = typed.front();
+	typed.pop_front();
+	return input;
+}
+
+/// What a person does while there is no plugin.
+void Session::decide()
+{
+	while (state == State::gone) {
+		const std::optional<Input> input = screen->take();
+		if (screen->closed() || (!input && !screen->hasKeys()))
+			return finish(statusNotToItsEnd, screen->lost());
+		if (!input)
+			return;
+		if (std::holds_alternative<SavePicture>(*input))
+			savePicture();
+		const Key *key = std::get_if<Key>(&*input);
+		if (key && *key == Key::exit)
+			return finish(statusNotToItsEnd);
+		if (key && crashed)
+			startAgain(false);
+		else if (!crashed && !std::holds_alternative<SavePicture>(*input))
+			hidePanel();
+	}
+}
+
+/// Shows that the plugin is busy, and ends it when that is wanted.
+void Session::watchBusy()
+{
+	if (state != State::busy || !screen || !half)
+		return;
+	if (screen->closed()) {
+		if (!deadline)
+			deadline = Clock::now() + patienceWithTheEnd;
+		return;
+	}
+	const auto busy = static_cast<int>(duration_cast<seconds>(Clock::now() - busySince).count());
+	if (busy < 1 || !screen->hasKeys())
+		return;
+	if (busy != secondsShown) {
+		showPanel("Busy", {"The plugin has not answered for " + std::to_string(busy) + " s.",
+		                   "Exit, pressed three times, ends it."});
+		secondsShown = busy;
+	}
+	while (const std::optional<Input> input = screen->take()) {
+		typed.push_back(*input);
+		const Key *key = std::get_if<Key>(&*input);
+		if (key && *key == Key::exit && ++exitsWhileBusy == exitsThatEnd)
+			giveUp("it had not answered for " + std::to_string(busy) +
+			       " s, and exit was pressed three times");
+	}
+}
+
+// Into the current folder, under the first name that is free.
+void Session::savePicture()
+{
+	namespace fs = std::filesystem;
+	std::error_code failed;
+	fs::path path;
+	int number = 1;
+	do
+		path = fs::absolute("deskhost-" + std::to_string(number++) + ".png", failed);
+	while (fs::exists(path, failed));
+	PixelCanvas canvas;
+	picture.draw(canvas, wholeScreen);
+	std::string error;
+	if (canvas.writePng(path, error))
+		say("deskhost: saved " + path.filename().string() + " in " + path.parent_path().string());
+	else
+		say("deskhost: " + error);
+}
+
+// The screen.
+
+void Session::show(const Rect &changes)
+{
+	Canvas *canvas = screen ? screen->canvas() : nullptr;
+	if (!canvas || changes.empty())
+		return;
+	const Rect &area = canvas->paintsInParts() ? changes : wholeScreen;
+	picture.draw(*canvas, area);
+	panel.draw(*canvas, area);
+	screen->present(changes);
+}
+
+void Session::showPanel(const std::string &title, const std::vector<std::string> &lines)
+{
+	std::vector<std::string> rows;
+	for (const std::string &line : lines)
+		for (std::string &row : textRows(visibleText(line), (panelWidth - 2 * panelMargin) / 8))
+			rows.push_back(std::move(row));
+	constexpr size_t most = (screenHeight - panelTitle - 2 * panelEdge - 2 * panelMargin) / panelRow;
+	rows.resize(std::min(rows.size(), most));
+
+	const int height = static_cast<int>(rows.size()) * panelRow + 2 * panelMargin;
+	const int top = screenHeight - 2 * panelEdge - height;
+	const Rect before = panel.reach();
+	panel = {};
+	panel.frame({panelEdge, top - panelTitle, screenWidth - 2 * panelEdge, panelTitle + height + panelEdge},
+	            {panelLeft, top, panelWidth, height}, title, stage.skin.window);
+	TextStyle style;
+	style.color = stage.skin.window.titleText;
+	style.face = Face::prose;
+	style.whole = true;
+	int y = top + panelMargin;
+	for (const std::string &row : rows) {
+		panel.text({panelLeft + panelMargin, y, panelWidth - 2 * panelMargin, panelRow}, row, style);
+		y += panelRow;
+	}
+	secondsShown = 0;
+	show(before.united(panel.reach()).intersected(wholeScreen));
+}
+
+void Session::hidePanel()
+{
+	const Rect before = panel.reach().intersected(wholeScreen);
+	panel = {};
+	secondsShown = 0;
+	exitsWhileBusy = 0;
+	show(before);
+}
+
+/// Says what the person must not miss.
+void Session::say(const std::string &line)
+{
+	NoteLog::get().add(line);
+	showPanel("Note", {line});
+}
+
+// The loop.
+
+void Session::wait()
+{
+	const short wire = static_cast<short>(half && half->wantsToWrite() ? POLLIN | POLLOUT : POLLIN);
+	pollfd ends[] = {{signals.descriptor(), POLLIN, 0},
+	                 {half && !half->isSilent() ? half->descriptor() : -1, wire, 0},
+	                 {errors[0], POLLIN, 0},
+	                 {watch ? watch->descriptor() : -1, POLLIN, 0},
+	                 {screen ? screen->descriptor() : -1, POLLIN, 0}};
+	poll(ends, std::size(ends), patience());
+	if (ends[2].revents)
+		readErrors();
+	if (ends[0].revents)
+		handleSignals();
+	if (state == State::over)
+		return;
+	if (half && (ends[1].revents || half->ending())) {
+		half->flush();
+		half->read();
+		listen();
+	}
+	if (watch && ends[3].revents)
+		watch->look();
+	if (screen && state != State::over)
+		screen->look();
+	if (state != State::over && state != State::finishing && watch && watch->changed() && screen)
+		startAgain(true);
+	watchBusy();
+	decide();
+	if (state != State::over)
+		lookForEnd();
+}
+
+/// Milliseconds until something is to be done although nothing has come; -1: never.
+int Session::patience() const
+{
+	int least = screen ? screen->patience() : -1;
+	const auto within = [&](int time) {
+		if (time >= 0)
+			least = least < 0 ? time : std::min(least, time);
+	};
+	const auto until = [&](Clock::time_point when) {
+		within(std::max(0, static_cast<int>(duration_cast<milliseconds>(when - Clock::now()).count()) + 1));
+	};
+	if (watch)
+		within(watch->patience());
+	if (half && deadline)
+		until(*deadline);
+	if (state == State::busy && screen && screen->hasKeys())
+		until(busySince + seconds(secondsShown + 1));
+	if (half && half->ending() && state != State::gone)
+		within(0);
+	return least;
+}
+
+void Session::readErrors()
+{
+	char bytes[4096];
+	const ssize_t count = read(errors[0], bytes, sizeof bytes);
+	if (count > 0)
+		held.add(bytes, static_cast<size_t>(count));
+}
+
+void Session::handleSignals()
+{
+	while (const std::optional<int> signal = signals.take()) {
+		if (Signals::isEnd(*signal)) {
+			endingSignal = *signal;
+			state = State::over;
+		} else if (*signal == SIGCHLD) {
+			if (half)
+				half->reap();
+			reapOrphans(half.get());
+		} else if (screen)
+			screen->handleSignal(*signal);
+		else if (*signal == SIGTSTP)
+			raise(SIGSTOP);
+	}
+}
+
+void Session::finish(int exitStatus, const std::string &reason)
+{
+	status = exitStatus;
+	why = reason;
+	state = State::over;
+}
+
+/// Gives everything back, says what is to be said, and returns the exit status.
+int Session::close()
+{
+	half.reset();
+	screen.reset();
+	NoteLog::get().holdBack(nullptr);
+	if (errors[0] >= 0) {
+		// No more than a pipe holds: somebody who is left may write for ever.
+		for (int pieces = 0; pieces < 64; ++pieces)
+			readErrors();
+		held.add(returned.data(), returned.size());
+		returned.clear();
+		held.release(STDERR_FILENO);
+	}
+	std::string unwritten;
+	const bool recorded = recorder.close(unwritten);
+	const bool noted = NoteLog::get().close();
+	if (endingSignal)
+		endBy(endingSignal);
+
+	errno = 0;
+	const bool printed = std::fputs(returned.c_str(), stdout) != EOF && std::fflush(stdout) == 0;
+	const std::string whyNot = std::strerror(errno);
+	if (!why.empty())
+		return fail(status, why);
+	if (status != 0)
+		return status;
+	if (!recorded)
+		return fail(statusBadArguments, unwritten);
+	if (!noted)
+		return fail(statusBadArguments,
+		            "cannot write all debug lines to '" + options.debug + "'; is the disk full?");
+	if (!printed)
+		return fail(statusBadArguments, "cannot write to standard output: " + whyNot);
+	return 0;
+}
+
+} // namespace desk

@@ -1,0 +1,158 @@
+#ifndef DESK_WIRE_CANVAS_H
+#define DESK_WIRE_CANVAS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace desk
+{
+
+/// The receiver's screen, in pixels.
+constexpr int screenWidth = 720;
+constexpr int screenHeight = 576;
+
+/// A rectangle in screen pixels; `w` and `h` may be zero, then nothing is drawn.
+struct Rect
+{
+	int x = 0, y = 0, w = 0, h = 0;
+
+	int right() const { return x + w; }
+	int bottom() const { return y + h; }
+	bool empty() const { return w <= 0 || h <= 0; }
+	Rect intersected(const Rect &other) const;
+	/// The smallest rectangle that holds both; an empty one counts for nothing.
+	Rect united(const Rect &other) const;
+
+	bool operator==(const Rect &o) const { return x == o.x && y == o.y && w == o.w && h == o.h; }
+};
+
+constexpr Rect wholeScreen = {0, 0, screenWidth, screenHeight};
+
+struct Color
+{
+	uint8_t r = 0, g = 0, b = 0;
+
+	bool operator==(const Color &o) const { return r == o.r && g == o.g && b == o.b; }
+	bool operator!=(const Color &o) const { return !(*this == o); }
+};
+
+/// What a filled area or a text means, for a canvas whose colours cannot say it.
+enum class Emphasis
+{
+	none,
+	current, ///< the current entry, the button that has the focus
+	dim,     ///< present but secondary: a bar's track, the current entry of a list that has not the focus
+};
+
+/// How an area is filled. Canvases without the means leave out the gradient and the corners.
+struct Fill
+{
+	Color top;      ///< colour at the upper edge
+	Color bottom;   ///< colour at the lower edge; the same as `top` for a plain area
+	int radius = 0; ///< of the corners, in pixels
+	Emphasis emphasis = Emphasis::none;
+
+	bool operator==(const Fill &o) const
+	{
+		return top == o.top && bottom == o.bottom && radius == o.radius && emphasis == o.emphasis;
+	}
+
+	static Fill plain(Color c, int radius = 0, Emphasis e = Emphasis::none) { return {c, c, radius, e}; }
+};
+
+enum class Face
+{
+	columns, ///< every character as wide as the next, so that columns made with blanks line up
+	prose,   ///< titles, menu lines, buttons, questions
+};
+
+enum class Align
+{
+	start,
+	centre,
+	end,
+};
+
+/// How one line of text is drawn.
+struct TextStyle
+{
+	Color color;
+	Face face = Face::columns;
+	int rowHeight = 20; ///< pixels of the row of the text; the font is made to fit it
+	bool bold = false;
+	Align align = Align::start;
+	Emphasis emphasis = Emphasis::none;
+	bool whole = false; ///< narrower letters rather than fewer where the area has no room for all
+
+	bool operator==(const TextStyle &o) const
+	{
+		return color == o.color && face == o.face && rowHeight == o.rowHeight && bold == o.bold &&
+		       align == o.align && emphasis == o.emphasis && whole == o.whole;
+	}
+};
+
+/// Bytes of a line that are looked at when it is drawn into `width` pixels; the rest may as well be missing.
+constexpr size_t mostBytesWithin(int width)
+{
+	return width > 0 ? static_cast<size_t>(width) * 16 + 64 : 0;
+}
+
+/// How a window's frame is drawn.
+struct FrameStyle
+{
+	Color border;
+	Color titleTop, titleBottom; ///< the title bar
+	Color titleText;
+	Color client;   ///< the window's own background
+	int radius = 0; ///< of the corners, in pixels
+
+	bool operator==(const FrameStyle &o) const
+	{
+		return border == o.border && titleTop == o.titleTop && titleBottom == o.titleBottom &&
+		       titleText == o.titleText && client == o.client && radius == o.radius;
+	}
+};
+
+/// Pixels beyond a window's edges that its shadow may take.
+constexpr int shadowReach = 16;
+
+enum class ColourKey
+{
+	red,
+	green,
+	yellow,
+	blue,
+};
+
+/// What the toolkit paints on. Coordinates are screen pixels whatever the canvas is made of.
+class Canvas
+{
+public:
+	virtual ~Canvas() = default;
+
+	/// Whether a part of the screen can be painted anew, within a clip, while the rest stays as it is.
+	virtual bool paintsInParts() const { return true; }
+
+	/// Nothing is drawn outside of the innermost clip; clips nest, each cut by the one around it.
+	virtual void pushClip(const Rect &area) = 0;
+	virtual void popClip() = 0;
+
+	virtual void fill(const Rect &area, const Fill &fill) = 0;
+
+	/// A window's frame, title bar and background. `client` lies within `outer`; the title bar is
+	/// what `outer` has above it.
+	virtual void frame(const Rect &outer, const Rect &client, std::string_view title,
+	                   const FrameStyle &style) = 0;
+
+	/// One line of text, in the middle of `area`'s height, cut at `area` and at the clip.
+	/// The text is drawn whatever bytes it holds: see visibleText().
+	virtual void text(const Rect &area, std::string_view line, const TextStyle &style) = 0;
+
+	/// The symbol of a colour key of the remote control. `area` is about as high as a text row.
+	virtual void keySymbol(const Rect &area, ColourKey key, Color color) = 0;
+};
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,102 @@
+#ifndef DESK_WIRE_DISPLAY_LIST_H
+#define DESK_WIRE_DISPLAY_LIST_H
+
+#include "canvas.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace desk
+{
+
+/// What is drawn, as a list: it can be compared with what was drawn before, sent, and drawn in part.
+class DisplayList : public Canvas
+{
+public:
+	struct FillItem
+	{
+		Rect area;
+		Fill fill;
+
+		bool operator==(const FillItem &o) const { return area == o.area && fill == o.fill; }
+	};
+	struct FrameItem
+	{
+		Rect outer, client;
+		std::string title;
+		FrameStyle style;
+
+		bool operator==(const FrameItem &o) const
+		{
+			return outer == o.outer && client == o.client && title == o.title && style == o.style;
+		}
+	};
+	struct TextItem
+	{
+		Rect area;
+		std::string line;
+		TextStyle style;
+
+		bool operator==(const TextItem &o) const
+		{
+			return area == o.area && line == o.line && style == o.style;
+		}
+	};
+	struct KeyItem
+	{
+		Rect area;
+		ColourKey key;
+		Color color;
+
+		bool operator==(const KeyItem &o) const { return area == o.area && key == o.key && color == o.color; }
+	};
+	struct Item
+	{
+		Rect clip;
+		std::variant<FillItem, FrameItem, TextItem, KeyItem> what;
+
+		bool operator==(const Item &o) const { return clip == o.clip && what == o.what; }
+		/// The pixels that it may touch.
+		Rect reach() const;
+	};
+
+	/// What makes one list another one: its first and its last items stay, those between are new.
+	struct Edit
+	{
+		size_t front = 0, back = 0;
+		std::vector<Item> items;
+	};
+
+	void pushClip(const Rect &area) override;
+	void popClip() override;
+	void fill(const Rect &area, const Fill &fill) override;
+	void frame(const Rect &outer, const Rect &client, std::string_view title,
+	           const FrameStyle &style) override;
+	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
+	void keySymbol(const Rect &area, ColourKey key, Color color) override;
+
+	/// What makes `before` this list.
+	Edit editOf(const DisplayList &before) const;
+
+	/// Makes this list another one. Where the screen may look different then, empty: nowhere; nothing when this
+	/// list has fewer items than the edit wants to keep.
+	std::optional<Rect> apply(Edit edit);
+
+	/// All that it may touch.
+	Rect reach() const;
+
+	/// Draws what of it lies within `area`.
+	void draw(Canvas &to, const Rect &area) const;
+
+private:
+	template <class What> void add(What what);
+
+	std::vector<Rect> clips = std::vector<Rect>(1, wholeScreen); ///< the innermost last
+	std::vector<Item> items;
+};
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef DESK_WIRE_PEER_H
+#define DESK_WIRE_PEER_H
+
+#include "message.h"
+
+#include <optional>
+
+namespace desk
+{
+
+/// The viewer's half, as the plugin's half sees it.
+class Peer
+{
+public:
+	virtual ~Peer() = default;
+
+	virtual void send(const ToViewer &message) = 0;
+
+	/// Sleeps until there is a message. Nothing: the viewer's half has ended.
+	virtual std::optional<ToHost> receive() = 0;
+};
+
+} // namespace desk
+
+#endif

@@ -1,0 +1,89 @@
+// A plugin with ways to end badly: entries of a menu, each by its digit.
+//
+//   1 a wild pointer   3 exit(0)    5 an exception that nobody catches   7 spins, whatever signals come
+//   2 abort            4 _exit(7)   6 a full stack                       8 says something on standard output
+#include "toolkit.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+namespace
+{
+
+int fillStack(volatile unsigned *depth)
+{
+	volatile char here[4096];
+	here[0] = 1;
+	return ++*depth ? fillStack(depth) + here[0] : 0;
+}
+
+class Menu : public eSetupWindow
+{
+public:
+	Menu() : eSetupWindow("Ways to end", 8, 300)
+	{
+		add("wild pointer", &Menu::wildPointer);
+		add("abort", &Menu::abort);
+		add("exit", &Menu::exit);
+		add("_exit", &Menu::endAtOnce);
+		add("exception", &Menu::exception);
+		add("full stack", &Menu::fullStack);
+		add("spins", &Menu::spin);
+		add("prints", &Menu::print);
+	}
+
+private:
+	void add(const char *name, void (Menu::*operation)())
+	{
+		eListBoxEntryMenu *entry = new eListBoxEntryMenu(&list, name);
+		entry->selected.connect(SigC::slot(*this, operation));
+	}
+
+	__attribute__((noinline)) void wildPointer()
+	{
+		setText("about to crash");
+		// Not null, for which a sanitizer has its own end.
+		volatile uintptr_t nothing = 64;
+		*reinterpret_cast<volatile int *>(nothing) = 1;
+	}
+	void abort()
+	{
+		setText("about to abort");
+		std::abort();
+	}
+	void exit() { std::exit(0); }
+	void endAtOnce() { _exit(7); }
+	void exception() { throw std::runtime_error("nothing fits"); }
+	void fullStack()
+	{
+		volatile unsigned depth = 0;
+		printf("%d", fillStack(&depth));
+	}
+	void spin()
+	{
+		sigset_t all;
+		sigfillset(&all);
+		sigprocmask(SIG_BLOCK, &all, nullptr);
+		for (volatile unsigned i = 0;;)
+			i = i + 1;
+	}
+	void print()
+	{
+		printf("printed by the plugin\n");
+		system("echo printed by a command");
+	}
+};
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) int plugin_exec()
+{
+	Menu menu;
+	menu.show();
+	return menu.exec();
+}
