@@ -36,7 +36,8 @@ protected:
 		const std::string source = place.write("all.po", catalogue);
 		std::filesystem::create_directories(place / "po/xx/LC_MESSAGES");
 		std::filesystem::create_directories(place / "bin");
-		std::filesystem::copy_file(support::deskhostPath(), place / "bin/deskhost");
+		for (const char *half : {"", "-plugin"})
+			std::filesystem::copy_file(support::deskhostPath() + half, place / "bin/deskhost" + half);
 		const support::Outcome made =
 			support::run({"msgfmt", "-o", place / "po/xx/LC_MESSAGES/vexlomenu.mo", source});
 		EXPECT_EQ(made.status, 0) << made.err;
