@@ -95,10 +95,19 @@ mistakes)
 		"-DVEXLO_SIGC1_INCLUDE=$(pkg-config --variable=includedir sigc++-3.0)/sigc++-3.0"
 	echo '!<arch>' >"$build.a"
 	refuses 'is no shared library' "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=$build.a"
+	# Relative names are from where cmake is called, not from the build's folder.
+	cd "$(dirname "$build")"
+	refuses "$build.a is no shared library" "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=${build##*/}.a"
 	rm "$build.a"
 	refuses 'there is no toolkit.h in /nowhere' -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE=/nowhere
 	refuses 'with VEXLO_TOOLKIT_INCLUDE, give -DVEXLO_DESK=OFF as well' \
 		"-DVEXLO_TOOLKIT_INCLUDE=$sources/tests/vendor/include"
+	cd "$sources/tests/vendor"
+	rm -rf "$build"
+	configure -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE=include \
+		'-DVEXLO_SIGC1_INCLUDE=sigc1/include/sigc++-1.2;sigc1/lib/sigc++-1.2/include' || { cat "$build.log"; exit 1; }
+	grep -qF -- "$PWD/sigc1/lib/sigc++-1.2/include" "$build/build.ninja" && grep -qF -- "$PWD/include" "$build/build.ninja" ||
+		{ echo "relative folders are not found"; exit 1; }
 	;;
 esac
 rm -f "$build.log"
