@@ -20,7 +20,7 @@ cat >"$HOME/bin/deskhost" <<END
 #!/bin/bash
 export -n DISPLAY WAYLAND_DISPLAY
 if [[ " \$* " == *" --watch "* ]]; then
-	TERM=xterm script --quiet --return --command "timeout -s INT 3 $HOME/vexlo/bin/deskhost \$*" /dev/null ||
+	TERM=xterm script --quiet --return --command "timeout --foreground -s INT 3 $HOME/vexlo/bin/deskhost \$*" /dev/null ||
 		[[ \$? == 124 ]]
 else
 	exec "$HOME/vexlo/bin/deskhost" "\$@"
@@ -33,8 +33,8 @@ awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/docs
 sed -i 's#^export PATH="$HOME/vexlo/bin:#export PATH="$HOME/bin:$HOME/vexlo/bin:#' "$HOME/commands"
 grep -q 'HOME/bin:' "$HOME/commands" || { echo "the manual no longer sets the PATH as expected"; exit 1; }
 
-bash -euo pipefail -x "$HOME/commands" >"$HOME/output" 2>&1 </dev/null || {
-	tail -n 40 "$HOME/output"
+# What has been printed is seen even when the test is ended for taking too long.
+bash -euo pipefail -x "$HOME/commands" 2>&1 </dev/null | tee "$HOME/output" || {
 	echo "a command of docs/plugins.md fails"
 	exit 1
 }
