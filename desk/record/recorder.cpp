@@ -59,16 +59,11 @@ void Recorder::write(FILE *file, const std::string &line, const char *what, cons
 		failure = std::string("cannot write ") + what + " to '" + path + "': " + std::strerror(errno);
 }
 
-void Recorder::record(const std::string &after, const nlohmann::ordered_json &windows,
-                      const DisplayList &picture)
+void Recorder::record(const std::string &after, const std::string &windows, const DisplayList &picture)
 {
-	if (dump) {
-		nlohmann::ordered_json object;
-		object["after"] = after;
-		object["windows"] = windows;
-		write(dump, object.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace), "the dump",
-		      dumpPath);
-	}
+	if (dump) // names of keys need no escapes
+		write(dump, "{\"after\":\"" + after + "\",\"windows\":" + (windows.empty() ? "null" : windows) + '}',
+		      "the dump", dumpPath);
 	if (!pictures.empty()) {
 		std::string count = std::to_string(number);
 		if (count.size() < 2)

@@ -3,8 +3,6 @@
 
 #include "display_list.h"
 
-#include <nlohmann/json.hpp>
-
 #include <cstdio>
 #include <string>
 
@@ -31,8 +29,8 @@ public:
 	bool describes() const { return dump; }
 	bool traces() const { return trace; }
 
-	/// Records the screen after `after` ("start" or a key's name).
-	void record(const std::string &after, const nlohmann::ordered_json &windows, const DisplayList &picture);
+	/// Records the screen after `after` ("start" or a key's name); `windows` is its description in JSON.
+	void record(const std::string &after, const std::string &windows, const DisplayList &picture);
 	/// Records a call, at once: a trace is read above all when the plugin has crashed.
 	void call(const std::string &line);
 

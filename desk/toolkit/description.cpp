@@ -3,6 +3,8 @@
 #include "list.h"
 #include "state.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cxxabi.h>
 
 #include <cstdlib>
@@ -54,7 +56,7 @@ nlohmann::ordered_json describeWidget(const eWidget &widget, const Windows &wind
 
 } // namespace
 
-nlohmann::ordered_json describe(const Windows &windows)
+std::string describe(const Windows &windows)
 {
 	nlohmann::ordered_json list = nlohmann::ordered_json::array();
 	for (const eWidget *window : windows.visible()) {
@@ -70,7 +72,7 @@ nlohmann::ordered_json describe(const Windows &windows)
 				json["widgets"].push_back(describeWidget(*child, windows));
 		list.push_back(json);
 	}
-	return list;
+	return list.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
 }
 
 } // namespace desk

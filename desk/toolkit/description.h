@@ -3,13 +3,13 @@
 
 #include "windows.h"
 
-#include <nlohmann/json.hpp>
+#include <string>
 
 namespace desk
 {
 
-/// What is on the screen as a dump has it: the visible windows from bottom to top, with their widgets.
-nlohmann::ordered_json describe(const Windows &windows);
+/// What is on the screen as a dump has it, in JSON: the visible windows from bottom to top, with their widgets.
+std::string describe(const Windows &windows);
 
 } // namespace desk
 

@@ -1,5 +1,7 @@
 #include "message.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <exception>
 #include <limits>
@@ -41,7 +43,7 @@ template <class T, class... Others> constexpr bool isOneOf = (std::is_same_v<T, 
 
 /// What is plain enough to be one value of a message.
 template <class T> constexpr bool isValue =
-	std::is_arithmetic_v<T> || std::is_enum_v<T> || isOneOf<T, std::string, Json, Color>;
+	std::is_arithmetic_v<T> || std::is_enum_v<T> || isOneOf<T, std::string, Color>;
 
 template <class T> constexpr bool isVector = false;
 template <class T> constexpr bool isVector<std::vector<T>> = true;
@@ -91,9 +93,11 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 		io.pixels(t.x, t.y);
 	else if constexpr (isOneOf<T, Failed>)
 		io(t.status, t.why);
-	else if constexpr (isOneOf<T, Frame>)
-		io(t.edit, t.windows, t.waits);
-	else if constexpr (isOneOf<T, Meaning>)
+	else if constexpr (isOneOf<T, Frame>) {
+		io(t.edit);
+		io.json(t.windows);
+		io(t.waits);
+	} else if constexpr (isOneOf<T, Meaning>)
 		io(t.keys);
 	else if constexpr (isOneOf<T, Note>)
 		io(t.line, t.urgent);
@@ -118,6 +122,7 @@ public:
 	template <class... Things> void operator()(const Things &...things) { (values(*this, things), ...); }
 
 	template <class... Numbers> void pixels(const Numbers &...numbers) { (one(numbers), ...); }
+	void json(const std::string &text) { one(text); }
 
 	template <class Value> void one(const Value &value)
 	{
@@ -161,6 +166,13 @@ public:
 		((numbers = std::clamp(numbers, -farthest, farthest)), ...);
 	}
 
+	/// A JSON text, or none.
+	void json(std::string &text)
+	{
+		one(text);
+		good = good && (text.empty() || Json::accept(text));
+	}
+
 	template <class Value> void one(Value &value)
 	{
 		if constexpr (std::is_enum_v<Value>) {
@@ -180,9 +192,6 @@ public:
 			good = json && json->is_string();
 			if (good)
 				value = std::move(json->template get_ref<std::string &>());
-		} else if constexpr (isOneOf<Value, Json>) {
-			if (Json *json = next())
-				value = std::move(*json);
 		} else
 			value = number<Value>();
 	}

@@ -4,8 +4,6 @@
 #include "display_list.h"
 #include "key.h"
 
-#include <nlohmann/json.hpp>
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -83,9 +81,9 @@ struct Failed
 /// What is on the screen now, after each key and at the end of a run.
 struct Frame
 {
-	DisplayList::Edit edit;         ///< of the frame before
-	nlohmann::ordered_json windows; ///< the description; null: not wanted
-	bool waits = false;             ///< for a key
+	DisplayList::Edit edit; ///< of the frame before
+	std::string windows;    ///< the description, a JSON text; empty: not wanted
+	bool waits = false;     ///< for a key
 };
 
 /// The keys that do what the click means; it still waits for one.

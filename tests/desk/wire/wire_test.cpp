@@ -112,7 +112,7 @@ TEST(Wire, brings_a_frame_as_it_was)
 	Frame message;
 	message.edit = frame.editOf(DisplayList());
 	message.waits = true;
-	message.windows = {{{"title", "any bytes \xfe"}, {"rows", {"one", "two"}}}};
+	message.windows = R"([{"title":"one","rows":["one","two"]}])";
 	const Frame came = back<Frame>(message);
 	EXPECT_TRUE(came.waits);
 	EXPECT_EQ(came.windows, message.windows);
@@ -120,6 +120,15 @@ TEST(Wire, brings_a_frame_as_it_was)
 	EXPECT_EQ(list.apply(came.edit), wholeScreen);
 	EXPECT_EQ(drawn(list), drawn(frame));
 	EXPECT_NE(drawn(frame).find("\nkey 3"), std::string::npos);
+}
+
+TEST(Wire, brings_a_description_only_when_it_is_one)
+{
+	Frame message;
+	for (const char *windows : {"[", "[]]", "\"\xff\"", "{}\n{}"}) {
+		message.windows = windows;
+		EXPECT_FALSE(decodeToViewer(encode(message))) << windows;
+	}
 }
 
 TEST(Wire, brings_only_what_has_changed_of_a_frame)
