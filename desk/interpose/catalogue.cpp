@@ -50,10 +50,10 @@ std::set<std::pair<unsigned, std::string>> valuesOf(std::string_view format, boo
 			if (c == '*')
 				values.emplace(next++, "*");
 		std::string type(skip("hlqLjzZt"));
-		if (at == format.size())
-			break;
-		const char conversion = format[at++] == 'i' ? 'd' : format[at - 1];
-		if (conversions.find(conversion) != std::string_view::npos)
+		// One that is cut off, or numbered and unknown, is nothing that printf says how it takes.
+		const char conversion = at == format.size() ? '\0' : format[at] == 'i' ? 'd' : format[at];
+		at = std::min(at + 1, format.size());
+		if (number || conversion == '\0' || conversions.find(conversion) != std::string_view::npos)
 			values.emplace(number ? number : next++, type + conversion);
 	}
 	return values;

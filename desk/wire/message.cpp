@@ -289,7 +289,7 @@ bool isPlain(std::string_view bytes)
 		if (kind == text) {
 			if (number > rest)
 				return false;
-			at += number;
+			at += static_cast<size_t>(number);
 		} else if (kind == array || kind == map) {
 			if (number > rest || left.size() == mostLevels)
 				return false;

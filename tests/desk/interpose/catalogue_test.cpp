@@ -258,8 +258,9 @@ TEST(Catalogue, formats_no_value_that_the_text_lacks)
 	for (const auto &[id, translation] : fitting)
 		EXPECT_TRUE(parsed(with(id, translation))) << translation;
 	const std::pair<const char *, const char *> others[] = {
-		{"%d rows", "%s"}, {"%d rows", "%ld"},      {"%d rows", "%n"}, {"%s", "%s %s"}, {"%s", "%2$s"},
-		{"%s", "%*s"},     {"%d rows %s", "%s %d"}, {"%s", "%1$n"},    {"%d", "% n"},   {"%s", "%hhn"}};
+		{"%d rows", "%s"}, {"%d rows", "%ld"}, {"%d rows", "%n"},       {"%s", "%s %s"}, {"%s", "%2$s"},
+		{"%s", "%11$"},    {"%s", "%*s"},      {"%d rows %s", "%s %d"}, {"%s", "%1$n"},  {"%d", "% n"},
+		{"%s", "%hhn"},    {"%s", "%"},        {"%s", "%1$y"}};
 	for (const auto &[id, translation] : others)
 		expectRefused(with(id, translation), "other % fields");
 	expectRefused(made(std::string(header) + "msgid \"%d row\"\nmsgid_plural \"%d rows\"\nmsgstr[0] \"%d\"\n"
