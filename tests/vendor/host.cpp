@@ -1,30 +1,44 @@
 // A made-up vendor's front end without a screen: implements gui/gui.h, loads a plugin, presses a script of
 // keys and writes every call that the plugin makes, in the form of the desk host's trace.
 //
-//     vendor_host PLUGIN ROOT KEYS [OPTION=VALUE]...
+//     vendor_host PLUGIN ROOT SCRIPT
 //
-// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only reported. Options:
+// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only reported. Among the keys
+// of the script stand the conditions, each from its place on:
 //
+//     files=NAME  ROOT/NAME stands for the receiver's files
 //     fontsize=N  the skin's; 0: it has none
 //     lost=N      by how much a client area is lower than asked for
 //     answer=N    what every message box returns at once
 //     left=N      what exec() returns for a window that the viewer leaves
-//     again=N     the plugin is run once more with that
-//     log=PATH    what ff_scan is set to after loading
+//     log=PATH    what ff_scan is set to
 //     format=0    eString::sprintf does nothing
-//     texts=0     dcgettext returns null
-//     verbose=1   look-ups, where windows lie, what entries hold, how many slots are connected
+//     texts=no    dcgettext returns null; another word: each text is found, and gets this in front
+//     open=no     no file opens
+//     read=N      a file gives N bytes, and then an error
+//     close=N     what fclose returns of a stream
+//     kill=N      what system returns of a kill
+//     verbose=1   look-ups, connections, where windows lie, what entries hold, whether the plugin
+//                 leaves the process as it was: its descriptors, environment, mask, folder and locale
+//     trace       nothing before this is written
+//     again       the plugin is run once more
 
 #include "gui/gui.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <clocale>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <map>
+#include <set>
 #include <sstream>
 
 namespace
@@ -34,19 +48,25 @@ int muted = 0;
 int lastNumber = 0;
 std::map<const void *, int> numbers;
 std::string root;
-std::deque<std::string> keys;
-bool answers = false;
-int answer = 0;
-int left = -1;
-bool formats = true;
-bool translates = true;
-bool verbose = false;
+std::deque<std::string> script;
+std::map<std::string, std::string> conditions;
+void *plugin;
 
 std::string decimal(long number)
 {
 	std::ostringstream text;
 	text << number;
 	return text.str();
+}
+
+bool given(const char *condition)
+{
+	return conditions.count(condition) > 0;
+}
+
+int number(const char *condition, int otherwise)
+{
+	return given(condition) ? std::atoi(conditions[condition].c_str()) : otherwise;
 }
 
 std::string nameOf(const void *object)
@@ -61,14 +81,19 @@ std::string nameOf(const void *object)
 
 std::string quoted(const std::string &text)
 {
+	static const char digits[] = "0123456789abcdef";
 	std::string result = "\"";
-	for (std::string::const_iterator c = text.begin(); c != text.end(); ++c)
-		if (*c == '\n')
+	for (std::string::const_iterator c = text.begin(); c != text.end(); ++c) {
+		const unsigned char byte = static_cast<unsigned char>(*c);
+		if (byte == '\n')
 			result += "\\n";
-		else if (*c == '"' || *c == '\\')
+		else if (byte < ' ' || byte > '~')
+			result += std::string("\\x") + digits[byte / 16] + digits[byte % 16];
+		else if (byte == '"' || byte == '\\')
 			result += std::string("\\") + *c;
 		else
 			result += *c;
+	}
 	return result + '"';
 }
 
@@ -96,14 +121,115 @@ std::string printed(const char *format, va_list values)
 	return text;
 }
 
+/// The receiver's files; the temporary ones are this computer's.
+std::string served(const std::string &path)
+{
+	if (path.compare(0, 9, "/var/tmp/") == 0)
+		return path;
+	return root + (given("files") ? '/' + conditions["files"] : "") + path;
+}
+
+/// What a plugin must leave as it was.
+std::string process()
+{
+	std::ostringstream state;
+	for (char **variable = environ; *variable; ++variable)
+		state << *variable << '\n';
+	const mode_t mask = umask(0);
+	umask(mask);
+	char folder[4096];
+	state << "mask " << mask << "\nfolder " << (getcwd(folder, sizeof folder) ? folder : "none")
+		  << "\nlocale " << std::setlocale(LC_ALL, NULL) << '\n';
+	DIR *descriptors = opendir("/proc/self/fd");
+	std::set<std::string> open;
+	for (const dirent *entry = descriptors ? readdir(descriptors) : NULL; entry; entry = readdir(descriptors))
+		open.insert(entry->d_name);
+	closedir(descriptors);
+	for (std::set<std::string>::const_iterator name = open.begin(); name != open.end(); ++name)
+		state << "descriptor " << *name << '\n';
+	return state.str();
+}
+
+std::string processBefore; // when the run began
+
+void compareProcess()
+{
+	if (given("verbose") && muted == 0 && process() != processBefore)
+		line("THE PROCESS HAS CHANGED from\n" + processBefore + "to\n" + process());
+}
+
+void connected()
+{
+	if (given("verbose"))
+		line("a slot is connected");
+}
+
+/// Takes the conditions that the script has come to.
+void takeConditions()
+{
+	for (; !script.empty(); script.pop_front()) {
+		const std::string word = script.front();
+		const std::size_t sign = word.find('=');
+		if (word == "trace")
+			--muted;
+		else if (sign == word.npos)
+			return;
+		else
+			conditions[word.substr(0, sign)] = word.substr(sign + 1);
+		if (word.compare(0, 4, "log=") == 0)
+			*static_cast<const char **>(dlsym(plugin, "ff_scan")) = conditions["log"].c_str();
+		if (word.compare(0, 6, "files=") == 0) {
+			setenv("PATH", (served("/bin") + ":/usr/bin:/bin").c_str(), 1);
+			processBefore = process();
+		}
+	}
+}
+
 std::string nextKey()
 {
-	if (keys.empty())
+	takeConditions();
+	if (script.empty() || script.front() == "again")
 		return "exit";
-	const std::string key = keys.front();
-	keys.pop_front();
+	const std::string key = script.front();
+	script.pop_front();
 	return key;
 }
+
+/// A file that breaks off in an error.
+struct Broken
+{
+	FILE *behind;
+	int left;
+
+	static ssize_t read(void *cookie, char *buffer, std::size_t size)
+	{
+		Broken &file = *static_cast<Broken *>(cookie);
+		const int wanted = std::min(static_cast<int>(size), file.left);
+		if (wanted == 0) {
+			errno = EIO;
+			return -1;
+		}
+		file.left -= wanted;
+		return static_cast<ssize_t>(std::fread(buffer, 1, static_cast<std::size_t>(wanted), file.behind));
+	}
+
+	static int close(void *cookie)
+	{
+		Broken *file = static_cast<Broken *>(cookie);
+		const int result = std::fclose(file->behind);
+		delete file;
+		return result;
+	}
+
+	static FILE *open(FILE *behind, int length)
+	{
+		Broken *file = new Broken;
+		file->behind = behind;
+		file->left = length;
+		cookie_io_functions_t functions = {read, NULL, NULL, close};
+		return fopencookie(file, "r", functions);
+	}
+};
 
 /// Mutes what a constructor does for itself: made before the members are.
 template <class T> T quietly(T value)
@@ -119,9 +245,9 @@ extern "C" {
 
 FILE *__wrap_fopen(const char *path, const char *mode)
 {
-	const bool served = std::strcmp(path, "/proc/meminfo") == 0 || std::strcmp(path, "/proc/mtd") == 0 ||
-	                    std::strcmp(path, "/var/scaning.log") == 0;
-	FILE *stream = std::fopen(served ? (root + path).c_str() : path, mode);
+	FILE *stream = given("open") ? NULL : std::fopen(served(path).c_str(), mode);
+	if (stream && given("read"))
+		stream = Broken::open(stream, number("read", 0));
 	line("fopen(" + quoted(path) + ", " + quoted(mode) + ") = " + (stream ? "stream" : "null"));
 	return stream;
 }
@@ -129,7 +255,7 @@ FILE *__wrap_fopen(const char *path, const char *mode)
 int __wrap_fclose(FILE *stream)
 {
 	const char *what = stream ? "fclose(stream)" : "fclose(null)";
-	const int result = stream ? std::fclose(stream) : EOF;
+	const int result = stream ? number("close", std::fclose(stream)) : EOF;
 	line(what + (" = " + decimal(result)));
 	return result;
 }
@@ -137,22 +263,27 @@ int __wrap_fclose(FILE *stream)
 int __wrap_remove(const char *path)
 {
 	line("remove(" + quoted(path) + ")");
-	const bool served = std::strcmp(path, "/var/scaning.log") == 0;
-	return std::remove(served ? (root + path).c_str() : path);
+	return std::remove(served(path).c_str());
 }
 
 char *__wrap_dcgettext(const char *domain, const char *id, int category)
 {
-	if (verbose)
+	static std::set<std::string> found;
+	if (given("verbose"))
 		line(std::string("dcgettext(") + (domain ? domain : "null") + ", " + quoted(id) + ", " +
 		     decimal(category) + ")");
-	return translates ? const_cast<char *>(id) : NULL;
+	if (!given("texts"))
+		return const_cast<char *>(id);
+	if (conditions["texts"] == "no")
+		return NULL;
+	return const_cast<char *>(found.insert(conditions["texts"] + id).first->c_str());
 }
 
 int __wrap_system(const char *command)
 {
 	line("system(" + quoted(command) + ")");
-	return std::strncmp(command, "kill", 4) == 0 ? 0 : std::system(command);
+	compareProcess();
+	return std::strncmp(command, "kill", 4) == 0 ? number("kill", 0) : std::system(command);
 }
 }
 
@@ -162,7 +293,7 @@ eString &eString::sprintf(char *format, ...)
 	va_start(values, format);
 	const std::string text = printed(format, values);
 	va_end(values);
-	if (!formats)
+	if (given("format"))
 		return *this;
 	line("eString.sprintf(" + quoted(format) + ") = " + quoted(text));
 	assign(text);
@@ -177,8 +308,6 @@ void eDebug(const char *format, ...)
 	va_end(values);
 }
 
-int eSkin::fontSize = 20;
-
 eSkin *eSkin::getActive()
 {
 	static eSkin skin;
@@ -188,12 +317,11 @@ eSkin *eSkin::getActive()
 
 int eSkin::queryValue(const eString &value, int fallback) const
 {
-	const int result = value == "fontsize" && fontSize ? fontSize : fallback;
+	const int size = value == "fontsize" ? number("fontsize", 20) : 0;
+	const int result = size ? size : fallback;
 	line("eSkin.queryValue(" + quoted(value) + ", " + decimal(fallback) + ") = " + decimal(result));
 	return result;
 }
-
-int eWidget::lostHeight = 0;
 
 eWidget::eWidget(eWidget *of, int takefocus)
 	: parent(of), focus(NULL), canFocus(takefocus != 0), visible(of != NULL), ended(true), traced(false),
@@ -267,7 +395,7 @@ void eWidget::cresize(const eSize &size)
 {
 	call(this, "cresize" + pair(size.width, size.height));
 	// Not from 0 on, and not what was asked for.
-	inner = eRect(ePoint(11, 33), eSize(size.width, size.height - lostHeight));
+	inner = eRect(ePoint(11, 33), eSize(size.width, size.height - number("lost", 0)));
 }
 
 void eWidget::move(const ePoint &position)
@@ -318,8 +446,6 @@ void eWidget::setFocus(eWidget *child)
 {
 	nameOf(this); // numbered before the child
 	call(this, "setFocus(" + nameOf(child) + ")");
-	if (verbose)
-		line(decimal(static_cast<long>(SigC::connectionsMade())) + " slots are connected");
 	focus = child;
 }
 
@@ -341,7 +467,7 @@ struct Remote
 		else if (eListBoxBase *list = focused<eListBoxBase>(window))
 			pressList(window, *list, key);
 		else if (key == "exit")
-			window.close(left);
+			window.close(number("left", -1));
 		else if (eButton *button = focused<eButton>(window))
 			pressButton(*button, key);
 	}
@@ -354,6 +480,12 @@ struct Remote
 				for (Entry entry = list->lines.begin(); entry != list->lines.end(); ++entry)
 					if (eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(*entry))
 						printEntry(*text);
+	}
+
+	static void freeKey(eListBoxEntry &entry)
+	{
+		if (eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(&entry))
+			delete static_cast<eString *>(text->key);
 	}
 
 private:
@@ -417,7 +549,7 @@ private:
 			list.SendSelected(*entry);
 		else if (key == "exit") {
 			list.SendSelected(NULL);
-			window.close(left);
+			window.close(number("left", -1));
 		}
 	}
 };
@@ -426,14 +558,16 @@ int eWidget::exec()
 {
 	call(this, "exec()");
 	ended = false;
-	if (verbose) {
+	takeConditions();
+	if (given("verbose")) {
 		const char here = 0;
 		const long distance = reinterpret_cast<const char *>(this) - &here;
 		line(distance > -1000000 && distance < 1000000 ? "it is on the stack" : "it is on the heap");
 		Remote::printEntries(*this);
+		compareProcess();
 	}
-	if (answers && dynamic_cast<eMessageBox *>(this))
-		close(answer);
+	if (given("answer") && dynamic_cast<eMessageBox *>(this))
+		close(number("answer", 0));
 	while (!ended)
 		Remote::press(*this, nextKey());
 	call(this, "exec() = " + decimal(result));
@@ -518,9 +652,9 @@ eListBoxBase::eListBoxBase(eWidget *of, const eWidget *description, int takefocu
 eListBoxBase::~eListBoxBase()
 {
 	++muted;
-	// Each takes itself out. What their keys point to stays: this host frees none.
-	while (!lines.empty())
-		delete lines.front();
+	// Each takes itself out. Its key goes first: this host is one that frees them.
+	for (; !lines.empty(); delete lines.front())
+		Remote::freeKey(*lines.front());
 	--muted;
 }
 
@@ -561,7 +695,8 @@ void eListBoxEntryText::redraw(gPainter *, const eRect &, gColor, gColor, gColor
 
 int eListBoxEntryText::getEntryHeight()
 {
-	const int height = eSkin::fontSize ? eSkin::fontSize : 20;
+	const int size = number("fontsize", 20);
+	const int height = size ? size : 20;
 	line("eListBoxEntryText.getEntryHeight() = " + decimal(height));
 	return height;
 }
@@ -584,58 +719,40 @@ int eSetupWindow::eventHandler(const eWidgetEvent &)
 	return 0;
 }
 
-namespace
-{
-
-int number(const std::map<std::string, std::string> &options, const char *option, int otherwise)
-{
-	const std::map<std::string, std::string>::const_iterator found = options.find(option);
-	return found == options.end() ? otherwise : std::atoi(found->second.c_str());
-}
-
-} // namespace
-
 int main(int count, char **words)
 {
-	if (count < 4) {
-		std::fprintf(stderr, "usage: vendor_host PLUGIN ROOT KEYS [OPTION=VALUE]...\n");
+	if (count != 4) {
+		std::fprintf(stderr, "usage: vendor_host PLUGIN ROOT SCRIPT\n");
 		return 2;
 	}
 	root = words[2];
-	std::istringstream script(words[3]);
-	std::string key;
-	while (script >> key)
-		keys.push_back(key);
-	std::map<std::string, std::string> options;
-	for (int i = 4; i < count; ++i) {
-		const std::string word = words[i];
-		options[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
-	}
-	eSkin::fontSize = number(options, "fontsize", 20);
-	eWidget::lostHeight = number(options, "lost", 0);
-	answers = options.count("answer") > 0;
-	answer = number(options, "answer", 0);
-	left = number(options, "left", -1);
-	formats = number(options, "format", 1) != 0;
-	translates = number(options, "texts", 1) != 0;
-	verbose = number(options, "verbose", 0) != 0;
-	const char *path = std::getenv("PATH");
-	setenv("PATH", (root + "/bin:" + (path ? path : "/usr/bin:/bin")).c_str(), 1);
+	std::istringstream all(words[3]);
+	for (std::string word; all >> word; script.push_back(word))
+		if (word == "trace")
+			++muted;
+	setenv("PATH", (served("/bin") + ":/usr/bin:/bin").c_str(), 1);
 
-	void *plugin = dlopen(words[1], RTLD_NOW | RTLD_LOCAL);
+	plugin = dlopen(words[1], RTLD_NOW | RTLD_LOCAL);
 	if (!plugin) {
 		std::fprintf(stderr, "vendor_host: %s\n", dlerror());
 		return 1;
 	}
-	if (options.count("log"))
-		*static_cast<const char **>(dlsym(plugin, "ff_scan")) = options["log"].c_str();
+	SigC::connecting = connected;
 	int (*entry)();
 	const void *const symbol = dlsym(plugin, "plugin_exec");
 	std::memcpy(&entry, &symbol, sizeof entry); // C++98 has no cast from an object's address
-	std::fprintf(stderr, "plugin_exec returned %d\n", entry());
-	if (options.count("again")) {
-		left = number(options, "again", 0);
-		std::fprintf(stderr, "plugin_exec returned %d\n", entry());
-	}
-	return dlclose(plugin);
+	do {
+		takeConditions();
+		numbers.clear();
+		lastNumber = 0;
+		processBefore = process();
+		const int result = entry();
+		compareProcess();
+		std::fprintf(stderr, "plugin_exec returned %d\n", result);
+		if (given("verbose"))
+			line("plugin_exec() = " + decimal(result));
+		if (script.empty() || script.front() != "again")
+			return dlclose(plugin);
+		script.pop_front();
+	} while (true);
 }

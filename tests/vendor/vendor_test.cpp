@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 
 using namespace support;
@@ -13,13 +14,10 @@ using namespace support;
 namespace
 {
 
-/// Runs the plugin in the vendor's host; standard output is its trace.
-Outcome runVendor(const ReceiverFolder &receiver, const std::string &keys, const Lines &options = {})
+/// Runs the plugin in the vendor's host, which says what scripts are made of; standard output is its trace.
+Outcome runVendor(const ReceiverFolder &receiver, const std::string &script)
 {
-	std::vector<std::string> command = {VENDOR_HOST, VENDOR_PLUGIN, receiver.path(), keys};
-	command.insert(command.end(), options.begin(), options.end());
-	// The vendor frees no keys, and is right: neither side says who does.
-	return support::run(command, {{"ASAN_OPTIONS", "detect_leaks=0"}});
+	return support::run({VENDOR_HOST, VENDOR_PLUGIN, receiver.path(), script});
 }
 
 /// The same with the objects numbered as they appear, however the trace names them.
@@ -53,6 +51,49 @@ Lines numbered(const Lines &trace)
 	return result;
 }
 
+/// Two receivers, the second one in a folder of the first, `there`, and a folder of none, `nowhere`. Both have what
+/// readers stumble over: lines that are empty, that hold no number, that end at a NUL.
+struct TwoReceivers : ReceiverFolder
+{
+	TwoReceivers()
+	{
+		ps("  PID USER COMMAND\n    1 root init\n    0 root [idle]\n kernel\n  -1 all\n" +
+		   std::string("\0 7 hidden\n", 11) + "  123 root 100% %s\n");
+		df("heading\n/dev/root 7.8M 3.1M 4.7M 40% /\n\n/dev/disk/by-label/media\n   1G 2G 3G 4% /media\n");
+		scanLog("a\n\nb start at c\n" + std::string("\0d\n", 3) + "100% %s\ntuner A start at " +
+		        support::repeat("0123456789", 9) + "\nstart at\n");
+		meminfo(support::repeat("x 1\n", 8) +
+		        "MemTotal: 61888 kB\nMemFree: 512 kB\n\nHugePages\nSwapCached: x\n");
+		mtd("dev: size erasesize name\nmtd0: 00020000 00004000 \"boot loader\"\n\nmtd7: ffffffff\nrest\n");
+
+		write("there/bin/ps", "#!/bin/sh\necho ' PID  Uid'\necho '  44 0 sh'\necho '  45 0 cron'\n", true);
+		write("there/bin/df", "#!/bin/sh\necho H\necho 'tmpfs 1 2 3 4% /tmp'\n", true);
+		write("there/elsewhere.log", "other\n");
+		write("there/proc/meminfo", support::repeat("y 2\n", 9) + "Buffers: 7 kB\n");
+		write("there/proc/mtd", "heading\nmtd1: 1 2 \"c\"\nmtd2: 3 4 d\n");
+
+		write("nowhere/bin/ps", "#!/bin/sh\nexit 1\n", true);
+		write("nowhere/bin/df", "#!/bin/sh\nexit 1\n", true);
+	}
+};
+
+/// Names the first line that differs, and leaves the whole in the build folder.
+void expectSame(const Lines &lines, const Lines &expected, const std::string &file)
+{
+	const auto [line, wanted] = std::mismatch(lines.begin(), lines.end(), expected.begin(), expected.end());
+	if (line == lines.end() && wanted == expected.end())
+		return;
+	std::string text;
+	for (const std::string &each : lines)
+		text += each + '\n';
+	const std::string path = support::buildPath(file);
+	std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+	support::writeFile(path, text);
+	ADD_FAILURE() << "line " << line - lines.begin() + 1 << " is\n"
+				  << (line == lines.end() ? "(the end)" : *line) << "\nand not\n"
+				  << (wanted == expected.end() ? "(the end)" : *wanted) << "\nwritten in full: " << path;
+}
+
 /// A receiver with something to see on every screen.
 class Vendor : public ::testing::Test
 {
@@ -64,19 +105,6 @@ protected:
 		receiver.scanLog("a\nb start at c\n");
 		receiver.meminfo(support::repeat("x 1\n", 8) + "MemTotal: 61888 kB\nMemFree: 512 kB\n");
 		receiver.mtd("dev: size erasesize name\nmtd0: 00020000 00004000 \"boot loader\"\n");
-	}
-
-	static std::string position(const Outcome &outcome, const std::string &operation, const std::string &of)
-	{
-		// The line of `operation` on the object that was made as `of`.
-		for (const std::string &line : support::lines(outcome.out))
-			if (line.find(" = " + of) != std::string::npos) {
-				const std::string wanted = line.substr(0, line.find(' ')) + "." + operation;
-				for (const std::string &call : support::lines(outcome.out))
-					if (call.rfind(wanted, 0) == 0)
-						return call.substr(call.find('.') + 1);
-			}
-		return "none";
 	}
 
 	ReceiverFolder receiver;
@@ -120,191 +148,120 @@ INSTANTIATE_TEST_SUITE_P(
                       Script{"all", "ok exit down ok exit down ok exit down ok exit exit"}),
 	[](const auto &script) { return script.param.name; });
 
-TEST_F(Vendor, lays_out_by_the_client_height_that_the_host_has_made_of_it)
+/// What the plugin does in the vendor's environment, call for call, look-ups and all. The first line of a file in
+/// plays is the script, the others are the trace.
+class VendorPlay : public ::testing::TestWithParam<const char *>
 {
-	// 37 pixels less than asked for.
-	const Outcome ps = runVendor(receiver, "ok exit exit", {"lost=37"});
-	EXPECT_EQ(position(ps, "resize", "eListBoxBase("), "resize(490, 373)");
+};
 
-	const Outcome memory = runVendor(receiver, "down ok exit exit", {"lost=37"});
-	EXPECT_EQ(position(memory, "resize", "eLabel("), "resize(150, 313)");
-	EXPECT_NE(memory.out.find(".resize(100, 313)"), std::string::npos);
-
-	const Outcome log = runVendor(receiver, "down down ok exit exit", {"lost=37"});
-	EXPECT_EQ(position(log, "move", "eButton("), "move(10, 383)");
-	EXPECT_EQ(position(log, "resize", "eListBoxBase("), "resize(590, 373)");
-	EXPECT_EQ(position(log, "move", "eLabel("), "move(180, 393)");
-
-	const Outcome system = runVendor(receiver, "down down down ok exit exit", {"lost=37"});
-	EXPECT_EQ(position(system, "move", "eButton("), "move(10, 363)");
+TEST_P(VendorPlay, is_as_written)
+{
+	const std::string name = GetParam();
+	const Lines play = support::lines(support::readFile(support::sourcePath("tests/vendor/plays/" + name)));
+	ASSERT_FALSE(play.empty()) << "there is no play of that name";
+	const TwoReceivers receivers;
+	const Outcome outcome = runVendor(receivers, play[0]);
+	EXPECT_EQ(outcome.status, 0) << outcome.err;
+	Lines played = support::lines(outcome.out);
+	played.insert(played.begin(), play[0]);
+	expectSame(played, play, "plays/" + name);
 }
 
-TEST_F(Vendor, obeys_the_path_that_the_host_has_set)
+INSTANTIATE_TEST_SUITE_P(All, VendorPlay,
+                         ::testing::Values("menu", "processes", "memory", "log", "system", "unopened",
+                                           "broken", "marked", "silent", "answers"),
+                         [](const auto &play) { return std::string(play.param); });
+
+/// The conditions of a run, as a script has them.
+struct Conditions
 {
-	const std::string path = receiver.write("elsewhere.log", "one\ntwo\n");
-	const Outcome run = runVendor(receiver, "down down ok red ok exit", {"log=" + path});
-	EXPECT_NE(run.out.find("fopen(\"" + path + "\", \"r\") = stream"), std::string::npos) << "read";
-	EXPECT_NE(run.out.find("setText(\"size of " + path + " : 8 bytes\")"), std::string::npos) << run.out;
-	EXPECT_NE(run.out.find("eMessageBox(\"Delete " + path + " ?\""), std::string::npos) << "asked about";
-	EXPECT_NE(run.out.find("\nremove(\"" + path + "\")"), std::string::npos) << "deleted";
-	EXPECT_FALSE(support::exists(path));
-	EXPECT_EQ(run.out.find("scaning.log"), std::string::npos) << "and nothing else is";
-	EXPECT_TRUE(support::exists(receiver / "var/scaning.log"));
+	const char *name, *words;
+};
+
+void PrintTo(const Conditions &conditions, std::ostream *out)
+{
+	*out << conditions.name;
 }
 
-TEST_F(Vendor, takes_his_other_answers_for_a_kill_and_not_for_a_deletion)
+const Conditions conditions[] = {
+	{"here", "files=. fontsize=20 lost=0 texts=here: left=-1 log=/var/scaning.log"},
+	{"there", "files=there fontsize=31 lost=37 texts=there: left=5 log=/elsewhere.log"},
+	{"nowhere", "files=nowhere fontsize=0 lost=450 texts=no left=-1 log=/nowhere.log"},
+};
+
+/// Every screen twice, every question twice.
+const std::string allScreens = "ok ok exit down ok right ok exit ok ok ok "    // the processes
+							   "down ok exit ok exit "                         // the memory
+							   "down ok red exit red right ok exit ok red ok " // the log
+							   "down ok green ok exit ";                       // the system
+
+/// From every condition to every other one.
+class VendorAgain : public ::testing::TestWithParam<std::pair<Conditions, Conditions>>
 {
-	for (const char *answer : {"0", "1", "4", "64"}) {
-		const std::string option = std::string("answer=") + answer;
-		EXPECT_NE(runVendor(receiver, "ok ok exit", {option}).out.find("kill -9 1"), std::string::npos)
-			<< answer;
-		const bool deletes = std::string(answer) == "4";
-		EXPECT_EQ(runVendor(receiver, "down down ok red exit exit", {option}).out.find("\nremove(\"/var/s") !=
-		              std::string::npos,
-		          deletes)
-			<< answer;
+protected:
+	static Lines played(const std::string &script)
+	{
+		const TwoReceivers receivers;
+		const Outcome outcome = runVendor(receivers, "verbose=1 " + script);
+		EXPECT_EQ(outcome.status, 0) << outcome.err;
+		return support::lines(outcome.out);
 	}
-	for (const char *answer : {"8", "-1"})
-		EXPECT_EQ(
-			runVendor(receiver, "ok ok exit exit", {std::string("answer=") + answer}).out.find("kill -9"),
-			std::string::npos)
-			<< answer;
+
+	const std::string before = std::string(GetParam().first.words) + ' ';
+	const std::string after = std::string(GetParam().second.words) + ' ';
+};
+
+TEST_P(VendorAgain, a_run_is_that_of_a_fresh_process)
+{
+	const Lines both = played(before + allScreens + "exit again " + after + allScreens + "exit");
+	const Lines fresh = played(after + allScreens + "exit");
+	ASSERT_GT(both.size(), fresh.size());
+	EXPECT_GT(fresh.size(), 300u);
+	expectSame(Lines(both.end() - static_cast<std::ptrdiff_t>(fresh.size()), both.end()), fresh,
+	           "plays/again");
 }
 
-TEST_F(Vendor, gives_every_size_of_font_its_rows)
+/// What is between the menu's hiding and its showing, with the objects of each screen numbered by themselves.
+std::vector<Lines> openings(const Lines &trace)
 {
-	const Outcome run = runVendor(receiver, "ok exit exit", {"fontsize=31"});
-	EXPECT_EQ(position(run, "move", "eListBoxBase("), "move(5, 41)");
-	const Outcome none = runVendor(receiver, "ok exit exit", {"fontsize=0"});
-	EXPECT_EQ(position(none, "move", "eListBoxBase("), "move(5, 30)");
-}
-
-/// The lines from the first one that begins so to the first one after it that begins so.
-Lines between(const Outcome &outcome, const std::string &from, const std::string &to)
-{
-	Lines result;
-	for (const std::string &line : support::lines(outcome.out))
-		if (!result.empty() || line.rfind(from, 0) == 0) {
-			result.push_back(line);
-			if (result.size() > 1 && line.rfind(to, 0) == 0)
-				return result;
-		}
-	ADD_FAILURE() << "not from " << from << " to " << to << " in\n" << outcome.out;
-	return {};
-}
-
-Lines linesThatBegin(const Outcome &outcome, const std::string &begin)
-{
-	Lines result;
-	for (const std::string &line : support::lines(outcome.out))
-		if (line.rfind(begin, 0) == 0)
-			result.push_back(line);
+	std::vector<Lines> result;
+	bool open = false;
+	for (const std::string &line : trace) {
+		if (line == "#1.hide()")
+			result.emplace_back();
+		open = (open || line == "#1.hide()") && line != "#1.show()";
+		if (open)
+			result.back().push_back(line);
+	}
+	for (Lines &lines : result)
+		lines = numbered(lines);
 	return result;
 }
 
-TEST_F(Vendor, sees_every_text_looked_up_in_its_order)
+TEST_P(VendorAgain, an_opening_is_that_of_a_fresh_process)
 {
-	const Outcome run = runVendor(receiver, "ok ok exit exit exit", {"verbose=1"});
-	EXPECT_EQ(
-		linesThatBegin(run, "dcgettext("),
-		(Lines{R"(dcgettext(null, "Vexlo service menu", 5))", R"(dcgettext(null, "process info", 5))",
-	           R"(dcgettext(null, "show current processes in memory", 5))",
-	           R"(dcgettext(null, "memory info", 5))",
-	           R"(dcgettext(null, "show current used and free memory", 5))",
-	           R"(dcgettext(null, "scan log", 5))", R"(dcgettext(null, "show scan log", 5))",
-	           R"(dcgettext(null, "system info", 5))", R"(dcgettext(null, "show system info", 5))",
-	           R"(dcgettext(null, "    1 root init\n", 5))", R"(dcgettext(null, "  123 root telnetd\n", 5))",
-	           R"(dcgettext(null, "Kill %s pid?", 5))", R"(dcgettext(null, "kill pid", 5))"}));
-	const Outcome log = runVendor(receiver, "down down ok red exit exit exit", {"verbose=1"});
-	const Lines lookUps = linesThatBegin(log, "dcgettext(");
-	ASSERT_EQ(lookUps.size(), 12u);
-	EXPECT_EQ(
-		Lines(lookUps.begin() + 9, lookUps.end()),
-		(Lines{R"(dcgettext(null, "delete log", 5))", R"(dcgettext(null, "Delete /var/scaning.log ?", 5))",
-	           R"(dcgettext(null, "Warning", 5))"}));
+	const std::vector<Lines> both =
+		openings(played(before + allScreens + "down " + after + allScreens + "exit"));
+	const std::vector<Lines> fresh = openings(played(after + allScreens + "exit"));
+	ASSERT_EQ(both.size(), 2 * fresh.size() - 1) << "the last one is the menu's own end";
+	EXPECT_GE(fresh.size(), 9u);
+	for (size_t i = 0; i + 1 < fresh.size(); ++i)
+		expectSame(both[both.size() - fresh.size() + i], fresh[i], "plays/again");
 }
 
-TEST_F(Vendor, sees_a_buttons_text_looked_up_when_it_is_due)
+std::vector<std::pair<Conditions, Conditions>> pairs()
 {
-	const std::string logKeys = "down down ok exit exit", systemKeys = "down down down ok exit exit";
-	for (const auto &[keys, text] : {std::pair(logKeys, "delete log"), std::pair(systemKeys, "OK")}) {
-		const std::string trace = runVendor(receiver, keys, {"verbose=1"}).out;
-		const size_t lookUp = trace.find("dcgettext(null, \"" + std::string(text) + "\", 5)");
-		ASSERT_NE(lookUp, std::string::npos) << trace;
-		EXPECT_LT(trace.find(".loadDeco()"), lookUp) << text << ": after everything else of the button";
-	}
+	std::vector<std::pair<Conditions, Conditions>> result;
+	for (const Conditions &before : conditions)
+		for (const Conditions &after : conditions)
+			if (&before != &after)
+				result.emplace_back(before, after);
+	return result;
 }
 
-TEST_F(Vendor, may_find_no_text_at_all)
-{
-	const Outcome run =
-		runVendor(receiver, "ok ok exit exit down down ok red exit exit down ok exit exit", {"texts=0"});
-	EXPECT_EQ(run.status, 0) << run.err;
-	EXPECT_NE(run.out.find("= eSetupWindow(\"\", 10, 400)"), std::string::npos);
-	EXPECT_NE(run.out.find("= \"(2) \""), std::string::npos);
-	EXPECT_NE(run.out.find("= eMessageBox(\"\", \"\", 76, 4, 0)"), std::string::npos);
-}
-
-TEST_F(Vendor, sees_a_question_of_none_where_his_formatting_does_nothing)
-{
-	const Outcome run = runVendor(receiver, "ok ok exit exit exit", {"format=0"});
-	EXPECT_NE(run.out.find("= eMessageBox(\"none\", \"kill pid\", 76, 4, 0)"), std::string::npos) << run.out;
-}
-
-TEST_F(Vendor, sees_windows_and_boxes_on_the_stack)
-{
-	const Outcome run = runVendor(
-		receiver, "ok ok exit exit down ok exit down ok red exit exit down ok exit exit", {"verbose=1"});
-	EXPECT_EQ(linesThatBegin(run, "it is on the ").size(), 7u) << "the menu, four dialogs, two boxes";
-	EXPECT_EQ(linesThatBegin(run, "it is on the heap").size(), 0u);
-}
-
-TEST_F(Vendor, sees_what_the_entries_hold)
-{
-	const auto entries = [&](const std::string &keys, size_t from) {
-		const Lines all = linesThatBegin(runVendor(receiver, keys, {"verbose=1"}), "entry ");
-		return Lines(all.begin() + static_cast<std::ptrdiff_t>(std::min(from, all.size())), all.end());
-	};
-	EXPECT_EQ(
-		entries("exit", 0),
-		(Lines{
-			R"(entry "process info", key null, help "(1) show current processes in memory", attribute 3, others 0 0 0)",
-			R"(entry "memory info", key null, help "(2) show current used and free memory", attribute 3, others 0 0 0)",
-			R"(entry "scan log", key null, help "(3) show scan log", attribute 3, others 0 0 0)",
-			R"(entry "system info", key null, help "(4) show system info", attribute 3, others 0 0 0)",
-		}));
-	EXPECT_EQ(entries("ok exit exit", 4),
-	          (Lines{R"(entry "    1 root init\n", key "1", help " ", attribute 3, others 0 0 0)",
-	                 R"(entry "  123 root telnetd\n", key "123", help " ", attribute 3, others 0 0 0)"}));
-	EXPECT_EQ(entries("down down ok exit exit", 4),
-	          (Lines{R"(entry "0 a\n", key "a\n", help " ", attribute 3, others 0 0 0)",
-	                 R"(entry "1  start at c\n", key "b start at c\n", help " ", attribute 3, others 0 0 0)",
-	                 R"(entry "1 ", key "b start at c\n", help " ", attribute 3, others 0 0 0)"}))
-		<< "the key is the whole line";
-}
-
-TEST_F(Vendor, sees_the_handler_connected_before_the_list_has_the_focus)
-{
-	// Two connections for each of the menu's entries, and the dialog's own.
-	for (const char *keys : {"ok exit exit", "down down ok exit exit"})
-		EXPECT_EQ(linesThatBegin(runVendor(receiver, keys, {"verbose=1"}), "9 slots are connected").size(),
-		          1u + (*keys == 'o'))
-			<< keys;
-}
-
-TEST_F(Vendor, gets_back_what_each_run_of_the_menu_returned)
-{
-	EXPECT_EQ(runVendor(receiver, "exit exit", {"left=5", "again=7"}).err,
-	          "plugin_exec returned 5\nplugin_exec returned 7\n");
-}
-
-TEST_F(Vendor, sees_the_menu_again_whatever_a_dialog_returned)
-{
-	const Outcome run = runVendor(receiver, "down ok exit down down ok exit exit", {"left=5"});
-	const Lines shown = linesThatBegin(run, "#1.show()");
-	EXPECT_EQ(shown.size(), 3u) << run.out;
-	between(run, "#7.exec() = 5", "#1.show()");
-}
+INSTANTIATE_TEST_SUITE_P(Changed, VendorAgain, ::testing::ValuesIn(pairs()), [](const auto &pair) {
+	return std::string("from_") + pair.param.first.name + "_to_" + pair.param.second.name;
+});
 
 TEST_F(Vendor, has_his_ok_button_connected_to_accept_itself)
 {

@@ -32,17 +32,7 @@ struct SignalNode
 	std::vector<SlotNode *> slots; ///< null: disconnected
 };
 
-namespace
-{
-
-unsigned long made = 0;
-
-} // namespace
-
-unsigned long connectionsMade()
-{
-	return made;
-}
+void (*connecting)() = 0;
 
 ObjectBase::ObjectBase() : owners(0), managed(false), slots(0) {}
 
@@ -170,7 +160,8 @@ SignalBase::~SignalBase()
 
 Connection SignalBase::add(SlotNode *slot)
 {
-	++made;
+	if (connecting)
+		connecting();
 	slot->reference();
 	node->slots.push_back(slot);
 	return Connection(node, slot);

@@ -60,7 +60,6 @@ class eSkin
 public:
 	static eSkin *getActive();
 	int queryValue(const eString &name, int fallback) const;
-	static int fontSize; ///< 0: it has none
 
 private:
 	double unused[3];
@@ -101,9 +100,6 @@ public:
 	void reject();
 	void setFocus(eWidget *child);
 	void setShortcut(const eString &key);
-
-	/// By how much a client area is lower than what cresize() was given.
-	static int lostHeight;
 
 protected:
 	void traceEnd(const char *type);
