@@ -11,6 +11,7 @@
 #include <cxxabi.h>
 #include <filesystem>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -229,6 +230,54 @@ TEST(Plugin, resolves_the_toolkit_from_its_host)
 	      "eString::sprintf(char*, ...)",
 	      "eDebug(char const*, ...)"})
 		EXPECT_TRUE(needed.count(operation)) << operation;
+}
+
+/// Whatever the compiler, the linker and the sanitizers add of their own.
+bool isTheirs(const std::string &name)
+{
+	return std::regex_search(name, std::regex("^(_|\\$|\\.|DW\\.ref\\.|completed(\\.|$)|\\*\\.|"
+	                                          "(construction )?vtable for |VTT for |typeinfo )"));
+}
+
+TEST(Plugin, keeps_nothing_from_run_to_run_but_the_log_path)
+{
+	std::set<std::string> kept;
+	int functions = 0;
+	for (const std::string &line : support::lines(support::run({"nm", pluginPath()}).out)) {
+		std::istringstream words(line);
+		std::string address, type, name;
+		words >> address >> type >> name;
+		functions += type == "T" || type == "t";
+		if (type.size() == 1 && std::string("bBcCdDgGsSuVv").find(type) != std::string::npos &&
+		    !isTheirs(demangled(name)))
+			kept.insert(demangled(name));
+	}
+	EXPECT_GT(functions, 20) << "the plugin is not stripped";
+	EXPECT_EQ(kept, std::set<std::string>{"ff_scan"});
+}
+
+TEST(Plugin, asks_nothing_of_the_system_but_this)
+{
+	const std::regex variants("^(__isoc[0-9]+_)?(.*?)(64|_chk)?$");
+	const std::set<std::string> known = {"fopen", "fgets", "fclose", "fseek", "ftell", "remove", "system",
+	                                     "sscanf", "strstr", "strnlen", "dcgettext", "vasprintf", "free",
+	                                     // what compilers make of other things
+	                                     "memcpy", "memmove", "memset", "memcmp", "strlen", "strcmp",
+	                                     "abort"};
+	std::set<std::string> asked;
+	for (const std::string &line : readelf("--dyn-syms", pluginPath())) {
+		std::istringstream words(line);
+		std::string number, value, size, type, bind, visibility, section, name;
+		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
+		const std::string plain = name.substr(0, name.find('@'));
+		if (section == "UND" && !plain.empty() && plain.rfind("_Z", 0) != 0)
+			asked.insert(std::regex_replace(plain, variants, "$2"));
+	}
+	EXPECT_TRUE(asked.count("dcgettext"));
+	const std::regex runtimes(
+		"^(__(asan|ubsan|sanitizer|gcov|cxa|gxx|gmon|stack_chk|aeabi|gnu|libc_single)|_ITM|_Unwind)_.*");
+	for (const std::string &name : asked)
+		EXPECT_TRUE(known.count(name) || std::regex_match(name, runtimes)) << name;
 }
 
 TEST(Plugin, is_a_shared_object_of_its_fixed_name)

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <memory>
 #include <type_traits>
 
@@ -18,8 +19,6 @@ struct Entry : eListBoxEntry
 {
 	using eListBoxEntry::eListBoxEntry;
 	void redraw(gPainter *, const eRect &, gColor, gColor, gColor, gColor, int) override {}
-	int attribute() const { return attr; }
-	eListBoxBase *box() const { return listbox; }
 };
 
 struct Text : eListBoxEntryText
@@ -28,6 +27,7 @@ struct Text : eListBoxEntryText
 	int attribute() const { return attr; }
 	int furtherFields() const { return align | precolor; }
 	void ignoreKeys() { keytype = keyIgnored; }
+	void setText(const std::string &bytes) { text = bytes; }
 };
 
 struct Box : eListBox<eListBoxEntryText>
@@ -48,17 +48,6 @@ struct Listener : SigC::Object
 	int calls = 0;
 };
 
-TEST(Entry, shows_a_blank_where_the_help_is_empty)
-{
-	EXPECT_EQ(Entry(nullptr, "").getHelpText(), " ");
-	EXPECT_EQ(Entry(nullptr, "help").getHelpText(), "help");
-}
-
-TEST(Entry, keeps_its_attribute)
-{
-	EXPECT_EQ(Entry(nullptr, "", 7).attribute(), 7);
-}
-
 TEST(Entry, appends_itself_at_the_end_of_its_list)
 {
 	eWindow window(1);
@@ -78,38 +67,6 @@ TEST(Entry, takes_itself_out_of_its_list)
 	Entry *second = new Entry(box);
 	delete first;
 	EXPECT_EQ(box->kept().entries, std::deque<eListBoxEntry *>{second});
-}
-
-TEST(Entry, still_has_its_help_when_it_is_taken_out)
-{
-	struct Watching : Box
-	{
-		using Box::Box;
-		void SendSelChanged(eListBoxEntry *) override { help = going->getHelpText(); }
-		eListBoxEntry *going = nullptr;
-		std::string help;
-	};
-	eWindow window(1);
-	Watching *box = new Watching(&window);
-	// Longer than a string keeps within itself.
-	const std::string help(100, 'h');
-	box->going = new Entry(box, help);
-	delete box->going; // the current one, which the list reports
-	EXPECT_EQ(box->help, help);
-}
-
-TEST(Entry, says_that_it_is_not_taken_out_by_its_list)
-{
-	std::string trace;
-	desk::Trace::get().start([&](const std::string &line) { trace += line + '\n'; });
-	{
-		eWindow window(1);
-		Box *box = new Box(&window);
-		delete new Entry(box);
-		desk::Trace::get().stop();
-	}
-	EXPECT_NE(trace.find("#1, false, false)\n"), std::string::npos) << "appended: " << trace;
-	EXPECT_NE(trace.find("#1, false)\n"), std::string::npos) << "taken out: " << trace;
 }
 
 TEST(Entry, is_less_than_none)
@@ -136,46 +93,93 @@ TEST(TextEntry, counts_an_absent_text_as_empty)
 	EXPECT_EQ(Text(nullptr, nullptr).getText(), "");
 }
 
-TEST(TextEntry, orders_by_key_address_when_keys_differ)
+/// An entry to compare: a text, a key and whether it ignores keys.
+struct Ordered
 {
-	int keys[2];
-	const Text low(nullptr, "z", &keys[0]), high(nullptr, "a", &keys[1]);
-	EXPECT_TRUE(low < high);
-	EXPECT_FALSE(high < low);
-	const Text top(nullptr, "a", reinterpret_cast<void *>(~uintptr_t{0}));
-	EXPECT_TRUE(high < top) << "addresses have no sign";
+	std::string text;
+	uintptr_t key = 0;
+	bool ignoresKeys = false;
+
+	/// Made with new, since neither entries nor the keys of a list are copied.
+	std::unique_ptr<Text> made() const
+	{
+		auto entry = std::make_unique<Text>(nullptr, "", reinterpret_cast<void *>(key));
+		entry->setText(text); // with every byte
+		if (ignoresKeys)
+			entry->ignoreKeys();
+		return entry;
+	}
+};
+
+struct Order
+{
+	Ordered a, b;
+	bool isLess, isGreater;
+};
+
+void PrintTo(const Order &order, std::ostream *out)
+{
+	for (const Ordered &entry : {order.a, order.b})
+		*out << ::testing::PrintToString(entry.text) << " with key " << entry.key
+			 << (entry.ignoresKeys ? " ignored" : "") << ", ";
 }
 
-TEST(TextEntry, orders_by_text_when_keys_are_equal)
+class TextEntryOrder : public ::testing::TestWithParam<Order>
 {
-	EXPECT_TRUE(Text(nullptr, "abc") < Text(nullptr, "abd"));
-	EXPECT_FALSE(Text(nullptr, "abd") < Text(nullptr, "abc"));
-	EXPECT_TRUE(Text(nullptr, "ab") < Text(nullptr, "abc"));
-	EXPECT_FALSE(Text(nullptr, "abc") < Text(nullptr, "ab"));
-	EXPECT_FALSE(Text(nullptr, "abc") < Text(nullptr, "abc"));
-	EXPECT_TRUE(Text(nullptr, "a\x7f") < Text(nullptr, "a\x80")) << "bytes have no sign";
+};
+
+/// Puts z before a, and no text before itself: no entry may ask a locale.
+struct Backwards : std::collate<char>
+{
+	int do_compare(const char *a, const char *endOfA, const char *b, const char *endOfB) const override
+	{
+		return std::string(b, endOfB).compare(std::string(a, endOfA));
+	}
+};
+
+TEST_P(TextEntryOrder, is_by_keys_and_then_by_bytes)
+{
+	const std::locale before = std::locale::global(std::locale(std::locale(), new Backwards));
+	const auto a = GetParam().a.made(), b = GetParam().b.made();
+	EXPECT_EQ(*a < *b, GetParam().isLess);
+	EXPECT_EQ(*b < *a, GetParam().isGreater);
+	EXPECT_FALSE(*a < *a);
+	EXPECT_FALSE(*b < *b);
+	std::locale::global(before);
 }
 
-TEST(TextEntry, orders_by_text_when_its_own_keys_are_ignored)
-{
-	int keys[2];
-	Text low(nullptr, "z", &keys[0]);
-	Text high(nullptr, "a", &keys[1]);
-	low.ignoreKeys();
-	EXPECT_FALSE(low < high);
-	EXPECT_FALSE(high < low) << "this entry's own key type decides, and it compares addresses";
-	high.ignoreKeys();
-	EXPECT_TRUE(high < low);
-}
+constexpr uintptr_t low = 8, high = 16, highest = ~uintptr_t{0}; // which has a sign where addresses have one
+constexpr bool ignored = true;
 
-TEST(TextEntry, compares_addresses_the_other_way_when_only_the_other_ignores_keys)
-{
-	int keys[2];
-	Text low(nullptr, "z", &keys[0]);
-	Text high(nullptr, "a", &keys[1]);
-	high.ignoreKeys();
-	EXPECT_TRUE(low < high);
-}
+INSTANTIATE_TEST_SUITE_P(
+	Pairs, TextEntryOrder,
+	::testing::Values(
+		// Different keys: the addresses, whatever the texts are.
+		Order{{"z", low}, {"a", high}, true, false}, Order{{"a", low}, {"a", high}, true, false},
+		Order{{"", high}, {"a", highest}, true, false}, Order{{"z"}, {"a", low}, true, false},
+		Order{{"z"}, {"a", highest}, true, false},
+		// Equal keys, none among them: the texts.
+		Order{{"abc"}, {"abd"}, true, false}, Order{{"abc", low}, {"abd", low}, true, false},
+		Order{{"ab"}, {"abc"}, true, false}, Order{{""}, {"a"}, true, false}, Order{{""}, {""}, false, false},
+		Order{{"abc", low}, {"abc", low}, false, false},
+		// Bytes: without sign, case, language or end.
+		Order{{"a\x7f"}, {"a\x80"}, true, false}, Order{{"z"}, {"\xc3\xa4"}, true, false},
+		Order{{"Z"}, {"a"}, true, false}, Order{{"B"}, {"a"}, true, false}, Order{{"A"}, {"a"}, true, false},
+		Order{{"10"}, {"9"}, true, false}, Order{{" b"}, {"a"}, true, false},
+		Order{{"\t"}, {" "}, true, false},
+		Order{{std::string("a\0b", 3)}, {std::string("a\0c", 3)}, true, false},
+		Order{{"a"}, {std::string("a\0", 2)}, true, false},
+		// Keys that are ignored: the texts, equal ones among them.
+		Order{{"a", high, ignored}, {"z", low, ignored}, true, false},
+		Order{{"a", high, ignored}, {"a", low, ignored}, false, false},
+		Order{{"", high, ignored}, {"", low, ignored}, false, false},
+		Order{{"a", low, ignored}, {"a", low, ignored}, false, false},
+		Order{{"a", 0, ignored}, {"a", low, ignored}, false, false},
+		// The entry that is asked decides by its own key type.
+		Order{{"z", low, ignored}, {"a", high}, false, false},
+		Order{{"a", low, ignored}, {"z", high}, true, false},
+		Order{{"a", high, ignored}, {"z", low}, true, true},
+		Order{{"a", high, ignored}, {"a", low}, false, true}));
 
 TEST(ListBox, emits_the_choice_in_the_order_of_connection)
 {
@@ -225,29 +229,34 @@ TEST(ListBox, emits_the_move_on_a_signal_of_its_own)
 	EXPECT_EQ(listener.order, (std::vector<std::pair<int, eListBoxEntry *>>{{1, entry}}));
 }
 
-TEST(MenuEntry, passes_on_only_its_own_choice)
+TEST(MenuEntry, passes_on_its_own_choice_whatever_it_says)
 {
-	eListBoxEntryMenu one(nullptr, "one"), two(nullptr, "two");
-	Listener first, second;
-	one.selected.connect(SigC::slot(first, &Listener::plain));
-	two.selected.connect(SigC::slot(second, &Listener::plain));
-	for (eListBoxEntryMenu *entry : {&one, &two})
-		entry->LBSelected(&two);
-	EXPECT_EQ(first.calls, 0);
-	EXPECT_EQ(second.calls, 1);
-}
-
-TEST(MenuEntry, knows_its_own_choice_by_address_and_not_by_text)
-{
-	eSetupWindow window("menu", 10, 400);
-	eListBoxEntryMenu *one = new eListBoxEntryMenu(&window.list, "same", "same");
-	eListBoxEntryMenu *two = new eListBoxEntryMenu(&window.list, "same", "same");
-	Listener first, second;
-	one->selected.connect(SigC::slot(first, &Listener::plain));
-	two->selected.connect(SigC::slot(second, &Listener::plain));
-	window.list.selected.emit(two);
-	EXPECT_EQ(first.calls, 0);
-	EXPECT_EQ(second.calls, 1);
+	// Equal texts, and none; entries of a list and of none.
+	for (const char *text : {"same", "", static_cast<const char *>(nullptr)})
+		for (const bool listed : {true, false}) {
+			eSetupWindow window("menu", 10, 400);
+			std::vector<std::unique_ptr<Listener>> listeners;
+			std::vector<eListBoxEntryMenu *> entries;
+			for (int i = 0; i < 3; ++i) {
+				entries.push_back(
+					new eListBoxEntryMenu(listed ? &window.list : nullptr, text, text ? text : ""));
+				listeners.push_back(std::make_unique<Listener>());
+				entries[i]->selected.connect(SigC::slot(*listeners[i], &Listener::plain));
+			}
+			for (eListBoxEntryMenu *chosen :
+			     {entries[1], static_cast<eListBoxEntryMenu *>(nullptr), entries[2]})
+				if (listed)
+					window.list.selected.emit(chosen);
+				else
+					for (eListBoxEntryMenu *entry : entries)
+						entry->LBSelected(chosen);
+			EXPECT_EQ(listeners[0]->calls, 0);
+			EXPECT_EQ(listeners[1]->calls, 1);
+			EXPECT_EQ(listeners[2]->calls, 1);
+			if (!listed)
+				for (eListBoxEntryMenu *entry : entries)
+					delete entry;
+		}
 }
 
 TEST(MenuEntry, connects_itself_once_to_its_list)

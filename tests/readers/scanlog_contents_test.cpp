@@ -316,6 +316,21 @@ TEST(FileSize, is_the_position_of_the_end_and_the_position_stays)
 	EXPECT_EQ(fgetc(stream.get()), ruler(101)[100]);
 }
 
+TEST(FileSize, may_be_as_large_as_a_long)
+{
+	const long large = byLong(5L * 1024 * 1024 * (sizeof(long) == 8 ? 1024 : 1), 0x7fffffffL);
+	const TempFolder folder;
+	const std::string path = folder.write("file", "");
+	ASSERT_EQ(truncate(path.c_str(), large), 0) << "it has no byte on the disk";
+	const Stream stream(fopen(path.c_str(), "r"));
+	ASSERT_NE(stream, nullptr);
+	EXPECT_EQ(filesize(stream.get()), large);
+	ASSERT_EQ(fseek(stream.get(), large - 3, SEEK_SET), 0);
+	EXPECT_EQ(filesize(stream.get()), large);
+	EXPECT_EQ(ftell(stream.get()), large - 3);
+	EXPECT_EQ(parseScanLog(stream.get(), "log").summary, "size of log : " + std::to_string(large) + " bytes");
+}
+
 TEST(ScanLog, the_size_is_what_it_is_after_the_reading)
 {
 	const ScanLogContents contents = parseScanLog(growingStream("a\n", "b\n").get(), "log");
