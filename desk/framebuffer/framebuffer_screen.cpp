@@ -54,7 +54,11 @@ public:
 			                   "\" is gone; was it unplugged?");
 	}
 
-	std::optional<Input> take() override { return remote->take(); }
+	std::optional<Input> take() override
+	{
+		const std::optional<RemoteControl::Press> press = remote->take();
+		return press ? std::optional(Input{press->key, press->repeat}) : std::nullopt;
+	}
 
 	bool hasKeys() const override { return !remote->gone(); }
 

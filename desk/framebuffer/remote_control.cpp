@@ -159,15 +159,15 @@ RemoteControl::~RemoteControl()
 	close(device);
 }
 
-std::optional<Key> RemoteControl::take()
+std::optional<RemoteControl::Press> RemoteControl::take()
 {
 	// What is there already decides whether a repeat is still meant.
 	look();
 	if (waiting.empty())
 		return std::nullopt;
-	const Key key = waiting.front().key;
+	const Press press = waiting.front();
 	waiting.pop_front();
-	return key;
+	return press;
 }
 
 void RemoteControl::look()

@@ -28,21 +28,21 @@ public:
 	/// Takes all that has come.
 	void look();
 
+	struct Press
+	{
+		Key key;
+		bool repeat;
+	};
+
 	/// The next key that was pressed or repeats itself; nothing: none so far. Repeats that came while nobody
 	/// asked count as one, and as none once the key was let go: a slow screen does not run on.
-	std::optional<Key> take();
+	std::optional<Press> take();
 
 	/// The device is gone, and its last key has been taken.
 	bool gone() const { return unplugged && waiting.empty(); }
 
 private:
 	RemoteControl(int file, libevdev *opened);
-
-	struct Press
-	{
-		Key key;
-		bool repeat;
-	};
 
 	int device;
 	libevdev *input;

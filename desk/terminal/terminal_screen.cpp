@@ -453,7 +453,7 @@ void TerminalScreen::look()
 		if (kind == KEY_CODE_YES && code == KEY_RESIZE)
 			continue; // has been seen to
 		if (const std::optional<Key> key = keyOf(kind, code); key && (fits() || *key == Key::exit))
-			keys.push_back(*key);
+			keys.push_back({*key});
 	}
 	// A frame may have been left half sent because keys were waiting.
 	refresh();
@@ -496,7 +496,7 @@ std::optional<Key> TerminalScreen::keyOf(int kind, wint_t code)
 {
 	if (showsLog || (kind == KEY_CODE_YES && code == logKey)) {
 		showsLog = !showsLog;
-		keys.push_back(OwnKey());
+		keys.push_back({OwnKey()});
 		redraw();
 		if (code == 033)
 			skipSequence();

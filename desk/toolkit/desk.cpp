@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace desk
 {
@@ -37,6 +38,7 @@ void Desk::note(const std::string &line, bool urgent)
 void Desk::endRun()
 {
 	openWindows.forgetAll();
+	question = 0; // should an exception have left it
 	showFrame(false);
 }
 
@@ -57,11 +59,13 @@ void Desk::leave(eWidget &window)
 
 bool Desk::run(eWidget &window)
 {
+	const unsigned outer = std::exchange(question, State::of(window).isMessageBox ? ++questions : 0);
 	openWindows.start(window);
 	while (openWindows.runs(window) && !State::of(window).ended)
 		openWindows.dispatch(nextKey());
 	const bool alive = openWindows.runs(window);
 	openWindows.stop(window);
+	question = outer;
 	return alive;
 }
 
@@ -74,7 +78,10 @@ Key Desk::nextKey()
 		if (!message)
 			std::_Exit(1); // nobody is left to leave the plugin
 		if (const Click *click = std::get_if<Click>(&*message)) {
-			viewer->send(Meaning{openWindows.keysAt(click->x, click->y)});
+			Meaning meaning{openWindows.keysAt(click->x, click->y)};
+			if (meaning.keys != openWindows.keysAt(click->upX, click->upY))
+				meaning.keys.clear(); // drawn off what was clicked
+			viewer->send(meaning);
 		} else if (const Press *press = std::get_if<Press>(&*message)) {
 			pressedAgain = press->again;
 			return press->key;
@@ -89,6 +96,7 @@ void Desk::showFrame(bool waits)
 	const Trace::Quiet drawing; // also of what the plugin's own classes call while they are drawn
 	Frame message;
 	message.waits = waits;
+	message.question = question;
 	if (draws) {
 		DisplayList next;
 		paint(next);

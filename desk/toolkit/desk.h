@@ -71,7 +71,8 @@ private:
 	Peer *viewer = nullptr;
 	bool draws = false, describes = false;
 	Windows openWindows;
-	DisplayList frame; ///< what the screen shows
+	DisplayList frame;                    ///< what the screen shows
+	unsigned question = 0, questions = 0; ///< the one that is asked, and how many have been
 	bool pressedAgain = false;
 };
 

@@ -24,7 +24,11 @@ struct OwnKey
 };
 
 /// What a person has done at the screen.
-using Input = std::variant<Key, Click, SavePicture, OwnKey>;
+struct Input
+{
+	std::variant<Key, Click, SavePicture, OwnKey> what;
+	bool repeat = false; ///< a key that is held, or the rest of a double click
+};
 
 /// Where a frame goes and where keys come from. All screens are equal behind this, and none of them sleeps: one loop
 /// waits for all.
@@ -56,6 +60,10 @@ public:
 
 	/// The next that the person has done; nothing: nothing so far.
 	virtual std::optional<Input> take() { return std::nullopt; }
+
+	/// Takes in all that was done before the frame that was presented last could be seen. A click that has begun
+	/// is none.
+	virtual void settle() { look(); }
 
 	/// Whether keys may still come.
 	virtual bool hasKeys() const { return false; }

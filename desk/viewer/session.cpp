@@ -32,6 +32,8 @@ constexpr seconds patienceWithTheEnd(1);   // with a plugin that is to end by it
 constexpr seconds patienceWithItsHalf(60); // when that has ended; a tool may be looking for leaks
 constexpr int exitsThatEnd = 3;            // a plugin that is busy
 constexpr int mostExits = 1000;            // in vain, of a script
+constexpr milliseconds
+	longestRepeat(800); // between the first two of a key that is held; terminals do not tell
 
 // The panel over the picture: in the 80 columns that a terminal shows of it at the least.
 constexpr int panelLeft = 48, panelWidth = 78 * 8, panelRow = 20, panelMargin = 8;
@@ -146,6 +148,16 @@ void Session::handle(Frame &message)
 	if (secondsShown > 0)
 		hidePanel();
 	show(*changes);
+	if (question != message.question) {
+		question = message.question;
+		if (question && screen) { // it is answered by who has seen it
+			screen->settle();
+			while (fromScreen()) {
+			}
+			typed.clear();
+			meant.clear();
+		}
+	}
 	if (due)
 		recorder.record(*due, message.windows, picture);
 	due.reset();
@@ -275,6 +287,7 @@ void Session::startAgain(bool pressesAgain)
 	deadline.reset();
 	meant.clear();
 	typed.clear();
+	question = 0;
 	if (!pressesAgain || !replays || harmless)
 		script
 			.clear(); // else what has not been pressed again yet, of a plugin that came to nothing, still is to be
@@ -327,13 +340,15 @@ void Session::pressNext()
 			if (!input && screen->hasKeys())
 				return;
 			leaving = !input;
-			if (input && std::holds_alternative<SavePicture>(*input))
+			if (input && input->repeat && question)
+				continue;
+			if (input && std::holds_alternative<SavePicture>(input->what))
 				savePicture();
 			else if (input)
 				hidePanel();
-			if (const Key *key = input ? std::get_if<Key>(&*input) : nullptr)
+			if (const Key *key = input ? std::get_if<Key>(&input->what) : nullptr)
 				press(*key, true);
-			if (const Click *click = input ? std::get_if<Click>(&*input) : nullptr) {
+			if (const Click *click = input ? std::get_if<Click>(&input->what) : nullptr) {
 				half->send(*click);
 				state = State::busy;
 				busySince = Clock::now();
@@ -362,9 +377,21 @@ void Session::press(Key key, bool isSomebodys)
 std::optional<Input> Session::takeInput()
 {
 	if (typed.empty())
-		return screen->take();
+		return fromScreen();
 	const Input input = typed.front();
 	typed.pop_front();
+	return input;
+}
+
+std::optional<Input> Session::fromScreen()
+{
+	std::optional<Input> input = screen->take();
+	if (const Key *key = input ? std::get_if<Key>(&input->what) : nullptr) {
+		const Clock::time_point now = Clock::now();
+		input->repeat = input->repeat || (lastKey == *key && now - lastKeyAt < longestRepeat);
+		lastKey = *key;
+		lastKeyAt = now;
+	}
 	return input;
 }
 
@@ -372,19 +399,19 @@ std::optional<Input> Session::takeInput()
 void Session::decide()
 {
 	while (state == State::gone) {
-		const std::optional<Input> input = screen->take();
+		const std::optional<Input> input = fromScreen();
 		if (screen->closed() || (!input && !screen->hasKeys()))
 			return finish(statusNotToItsEnd, screen->lost());
 		if (!input)
 			return;
-		if (std::holds_alternative<SavePicture>(*input))
+		if (std::holds_alternative<SavePicture>(input->what))
 			savePicture();
-		const Key *key = std::get_if<Key>(&*input);
+		const Key *key = std::get_if<Key>(&input->what);
 		if (key && *key == Key::exit)
 			return finish(statusNotToItsEnd);
 		if (key && crashed)
 			startAgain(false);
-		else if (!crashed && !std::holds_alternative<SavePicture>(*input))
+		else if (!crashed && !std::holds_alternative<SavePicture>(input->what))
 			hidePanel();
 	}
 }
@@ -407,9 +434,9 @@ void Session::watchBusy()
 		                   "Exit, pressed three times, ends it."});
 		secondsShown = busy;
 	}
-	while (const std::optional<Input> input = screen->take()) {
+	while (const std::optional<Input> input = fromScreen()) {
 		typed.push_back(*input);
-		const Key *key = std::get_if<Key>(&*input);
+		const Key *key = std::get_if<Key>(&input->what);
 		if (key && *key == Key::exit && ++exitsWhileBusy == exitsThatEnd)
 			giveUp("it had not answered for " + std::to_string(busy) +
 			       " s, and exit was pressed three times");

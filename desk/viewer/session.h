@@ -80,6 +80,7 @@ private:
 	void pressNext();
 	void press(Key key, bool isSomebodys);
 	std::optional<Input> takeInput();
+	std::optional<Input> fromScreen();
 	void decide();
 	void watchBusy();
 	void savePicture();
@@ -121,6 +122,9 @@ private:
 	bool replays = false;           ///< the script is pressed again, by nobody
 	std::deque<Key> meant;          ///< by the last click
 	std::deque<Input> typed;        ///< while the plugin was busy
+	unsigned question = 0;          ///< that the picture asks; see Frame
+	std::optional<Key> lastKey;     ///< of the person's ...
+	Clock::time_point lastKeyAt;    ///< ... and when it came
 	bool leaving = false;           ///< nobody presses keys any more
 	int exits = 0;                  ///< that were pressed because of that
 	std::vector<Key> history;       ///< the keys of this run

@@ -22,6 +22,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace desk
@@ -113,6 +114,7 @@ public:
 	int patience() const override;
 	void look() override;
 	std::optional<Input> take() override;
+	void settle() override;
 	bool hasKeys() const override { return !closed(); }
 	bool closed() const override { return isClosed; }
 	std::string lost() const override;
@@ -130,7 +132,7 @@ private:
 	Handle<SDL_Texture> texture(int width, int height) const;
 	void handle(const SDL_Event &event);
 	void handleButton(const SDL_MouseButtonEvent &event);
-	void perform(const Action &action);
+	void perform(const Action &action, bool repeat = false);
 	void showNotes();
 	void hideNotes();
 	void close();
@@ -143,6 +145,7 @@ private:
 	Handle<SDL_Texture> picture, strip, notes;
 	PixelCanvas painted;
 	const StripButton *pressed = nullptr; ///< under the mouse
+	std::optional<Input> click;           ///< into the picture, that begins: the button is down
 	bool showsNotes = false;              ///< over the picture
 	bool stale = true;                    ///< what the window shows
 	bool isClosed = false;
@@ -266,6 +269,15 @@ std::optional<Input> WindowScreen::take()
 	return input;
 }
 
+void WindowScreen::settle()
+{
+	look();
+	if (display && !displayIsGone)
+		XSync(display, False); // what it shows now can be seen
+	look();
+	click.reset();
+}
+
 std::string WindowScreen::lost() const
 {
 	return displayIsGone ? "the display has gone: its server has ended or the connection to it broke" : "";
@@ -289,7 +301,7 @@ void WindowScreen::handle(const SDL_Event &event)
 	case SDL_KEYDOWN:
 		if (const auto action = actionOf(event.key.keysym))
 			if (std::holds_alternative<Key>(*action) || !event.key.repeat)
-				perform(*action);
+				perform(*action, event.key.repeat != 0);
 		break;
 	case SDL_MOUSEBUTTONDOWN:
 		handleButton(event.button);
@@ -297,6 +309,12 @@ void WindowScreen::handle(const SDL_Event &event)
 	case SDL_MOUSEBUTTONUP:
 		stale = stale || pressed;
 		pressed = nullptr;
+		if (event.button.button == SDL_BUTTON_LEFT && click) {
+			Click &whole = std::get<Click>(click->what);
+			whole.upX = event.button.x;
+			whole.upY = event.button.y;
+			inputs.push_back(*std::exchange(click, std::nullopt));
+		}
 		break;
 	case SDL_MOUSEWHEEL:
 		for (int i = std::abs(event.wheel.y); i > 0; --i)
@@ -317,30 +335,31 @@ void WindowScreen::handle(const SDL_Event &event)
 
 void WindowScreen::handleButton(const SDL_MouseButtonEvent &event)
 {
+	const bool repeat = event.clicks > 1;
 	if (event.button == SDL_BUTTON_RIGHT)
-		return perform(Key::exit);
+		return perform(Key::exit, repeat);
 	if (event.button != SDL_BUTTON_LEFT)
 		return;
 	if (event.y < screenHeight) {
-		inputs.push_back(Click{event.x, event.y});
+		click = Input{Click{event.x, event.y}, repeat};
 		return;
 	}
 	pressed = stripButtonAt(event.x, event.y - screenHeight);
 	if (pressed) {
 		stale = true;
-		perform(pressed->action);
+		perform(pressed->action, repeat);
 	}
 }
 
-void WindowScreen::perform(const Action &action)
+void WindowScreen::perform(const Action &action, bool repeat)
 {
 	if (const Key *key = std::get_if<Key>(&action)) {
-		inputs.push_back(*key);
+		inputs.push_back({*key, repeat});
 		return;
 	}
 	switch (std::get<Command>(action)) {
 	case Command::savePicture:
-		inputs.push_back(SavePicture());
+		inputs.push_back({SavePicture()});
 		break;
 	case Command::fullScreen:
 		SDL_SetWindowFullscreen(window.get(), SDL_GetWindowFlags(window.get()) & SDL_WINDOW_FULLSCREEN

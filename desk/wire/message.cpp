@@ -90,13 +90,13 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Press>)
 		io(t.key, t.again);
 	else if constexpr (isOneOf<T, Click>)
-		io.pixels(t.x, t.y);
+		io.pixels(t.x, t.y, t.upX, t.upY);
 	else if constexpr (isOneOf<T, Failed>)
 		io(t.status, t.why);
 	else if constexpr (isOneOf<T, Frame>) {
 		io(t.edit);
 		io.json(t.windows);
-		io(t.waits);
+		io(t.waits, t.question);
 	} else if constexpr (isOneOf<T, Meaning>)
 		io(t.keys);
 	else if constexpr (isOneOf<T, Note>)

@@ -56,10 +56,11 @@ struct Press
 	bool again = false; ///< nobody has pressed it: it is pressed once more, after a change of the plugin
 };
 
-/// A click into the picture, in its pixels.
+/// A click into the picture, in its pixels: where the button was pressed, and where it was let go.
 struct Click
 {
 	int x = 0, y = 0;
+	int upX = 0, upY = 0;
 };
 
 using ToHost = std::variant<Start, Load, Run, Press, Click>;
@@ -84,6 +85,7 @@ struct Frame
 	DisplayList::Edit edit; ///< of the frame before
 	std::string windows;    ///< the description, a JSON text; empty: not wanted
 	bool waits = false;     ///< for a key
+	unsigned question = 0;  ///< the message box that asks has another number each time; 0: none
 };
 
 /// The keys that do what the click means; it still waits for one.

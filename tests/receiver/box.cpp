@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 namespace
 {
@@ -132,9 +133,12 @@ void Box::type(const std::string &key)
 
 support::Json Box::press(const std::string &key)
 {
+	if (asks) // before, the key that led to a question is a repeat
+		std::this_thread::sleep_for(std::chrono::seconds(1));
 	type(keyOnBoard(key));
 	support::Json screen = nextScreen();
 	EXPECT_EQ(screen["after"], key);
+	asks = screen.dump().find("eMessageBox") != std::string::npos;
 	return screen;
 }
 

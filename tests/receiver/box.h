@@ -56,6 +56,7 @@ private:
 	int monitor = -1, monitorOut = -1, console = -1, consoleOut = -1, dump = -1;
 	std::string monitorText, consoleText, dumpText;
 	int commands = 0, pictures = 0;
+	bool asks = false; ///< the screen shows a question
 };
 
 #endif

@@ -259,7 +259,7 @@ TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
 	remote.press(KEY_OK);
 	const std::optional<desk::Input> pressed = made->take();
 	ASSERT_TRUE(pressed);
-	EXPECT_EQ(std::get<desk::Key>(*pressed), desk::Key::ok);
+	EXPECT_EQ(std::get<desk::Key>(pressed->what), desk::Key::ok);
 	EXPECT_TRUE(made->hasKeys());
 
 	testing::internal::CaptureStderr();

@@ -34,8 +34,8 @@ std::unique_ptr<RemoteControl> opened(const kernel::Remote &remote)
 std::optional<Key> wait(RemoteControl &control)
 {
 	for (;;) {
-		if (const auto key = control.take())
-			return key;
+		if (const auto press = control.take())
+			return press->key;
 		if (control.gone())
 			return std::nullopt;
 		pollfd end = {control.descriptor(), POLLIN, 0};

@@ -161,6 +161,7 @@ TEST_F(HostInTerminal, a_process_is_killed_and_no_other)
 	EXPECT_EQ(state(victim), 'S');
 	terminal.press("Enter");
 	ASSERT_TRUE(terminal.shows("Kill " + victim + " pid?"));
+	terminal.press("5");     // nothing; but the next Enter is no repeat
 	terminal.press("Enter"); // yes
 	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
 	for (int i = 0; i < 500 && state(victim) == 'S'; ++i)
@@ -169,6 +170,37 @@ TEST_F(HostInTerminal, a_process_is_killed_and_no_other)
 	EXPECT_EQ(state(bystander), 'S');
 	terminal.press("q");
 	EXPECT_TRUE(terminal.shows("plugin_exec returned "));
+}
+
+TEST_F(HostInTerminal, a_question_is_not_answered_by_what_was_pressed_before_it_could_be_seen)
+{
+	const std::string question = "Kill 1 pid?";
+	Tmux terminal(80, 24);
+	terminal.start(host("--root " + receiver.path() + " --keys ok"));
+	ASSERT_TRUE(terminal.shows("1 root     init"));
+	const auto isAsked = [&] { return terminal.screen().find(question) != std::string::npos; };
+	terminal.send({'\r', '\r', '\r'});
+	EXPECT_TRUE(terminal.shows(question));
+	std::this_thread::sleep_for(std::chrono::milliseconds(300));
+	EXPECT_TRUE(isAsked()) << "three at once";
+	for (int i = 0; i < 30; ++i) {
+		terminal.send({'\r'});
+		std::this_thread::sleep_for(std::chrono::milliseconds(30));
+	}
+	EXPECT_TRUE(isAsked()) << "one that is held";
+	terminal.press("Escape");
+	EXPECT_TRUE(terminal.losesSight(question));
+
+	terminal.send({'\r', '\033', 'O', 'C', '\r'}); // right, which is no
+	EXPECT_TRUE(terminal.shows(question));
+	std::this_thread::sleep_for(std::chrono::milliseconds(300));
+	EXPECT_TRUE(isAsked()) << "another key";
+	std::this_thread::sleep_for(std::chrono::milliseconds(900));
+	terminal.press("Enter");
+	EXPECT_TRUE(terminal.losesSight(question)) << "pressed once more, by who has seen it";
+	EXPECT_TRUE(terminal.shows("Vexlo service menu")) << "yes";
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("reported only"));
 }
 
 TEST_F(HostInTerminal, what_watching_comes_to_stands_over_the_picture)

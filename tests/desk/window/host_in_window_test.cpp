@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 namespace
 {
@@ -148,6 +149,54 @@ TEST_F(HostInWindow, presses_the_button_and_the_answer_that_are_clicked)
 	const auto [yesX, yesY] = middle("Yes");
 	clickAndExpect(yesX, yesY, noIsFocused ? Keys{"right", "ok"} : Keys{"ok"});
 	EXPECT_TRUE(eventually([&] { return !support::exists(receiver / "var/scaning.log"); }));
+}
+
+TEST_F(HostInWindow, asks_before_it_kills_whatever_mouse_and_keyboard_do_at_once)
+{
+	start({"--keys", "ok"});
+	ASSERT_TRUE(eventually([&] { return dump().size() == 2; }));
+	const auto mouse = [&](Command words) {
+		const Command place = {"mousemove", "--window", std::to_string(window), "280", "321"};
+		words.insert(words.begin(), place.begin(), place.end()); // over a row, and there "Yes" comes to lie
+		tool(words);
+	};
+	// How often "ok" has been pressed since the last time, when nothing more comes.
+	const auto oks = [&] {
+		std::this_thread::sleep_for(std::chrono::milliseconds(700));
+		const std::vector<Json> all = dump();
+		int count = 0;
+		for (; seen < all.size(); ++seen)
+			count += all[seen]["after"] == "ok";
+		return count;
+	};
+	const auto isAsked = [&](const char *how) {
+		EXPECT_EQ(oks(), 1) << how;
+		EXPECT_EQ(title(), "kill pid") << how;
+		press({"Escape"});
+		EXPECT_EQ(oks(), 0);
+		EXPECT_EQ(title(), "Info") << how;
+	};
+	seen = 2;
+	mouse({"click", "--repeat", "2", "--delay", "100", "1"});
+	isAsked("a double click");
+	mouse({"click", "--repeat", "4", "--delay", "1", "1"});
+	isAsked("four clicks");
+	tool({"key", "--delay", "1", "Return", "Return", "Return"});
+	isAsked("three times at once");
+	tool({"key", "--delay", "150", "Return", "Return", "Return"});
+	isAsked("three times");
+	tool({"keydown", "Return", "sleep", "1.5", "keyup", "Return"});
+	isAsked("held");
+	mouse({"mousedown", "1", "key", "Return", "sleep", "0.3", "mouseup", "1"});
+	isAsked("pressed before and let go after");
+	mouse({"click", "1"});
+	EXPECT_EQ(oks(), 1);
+	mouse({"mousedown", "1", "mousemove_relative", "160", "0", "mouseup", "1"});
+	EXPECT_EQ(oks(), 0) << "let go on another answer";
+	EXPECT_EQ(title(), "kill pid");
+	mouse({"click", "1"});
+	EXPECT_EQ(oks(), 1);
+	EXPECT_EQ(title(), "Vexlo service menu") << "yes";
 }
 
 TEST_F(HostInWindow, pages_where_the_scroll_bar_is_clicked)

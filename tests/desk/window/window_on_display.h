@@ -37,6 +37,8 @@ protected:
 	void press(const support::Command &keys) const;
 	/// Presses a button of the mouse at a place of the window; 1 left, 3 right, 4 and 5 the wheel.
 	void click(int x, int y, int button = 1) const;
+	/// Has xdotool do something else.
+	void tool(const support::Command &words) const;
 	/// What a window manager sends when its close button is pressed.
 	void askToClose() const;
 
@@ -47,7 +49,6 @@ protected:
 
 private:
 	Window find() const;
-	void tool(const support::Command &words) const;
 };
 
 #endif

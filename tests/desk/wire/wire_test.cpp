@@ -112,9 +112,11 @@ TEST(Wire, brings_a_frame_as_it_was)
 	Frame message;
 	message.edit = frame.editOf(DisplayList());
 	message.waits = true;
+	message.question = 3;
 	message.windows = R"([{"title":"one","rows":["one","two"]}])";
 	const Frame came = back<Frame>(message);
 	EXPECT_TRUE(came.waits);
+	EXPECT_EQ(came.question, 3u);
 	EXPECT_EQ(came.windows, message.windows);
 	DisplayList list;
 	EXPECT_EQ(list.apply(came.edit), wholeScreen);
@@ -162,9 +164,10 @@ TEST(Wire, brings_every_message_as_it_was)
 	ASSERT_TRUE(press && std::holds_alternative<Press>(*press));
 	EXPECT_EQ(std::get<Press>(*press).key, Key::digit9);
 	EXPECT_TRUE(std::get<Press>(*press).again);
-	const auto click = decodeToHost(encode(Click{-3, 700}));
+	const auto click = decodeToHost(encode(Click{-3, 700, 1, 2}));
 	ASSERT_TRUE(click && std::holds_alternative<Click>(*click));
 	EXPECT_EQ(std::get<Click>(*click).x, -3);
+	EXPECT_EQ(std::get<Click>(*click).upY, 2);
 	EXPECT_EQ(back<Returned>(Returned{-1234567}).result, -1234567);
 	EXPECT_EQ(back<Meaning>(Meaning{{Key::up, Key::ok}}).keys, (std::vector<Key>{Key::up, Key::ok}));
 	EXPECT_EQ(back<Failed>(Failed{2, "why"}).why, "why");

@@ -1,0 +1,106 @@
+// The menu on a framebuffer, with a remote control: a session in the test's own program, whose devices they are.
+
+#include "session.h"
+
+#include "kernel.h"
+
+#include <gtest/gtest.h>
+#include <linux/input.h>
+
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+using support::TempFolder;
+
+namespace
+{
+
+/// A session, which ends with this object.
+class OnFramebuffer
+{
+public:
+	OnFramebuffer()
+	{
+		receiver.ps("  PID USER COMMAND\n    1 root init\n");
+		options.plugin = support::pluginPath();
+		options.root = receiver.path();
+		options.keys = {desk::Key::ok};
+		std::string error;
+		EXPECT_TRUE(recorder.openDump(folder / "dump", error)) << error;
+		desk::Stage stage;
+		stage.half = support::pluginHalfPath();
+		stage.skinText = support::readFile(support::sourcePath("desk/skins/default.toml"));
+		stage.skin = *desk::Skin::parse(stage.skinText, "skin", error);
+		stage.draws = true;
+		stage.openScreen = [this](std::string &why) {
+			return desk::makeFramebufferScreen({screen.path, remote.path, console.path}, why);
+		};
+		running = std::thread([this, stage] { desk::Session(options, stage, recorder).run(); });
+	}
+	~OnFramebuffer()
+	{
+		for (int i = 0; i < 3; ++i)
+			remote.press(KEY_EXIT);
+		running.join();
+	}
+
+	support::Lines keys() const
+	{
+		support::Lines keys;
+		const std::string text = support::readFile(folder / "dump");
+		for (const std::string &line : support::lines(text.substr(0, text.rfind('\n') + 1)))
+			keys.push_back(support::Json::parse(line)["after"]);
+		return keys;
+	}
+	std::string title() const
+	{
+		const std::string text = support::readFile(folder / "dump");
+		const support::Lines all = support::lines(text.substr(0, text.rfind('\n') + 1));
+		return all.empty() ? "" : support::Json::parse(all.back())["windows"].back()["title"];
+	}
+
+	support::ReceiverFolder receiver;
+	TempFolder folder;
+	const kernel::Screen screen{folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}};
+	const kernel::Remote remote{folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT}};
+	const kernel::Console console{folder};
+
+private:
+	desk::Options options;
+	desk::Recorder recorder;
+	std::thread running;
+};
+
+TEST(OnFramebuffer, a_question_is_answered_by_who_has_seen_it)
+{
+	const OnFramebuffer menu;
+	const auto shows = [&](const char *title) {
+		return support::eventually([&] { return menu.title() == title; });
+	};
+	const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(900)); };
+	ASSERT_TRUE(shows("Info"));
+
+	for (int i = 0; i < 3; ++i)
+		menu.remote.press(KEY_OK);
+	ASSERT_TRUE(shows("kill pid"));
+	pause();
+	EXPECT_EQ(menu.keys(), (support::Lines{"start", "ok", "ok"})) << "three at once";
+	menu.remote.press(KEY_EXIT);
+	ASSERT_TRUE(shows("Info"));
+
+	menu.remote.key(KEY_OK, 1);
+	ASSERT_TRUE(shows("kill pid"));
+	pause(); // longer than any keyboard
+	for (int i = 0; i < 3; ++i) {
+		menu.remote.key(KEY_OK, 2);
+		pause();
+	}
+	EXPECT_EQ(menu.title(), "kill pid") << "held";
+	menu.remote.key(KEY_OK, 0);
+	pause();
+	menu.remote.press(KEY_OK);
+	EXPECT_TRUE(shows("Vexlo service menu")) << "pressed once more";
+}
+
+} // namespace
