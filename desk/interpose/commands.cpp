@@ -66,7 +66,7 @@ pid_t forkApart()
 	const std::string user = same(geteuid()), group = same(getegid());
 	clone_args how = {};
 	how.exit_signal = SIGCHLD;
-	for (const unsigned namespaces : {CLONE_NEWPID, CLONE_NEWPID | CLONE_NEWUSER}) {
+	for (const unsigned namespaces : {0u | CLONE_NEWPID, 0u | CLONE_NEWPID | CLONE_NEWUSER}) {
 		how.flags = namespaces;
 		const pid_t process = static_cast<pid_t>(syscall(SYS_clone3, &how, sizeof how));
 		if (process == 0 && (namespaces & CLONE_NEWUSER)) {

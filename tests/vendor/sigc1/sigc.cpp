@@ -88,7 +88,7 @@ void SlotNode::unreference()
 		delete this;
 }
 
-SlotBase::SlotBase(SlotNode *made) : node(made)
+SlotBase::SlotBase(SlotNode *given) : node(given)
 {
 	node->reference();
 }
