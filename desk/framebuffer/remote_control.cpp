@@ -93,25 +93,25 @@ std::optional<Key> keyOf(unsigned int code)
 }
 
 /// A device with its keys, closed with the object unless somebody takes it.
-struct Input
+struct InputDevice
 {
 	int file = -1;
 	libevdev *device = nullptr;
 	int error = 0; ///< errno of what failed
 
-	explicit Input(const std::string &path)
+	explicit InputDevice(const std::string &path)
 	{
 		file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
 		error = file < 0 ? errno : -libevdev_new_from_fd(file, &device);
 	}
-	~Input()
+	~InputDevice()
 	{
 		libevdev_free(device);
 		if (file >= 0)
 			close(file);
 	}
-	Input(const Input &) = delete;
-	Input &operator=(const Input &) = delete;
+	InputDevice(const InputDevice &) = delete;
+	InputDevice &operator=(const InputDevice &) = delete;
 
 	/// The menu can be used with it.
 	bool leads() const
@@ -136,7 +136,7 @@ std::unique_ptr<RemoteControl> RemoteControl::open(const std::string &path, std:
 		error = visibleText("cannot use the remote control \"" + path + "\": " + why);
 		return nullptr;
 	};
-	Input input(path);
+	InputDevice input(path);
 	if (input.file < 0 && input.error == EACCES)
 		return failed(noRights);
 	if (input.file < 0)
@@ -216,7 +216,7 @@ std::string findRemoteControl(const std::string &folder, std::string &error)
 {
 	std::string keyboard, refused;
 	for (const std::string &path : numberedDevices(folder, "event")) {
-		const Input input(path);
+		const InputDevice input(path);
 		if (input.error == EACCES)
 			refused = path;
 		if (input.isRemote())

@@ -139,10 +139,13 @@ std::string Catalogue::read()
 	if (file.size() < 28)
 		return "it is cut off; make it anew with msgfmt";
 	// Positions are sums of numbers of 32 bits: they cannot overflow here.
+	const auto byteAt = [&](std::uint64_t at) {
+		return static_cast<unsigned char>(file[static_cast<size_t>(at)]);
+	};
 	const auto number = [&](std::uint64_t at) {
 		std::uint64_t value = 0;
 		for (size_t i = 0; i < 4; ++i)
-			value = value << 8 | static_cast<unsigned char>(file[at + (little ? 3 - i : i)]);
+			value = value << 8 | byteAt(at + (little ? 3 - i : i));
 		return value;
 	};
 	const std::uint64_t revision = number(4), count = number(8), ids = number(12), translations = number(16);
@@ -153,12 +156,12 @@ std::string Catalogue::read()
 	if (ids + 8 * count > file.size() || translations + 8 * count > file.size())
 		return "it is cut off; make it anew with msgfmt";
 
-	size_t total = 0; // more than the file has when texts share their bytes
+	std::uint64_t total = 0; // more than the file has when texts share their bytes
 	const auto textAt = [&](std::uint64_t entry) -> std::optional<std::string_view> {
 		const std::uint64_t length = number(entry), at = number(entry + 4);
-		if (at + length >= file.size() || file[at + length] != '\0' || (total += length) > mostBytes)
+		if (at + length >= file.size() || byteAt(at + length) != 0 || (total += length) > mostBytes)
 			return std::nullopt;
-		return file.substr(at, length);
+		return file.substr(static_cast<size_t>(at), static_cast<size_t>(length));
 	};
 	for (std::uint64_t i = 0; i < count; ++i) {
 		const auto id = textAt(ids + 8 * i), translation = textAt(translations + 8 * i);

@@ -41,9 +41,9 @@ public:
 			style.rowHeight = Desk::get().fontSize();
 			// A whole row within the bar, so that a screen made of rows has one for it.
 			const int inset = (helpHeight - style.rowHeight) / 2;
-			const int margin =
+			const int indent =
 				skin.decoration("eListBox").padding + desk::menuInset; // below the entries' texts
-			painter.canvas.text({bar.x + margin, bar.y + inset, bar.w - 2 * margin, style.rowHeight},
+			painter.canvas.text({bar.x + indent, bar.y + inset, bar.w - 2 * indent, style.rowHeight},
 			                    entry->getHelpText(), style);
 		}
 	}

@@ -59,16 +59,16 @@ double difference(const Pixels &a, const Pixels &b)
 TEST(Pictures, are_those_of_the_documentation)
 {
 	support::TempFolder drawn, tools;
-	const auto script = [&](const char *name, const std::string &program) {
+	const auto script = [&](const char *name, const support::Command &command) {
 		std::string words = "#!/bin/sh\nexec";
-		for (const std::string &word : support::runnable({program}))
+		for (const std::string &word : support::runnable(command))
 			words += " '" + word + "'";
 		return tools.write(name, words + " \"$@\"\n", true);
 	};
 	const support::Outcome outcome = support::run(
 		{support::sourcePath("tools/pictures"), drawn.path()},
-		{{"DESKHOST", script("deskhost", support::deskhostPath())},
-	     {"WINDOW_PICTURE", *WINDOW_PICTURE ? script("window_picture", WINDOW_PICTURE) : "none"}});
+		{{"DESKHOST", script("deskhost", support::deskhost())},
+	     {"WINDOW_PICTURE", *WINDOW_PICTURE ? script("window_picture", {WINDOW_PICTURE}) : "none"}});
 	ASSERT_EQ(outcome.status, 0) << outcome.err;
 
 	int compared = 0;

@@ -134,7 +134,8 @@ public:
 		inside = !inside;
 		if (!inside) {
 			if (++opened == 1 || left == 0)
-				dialogs.push_back(desk::describe(Desk::get().windows()).back().at("class"));
+				dialogs.push_back(
+					support::Json::parse(desk::describe(Desk::get().windows())).back().at("class"));
 			return Key::exit;
 		}
 		resources.push_back(Resources());

@@ -338,7 +338,7 @@ public:
 
 	std::optional<desk::Key> next() override
 	{
-		const Json window = desk::describe(desk::Desk::get().windows()).back();
+		const Json window = Json::parse(desk::describe(desk::Desk::get().windows())).back();
 		if (window.at("class") == "eMessageBox")
 			return answer(window.at("widgets").at(0).at("text"));
 		if (leaves)

@@ -11,7 +11,7 @@ using namespace support;
 namespace
 {
 
-/// A desk host of its own with a catalogue of its own beside it.
+/// A desk host with a catalogue of its own.
 class Translated : public ::testing::Test
 {
 protected:
@@ -35,9 +35,6 @@ protected:
 			add(id, marked(id));
 		const std::string source = place.write("all.po", catalogue);
 		std::filesystem::create_directories(place / "po/xx/LC_MESSAGES");
-		std::filesystem::create_directories(place / "bin");
-		for (const char *half : {"", "-plugin"})
-			std::filesystem::copy_file(support::deskhostPath() + half, place / "bin/deskhost" + half);
 		const support::Outcome made =
 			support::run({"msgfmt", "-o", place / "po/xx/LC_MESSAGES/vexlomenu.mo", source});
 		EXPECT_EQ(made.status, 0) << made.err;
@@ -59,12 +56,10 @@ protected:
 	/// The screen after these keys; its windows from bottom to top.
 	Json after(const std::string &keys)
 	{
-		const support::Outcome outcome =
-			support::run({place / "bin/deskhost", "--plugin", support::pluginPath(), "--skin",
-		                  support::sourcePath("desk/skins/default.toml"), "--screen", "none", "--root",
-		                  receiver.path(), "--lang", "xx", "--keys", keys, "--dump", place / "dump"});
-		EXPECT_EQ(outcome.status, 0) << outcome.err;
-		return Json::parse(support::lines(support::readFile(place / "dump")).back())["windows"];
+		const DeskRun run =
+			runDesk(receiver.path(), keys, {"--lang", "xx", "--catalogue", "vexlomenu:" + (place / "po")});
+		EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+		return run.dump.back()["windows"];
 	}
 
 	static Lines texts(const Json &window, const std::string &type)

@@ -13,6 +13,15 @@ std::string deskhostPath()
 	return TEST_DESKHOST;
 }
 
+Command deskhost()
+{
+#ifdef TEST_THROUGH // a program that runs in an emulator starts others by the computer itself
+	return {deskhostPath(), "--through", TEST_THROUGH};
+#else
+	return {deskhostPath()};
+#endif
+}
+
 std::string pluginHalfPath()
 {
 	return TEST_PLUGIN_HALF;
@@ -97,13 +106,11 @@ DeskRun runDesk(const std::string &root, const std::string &keys, const Lines &o
                 const Environment &environment)
 {
 	TempFolder folder;
-	Command command = {deskhostPath(), "--screen",      "none",    "--keys",        keys,
-	                   "--dump",       folder / "dump", "--trace", folder / "trace"};
+	Command command = deskhost();
+	command.insert(command.end(), {"--screen", "none", "--keys", keys, "--dump", folder / "dump", "--trace",
+	                               folder / "trace"});
 	if (!root.empty())
 		command.insert(command.end(), {"--root", root});
-#ifdef TEST_THROUGH // a program that runs in an emulator starts others by the computer itself
-	command.insert(command.end(), {"--through", TEST_THROUGH});
-#endif
 	command.insert(command.end(), options.begin(), options.end());
 
 	DeskRun result;

@@ -12,6 +12,8 @@ namespace support
 using Json = nlohmann::ordered_json;
 
 std::string deskhostPath();
+/// It, and through what it runs the plugin here.
+Command deskhost();
 std::string pluginHalfPath(); ///< the half of it that runs the plugin
 std::string pluginPath();
 std::string testPlugin(const std::string &name);   ///< one of tests/desk/plugins, as "result.so.0"
