@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 namespace desk
@@ -54,7 +55,7 @@ bool Desk::permits(const std::string &what)
 void Desk::leave(eWidget &window)
 {
 	if (openWindows.runs(window))
-		State::of(window).end(habits.left);
+		State::of(window).end(-1);
 }
 
 bool Desk::run(eWidget &window)

@@ -6,18 +6,10 @@
 #include "skin.h"
 #include "windows.h"
 
-#include <optional>
 #include <string>
 
 namespace desk
 {
-
-/// What hosts differ in; tests imitate others.
-struct HostHabits
-{
-	std::optional<int> answer; ///< what every message box returns at once, without a key; nothing: its answer
-	int left = -1;             ///< what exec() returns for a window that the viewer has left
-};
 
 /// The receiver that is not there: its skin, its windows, and who looks at them.
 ///
@@ -37,7 +29,6 @@ public:
 	Windows &windows() { return openWindows; }
 	const Windows &windows() const { return openWindows; }
 
-	HostHabits habits;
 	/// What a plugin's _exit() is told to before; null: nobody.
 	void (*onExit)(int status) = nullptr;
 

@@ -168,8 +168,6 @@ int eWidget::exec()
 	state->running = true;
 	state->ended = false;
 	state->result = 0;
-	if (const auto &answer = Desk::get().habits.answer; answer && state->isMessageBox)
-		state->end(*answer);
 	if (!Desk::get().run(*this))
 		return -1; // the window has been destroyed by what it ran
 	state->running = false;

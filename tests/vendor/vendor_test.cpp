@@ -169,8 +169,76 @@ TEST_P(VendorPlay, is_as_written)
 
 INSTANTIATE_TEST_SUITE_P(All, VendorPlay,
                          ::testing::Values("menu", "processes", "memory", "log", "system", "unopened",
-                                           "broken", "marked", "silent", "answers"),
+                                           "broken", "marked", "silent"),
                          [](const auto &play) { return std::string(play.param); });
+
+/// What a vendor's questions and windows may return.
+const int results[] = {4,  8,  -1,  0,   1,   2,   3,       5,          6,          7,   9,
+                       12, 16, 64,  72,  76,  77,  127,     128,        255,        256, -2,
+                       -4, -8, -76, 260, 264, 512, 1000000, 2147483647, -2147483647};
+
+class VendorResult : public Vendor, public ::testing::WithParamInterface<int>
+{
+protected:
+	/// The only question of a script, from its box to the box's end, with the objects numbered by themselves.
+	Lines question(const std::string &script)
+	{
+		Lines lines;
+		for (const std::string &line : support::lines(runVendor(receiver, script).out))
+			if (line.find(" = eMessageBox(") != std::string::npos || !lines.empty()) {
+				lines.push_back(line);
+				if (line.find(".~eMessageBox()") != std::string::npos)
+					return numbered(lines);
+			}
+		return lines;
+	}
+
+	const std::string result = std::to_string(GetParam());
+};
+
+TEST_P(VendorResult, of_a_question_is_a_kill_unless_it_is_no_or_none)
+{
+	Lines expected = {R"(#1 = eMessageBox("Kill 1 pid?", "kill pid", 76, 4, 0))", "#1.show()", "#1.exec()",
+	                  "#1.exec() = " + result, "#1.hide()"};
+	if (GetParam() != 8 && GetParam() != -1)
+		expected.insert(expected.end(),
+		                {R"(eDebug("-----kill pid  - 1-----"))", R"(system("kill -9 1"))", "#2.accept()"});
+	expected.insert(expected.end(), {"#2.setFocus(#3)", "#1.~eMessageBox()"});
+	EXPECT_EQ(question("answer=" + result + " ok ok"), expected);
+}
+
+TEST_P(VendorResult, of_a_question_is_a_deletion_only_when_it_is_yes)
+{
+	Lines expected = {R"(#1 = eMessageBox("Delete /var/scaning.log ?", "Warning", 76, 4, 0))", "#1.show()",
+	                  "#1.exec()", "#1.exec() = " + result};
+	if (GetParam() == 4)
+		expected.insert(expected.end(), {R"(eString.sprintf("%s") = "/var/scaning.log")",
+		                                 R"(remove("/var/scaning.log"))", "#2.accept()"});
+	expected.insert(expected.end(), {"#1.hide()", "#1.~eMessageBox()"});
+	EXPECT_EQ(question("answer=" + result + " down down ok red"), expected);
+}
+
+TEST_P(VendorResult, of_the_menu_is_the_plugins_and_of_a_screen_is_nobodys)
+{
+	const Outcome run = runVendor(receiver, "left=" + result + " down ok exit down ok exit exit");
+	EXPECT_EQ(run.err, "plugin_exec returned " + result + "\n");
+	Lines windows;
+	for (const std::string &line : support::lines(run.out))
+		if (line.find("show()") != std::string::npos || line.find("hide()") != std::string::npos ||
+		    line.find(".exec()") != std::string::npos || line.find(".~") != std::string::npos)
+			windows.push_back(line);
+	Lines expected = {"#1.show()", "#1.exec()"};
+	for (const char *screen : {"#2", "#3"})
+		for (const std::string &line :
+		     {std::string("#1.hide()"), screen + std::string(".show()"), screen + std::string(".exec()"),
+		      screen + (".exec() = " + result), screen + std::string(".hide()"), std::string("#1.show()"),
+		      screen + std::string(".~eWindow()")})
+			expected.push_back(line);
+	expected.insert(expected.end(), {"#1.exec() = " + result, "#1.hide()", "#1.~eSetupWindow()"});
+	EXPECT_EQ(numbered(windows), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfHosts, VendorResult, ::testing::ValuesIn(results));
 
 /// The conditions of a run, as a script has them.
 struct Conditions
