@@ -1,4 +1,4 @@
-// The memory screen, call by call and by keys.
+// The memory screen, by keys.
 
 #include "support.h"
 
@@ -9,52 +9,6 @@ using namespace support;
 namespace
 {
 
-const std::string olderLayout = "        total:    used:    free:  shared: buffers:  cached:\n"
-								"Mem:  63373312 61894656  1478656        0  2785280 29470720\n"
-								"Swap:        0        0        0\n"
-								"MemTotal:        61888 kB\n"
-								"MemFree:           512 kB\n"
-								"SwapCached:          0 kB\n";
-
-TEST(MemInfo, places_and_fills_two_labels)
-{
-	ReceiverFolder receiver;
-	receiver.meminfo(olderLayout);
-	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
-	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
-	          (Lines{
-				  "eWindow#1 = eWindow(1)",
-				  R"(eWindow#1.setText("Memory info"))",
-				  "eWindow#1.cmove(225, 113)",
-				  "eWindow#1.cresize(270, 350)",
-				  R"(fopen("/proc/meminfo", "r") = stream)",
-				  "fclose(stream) = 0",
-				  R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
-				  R"(eLabel#1.setText("MemTotal:  \nMemFree:   \nSwapCached:\n"))",
-				  "eLabel#1.move(5, 5)",
-				  "eLabel#1.resize(150, 350)",
-				  R"(eLabel#2 = eLabel(eWindow#1, 0, 0, "eLabel"))",
-				  R"(eLabel#2.setText("61888 KB\n512 KB\n0 KB\n"))",
-				  "eLabel#2.move(160, 5)",
-				  "eLabel#2.resize(100, 350)",
-				  "eWindow#1.show()",
-				  "eWindow#1.exec()",
-			  }));
-}
-
-TEST(MemInfo, asks_the_skin_for_nothing_and_gives_no_focus)
-{
-	ReceiverFolder receiver;
-	receiver.meminfo(olderLayout);
-	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
-	for (const std::string &line : run.trace) {
-		EXPECT_EQ(line.find("eSkin"), std::string::npos) << line;
-		EXPECT_EQ(line.find("setFocus"), std::string::npos) << line;
-	}
-	EXPECT_EQ(run.widget(2, "eLabel", 0)["focus"], false);
-	EXPECT_EQ(run.widget(2, "eLabel", 1)["focus"], false);
-}
-
 TEST(MemInfo, reaches_five_pixels_below_its_client_area)
 {
 	ReceiverFolder receiver;
@@ -62,24 +16,6 @@ TEST(MemInfo, reaches_five_pixels_below_its_client_area)
 	EXPECT_EQ(run.window(2)["client"], Json({225, 113, 270, 350}));
 	EXPECT_EQ(run.widget(2, "eLabel", 0)["rect"], Json({5, 5, 150, 350}));
 	EXPECT_EQ(run.widget(2, "eLabel", 1)["rect"], Json({160, 5, 100, 350}));
-}
-
-TEST(MemInfo, does_not_translate_its_title)
-{
-	ReceiverFolder receiver;
-	const DeskRun run = runDesk(receiver.path(), "down ok", {"--lang", "de"});
-	EXPECT_EQ(run.window(2)["title"], "Memory info");
-}
-
-TEST(MemInfo, reads_anew_at_every_opening)
-{
-	ReceiverFolder receiver;
-	receiver.meminfo(olderLayout);
-	const DeskRun run = runDesk(receiver.path(), "down ok exit ok exit exit");
-	int opened = 0;
-	for (const std::string &line : run.trace)
-		opened += line.rfind("fopen(\"/proc/meminfo\"", 0) == 0;
-	EXPECT_EQ(opened, 2);
 }
 
 struct Source

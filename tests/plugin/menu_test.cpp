@@ -1,4 +1,4 @@
-// The service menu and its entry point, call by call and by keys.
+// The service menu and its entry point, by keys.
 
 #include "support.h"
 
@@ -68,37 +68,6 @@ TEST(Menu, holds_four_entries_with_their_numbered_help)
 	ASSERT_EQ(run.dump.size(), help.size());
 	for (size_t i = 0; i < help.size(); ++i)
 		EXPECT_EQ(run.widget(i, list)["help"], help[i]) << "after " << run.dump[i]["after"];
-}
-
-TEST(Menu, opens_a_screen_under_itself_and_comes_back_before_it_is_destroyed)
-{
-	ReceiverFolder receiver;
-	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
-	EXPECT_EQ(run.traceBetween("eSetupWindow#1.exec()", "eSetupWindow#1.exec() = -1"),
-	          (Lines{
-				  "eSetupWindow#1.exec()",
-				  "eSetupWindow#1.hide()",
-				  "eWindow#1 = eWindow(1)",
-				  R"(eWindow#1.setText("Memory info"))",
-				  "eWindow#1.cmove(225, 113)",
-				  "eWindow#1.cresize(270, 350)",
-				  R"(fopen("/proc/meminfo", "r") = null)",
-				  R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
-				  R"(eLabel#1.setText(""))",
-				  "eLabel#1.move(5, 5)",
-				  "eLabel#1.resize(150, 350)",
-				  R"(eLabel#2 = eLabel(eWindow#1, 0, 0, "eLabel"))",
-				  R"(eLabel#2.setText(""))",
-				  "eLabel#2.move(160, 5)",
-				  "eLabel#2.resize(100, 350)",
-				  "eWindow#1.show()",
-				  "eWindow#1.exec()",
-				  "eWindow#1.exec() = -1",
-				  "eWindow#1.hide()",
-				  "eSetupWindow#1.show()",
-				  "eWindow#1.~eWindow()",
-				  "eSetupWindow#1.exec() = -1",
-			  }));
 }
 
 TEST(Menu, opens_the_screen_of_the_chosen_entry_and_no_other)

@@ -1,4 +1,4 @@
-// The process screen, call by call and by keys, on a receiver's output and on real processes.
+// The process screen, by keys, on a receiver's output and on real processes.
 
 #include "description.h"
 #include "desk.h"
@@ -27,56 +27,6 @@ const std::string twoProcesses = "  PID USER COMMAND\n"
 								 "    1 root init\n"
 								 "  123 root telnetd\n";
 
-Lines construction(int fontSize)
-{
-	const std::string font = std::to_string(fontSize);
-	return {
-		"eWindow#1 = eWindow(1)",
-		"eSkin.getActive()",
-		R"(eSkin.queryValue("fontsize", 20) = )" + font,
-		R"(eWindow#1.setText("Info"))",
-		"eWindow#1.cmove(110, 63)",
-		"eWindow#1.cresize(500, 450)",
-		"eListBoxEntryText.getEntryHeight() = " + font,
-		"eListBoxBase#2 = eListBoxBase(eWindow#1, null, 1, " + font + R"(, "eListBox"))",
-		"eListBoxBase#2.setFlags(4)",
-		"eListBoxBase#2.move(5, " + std::to_string(fontSize + 10) + ")",
-		"eListBoxBase#2.resize(490, 410)",
-		R"(system("ps >/var/tmp/ps.tmp"))",
-		R"(eDebug("[write ps info]"))",
-		R"(fopen("/var/tmp/ps.tmp", "r") = stream)",
-		"fclose(stream) = 0",
-		R"(remove("/var/tmp/ps.tmp"))",
-		"eListBoxBase#2.append(eListBoxEntry#5, false, false)",
-		"eListBoxBase#2.append(eListBoxEntry#6, false, false)",
-		R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
-		R"(eLabel#1.setText("  PID USER COMMAND\n"))",
-		"eLabel#1.move(5, 5)",
-		"eLabel#1.resize(500, " + font + ")",
-		"eWindow#1.setFocus(eListBoxBase#2)",
-		"eWindow#1.show()",
-		"eWindow#1.exec()",
-	};
-}
-
-TEST(Ps, is_laid_out_for_rows_of_20_pixels_when_the_skin_names_no_font_size)
-{
-	ReceiverFolder receiver;
-	receiver.ps(twoProcesses);
-	const DeskRun run = runDesk(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 0)});
-	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(20));
-}
-
-TEST(Ps, is_laid_out_for_rows_of_30_pixels)
-{
-	ReceiverFolder receiver;
-	receiver.ps(twoProcesses);
-	const DeskRun run = runDesk(receiver.path(), "ok exit exit", {"--skin", skinWithFontSize(receiver, 30)});
-	EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"), construction(30));
-	EXPECT_EQ(run.widget(1, list)["rect"], Json({5, 40, 490, 410}));
-	EXPECT_EQ(run.widget(1, "eLabel")["rect"], Json({5, 5, 500, 30}));
-}
-
 TEST(Ps, lists_the_processes_under_their_heading)
 {
 	ReceiverFolder receiver;
@@ -88,17 +38,6 @@ TEST(Ps, lists_the_processes_under_their_heading)
 	EXPECT_EQ(run.widget(1, list)["rows"], Json({"    1 root init\n", "  123 root telnetd\n"}));
 	EXPECT_EQ(run.widget(1, list)["focus"], true);
 	EXPECT_FALSE(support::exists(receiver / "var/tmp/ps.tmp"));
-}
-
-TEST(Ps, is_rejected_when_the_viewer_leaves_the_list)
-{
-	ReceiverFolder receiver;
-	receiver.ps(twoProcesses);
-	const DeskRun run = runDesk(receiver.path(), "ok exit exit");
-	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
-	          (Lines{"eWindow#1.exec()", "eWindow#1.reject()", "eWindow#1.setFocus(eListBoxBase#2)",
-	                 "eWindow#1.exec() = -1", "eWindow#1.hide()", "eSetupWindow#1.show()",
-	                 "eWindow#1.~eWindow()"}));
 }
 
 TEST(Ps, asks_and_kills_on_yes)
@@ -167,17 +106,6 @@ TEST(Ps, stays_as_it_was_after_no)
 TEST(Ps, stays_as_it_was_when_the_box_is_left)
 {
 	expectSpared("exit", "-1");
-}
-
-TEST(Ps, translates_format_and_caption_of_the_question)
-{
-	ReceiverFolder receiver;
-	receiver.ps(twoProcesses);
-	const DeskRun run = runDesk(receiver.path(), "ok down ok", {"--lang", "de"});
-	const std::string question = run.widget(3, "eLabel")["text"];
-	EXPECT_NE(question.find("123"), std::string::npos) << question;
-	EXPECT_EQ(question.find("Kill"), std::string::npos) << question;
-	EXPECT_NE(run.window(3)["title"], "kill pid");
 }
 
 TEST(Ps, offers_nothing_when_there_is_only_a_heading)

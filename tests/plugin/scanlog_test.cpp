@@ -1,4 +1,4 @@
-// The scan log screen, call by call and by keys.
+// The scan log screen, by keys.
 
 #include "support.h"
 
@@ -12,79 +12,6 @@ namespace
 const char *const list = "eListBox<eListBoxEntryText>";
 const std::string keys = "down down ok "; // to the screen, which the third key opens
 constexpr size_t opened = 3;
-
-Lines construction(int fontSize, const Lines &reading, const std::string &summary)
-{
-	const std::string font = std::to_string(fontSize);
-	Lines lines = {
-		"eWindow#1 = eWindow(1)",
-		"eSkin.getActive()",
-		R"(eSkin.queryValue("fontsize", 20) = )" + font,
-		R"(eWindow#1.setText("Info"))",
-		"eWindow#1.cmove(60, 63)",
-		"eWindow#1.cresize(600, 470)",
-		R"(eButton#1 = eButton(eWindow#1, null, 1, "eButton"))",
-		"eButton#1.move(10, 420)",
-		"eButton#1.resize(160, 40)",
-		R"(eButton#1.setShortcut("red"))",
-		R"(eButton#1.setShortcutPixmap("red"))",
-		"eButton#1.loadDeco()",
-		R"(eButton#1.setText("delete log"))",
-		"eListBoxEntryText.getEntryHeight() = " + font,
-		"eListBoxBase#2 = eListBoxBase(eWindow#1, null, 1, " + font + R"(, "eListBox"))",
-		"eListBoxBase#2.setFlags(4)",
-		"eListBoxBase#2.move(5, 5)",
-		"eListBoxBase#2.resize(590, 410)",
-	};
-	lines.insert(lines.end(), reading.begin(), reading.end());
-	const Lines rest = {
-		R"(eLabel#1 = eLabel(eWindow#1, 0, 0, "eLabel"))",
-		"eLabel#1.setText(\"" + summary + "\")",
-		"eLabel#1.move(180, 430)",
-		"eLabel#1.resize(600, " + font + ")",
-		"eWindow#1.setFocus(eListBoxBase#2)",
-		"eWindow#1.show()",
-		"eWindow#1.exec()",
-	};
-	lines.insert(lines.end(), rest.begin(), rest.end());
-	return lines;
-}
-
-const Lines twoLines = {
-	R"(fopen("/var/scaning.log", "r") = stream)",
-	"fclose(stream) = 0",
-	R"(eDebug("close file"))",
-	"eListBoxBase#2.append(eListBoxEntry#5, false, false)",
-	"eListBoxBase#2.append(eListBoxEntry#6, false, false)",
-};
-
-const Lines noFile = {
-	R"(fopen("/var/scaning.log", "r") = null)",
-	R"(eDebug("file \"/var/scaning.log\" not found"))",
-};
-
-TEST(ScanLog, is_laid_out_around_the_log)
-{
-	ReceiverFolder receiver;
-	receiver.scanLog("a\nb\n");
-	for (const int fontSize : {0, 20, 30}) {
-		const DeskRun run =
-			runDesk(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
-		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
-		          construction(fontSize ? fontSize : 20, twoLines, "size of /var/scaning.log : 4 bytes"));
-	}
-}
-
-TEST(ScanLog, is_laid_out_without_a_log)
-{
-	ReceiverFolder receiver;
-	for (const int fontSize : {20, 30}) {
-		const DeskRun run =
-			runDesk(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
-		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
-		          construction(fontSize, noFile, R"(file \"/var/scaning.log\" not found)"));
-	}
-}
 
 TEST(ScanLog, lists_numbered_lines_with_the_list_in_focus)
 {
@@ -109,16 +36,6 @@ TEST(ScanLog, splits_marker_lines)
 	const DeskRun run = runDesk(receiver.path(), keys);
 	EXPECT_EQ(run.widget(opened, list)["rows"],
 	          Json({"0 " + line.substr(1, 46), "0 " + line.substr(46, 46)}));
-}
-
-TEST(ScanLog, translates_the_button_and_neither_title_nor_summary)
-{
-	ReceiverFolder receiver;
-	receiver.scanLog("a\n");
-	const DeskRun run = runDesk(receiver.path(), keys, {"--lang", "de"});
-	EXPECT_EQ(run.window(opened)["title"], "Info");
-	EXPECT_NE(run.widget(opened, "eButton")["text"], "delete log");
-	EXPECT_EQ(run.widget(opened, "eLabel")["text"], "size of /var/scaning.log : 2 bytes");
 }
 
 TEST(ScanLog, does_nothing_when_a_line_is_chosen)
@@ -214,17 +131,6 @@ TEST(ScanLog, closes_also_when_the_log_cannot_be_deleted)
 	EXPECT_EQ(run.widget(opened, list)["count"], 0);
 	EXPECT_EQ(run.window(opened + 2)["class"], "eVexloMenu");
 	EXPECT_TRUE(support::exists(receiver / "var/scaning.log/inside"));
-}
-
-TEST(ScanLog, translates_the_question_as_a_whole)
-{
-	ReceiverFolder receiver;
-	receiver.scanLog("a\n");
-	const DeskRun run = runDesk(receiver.path(), keys + "red", {"--lang", "de"});
-	const std::string question = run.widget(opened + 1, "eLabel")["text"];
-	EXPECT_NE(question, "Delete /var/scaning.log ?");
-	EXPECT_NE(question.find("/var/scaning.log"), std::string::npos) << question;
-	EXPECT_NE(run.window(opened + 1)["title"], "Warning");
 }
 
 struct Log

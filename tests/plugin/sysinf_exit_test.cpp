@@ -37,6 +37,7 @@ TEST(SysInfExit, accepts_and_does_nothing_else)
 	eButton *button = new eButton(&dialog, nullptr, 1, "eButton");
 	button->setShortcut("red");
 	button->selected.connect(SigC::slot(dialog, &eSysInfDialog::exit));
+	ASSERT_NE(okButton(dialog, OkButton()), nullptr);
 	Listener listener;
 	okButton(dialog, OkButton())->selected.connect(SigC::slot(listener, &Listener::pressed));
 	PressesRed viewer;

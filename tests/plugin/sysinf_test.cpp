@@ -1,4 +1,4 @@
-// The system info screen, call by call and by keys.
+// The system info screen, by keys.
 
 #include "support.h"
 
@@ -21,11 +21,6 @@ const std::string threeMounts = "Filesystem                Size      Used Availa
 								"tmpfs                    30.2M      4.0K     30.2M   0% /tmp\n"
 								"/dev/sda1               149.0G    112.6G     36.4G  76% /media/hdd\n";
 
-std::string text(const std::string &value)
-{
-	return Json(value).dump();
-}
-
 std::string padded(std::string value, size_t width)
 {
 	value.resize(std::max(width, value.size()), ' ');
@@ -40,73 +35,6 @@ std::string usageLine(const std::string &size, const std::string &used, const st
 }
 
 const std::string usageHeading = usageLine("Size", "Used", "Avail.", "Use%", "Mounted");
-
-Lines label(int number, const std::string &content, int x, int y, int width, int height)
-{
-	const std::string name = "eLabel#" + std::to_string(number);
-	const auto pair = [](int a, int b) { return "(" + std::to_string(a) + ", " + std::to_string(b) + ")"; };
-	return {name + R"( = eLabel(eWindow#1, 0, 0, "eLabel"))", name + ".setText(" + text(content) + ")",
-	        name + ".move" + pair(x, y), name + ".resize" + pair(width, height)};
-}
-
-void add(Lines &lines, const Lines &more)
-{
-	lines.insert(lines.end(), more.begin(), more.end());
-}
-
-Lines construction(int f)
-{
-	Lines lines = {
-		"eWindow#1 = eWindow(1)",
-		"eSkin.getActive()",
-		R"(eSkin.queryValue("fontsize", 20) = )" + std::to_string(f),
-		R"(eWindow#1.setText("Info"))",
-		"eWindow#1.cmove(60, 70)",
-		"eWindow#1.cresize(600, 450)",
-		R"(eButton#1 = eButton(eWindow#1, null, 1, "eButton"))",
-		"eButton#1.move(10, 400)",
-		"eButton#1.resize(160, 40)",
-		R"(eButton#1.setShortcut("green"))",
-		R"(eButton#1.setShortcutPixmap("green"))",
-		"eButton#1.loadDeco()",
-		R"(eButton#1.setText("OK"))",
-		R"(fopen("/proc/mtd", "r") = stream)",
-		"fclose(stream) = 0",
-	};
-	const int r1 = 2, r2 = 5;
-	add(lines, label(1, "MTD blocks:", 5, 5, 100, f));
-	add(lines, label(2, "dev:\nmtd0:\n", 5, f + 5, 70, f * r1));
-	add(lines, label(3, "size\n00020000\n", 70, f + 5, 100, f * r1));
-	add(lines, label(4, "erasesize\n00004000\n", 190, f + 5, 100, f * r1));
-	add(lines, label(5, "name\n\"boot loader\" \n", 300, f + 5, 350, f * r1));
-	add(lines, {R"(system("df -h >/var/tmp/df.tmp"))", R"(fopen("/var/tmp/df.tmp", "r") = stream)",
-	            "fclose(stream) = 0", R"(remove("/var/tmp/df.tmp"))"});
-	add(lines, label(6, "Mounts:\n\n", 5, f * r1 + 20, 240, f * r2));
-	add(lines, label(7,
-	                 padded("Filesystem", 35) + "\n" + padded("/dev/root", 35) + "\n" + padded("tmpfs", 35) +
-	                     "\n" + padded("/dev/sda1", 35) + "\n",
-	                 5, f * r1 + f + 25, 270, f * r2));
-	add(lines, label(8,
-	                 usageHeading + usageLine("7.8M", "3.1M", "4.7M", "40%", "/") +
-	                     usageLine("30.2M", "4.0K", "30.2M", "0%", "/tmp") +
-	                     usageLine("149.0G", "112.6G", "36.4G", "76%", "/media/hdd"),
-	                 280, f * r1 + f + 25, 500, f * r2));
-	add(lines, {"eWindow#1.show()", "eWindow#1.exec()"});
-	return lines;
-}
-
-TEST(SysInf, is_laid_out_by_the_font_size)
-{
-	ReceiverFolder receiver;
-	receiver.mtd(onePartition);
-	receiver.df(threeMounts);
-	for (const int fontSize : {0, 20, 16, 30}) {
-		const DeskRun run =
-			runDesk(receiver.path(), keys + "exit exit", {"--skin", skinWithFontSize(receiver, fontSize)});
-		EXPECT_EQ(run.traceBetween("eWindow#1 = eWindow(1)", "eWindow#1.exec()"),
-		          construction(fontSize ? fontSize : 20));
-	}
-}
 
 TEST(SysInf, overlaps_and_overhangs_as_laid_out)
 {
@@ -151,18 +79,6 @@ TEST(SysInf, gives_the_button_the_focus_and_the_green_key)
 	EXPECT_EQ(button["shortcut"], "green");
 	EXPECT_EQ(button["text"], "OK");
 	EXPECT_EQ(button["rect"], Json({10, 400, 160, 40}));
-}
-
-TEST(SysInf, translates_nothing_but_the_button)
-{
-	ReceiverFolder receiver;
-	receiver.df(threeMounts);
-	const DeskRun plain = runDesk(receiver.path(), keys);
-	const DeskRun arabic = runDesk(receiver.path(), keys, {"--lang", "ar"});
-	for (size_t i = 0; i < 8; ++i)
-		EXPECT_EQ(arabic.widget(opened, "eLabel", i)["text"], plain.widget(opened, "eLabel", i)["text"]);
-	EXPECT_EQ(arabic.window(opened)["title"], "Info");
-	EXPECT_NE(arabic.widget(opened, "eButton")["text"], "OK");
 }
 
 TEST(SysInf, shows_headings_only_when_there_is_nothing_to_read)

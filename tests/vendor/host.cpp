@@ -19,7 +19,7 @@
 //     close=N     what fclose returns of a stream
 //     kill=N      what system returns of a kill
 //     verbose=1   look-ups, connections, where windows lie, what entries hold, whether the plugin
-//                 leaves the process as it was: its descriptors, environment, mask, folder and locale
+//                 leaves the process as it was: its descriptors, environment, mask, folder, locale and ff_scan
 //     trace       nothing before this is written
 //     again       the plugin is run once more
 
@@ -129,6 +129,11 @@ std::string served(const std::string &path)
 	return root + (given("files") ? '/' + conditions["files"] : "") + path;
 }
 
+const char *&logPath()
+{
+	return *static_cast<const char **>(dlsym(plugin, "ff_scan"));
+}
+
 /// What a plugin must leave as it was.
 std::string process()
 {
@@ -140,6 +145,7 @@ std::string process()
 	char folder[4096];
 	state << "mask " << mask << "\nfolder " << (getcwd(folder, sizeof folder) ? folder : "none")
 		  << "\nlocale " << std::setlocale(LC_ALL, NULL) << '\n';
+	state << "log " << logPath() << '\n';
 	DIR *descriptors = opendir("/proc/self/fd");
 	std::set<std::string> open;
 	for (const dirent *entry = descriptors ? readdir(descriptors) : NULL; entry; entry = readdir(descriptors))
@@ -177,11 +183,12 @@ void takeConditions()
 		else
 			conditions[word.substr(0, sign)] = word.substr(sign + 1);
 		if (word.compare(0, 4, "log=") == 0)
-			*static_cast<const char **>(dlsym(plugin, "ff_scan")) = conditions["log"].c_str();
-		if (word.compare(0, 6, "files=") == 0) {
+			logPath() = conditions["log"].c_str();
+		else if (word.compare(0, 6, "files=") == 0)
 			setenv("PATH", (served("/bin") + ":/usr/bin:/bin").c_str(), 1);
-			processBefore = process();
-		}
+		else
+			continue;
+		processBefore = process();
 	}
 }
 

@@ -51,11 +51,11 @@ Lines numbered(const Lines &trace)
 	return result;
 }
 
-/// Two receivers, the second one in a folder of the first, `there`, and a folder of none, `nowhere`. Both have what
-/// readers stumble over: lines that are empty, that hold no number, that end at a NUL.
-struct TwoReceivers : ReceiverFolder
+/// A receiver with two others in folders of its own: `there`, where all is different, and `nowhere`, which has next to
+/// nothing. They have what readers stumble over: lines that are empty, that hold no number, that end at a NUL.
+struct ThreeReceivers : ReceiverFolder
 {
-	TwoReceivers()
+	ThreeReceivers()
 	{
 		ps("  PID USER COMMAND\n    1 root init\n    0 root [idle]\n kernel\n  -1 all\n" +
 		   std::string("\0 7 hidden\n", 11) + "  123 root 100% %s\n");
@@ -68,11 +68,12 @@ struct TwoReceivers : ReceiverFolder
 
 		write("there/bin/ps", "#!/bin/sh\necho ' PID  Uid'\necho '  44 0 sh'\necho '  45 0 cron'\n", true);
 		write("there/bin/df", "#!/bin/sh\necho H\necho 'tmpfs 1 2 3 4% /tmp'\n", true);
-		write("there/elsewhere.log", "other\n");
+		write("there/elsewhere.log", "start at\nother\n");
 		write("there/proc/meminfo", support::repeat("y 2\n", 9) + "Buffers: 7 kB\n");
 		write("there/proc/mtd", "heading\nmtd1: 1 2 \"c\"\nmtd2: 3 4 d\n");
 
-		write("nowhere/bin/ps", "#!/bin/sh\nexit 1\n", true);
+		write("nowhere/bin/ps", "#!/bin/sh\necho\necho none\nexit 1\n", true);
+		write("nowhere/proc/meminfo", support::repeat("none\n", 9));
 		write("nowhere/bin/df", "#!/bin/sh\nexit 1\n", true);
 	}
 };
@@ -159,7 +160,7 @@ TEST_P(VendorPlay, is_as_written)
 	const std::string name = GetParam();
 	const Lines play = support::lines(support::readFile(support::sourcePath("tests/vendor/plays/" + name)));
 	ASSERT_FALSE(play.empty()) << "there is no play of that name";
-	const TwoReceivers receivers;
+	const ThreeReceivers receivers;
 	const Outcome outcome = runVendor(receivers, play[0]);
 	EXPECT_EQ(outcome.status, 0) << outcome.err;
 	Lines played = support::lines(outcome.out);
@@ -269,7 +270,7 @@ class VendorAgain : public ::testing::TestWithParam<std::pair<Conditions, Condit
 protected:
 	static Lines played(const std::string &script)
 	{
-		const TwoReceivers receivers;
+		const ThreeReceivers receivers;
 		const Outcome outcome = runVendor(receivers, "verbose=1 " + script);
 		EXPECT_EQ(outcome.status, 0) << outcome.err;
 		return support::lines(outcome.out);
