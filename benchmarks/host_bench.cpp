@@ -314,7 +314,7 @@ void countKeys(int lines)
 			return entryKey(3);
 		if (pressed == 2)
 			CALLGRIND_START_INSTRUMENTATION;
-		if (pressed == 7) {
+		if (pressed >= 7) {
 			CALLGRIND_STOP_INSTRUMENTATION;
 			return std::nullopt;
 		}
@@ -375,7 +375,7 @@ void measureLoading()
 void measureKeys()
 {
 	const double ten = instructions("key 10") / 5;
-	row("a key in a list of 10: instructions", text(ten, 0), "", text(ten, 0), "<= 1500000", ten <= 1500000);
+	row("a key in a list of 10: instructions", text(ten, 0), "", text(ten, 0), "<= 700000", ten <= 700000);
 	for (const int lines : {10000, 1000000}) {
 		const double many = instructions("key " + std::to_string(lines)) / 5;
 		row("a key in a list of " + std::to_string(lines) + ", to one of 10: instructions", text(many, 0),

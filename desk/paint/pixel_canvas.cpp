@@ -25,6 +25,15 @@ void setSource(cairo_t *to, Color c, double alpha = 1)
 	cairo_set_source_rgba(to, c.r / 255.0, c.g / 255.0, c.b / 255.0, alpha);
 }
 
+/// What can be seen of what is drawn now.
+Rect clipOf(cairo_t *to)
+{
+	double left = 0, top = 0, right = 0, bottom = 0;
+	cairo_clip_extents(to, &left, &top, &right, &bottom);
+	return {static_cast<int>(left), static_cast<int>(top), static_cast<int>(right - left),
+	        static_cast<int>(bottom - top)};
+}
+
 void setGradient(cairo_t *to, const Rect &area, Color top, Color bottom)
 {
 	if (top == bottom)
@@ -62,6 +71,31 @@ Color mixed(Color a, Color b, double part)
 	return {mix(a.r, b.r), mix(a.g, b.g), mix(a.b, b.b)};
 }
 
+// Cairo computes a gradient for every pixel: here for one column, and each row is of one colour.
+void fillRows(cairo_t *to, const Rect &area, const Fill &fill)
+{
+	const Rect seen = area.intersected(clipOf(to));
+	if (seen.empty())
+		return;
+	cairo_surface_t *column = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, seen.h);
+	cairo_t *toColumn = cairo_create(column);
+	cairo_translate(toColumn, 0, -seen.y);
+	setGradient(toColumn, area, fill.top, fill.bottom);
+	cairo_paint(toColumn);
+	cairo_destroy(toColumn);
+	cairo_surface_flush(column);
+	cairo_surface_t *surface = cairo_get_target(to);
+	cairo_surface_flush(surface);
+	const auto row = [](cairo_surface_t *of, int y) {
+		return reinterpret_cast<uint32_t *>(cairo_image_surface_get_data(of) +
+		                                    y * cairo_image_surface_get_stride(of));
+	};
+	for (int y = 0; y < seen.h; ++y)
+		std::fill_n(row(surface, seen.y + y) + seen.x, seen.w, *row(column, y));
+	cairo_surface_mark_dirty_rectangle(surface, seen.x, seen.y, seen.w, seen.h);
+	cairo_surface_destroy(column);
+}
+
 /// What of a window is all of one colour: its client area, but for the rows of the rounded corners.
 Rect flatPart(const Rect &outer, const Rect &client, int radius)
 {
@@ -81,15 +115,6 @@ struct PixelCanvas::State
 	cairo_surface_t *surface;
 	cairo_t *cairo;
 	size_t clips = 0;
-
-	/// What can be seen of what is drawn now.
-	Rect clip() const
-	{
-		double left = 0, top = 0, right = 0, bottom = 0;
-		cairo_clip_extents(cairo, &left, &top, &right, &bottom);
-		return {static_cast<int>(left), static_cast<int>(top), static_cast<int>(right - left),
-		        static_cast<int>(bottom - top)};
-	}
 
 	State(int width, int height)
 		: surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)), cairo(cairo_create(surface))
@@ -132,6 +157,8 @@ void PixelCanvas::fill(const Rect &area, const Fill &fill)
 {
 	if (area.empty())
 		return;
+	if (fill.radius == 0 && fill.top != fill.bottom)
+		return fillRows(s->cairo, area, fill);
 	roundedPath(s->cairo, area, fill.radius);
 	setGradient(s->cairo, area, fill.top, fill.bottom);
 	cairo_fill(s->cairo);
@@ -144,7 +171,7 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 		return;
 	cairo_t *to = s->cairo;
 
-	if (const Rect seen = s->clip(); seen.intersected(flatPart(outer, client, style.radius)) == seen) {
+	if (const Rect seen = clipOf(to); seen.intersected(flatPart(outer, client, style.radius)) == seen) {
 		setSource(to, style.client);
 		cairo_paint(to);
 		return;

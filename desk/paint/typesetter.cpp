@@ -7,10 +7,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <tuple>
+#include <utility>
 
 namespace desk
 {
@@ -31,11 +33,17 @@ template <typename T> using Handle = std::unique_ptr<T, Unref>;
 
 constexpr gunichar firstPicture = 0x2400, lastPicture = 0x2421; // of the controls
 
-// One face in one size and weight, with the layout that all its lines are set in.
+// A line as it was set. Its glyphs are where the screen can show them sharply.
+struct SetLine
+{
+	Handle<PangoLayout> layout;
+	double pixels = 0; // its width on the screen
+};
+
+// One face in one size and weight.
 struct Setting
 {
 	Handle<PangoContext> context;
-	Handle<PangoLayout> layout;
 	Face face = Face::prose;
 	int rowHeight = 20;
 	double squeeze = 1;    // pixels on the screen per pixel of the layout, across
@@ -43,11 +51,16 @@ struct Setting
 	double cell = 0;       // width of a digit in pixels of the layout; in columns that of everything
 	double ascent = 0, descent = 0;
 
-	void setLine(std::string_view line);
-	int spread();
-	int width() const { return static_cast<int>(std::ceil(linePixels - 0.01)); }
-	double linePixels = 0; // of the line that is set, on the screen
+	const SetLine &set(std::string_view line);
+	Handle<PangoLayout> newLayout() const;
+
+private:
+	int spread(PangoLayout *layout) const;
+
+	std::map<std::string, SetLine, std::less<>> lines; // those that were on the screen: most are again
 };
+
+constexpr size_t mostLinesKept = 256; // several screens of them
 
 // The control pictures are in no font of a small system: each is drawn as a framed letter, the one that
 // makes the control on a keyboard ("[" for escape).
@@ -77,8 +90,19 @@ void drawControlPicture(cairo_t *to, PangoAttrShape *shape, gboolean, gpointer)
 	cairo_restore(to);
 }
 
-void Setting::setLine(std::string_view line)
+Handle<PangoLayout> Setting::newLayout() const
 {
+	Handle<PangoLayout> layout(pango_layout_new(context.get()));
+	pango_layout_set_single_paragraph_mode(layout.get(), TRUE);
+	// A word of Arabic in a process name must not turn its row round.
+	pango_layout_set_auto_dir(layout.get(), face == Face::prose);
+	return layout;
+}
+
+const SetLine &Setting::set(std::string_view line)
+{
+	if (const auto found = lines.find(line); found != lines.end())
+		return found->second;
 	PangoAttrList *attributes = pango_attr_list_new();
 	const PangoRectangle box = {0, pango_units_from_double(-0.75 * rowHeight), pango_units_from_double(cell),
 	                            pango_units_from_double(rowHeight)};
@@ -92,19 +116,23 @@ void Setting::setLine(std::string_view line)
 		shape->end_index = shape->start_index + 3;
 		pango_attr_list_insert(attributes, shape);
 	}
+	Handle<PangoLayout> layout = newLayout();
 	pango_layout_set_attributes(layout.get(), attributes);
 	pango_attr_list_unref(attributes);
 	pango_layout_set_text(layout.get(), line.data(), static_cast<int>(line.size()));
-	linePixels = spread() * squeeze / PANGO_SCALE;
+	const double pixels = spread(layout.get()) * squeeze / PANGO_SCALE;
+	if (lines.size() >= mostLinesKept)
+		lines.clear();
+	return lines[std::string(line)] = {std::move(layout), pixels};
 }
 
 // Moves the glyphs of the line to where the screen can show them sharply, and returns its width. In
 // columns each character takes exactly its columns, whatever font it was found in; in prose each glyph
 // takes whole pixels, but for those that join their neighbours. All are drawn at whole pixels.
-int Setting::spread()
+int Setting::spread(PangoLayout *layout) const
 {
-	const char *text = pango_layout_get_text(layout.get());
-	const PangoLayoutLine *line = pango_layout_get_line(layout.get(), 0);
+	const char *text = pango_layout_get_text(layout);
+	const PangoLayoutLine *line = pango_layout_get_line(layout, 0);
 	int width = 0;
 	for (GSList *run = line->runs; run; run = run->next) {
 		auto *item = static_cast<PangoGlyphItem *>(run->data);
@@ -196,23 +224,20 @@ Setting Typesetter::make(Face face, int rowHeight, bool bold)
 	pango_context_set_font_description(context, font);
 	pango_font_description_free(font);
 
-	const auto newLayout = [&] {
-		s.layout.reset(pango_layout_new(context));
-		pango_layout_set_single_paragraph_mode(s.layout.get(), TRUE);
-		// A word of Arabic in a process name must not turn its row round.
-		pango_layout_set_auto_dir(s.layout.get(), face == Face::prose);
-		pango_layout_set_text(s.layout.get(), "0000000000", -1);
+	const auto measure = [&] {
+		const Handle<PangoLayout> digits = s.newLayout();
+		pango_layout_set_text(digits.get(), "0000000000", -1);
 		int advance = 0;
-		pango_layout_get_size(s.layout.get(), &advance, nullptr);
+		pango_layout_get_size(digits.get(), &advance, nullptr);
 		return std::max(1.0, pango_units_to_double(advance)) / 10;
 	};
-	const double advance = newLayout();
+	const double advance = measure();
 	s.cell = advance;
 	s.squeeze = face == Face::columns ? columnWidth * rowHeight / advance : proseSqueeze;
 	PangoMatrix matrix = PANGO_MATRIX_INIT;
 	matrix.xx = s.squeeze;
 	pango_context_set_matrix(context, &matrix);
-	s.correction = advance / newLayout();
+	s.correction = advance / measure();
 
 	PangoFontMetrics *metrics = pango_context_get_metrics(context, nullptr, nullptr);
 	s.ascent = pango_units_to_double(pango_font_metrics_get_ascent(metrics));
@@ -279,8 +304,7 @@ bool haveLetters()
 	if (count == 0)
 		return false;
 	Setting &setting = typesetter().setting(Face::columns, 20, false);
-	setting.setLine("Az0");
-	return pango_layout_get_unknown_glyphs_count(setting.layout.get()) == 0;
+	return pango_layout_get_unknown_glyphs_count(setting.set("Az0").layout.get()) == 0;
 }
 
 void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextStyle &style)
@@ -290,19 +314,19 @@ void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextSt
 	Setting &setting = typesetter().setting(style.face, style.rowHeight, style.bold);
 	if (!style.whole)
 		line = startWithin(line, area.w, setting);
-	setting.setLine(line);
-	const double narrower = style.whole ? std::min(1.0, area.w / std::max(1.0, setting.linePixels)) : 1.0;
-	setting.linePixels *= narrower;
+	const SetLine &set = setting.set(line);
+	const double narrower = style.whole ? std::min(1.0, area.w / std::max(1.0, set.pixels)) : 1.0;
+	const int width = static_cast<int>(std::ceil(set.pixels * narrower - 0.01));
 
-	PangoLayoutLine *laidOut = pango_layout_get_line(setting.layout.get(), 0);
+	PangoLayoutLine *laidOut = pango_layout_get_line_readonly(set.layout.get(), 0);
 	const bool rightToLeft = pango_layout_line_get_resolved_direction(laidOut) == PANGO_DIRECTION_RTL;
-	const int spare = area.w - setting.width();
+	const int spare = area.w - width;
 	const Align align = spare < 0 ? Align::start : style.align; // what is too long shows its start
 	double x = area.x;
 	if (align == Align::centre)
 		x += std::floor(spare / 2.0);
 	else if ((align == Align::end) != rightToLeft)
-		x = area.right() - std::ceil(setting.linePixels - 0.01);
+		x = area.right() - width;
 	const double baseline =
 		std::round(area.y + (area.h - setting.ascent - setting.descent) / 2 + setting.ascent);
 
