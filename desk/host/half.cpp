@@ -33,11 +33,8 @@ bool prepare(const Start &start, Peer &viewer, std::string &error)
 	Desk::get().onExit = sayExit;
 	if (!start.lang.empty() && !setLanguage(start.lang, start.catalogue, error))
 		return false;
-	if (!start.root.empty() && !Files::get().setRoot(start.root, error))
+	if (!start.root.empty() && !Files::get().setRoot(start.root, start.served, start.contained, error))
 		return false;
-	for (const std::string &path : start.served)
-		if (!Files::get().serve(path, error))
-			return false;
 	if (start.traces)
 		Trace::get().start([&viewer](const std::string &line) { viewer.send(Call{line}); });
 	else

@@ -5,8 +5,13 @@ namespace desk
 
 void PipePeer::send(const ToViewer &message)
 {
+	const std::lock_guard<std::recursive_mutex> alone(sending);
+	if (isSending)
+		return; // a signal's handler in the middle of another message
+	isSending = true;
 	channel.put(encode(message));
 	channel.flush();
+	isSending = false;
 }
 
 std::optional<ToHost> PipePeer::receive()

@@ -4,6 +4,8 @@
 #include "channel.h"
 #include "peer.h"
 
+#include <mutex>
+
 namespace desk
 {
 
@@ -18,6 +20,8 @@ public:
 
 private:
 	Channel channel;
+	std::recursive_mutex sending; ///< a plugin may have threads
+	bool isSending = false;
 };
 
 } // namespace desk

@@ -2,28 +2,21 @@
 
 #include "desk.h"
 #include "libc.h"
-#include "open_in_root.h"
 #include "trace.h"
 
 #include <fcntl.h>
-#include <linux/sched.h>
 #include <sys/mman.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <initializer_list>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -36,67 +29,44 @@ namespace
 
 constexpr int notExecutable = 126, notFound = 127; // a shell's exit statuses
 
-/// Whether the command has one of these as a word, at whatever path.
-bool hasWord(const std::string &command, std::initializer_list<std::string_view> words)
+using Words = std::vector<std::string_view>;
+const Words killing = {"kill", "killall", "killall5", "pkill", "skill"};
+const Words deleting = {"rm", "rmdir", "unlink"};
+
+/// What could be names of commands.
+Words wordsOf(const std::string &text)
 {
 	const auto inWord = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == '-' || c == '.'; };
-	for (size_t end = 0; end < command.size();) {
-		const auto from = command.begin() + static_cast<std::ptrdiff_t>(end);
-		const auto start = std::find_if(from, command.end(), inWord);
-		const auto stop = std::find_if_not(start, command.end(), inWord);
-		const std::string_view word(command.data() + (start - command.begin()),
-		                            static_cast<size_t>(stop - start));
-		if (std::find(words.begin(), words.end(), word) != words.end())
-			return true;
-		end = static_cast<size_t>(stop - command.begin());
+	Words words;
+	for (auto end = text.begin(); end != text.end();) {
+		const auto start = std::find_if(end, text.end(), inWord);
+		end = std::find_if_not(start, text.end(), inWord);
+		words.emplace_back(text.data() + (start - text.begin()), static_cast<size_t>(end - start));
 	}
-	return false;
+	return words;
+}
+
+/// Whether it has one of these as a word, at whatever path.
+bool hasWord(const std::string &text, const Words &words)
+{
+	const Words all = wordsOf(text);
+	return std::find_first_of(all.begin(), all.end(), words.begin(), words.end()) != all.end();
+}
+
+/// A script's text; empty: it is none.
+std::string scriptAt(const std::string &path)
+{
+	const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+	std::string text(1 << 20, '\0');
+	const ssize_t length = read(file, text.data(), text.size());
+	::close(file);
+	text.resize(static_cast<size_t>(std::max<ssize_t>(length, 0)));
+	return text.rfind("\177ELF", 0) == 0 ? "" : text;
 }
 
 void report(const std::string &what)
 {
 	Desk::get().note(what + " (reported only: with --root nobody is signalled)");
-}
-
-/// fork() into a process namespace of the child's own. Root needs nothing else for it, others a user
-/// namespace, in which they stay who they are; where the kernel permits neither, it is a plain fork().
-pid_t forkApart()
-{
-	const auto same = [](unsigned id) { return std::to_string(id) + ' ' + std::to_string(id) + " 1"; };
-	const std::string user = same(geteuid()), group = same(getegid());
-	clone_args how = {};
-	how.exit_signal = SIGCHLD;
-	for (const unsigned namespaces : {0u | CLONE_NEWPID, 0u | CLONE_NEWPID | CLONE_NEWUSER}) {
-		how.flags = namespaces;
-		const pid_t process = static_cast<pid_t>(syscall(SYS_clone3, &how, sizeof how));
-		if (process == 0 && (namespaces & CLONE_NEWUSER)) {
-			const auto write = [](const char *path, const std::string &text) {
-				const int file = open(path, O_WRONLY | O_CLOEXEC);
-				[[maybe_unused]] const ssize_t written = ::write(file, text.data(), text.size());
-				close(file);
-			};
-			write("/proc/self/setgroups", "deny");
-			write("/proc/self/uid_map", user);
-			write("/proc/self/gid_map", group);
-		}
-		if (process >= 0)
-			return process;
-	}
-	return fork();
-}
-
-/// Mounts the folder /var/tmp of `root` at this computer's, for the calling process and its children only.
-bool mountVarTmp(int root)
-{
-	const int folder = openInRoot(root, "/var/tmp", O_PATH | O_DIRECTORY);
-	char path[PATH_MAX] = "";
-	struct stat meant = {}, there = {};
-	// By its name, because what is open lies in the namespace that is left; so the name is not trusted.
-	return folder >= 0 && fstat(folder, &meant) == 0 &&
-	       readlink(("/proc/self/fd/" + std::to_string(folder)).c_str(), path, sizeof path - 1) > 0 &&
-	       unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-	       mount(path, "/var/tmp", nullptr, MS_BIND | MS_REC, nullptr) == 0 &&
-	       stat("/var/tmp", &there) == 0 && meant.st_dev == there.st_dev && meant.st_ino == there.st_ino;
 }
 
 /// A file without a name, for reading and writing; -1: there is no room for one.
@@ -133,20 +103,12 @@ Commands &Commands::get()
 	return commands;
 }
 
-bool Commands::takeFrom(int root, int rootOfVarTmp)
+void Commands::takeFrom(const std::string &root, bool contained)
 {
 	rooted = true;
-	// Through the descriptor, because a PATH cannot name a folder with a colon.
-	before = "PATH=/proc/self/fd/" + std::to_string(root) + "/bin; ";
-	// Tried out once: then the plugin's own calls and the commands mean the same folder.
-	const pid_t attempt = forkApart();
-	if (attempt == 0)
-		_exit(mountVarTmp(rootOfVarTmp) ? 0 : 1);
-	int status = -1;
-	while (attempt > 0 && waitpid(attempt, &status, 0) < 0 && errno == EINTR) {
-	}
-	varTmp = status == 0 ? rootOfVarTmp : -1;
-	return status == 0;
+	bin = root + "/bin";
+	searches = !contained;
+	before = "PATH=" + bin + "; ";
 }
 
 void Commands::takeFromBusybox()
@@ -162,11 +124,15 @@ void Commands::takeFromBusybox()
 	                 "and ps may list this terminal's processes only");
 }
 
-bool Commands::refuses(const char *command) const
+bool Commands::refuses(const std::string &command) const
 {
-	if (hasWord(command, {"rm", "rmdir", "unlink"}) && !Desk::get().permits(command))
+	if (hasWord(command, deleting) && !Desk::get().permits(command))
 		return true;
-	if (!hasWord(command, {"kill", "killall", "killall5", "pkill", "skill"}))
+	bool kills = hasWord(command, killing);
+	if (searches)
+		for (const std::string_view name : wordsOf(command))
+			kills = kills || hasWord(scriptAt(bin + '/' + std::string(name)), killing);
+	if (!kills)
 		return false;
 	if (!Desk::get().permits(command))
 		return true;
@@ -181,17 +147,14 @@ Commands::Running Commands::start(const char *command, int in, int out) const
 	const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
 	const std::string text = before + command;
 	const std::vector<char *> variables = environment(!rooted);
-	const pid_t process = rooted ? forkApart() : fork();
+	const pid_t process = fork();
 	if (process == 0) {
 		prctl(PR_SET_PDEATHSIG, SIGKILL); // no command outlives the desk host
 		dup2(in < 0 ? nothing : in, STDIN_FILENO);
 		dup2(out >= 0 ? out : said < 0 ? nothing : said, STDOUT_FILENO);
 		dup2(said < 0 ? nothing : said, STDERR_FILENO);
-		if (varTmp >= 0 && !mountVarTmp(varTmp)) {
-			const char gone[] = "deskhost: the folder of /var/tmp has gone: this command is not run\n";
-			[[maybe_unused]] const ssize_t written = write(STDERR_FILENO, gone, sizeof gone - 1);
-			_exit(EXIT_FAILURE);
-		}
+		if (rooted)
+			setsid(); // what signals its own group signals nobody else
 		execle("/bin/sh", "sh", "-c", text.c_str(), static_cast<char *>(nullptr), variables.data());
 		_exit(notFound);
 	}
@@ -240,17 +203,22 @@ FILE *Commands::open(const char *command, const char *type)
 	const Running running = start(what, reads ? -1 : theirs, reads ? theirs : -1);
 	::close(theirs);
 	FILE *stream = fdopen(ours, reads ? "r" : "w");
+	const std::lock_guard<std::mutex> alone(changing);
 	streams[stream] = running;
 	return stream;
 }
 
 int Commands::close(FILE *stream)
 {
-	const auto found = streams.find(stream);
-	if (found == streams.end())
-		return next<int(FILE *)>("pclose")(stream);
-	const Running running = found->second;
-	streams.erase(found);
+	Running running = {};
+	{
+		const std::lock_guard<std::mutex> alone(changing);
+		const auto found = streams.find(stream);
+		if (found == streams.end())
+			return next<int(FILE *)>("pclose")(stream);
+		running = found->second;
+		streams.erase(found);
+	}
 	const Trace::Quiet closing;
 	fclose(stream);
 	return finish(running);

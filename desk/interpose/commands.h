@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <map>
+#include <mutex>
 #include <string>
 
 namespace desk
@@ -19,11 +20,9 @@ class Commands
 public:
 	static Commands &get();
 
-	/// Commands are those of the folder bin in `root`, an open folder, and none else; what kills is
-	/// only reported. Where the kernel permits it, each command runs in a process namespace of its
-	/// own: it can signal no process of this computer, and what it leaves behind ends with it. Its /var/tmp is that
-	/// of `rootOfVarTmp`, another open folder; false: the kernel does not permit that, and it is this computer's.
-	bool takeFrom(int root, int rootOfVarTmp);
+	/// Commands are those of the folder bin in `root`, and none else; what kills is only reported. Unless it is
+	/// `contained` anyway, that goes for scripts in there as well.
+	void takeFrom(const std::string &root, bool contained);
 
 	/// The commands ps, df and kill are BusyBox's, as on most receivers. Without BusyBox they stay
 	/// this computer's, and a note says so.
@@ -46,14 +45,16 @@ private:
 		int said; ///< a file of what it prints
 	};
 
-	bool refuses(const char *command) const;
+	bool refuses(const std::string &command) const;
 	/// `in` and `out` -1: nothing, and what it prints. On failure the process is -1.
 	Running start(const char *command, int in, int out) const;
 	int finish(const Running &command) const;
 
 	bool rooted = false;
-	int varTmp = -1;    ///< the folder whose /var/tmp commands have; -1: this computer's
-	std::string before; ///< what the shell reads before each command
+	bool searches = false; ///< scripts in `bin` for what kills
+	std::string bin;
+	std::string before;  ///< what the shell reads before each command
+	std::mutex changing; ///< a plugin may have threads
 	std::map<FILE *, Running> streams;
 };
 

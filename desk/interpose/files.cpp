@@ -1,6 +1,5 @@
 #include "files.h"
 
-#include "caller.h"
 #include "commands.h"
 #include "desk.h"
 #include "libc.h"
@@ -47,31 +46,9 @@ void closeKeepingErrno(int descriptor)
 	errno = reason;
 }
 
-/// Whether a folder has a /var/tmp to write to, which is made where it is missing; false with errno set.
-bool hasVarTmp(int root)
-{
-	constexpr int place = O_PATH | O_DIRECTORY;
-	int folder = openInRoot(root, "/var/tmp", place);
-	if (folder < 0 && errno == ENOENT && (mkdirat(root, "var", 0777) == 0 || errno == EEXIST)) {
-		const int var = openInRoot(root, "/var", place);
-		if (var >= 0 && mkdirat(var, "tmp", 0777) == 0)
-			folder = openInRoot(root, "/var/tmp", place);
-		closeKeepingErrno(var);
-	}
-	const bool has = folder >= 0 && faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0;
-	closeKeepingErrno(folder);
-	return has;
-}
-
 std::filesystem::path normal(const char *path)
 {
 	return std::filesystem::path(path).lexically_normal();
-}
-
-bool isVarTmp(const std::filesystem::path &plain)
-{
-	const std::string path = plain;
-	return path == "/var/tmp" || path.rfind("/var/tmp/", 0) == 0;
 }
 
 int removeInRoot(int root, const std::filesystem::path &path, bool foldersToo)
@@ -112,52 +89,23 @@ Files &Files::get()
 	return files;
 }
 
-bool Files::setRoot(const std::string &folder, std::string &error)
+bool Files::setRoot(const std::string &from, const std::vector<std::string> &files, bool contained,
+                    std::string &error)
 {
-	const auto failed = [&](const std::string &why) {
-		error = "cannot use '" + folder + "' as the receiver's files: " + why;
+	folder = from;
+	served = files;
+	if (contained) {
+		Commands::get().takeFrom(folder, true);
+		return true;
+	}
+	root = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+	if (root < 0) {
+		error = "cannot use '" + folder + "' as the receiver's files: " + std::strerror(errno) +
+		        "; name a readable folder with --root";
 		return false;
-	};
-	const int opened = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-	if (opened < 0)
-		return failed(std::strerror(errno) + std::string("; name a readable folder with --root"));
-	// Commands inherit it, at a number that shells leave alone.
-	if (root >= 0)
-		close(root);
-	root = fcntl(opened, F_DUPFD, 64);
-	close(opened);
-	return setVarTmp() || failed(std::string("there is no place for its /var/tmp: ") + std::strerror(errno));
-}
-
-Files::~Files()
-{
-	std::error_code failed;
-	if (!temporary.empty())
-		std::filesystem::remove_all(temporary, failed);
-}
-
-bool Files::setVarTmp()
-{
-	Desk &desk = Desk::get();
-	rootOfVarTmp = root;
-	if (!hasVarTmp(root)) {
-		desk.note(std::string("deskhost: with --root, /var/tmp is the one in that folder, which is no folder "
-		                      "to write to (") +
-		          std::strerror(errno) + "); a temporary one takes its place");
-		std::error_code failed;
-		temporary = std::filesystem::temp_directory_path(failed) / "deskhost-XXXXXX";
-		if (!mkdtemp(temporary.data()))
-			return false;
-		rootOfVarTmp = ::open(temporary.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-		if (!hasVarTmp(rootOfVarTmp))
-			return false;
 	}
-	if (!Commands::get().takeFrom(root, rootOfVarTmp)) {
-		desk.note(
-			"deskhost: this kernel permits no mount namespace; so /var/tmp is this computer's, with --root "
-			"as well, where two desk hosts at a time can get into each other's way");
-		rootOfVarTmp = -1;
-	}
+	// Through this process's descriptor, because a PATH cannot name a folder with a colon.
+	Commands::get().takeFrom("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(root), false);
 	return true;
 }
 
@@ -167,57 +115,49 @@ void Files::makeReceiver()
 	Commands::get().takeFromBusybox();
 }
 
-bool Files::serve(const std::string &path, std::string &error)
+bool Files::isServed(const char *path) const
 {
-	const std::filesystem::path whole(path);
-	if (!whole.is_absolute() || !whole.has_filename() || whole != whole.lexically_normal()) {
-		error = "cannot serve '" + path + "': name a file by its whole path, such as /etc/hostname";
-		return false;
-	}
-	served.push_back(path);
-	return true;
+	return path && std::find(served.begin(), served.end(), normal(path)) != served.end();
 }
 
-/// The folder that a path is served from; -1: it is not.
-int Files::rootOf(const char *path) const
+/// Of a link that stands for a file of the root, that file.
+std::string Files::meant(const char *path) const
 {
-	if (root < 0 || !path)
-		return -1;
-	const std::filesystem::path plain = normal(path);
-	// What the host writes for itself or the viewer is not to end in there.
-	if (isVarTmp(plain))
-		return byPlugin() ? rootOfVarTmp : -1;
-	return std::find(served.begin(), served.end(), plain) != served.end() ? root : -1;
+	std::error_code failed;
+	const std::string target = std::filesystem::read_symlink(path, failed);
+	return target.rfind(folder + '/', 0) == 0 ? target : path;
 }
 
 FILE *Files::open(const char *path, const char *mode) const
 {
 	if (older && path && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
 		return openOlderMeminfo();
-	const int from = rootOf(path);
-	if (from < 0)
-		return next<FILE *(const char *, const char *)>("fopen")(path, mode);
-	const int file = openInRoot(from, path, flagsOf(mode));
-	if (file >= 0)
-		return fdopen(file, mode);
+	const bool isOurs = isServed(path);
+	FILE *stream = nullptr;
+	if (root < 0 || !isOurs)
+		stream = next<FILE *(const char *, const char *)>("fopen")(path, mode);
+	else if (const int file = openInRoot(root, path, flagsOf(mode)); file >= 0)
+		stream = fdopen(file, mode);
 	const int reason = errno;
-	if (*mode == 'r' && !isVarTmp(normal(path))) // a screen that stays empty is to be understood
+	if (!stream && *mode == 'r' && isOurs) // a screen that stays empty is to be understood
 		Desk::get().note("deskhost: with --root, " + std::string(path) +
 		                 " is the one in that folder, which cannot be read: " + std::strerror(reason));
 	errno = reason;
-	return nullptr;
+	return stream;
 }
 
 int Files::remove(const char *path) const
 {
-	const int from = rootOf(path);
-	return from < 0 ? next<int(const char *)>("remove")(path) : removeInRoot(from, normal(path), true);
+	if (root >= 0 && isServed(path))
+		return removeInRoot(root, normal(path), true);
+	return next<int(const char *)>("remove")(isServed(path) ? meant(path).c_str() : path);
 }
 
 int Files::unlink(const char *path) const
 {
-	const int from = rootOf(path);
-	return from < 0 ? next<int(const char *)>("unlink")(path) : removeInRoot(from, normal(path), false);
+	if (root >= 0 && isServed(path))
+		return removeInRoot(root, normal(path), false);
+	return next<int(const char *)>("unlink")(isServed(path) ? meant(path).c_str() : path);
 }
 
 } // namespace desk

@@ -13,20 +13,15 @@ class Files
 {
 public:
 	static Files &get();
-	~Files();
 
-	/// Serves /proc/meminfo, /proc/mtd, /var/scaning.log and what is in /var/tmp from `folder`; commands are then
-	/// those of `folder`/bin, with the same /var/tmp. It is made where it is missing; where it cannot be used, it
-	/// is a temporary folder instead, and where commands cannot have it, it is this computer's: a note says
-	/// so. On failure returns false and leaves one line in `error`.
-	bool setRoot(const std::string &folder, std::string &error);
+	/// Serves these files from `folder`; commands are then those of `folder`/bin. `contained`: they stand at their own
+	/// paths by links into it. On failure returns false and leaves one line in `error`.
+	bool setRoot(const std::string &folder, const std::vector<std::string> &served, bool contained,
+	             std::string &error);
 
 	/// Makes a receiver of this computer, for a plugin that expects an older kernel and BusyBox: its
 	/// memory in the older layout, and BusyBox's ps, df and kill where BusyBox is installed.
 	void makeReceiver();
-
-	/// Serves one more file from the root. On failure returns false and leaves one line in `error`.
-	bool serve(const std::string &path, std::string &error);
 
 	/// Like their namesakes in libc. A served path means what lies in the root, where links lead to
 	/// places in the root as well: nothing outside is reached.
@@ -35,14 +30,13 @@ public:
 	int unlink(const char *path) const;
 
 private:
-	bool setVarTmp();
-	int rootOf(const char *path) const;
+	bool isServed(const char *path) const;
+	std::string meant(const char *path) const;
 
-	int root = -1;         ///< the folder; -1: this computer is the receiver
-	int rootOfVarTmp = -1; ///< the folder whose /var/tmp is served; -1: that is this computer's
-	std::string temporary; ///< the latter, where it is not the root; empty: it is
+	std::string folder;
+	std::vector<std::string> served;
+	int root = -1; ///< to lead served paths to; -1: they stand where they are expected
 	bool older = false;
-	std::vector<std::string> served = {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"};
 };
 
 } // namespace desk

@@ -70,10 +70,10 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 		->type_name("FILE");
 	cli.add_option("--debug", options.debug, "Write debug lines and other notes to this file as well")
 		->type_name("FILE");
-	cli.add_option(
-		   "--root", options.root,
-		   "Serve the receiver's files from this folder and run the commands in its bin, none else. Kills\n"
-		   "are only reported, and commands can signal nobody where the kernel has process namespaces")
+	cli.add_option("--root", options.root,
+	               "Use this folder as the receiver's files and commands. The plugin can change nothing else "
+	               "where the\n"
+	               "kernel permits a sandbox; kills are only reported")
 		->type_name("DIR");
 	cli.add_option("--serve", options.served,
 	               "Serve one more file from the --root folder, by its whole path; may be given again")
@@ -115,7 +115,7 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 		"blue), digits; in the window and the terminal also h j k l, q (exit), r g y b, F9 (the last debug "
 		"lines).\n\n"
 		"Exit status: 0 the plugin ran to its end; 1 it cannot be loaded or did not run to its end, or there "
-	    "is\n"
+		"is\n"
 		"no font or memory; 2 bad arguments, or something could not be written.");
 	try {
 		cli.parse(argc, argv);
@@ -129,6 +129,14 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 		return std::nullopt;
 	}
 
+	for (const std::string &path : options.served) {
+		const fs::path whole(path);
+		if (whole.is_absolute() && whole.has_filename() && whole == whole.lexically_normal())
+			continue;
+		status = fail(statusBadArguments,
+		              "cannot serve '" + path + "': name a file by its whole path, such as /etc/hostname");
+		return std::nullopt;
+	}
 	std::string error;
 	std::optional<std::vector<Key>> keys = parseKeyScript(script, error);
 	if (!keys) {

@@ -13,8 +13,8 @@
 namespace desk
 {
 
-std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, const std::string &through,
-                                            int errors, std::string &error)
+std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, std::vector<std::string> words,
+                                            const std::string &through, int errors, std::string &error)
 {
 	const auto failed = [&](const std::string &why) {
 		error = "cannot start the half that runs the plugin, '" + program + "': " + why;
@@ -25,6 +25,15 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, const st
 	int ends[2];
 	if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
 		return failed(std::strerror(errno));
+	const bool inSandbox = !words.empty();
+	if (through.empty())
+		words.push_back(program);
+	else
+		words.insert(words.end(), {"/bin/sh", "-c", "exec " + through + " \"$0\"", program});
+	std::vector<char *> arguments;
+	for (std::string &word : words)
+		arguments.push_back(word.data());
+	arguments.push_back(nullptr);
 	const pid_t parent = getpid();
 	const pid_t child = fork();
 	if (child == 0) {
@@ -39,10 +48,8 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, const st
 		sigset_t none;
 		sigemptyset(&none);
 		sigprocmask(SIG_SETMASK, &none, nullptr);
-		if (through.empty())
-			execl(program.c_str(), program.c_str(), nullptr);
-		else
-			execl("/bin/sh", "sh", "-c", ("exec " + through + " \"$0\"").c_str(), program.c_str(), nullptr);
+		close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); // what this program has inherited
+		execvp(arguments[0], arguments.data());
 		_exit(127);
 	}
 	close(ends[1]);
@@ -51,7 +58,7 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, const st
 		return failed(std::strerror(errno));
 	}
 	fcntl(ends[0], F_SETFL, O_NONBLOCK);
-	return std::unique_ptr<OtherHalf>(new OtherHalf(child, ends[0]));
+	return std::unique_ptr<OtherHalf>(new OtherHalf(child, ends[0], inSandbox));
 }
 
 OtherHalf::~OtherHalf()
@@ -61,7 +68,7 @@ OtherHalf::~OtherHalf()
 	while (!status) {
 		int how = 0;
 		if (waitpid(process, &how, 0) == process || errno != EINTR)
-			status = how;
+			hasEnded(how);
 	}
 }
 
@@ -108,7 +115,15 @@ void OtherHalf::reap()
 {
 	int how = 0;
 	if (!status && waitpid(process, &how, WNOHANG) == process)
-		status = how;
+		hasEnded(how);
+}
+
+void OtherHalf::hasEnded(int how)
+{
+	// Bubblewrap tells of a signal as a shell does.
+	constexpr int signalled = 128;
+	const int told = WIFEXITED(how) ? WEXITSTATUS(how) : 0;
+	status = inSandbox && told > signalled ? W_EXITCODE(0, told - signalled) : how;
 }
 
 void reapOrphans(const OtherHalf *half)

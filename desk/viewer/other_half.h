@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace desk
 {
@@ -17,10 +18,10 @@ namespace desk
 class OtherHalf
 {
 public:
-	/// Starts `program`, by the shell's command `through` unless that is empty. What it writes to standard error goes to
+	/// Starts `program`, by the words `sandbox` and the shell's command `through` where there are any. What it writes to standard error goes to
 	/// `errors`. On failure returns null and leaves one line in `error`.
-	static std::unique_ptr<OtherHalf> start(const std::string &program, const std::string &through,
-	                                        int errors, std::string &error);
+	static std::unique_ptr<OtherHalf> start(const std::string &program, std::vector<std::string> sandbox,
+	                                        const std::string &through, int errors, std::string &error);
 	~OtherHalf();
 	OtherHalf(const OtherHalf &) = delete;
 	OtherHalf &operator=(const OtherHalf &) = delete;
@@ -50,9 +51,13 @@ public:
 	pid_t id() const { return process; }
 
 private:
-	OtherHalf(pid_t child, int wire) : process(child), channel(std::make_unique<Channel>(wire, wire)) {}
+	OtherHalf(pid_t child, int wire, bool sandbox)
+		: process(child), inSandbox(sandbox), channel(std::make_unique<Channel>(wire, wire))
+	{}
+	void hasEnded(int how);
 
 	const pid_t process;
+	const bool inSandbox; ///< the process is bubblewrap, and that half one of its own
 	std::unique_ptr<Channel> channel;
 	bool broken = false, silent = false;
 	std::optional<int> status;

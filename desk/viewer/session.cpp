@@ -1,6 +1,7 @@
 #include "session.h"
 
 #include "pixel_canvas.h"
+#include "sandbox.h"
 #include "visible_text.h"
 
 #include <fcntl.h>
@@ -77,15 +78,18 @@ int Session::run()
 bool Session::startHalf()
 {
 	std::string error;
-	half = OtherHalf::start(stage.half, options.through, errors[1] < 0 ? STDERR_FILENO : errors[1], error);
+	Start start;
+	start.served.insert(start.served.end(), options.served.begin(), options.served.end());
+	const std::vector<std::string> sandbox = sandboxFor(start.served);
+	half = OtherHalf::start(stage.half, sandbox, options.through, errors[1] < 0 ? STDERR_FILENO : errors[1],
+	                        error);
 	if (!half) {
 		finish(statusNotToItsEnd, error);
 		return false;
 	}
-	Start start;
 	start.plugin = options.plugin;
-	start.root = options.root;
-	start.served = options.served;
+	start.contained = !sandbox.empty();
+	start.root = start.contained ? Sandbox::receiver : options.root;
 	start.asIs = options.asIs;
 	start.lang = options.lang;
 	start.catalogue = options.catalogue;
@@ -99,6 +103,34 @@ bool Session::startHalf()
 	state = State::busy;
 	busySince = Clock::now();
 	return true;
+}
+
+/// The words before the half's own that keep it in; none: there is no receiver, or nothing keeps it in.
+std::vector<std::string> Session::sandboxFor(const std::vector<std::string> &served)
+{
+	namespace fs = std::filesystem;
+	const bool isElsewhere = !options.through.empty();
+	if (options.root.empty() || (!isElsewhere && access(options.root.c_str(), R_OK | X_OK) != 0))
+		return {}; // and why it cannot be used says that half
+	std::vector<std::string> words;
+	std::string note, whyNot = "--through says how the plugin's half is started";
+	if (!isElsewhere) {
+		Sandbox sandbox{
+			options.root, served, {options.plugin, fs::path(stage.half).parent_path().parent_path()}};
+		if (const size_t colon = options.catalogue.find(':'); colon != std::string::npos)
+			sandbox.needed.push_back(options.catalogue.substr(colon + 1));
+		words = sandbox.command(note);
+	}
+	const bool isFirst = !contains;
+	if (isFirst)
+		contains = !isElsewhere && works(words, whyNot);
+	if (!*contains)
+		note = "deskhost: --root is no sandbox here (" + whyNot +
+		       "): only known calls are led to that folder, and commands and scripts with the word kill are "
+		       "not run";
+	if (isFirst && !note.empty())
+		NoteLog::get().add(note);
+	return *contains ? words : std::vector<std::string>();
 }
 
 void Session::listen()

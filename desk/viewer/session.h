@@ -61,6 +61,7 @@ private:
 
 	// The other half.
 	bool startHalf();
+	std::vector<std::string> sandboxFor(const std::vector<std::string> &served);
 	void listen();
 	void handle(Loaded &);
 	void handle(Failed &message);
@@ -111,9 +112,10 @@ private:
 	std::unique_ptr<OtherHalf> half;
 	std::unique_ptr<Screen> screen;
 	State state = State::busy;
-	std::optional<Crash> crash; ///< the half's last words
-	std::string whyEnded;       ///< by this half; empty: by itself
-	bool crashed = false;       ///< gone by a crash, not because it cannot be loaded
+	std::optional<bool> contains; ///< whether there are sandboxes; nothing: has not been tried out
+	std::optional<Crash> crash;   ///< the half's last words
+	std::string whyEnded;         ///< by this half; empty: by itself
+	bool crashed = false;         ///< gone by a crash, not because it cannot be loaded
 
 	DisplayList picture, panel;
 	std::optional<std::string> due; ///< what is to be recorded with the next frame: "start" or a key's name

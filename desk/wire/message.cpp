@@ -81,8 +81,8 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	} else if constexpr (isOneOf<T, DisplayList::Edit>)
 		io(t.front, t.back, t.items);
 	else if constexpr (isOneOf<T, Start>)
-		io(t.plugin, t.root, t.served, t.asIs, t.lang, t.catalogue, t.skin, t.rowHeight, t.draws, t.describes,
-		   t.traces);
+		io(t.plugin, t.root, t.served, t.contained, t.asIs, t.lang, t.catalogue, t.skin, t.rowHeight, t.draws,
+		   t.describes, t.traces);
 	else if constexpr (isOneOf<T, ConsoleModes>)
 		io(t.name, t.display, t.keyboard);
 	else if constexpr (isOneOf<T, Run>)
@@ -212,6 +212,7 @@ public:
 			good = false;
 			return;
 		}
+		things.clear();
 		Reader reader(json->get_ref<Json::array_t &>());
 		while (reader.good && !reader.atEnd())
 			reader(things.emplace_back());

@@ -21,7 +21,9 @@ struct Start
 {
 	std::string plugin;
 	std::string root;                ///< empty: this computer is the receiver
-	std::vector<std::string> served; ///< files of the root besides the usual ones
+	/// The files that are in the root.
+	std::vector<std::string> served = {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"};
+	bool contained = false;          ///< they stand where they are expected, and nothing else can be changed
 	bool asIs = false;               ///< without a root: this computer's own commands and memory summary
 	std::string lang, catalogue;     ///< as on the command line
 	std::string skin;                ///< a skin file's bytes

@@ -172,7 +172,7 @@ TEST_P(Openings, leave_the_process_as_it_was)
 	adoptOrphans();
 	const SmallReceiver receiver;
 	std::string error;
-	ASSERT_TRUE(Files::get().setRoot(receiver.path(), error)) << error;
+	ASSERT_TRUE(Files::get().setRoot(receiver.path(), desk::Start().served, false, error)) << error;
 
 	Viewer menu(openings, support::repeat("down ", GetParam().number));
 	Viewer *const viewer = &menu;

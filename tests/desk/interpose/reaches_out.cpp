@@ -6,6 +6,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace
@@ -22,8 +27,64 @@ void show(const char *what, FILE *stream)
 		eDebug("%s: empty", what);
 }
 
+const char *killed = ""; // by whoever finds the process id here
+
+struct AtTheEnd
+{
+	~AtTheEnd()
+	{
+		if (*killed)
+			kill(atoi(killed), SIGKILL);
+	}
+} atTheEnd;
+
+/// What nothing stands in the way of but the kernel.
+void reachFarther(const char *how, const char *on)
+{
+	if (!strcmp(how, "thread"))
+		std::thread([on] { eDebug("kill: %d", kill(atoi(on), SIGKILL)); }).join();
+	if (!strcmp(how, "thread run"))
+		std::thread([on] { eDebug("system: %d", system(on)); }).join();
+	if (!strcmp(how, "handler")) {
+		killed = on;
+		signal(SIGUSR1, [](int) { kill(atoi(killed), SIGKILL); });
+		raise(SIGUSR1);
+		killed = "";
+	}
+	if (!strcmp(how, "destructor"))
+		killed = on;
+	if (!strcmp(how, "sigqueue"))
+		eDebug("sigqueue: %d", sigqueue(atoi(on), SIGKILL, {}));
+	if (!strcmp(how, "syscall"))
+		eDebug("syscall: %ld", syscall(SYS_kill, atoi(on), SIGKILL));
+	if (!strcmp(how, "spawn")) {
+		char shell[] = "sh", option[] = "-c", *words[] = {shell, option, const_cast<char *>(on), nullptr};
+		pid_t child = 0;
+		posix_spawn(&child, "/bin/sh", nullptr, nullptr, words, environ);
+		waitpid(child, nullptr, 0);
+	}
+	if (!strcmp(how, "chdir"))
+		eDebug("remove: %d", chdir("/var") == 0 ? remove(on) : 1);
+	if (!strcmp(how, "rename")) {
+		if (FILE *file = fopen("/var/scaning.new", "w")) {
+			fputs("saved", file);
+			fclose(file);
+		}
+		eDebug("rename: %d", rename("/var/scaning.new", on));
+	}
+	if (!strcmp(how, "truncate"))
+		eDebug("truncate: %d", truncate(on, 0));
+	if (!strcmp(how, "unlinkat"))
+		eDebug("unlinkat: %d", unlinkat(AT_FDCWD, on, 0));
+	if (!strcmp(how, "freopen"))
+		eDebug("freopen: %d", freopen(on, "w", stdin) ? 0 : -1);
+	if (!strcmp(how, "open"))
+		eDebug("open: %d", open(on, O_WRONLY | O_TRUNC | O_CREAT, 0666) < 0 ? -1 : 0);
+}
+
 void reach(const char *how, const char *on)
 {
+	reachFarther(how, on);
 	if (!strcmp(how, "signal"))
 		eDebug("kill: %d", kill(atoi(on), SIGKILL));
 	if (!strcmp(how, "unlink"))

@@ -61,7 +61,7 @@ std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 	receiver.meminfo(support::repeat("MemTotal: 61888 kB\n", 12));
 	receiver.scanLog(support::repeat("transponder\n", 40));
 	std::string error;
-	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), error)) << error;
+	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), desk::Start().served, false, error)) << error;
 	auto skin = desk::Skin::load(support::sourcePath("desk/skins/default.toml"), error);
 	EXPECT_TRUE(skin) << error;
 	Desk::get().setSkin(std::move(*skin));

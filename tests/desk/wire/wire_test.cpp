@@ -155,11 +155,11 @@ TEST(Wire, brings_only_what_has_changed_of_a_frame)
 TEST(Wire, brings_every_message_as_it_was)
 {
 	const auto start = decodeToHost(
-		encode(Start{"p", "r", {"/a", "/b"}, true, "de", "d:f", "[values]", 20, true, false, true}));
+		encode(Start{"p", "r", {"/a", "/b"}, true, false, "de", "d:f", "[values]", 20, true, false, true}));
 	ASSERT_TRUE(start && std::holds_alternative<Start>(*start));
 	const Start &s = std::get<Start>(*start);
 	EXPECT_EQ(s.plugin + s.root + s.served.at(1) + s.lang + s.catalogue + s.skin, "pr/bded:f[values]");
-	EXPECT_TRUE(s.asIs && s.draws && !s.describes && s.traces && s.rowHeight == 20);
+	EXPECT_TRUE(s.contained && !s.asIs && s.draws && !s.describes && s.traces && s.rowHeight == 20);
 	const auto press = decodeToHost(encode(Press{Key::digit9, true}));
 	ASSERT_TRUE(press && std::holds_alternative<Press>(*press));
 	EXPECT_EQ(std::get<Press>(*press).key, Key::digit9);

@@ -1,0 +1,288 @@
+#include "sandbox.h"
+
+#include "open_in_root.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <initializer_list>
+#include <set>
+
+namespace desk
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using Words = std::vector<std::string>;
+
+/// What lies below folders that are made anew is here.
+const fs::path computer = "/run/computer";
+/// The program has others than this computer's.
+const std::set<fs::path> own = {"/dev", "/proc", "/run", "/tmp", "/var"};
+
+fs::path topOf(const fs::path &path)
+{
+	return path.root_path() / *std::next(path.begin());
+}
+
+std::vector<fs::path> namesIn(const fs::path &folder)
+{
+	std::error_code failed;
+	std::vector<fs::path> names;
+	for (const fs::directory_entry &entry : fs::directory_iterator(folder, failed))
+		names.push_back(entry.path().filename());
+	return names;
+}
+
+/// A folder that is open as /.
+class Root
+{
+public:
+	explicit Root(const std::string &folder)
+		: descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), path(pathOf(descriptor))
+	{}
+	~Root() { close(descriptor); }
+	Root(const Root &) = delete;
+	Root &operator=(const Root &) = delete;
+
+	/// Its own path, without links.
+	const fs::path &here() const { return path; }
+
+	/// The path, without links, of what the receiver has at this one; empty: nothing, with errno set.
+	fs::path find(const fs::path &what, int flags = 0) const
+	{
+		const int found = openInRoot(descriptor, what.c_str(), O_PATH | flags);
+		if (found < 0)
+			return {};
+		const fs::path place = pathOf(found);
+		close(found);
+		return place;
+	}
+
+	/// Where a place of it is, within the sandbox.
+	fs::path within(const fs::path &place) const
+	{
+		return Sandbox::receiver / place.lexically_relative(path);
+	}
+
+	/// Whether it has a /var/tmp to write to, which is made where it is missing; false with errno set.
+	bool hasVarTmp() const
+	{
+		const auto isMissing = [this](const char *what) { return find(what).empty() && errno == ENOENT; };
+		if (isMissing("/var/tmp")) {
+			if (mkdirat(descriptor, "var", 0777) != 0 && errno != EEXIST)
+				return false;
+			const fs::path var = find("/var", O_DIRECTORY);
+			if (var.empty() || mkdir((var / "tmp").c_str(), 0777) != 0)
+				return false;
+		}
+		const fs::path folder = find("/var/tmp", O_DIRECTORY);
+		return !folder.empty() && access(folder.c_str(), W_OK | X_OK) == 0;
+	}
+
+private:
+	static fs::path pathOf(int file)
+	{
+		std::error_code failed;
+		return fs::read_symlink("/proc/self/fd/" + std::to_string(file), failed);
+	}
+
+	const int descriptor;
+	const fs::path path;
+};
+
+/// The words of the command.
+class Layout
+{
+public:
+	explicit Layout(const Sandbox &what) : sandbox(what), root(what.root) {}
+
+	Words words(std::string &note)
+	{
+		add({"bwrap", "--die-with-parent", "--new-session", "--unshare-pid", "--unshare-ipc", "--unsetenv",
+		     "TMPDIR"});
+		if (geteuid() == 0) // as ever, the superuser may read and write files of others
+			add({"--cap-add", "CAP_DAC_OVERRIDE"});
+		add({"--dev", "/dev", "--tmpfs", "/run", "--perms", "1777", "--tmpfs", "/tmp"});
+		add({"--bind", root.here(), Sandbox::receiver});
+		findFoldersToMake();
+		addTops();
+		if (topOf(root.here()) != "/var") // its scripts may name it so
+			add({"--bind", root.here(), root.here()});
+		addVar(note);
+		for (const fs::path &folder : made)
+			make(folder);
+		addServed();
+		addShell();
+		addNeeded();
+		return std::move(all);
+	}
+
+private:
+	void add(std::initializer_list<std::string> words) { all.insert(all.end(), words); }
+
+	/// Those that hold what is served, and those above them: nothing can be added to this computer's.
+	void findFoldersToMake()
+	{
+		made.insert("/proc");
+		for (const fs::path path : sandbox.served)
+			if (topOf(path) != "/var")
+				for (fs::path folder = path.parent_path(); folder.has_filename();
+				     folder = folder.parent_path())
+					made.insert(folder);
+	}
+
+	/// What is directly in /: this computer's, and of the receiver's what this computer lacks.
+	void addTops()
+	{
+		for (const fs::path &name : namesIn("/")) {
+			const fs::path top = "/" / name;
+			std::error_code failed;
+			if (own.count(top))
+				continue;
+			if (made.count(top))
+				add({"--ro-bind", top, computer / name});
+			else if (fs::is_symlink(top, failed))
+				add({"--symlink", fs::read_symlink(top, failed), top});
+			else if (fs::is_directory(top, failed))
+				add({"--ro-bind", top, top});
+		}
+		for (const fs::path &name : namesIn(root.here())) {
+			const fs::path top = "/" / name, theirs = root.here() / name;
+			std::error_code failed;
+			if (fs::exists(fs::symlink_status(top, failed)) || made.count(top))
+				continue;
+			if (fs::is_symlink(theirs, failed))
+				add({"--symlink", fs::read_symlink(theirs, failed), top});
+			else if (fs::is_directory(theirs, failed))
+				add({"--bind", theirs, top});
+		}
+	}
+
+	void addVar(std::string &note)
+	{
+		if (root.hasVarTmp())
+			return add({"--bind", root.find("/var", O_DIRECTORY), "/var"});
+		note = "deskhost: with --root, /var/tmp is the one in that folder, which is no folder to write to (" +
+		       std::string(std::strerror(errno)) + "); a temporary one takes its place";
+		add({"--tmpfs", "/var", "--dir", "/var/tmp"});
+		const fs::path var = root.find("/var", O_DIRECTORY);
+		if (!var.empty())
+			for (const fs::path &name : namesIn(var))
+				if (name != "tmp")
+					add({"--symlink", root.within(var / name), "/var" / name});
+	}
+
+	/// A folder that holds this computer's things, but for what is served.
+	void make(const fs::path &folder)
+	{
+		if (folder == "/proc")
+			add({"--tmpfs", "/proc", "--proc", computer / "proc"});
+		else
+			add({folder == topOf(folder) && !own.count(folder) ? "--tmpfs" : "--dir", folder});
+		if (own.count(topOf(folder)) && topOf(folder) != "/proc")
+			return;
+		for (const fs::path &name : namesIn(folder)) {
+			const fs::path path = folder / name;
+			const bool isProcess =
+				folder == "/proc" && name.string().find_first_not_of("0123456789") == std::string::npos;
+			const bool isServed =
+				std::find(sandbox.served.begin(), sandbox.served.end(), path) != sandbox.served.end();
+			if (!isProcess && !isServed && !made.count(path))
+				add({"--symlink", computer / path.relative_path(), path});
+		}
+	}
+
+	void addServed()
+	{
+		for (const fs::path path : sandbox.served) {
+			if (topOf(path) == "/var")
+				continue;
+			fs::path there = root.find(path);
+			const fs::path folder = root.find(path.parent_path(), O_DIRECTORY);
+			std::error_code failed;
+			if (there.empty() && !fs::is_symlink(folder / path.filename(), failed))
+				there = folder.empty() ? root.here() / path.relative_path() : folder / path.filename();
+			if (!there.empty())
+				add({"--symlink", root.within(there), path});
+		}
+	}
+
+	/// The receiver's shell and BusyBox, where it has them.
+	void addShell()
+	{
+		for (const char *path : {"/bin/sh", "/bin/busybox"}) {
+			std::error_code failed;
+			const fs::path theirs = root.find(path), ours = fs::canonical(path, failed);
+			if (!theirs.empty() && fs::is_regular_file(theirs, failed) && !ours.empty())
+				add({"--ro-bind", theirs, ours});
+		}
+	}
+
+	void addNeeded()
+	{
+		for (const std::string &name : sandbox.needed) {
+			std::error_code failed;
+			const fs::path path = fs::absolute(name, failed).lexically_normal();
+			if (path.has_relative_path() && own.count(topOf(path)))
+				add({"--ro-bind-try", path, path});
+		}
+		std::error_code failed;
+		const fs::path here = fs::current_path(failed);
+		if (here.has_relative_path() && own.count(topOf(here)) && topOf(here) != "/var")
+			add({"--dir", here});
+	}
+
+	const Sandbox &sandbox;
+	const Root root;
+	std::set<fs::path> made; ///< folders, the upper ones first
+	Words all;
+};
+
+} // namespace
+
+std::vector<std::string> Sandbox::command(std::string &note) const
+{
+	return Layout(*this).words(note);
+}
+
+bool works(std::vector<std::string> sandbox, std::string &why)
+{
+	sandbox.insert(sandbox.end(), {"/bin/sh", "-c", ":"});
+	std::vector<char *> words;
+	for (std::string &word : sandbox)
+		words.push_back(word.data());
+	words.push_back(nullptr);
+	int said[2];
+	if (pipe2(said, O_CLOEXEC) != 0)
+		return false;
+	const pid_t child = fork();
+	if (child == 0) {
+		dup2(said[1], STDERR_FILENO);
+		execvp(words[0], words.data());
+		const char missing[] = "bubblewrap is not installed";
+		[[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, missing, sizeof missing - 1);
+		_exit(1);
+	}
+	close(said[1]);
+	why.clear();
+	char piece[1000];
+	for (ssize_t length; (length = read(said[0], piece, sizeof piece)) > 0;)
+		why.append(piece, static_cast<size_t>(length));
+	close(said[0]);
+	int status = -1;
+	while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
+	}
+	why.resize(std::min(why.find('\n'), why.size()));
+	return status == 0;
+}
+
+} // namespace desk

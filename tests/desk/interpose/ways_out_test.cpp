@@ -1,0 +1,143 @@
+// A plugin and commands that want out of --root, by every way that is known: this computer's files and processes are
+// as they were before. As the superuser and as another user; where the kernel permits a sandbox and where it does not.
+
+#include "reach.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using support::Command;
+using support::readFile;
+using support::ReceiverFolder;
+
+const char outside[] = "/var/tmp/kept"; // this computer's
+
+struct Way
+{
+	const char *name;
+	const char *how, *on; ///< see reaches_out.cpp; BYSTANDER is the number of a process
+	bool isKnown;         ///< kept in without a sandbox as well
+	std::string ps = "";  ///< the receiver's script
+};
+
+const std::vector<Way> ways = {
+	{"a signal", "signal", "BYSTANDER", true},
+	{"a signal from a thread", "thread", "BYSTANDER", true},
+	{"a signal from a handler", "handler", "BYSTANDER", true},
+	{"a signal when it is unloaded", "destructor", "BYSTANDER", true},
+	{"a signal with a value", "sigqueue", "BYSTANDER", false},
+	{"a signal by the kernel's number", "syscall", "BYSTANDER", false},
+	{"a command", "run", "kill -9 BYSTANDER", true},
+	{"a command from a thread", "thread run", "kill -9 BYSTANDER", true},
+	{"a pipe", "pipe", "kill -9 BYSTANDER", true},
+	{"a command in disguise", "run", "k=ki; ${k}ll -9 BYSTANDER", false},
+	{"a child's child", "spawn", "sh -c 'kill -9 BYSTANDER'", false},
+	{"a script", "run", "ps", true, "kill -9 BYSTANDER\n"},
+	{"a script that ends its group", "run", "ps", true, "trap 'kill -9 0' EXIT\n"},
+	{"a command that ends its group in disguise", "run", "k=ki; ${k}ll -9 0", true},
+	{"a script to a file", "run", "ps", false, "echo lost >/var/tmp/kept\n"},
+	{"a relative name", "chdir", "scaning.log", false},
+	{"renaming", "rename", "/var/tmp/kept", false},
+	{"truncating", "truncate", "/var/tmp/kept", false},
+	{"unlinking in a folder", "unlinkat", "/var/tmp/kept", false},
+	{"reopening", "freopen", "/var/tmp/kept", false},
+	{"opening", "open", "/var/tmp/kept", false},
+	{"opening a file that is served", "write", "/var/scaning.log", true},
+	{"removing a file that is served", "remove", "/var/scaning.log", true},
+	{"the host's other half", "run", "k=ki; for n in 1 2 3 4 5 6 7 8 9; do ${k}ll -9 $n; done", false},
+};
+
+std::string replaced(std::string text, const std::string &number)
+{
+	const std::string word = "BYSTANDER";
+	if (const size_t at = text.find(word); at != text.npos)
+		text.replace(at, word.size(), number);
+	return text;
+}
+
+class WaysOut : public testing::TestWithParam<bool>
+{
+protected:
+	/// Words before a command that make it another user's.
+	static Command asUser()
+	{
+		return GetParam() ? Command{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}
+		                  : Command();
+	}
+
+	void SetUp() override
+	{
+		if (GetParam() && geteuid() != 0)
+			GTEST_SKIP() << "this is another user already";
+	}
+
+	/// Goes that way. `before`: words before the desk host's.
+	void go(const Way &way, const Command &before)
+	{
+		ReceiverFolder receiver;
+		receiver.scanLog("a log\n");
+		support::writeFile(outside, "kept");
+		fs::permissions(outside, fs::perms(0666));
+		const bool hadLog = support::exists("/var/scaning.log");
+
+		Command command = asUser();
+		const Command sleeper = {"sleep", "1000"};
+		command.insert(command.end(), sleeper.begin(), sleeper.end());
+		support::Child bystander;
+		bystander.start(command);
+		const std::string number = std::to_string(bystander.pid());
+		if (!way.ps.empty())
+			receiver.write("bin/ps", "#!/bin/sh\n" + replaced(way.ps, number), true);
+		support::run({"chmod", "-R", "a+rwX", receiver.path()});
+
+		command = asUser();
+		command.insert(command.end(), before.begin(), before.end());
+		const Command host = {support::deskhostPath(), "--screen", "none", "--plugin", REACHES_OUT, "--root",
+		                      receiver.path()};
+		command.insert(command.end(), host.begin(), host.end());
+		outcome = support::run(command, {{"REACH", way.how}, {"ON", replaced(way.on, number)}});
+		EXPECT_TRUE(bystander.lives()) << way.name << '\n' << outcome.err;
+		EXPECT_EQ(readFile(outside), "kept") << way.name << '\n' << outcome.err;
+		EXPECT_EQ(support::exists("/var/scaning.log"), hadLog) << way.name;
+		EXPECT_LE(outcome.status, 1) << "the desk host lives on: " << way.name << '\n' << outcome.err;
+		removed = !support::exists(receiver / "var/scaning.log");
+	}
+
+	support::Outcome outcome;
+	bool removed = false; ///< the receiver's log
+};
+
+TEST_P(WaysOut, lead_nowhere)
+{
+	for (const Way &way : ways) {
+		go(way, {});
+		EXPECT_EQ(outcome.err.find("no sandbox"), outcome.err.npos) << outcome.err;
+		EXPECT_EQ(removed, std::string(way.how) == "chdir" || std::string(way.how) == "remove") << way.name;
+	}
+}
+
+TEST_P(WaysOut, lead_nowhere_by_known_calls_where_there_is_no_sandbox)
+{
+	for (const Way &way : ways) {
+		if (!way.isKnown)
+			continue;
+		go(way, {"unshare", "--map-root-user", "sh", "-c",
+		         "echo 0 >/proc/sys/user/max_mnt_namespaces; exec \"$0\" \"$@\""});
+		EXPECT_NE(outcome.err.find("deskhost: --root is no sandbox here"), outcome.err.npos) << outcome.err;
+		EXPECT_EQ(removed, std::string(way.how) == "remove") << way.name;
+	}
+}
+
+INSTANTIATE_TEST_SUITE_P(As, WaysOut, testing::Bool(),
+                         [](const auto &entry) { return entry.param ? "another_user" : "this_user"; });
+
+} // namespace
