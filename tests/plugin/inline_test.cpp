@@ -237,7 +237,7 @@ TEST(MenuEntry, passes_on_its_own_choice_whatever_it_says)
 			eSetupWindow window("menu", 10, 400);
 			std::vector<std::unique_ptr<Listener>> listeners;
 			std::vector<eListBoxEntryMenu *> entries;
-			for (int i = 0; i < 3; ++i) {
+			for (size_t i = 0; i < 3; ++i) {
 				entries.push_back(
 					new eListBoxEntryMenu(listed ? &window.list : nullptr, text, text ? text : ""));
 				listeners.push_back(std::make_unique<Listener>());
