@@ -68,10 +68,13 @@ void Recorder::record(const std::string &after, const std::string &windows, cons
 		std::string count = std::to_string(number);
 		if (count.size() < 2)
 			count.insert(0, 1, '0');
+		const std::string path = pictures + '/' + count + '-' + after + ".png";
+		std::error_code failed;
+		std::filesystem::remove(path, failed); // it may be a link
 		PixelCanvas canvas;
 		picture.draw(canvas, wholeScreen);
 		std::string error;
-		if (!canvas.writePng(pictures + '/' + count + '-' + after + ".png", error) && failure.empty())
+		if (!canvas.writePng(path, error) && failure.empty())
 			failure = error;
 	}
 	++number;

@@ -25,10 +25,6 @@ public:
 	bool openDump(const std::string &file, std::string &error);
 	bool openTrace(const std::string &file, std::string &error);
 
-	bool draws() const { return !pictures.empty(); }
-	bool describes() const { return dump; }
-	bool traces() const { return trace; }
-
 	/// Records the screen after `after` ("start" or a key's name); `windows` is its description in JSON.
 	void record(const std::string &after, const std::string &windows, const DisplayList &picture);
 	/// Records a call, at once: a trace is read above all when the plugin has crashed.

@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -47,29 +48,88 @@ void occupyStandardStreams()
 			::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-/// Whether what is recorded would overwrite something else that is written, by whatever name.
+/// Whether two names are of one regular file, or of one that is still to be made.
+bool isSameFile(const fs::path &one, const fs::path &other)
+{
+	std::error_code failed;
+	if (fs::exists(one, failed))
+		return fs::is_regular_file(one, failed) && fs::equivalent(one, other, failed);
+	return fs::weakly_canonical(one, failed) == fs::weakly_canonical(other, failed);
+}
+
+bool isCatalogue(const fs::path &path)
+{
+	char magic[4] = {};
+	std::ifstream(path, std::ios::binary).read(magic, sizeof magic);
+	const std::string bytes(magic, sizeof magic);
+	return bytes == "\xde\x12\x04\x95" || bytes == "\x95\x04\x12\xde";
+}
+
+/// Whether a folder has that file already, by whatever name.
+bool has(const fs::path &folder, const fs::path &file)
+{
+	std::error_code failed;
+	if (folder.empty() || !fs::is_regular_file(file, failed))
+		return false;
+	const fs::path root = fs::canonical(folder, failed), path = fs::canonical(file, failed);
+	if (std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end())
+		return true;
+	if (fs::hard_link_count(file, failed) > 1)
+		for (const fs::directory_entry &entry :
+		     fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied, failed))
+			if (isSameFile(entry.path(), file))
+				return true;
+	return false;
+}
+
+/// Whether what is recorded would overwrite something else that is written or read.
 bool overwrites(const Options &options, std::string &error)
 {
-	const struct
+	struct File
 	{
 		const char *name;
 		std::string path;
-	} outputs[] = {{"standard output", "/proc/self/fd/1"},
-	               {"standard error", "/proc/self/fd/2"},
-	               {"--dump", options.dump},
-	               {"--trace", options.trace},
-	               {"--debug", options.debug}};
-	std::error_code failed;
-	for (size_t recorded = 2; recorded < std::size(outputs); ++recorded)
+	};
+	const File outputs[] = {{"standard output", "/proc/self/fd/1"},
+	                        {"standard error", "/proc/self/fd/2"},
+	                        {"--dump", options.dump},
+	                        {"--trace", options.trace},
+	                        {"--debug", options.debug}};
+	const File inputs[] = {{"the plugin", options.plugin}, {"the skin", options.skin}};
+	const fs::path root = options.through.empty() ? options.root : ""; // else it is elsewhere
+	for (size_t recorded = 2; recorded < std::size(outputs); ++recorded) {
+		const File &output = outputs[recorded];
+		if (output.path.empty())
+			continue;
 		for (size_t other = 0; other < recorded; ++other)
-			if (fs::is_regular_file(outputs[recorded].path, failed) &&
-			    fs::equivalent(outputs[recorded].path, outputs[other].path, failed)) {
-				error = std::string(outputs[other].name) + " and " + outputs[recorded].name +
-				        " would overwrite each other in '" + outputs[recorded].path +
-				        "'; give each a file of its own";
+			if (!outputs[other].path.empty() && isSameFile(output.path, outputs[other].path)) {
+				error = std::string(outputs[other].name) + " and " + output.name +
+				        " would overwrite each other in '" + output.path + "'; give each a file of its own";
 				return true;
 			}
+		const char *what = isCatalogue(output.path) ? "a message catalogue" : nullptr;
+		for (const File &input : inputs)
+			if (isSameFile(output.path, input.path))
+				what = input.name;
+		if (has(root, output.path))
+			what = "a file of the --root folder";
+		if (what) {
+			error = std::string(output.name) + " would overwrite " + what + ", '" + output.path +
+			        "'; name another file";
+			return true;
+		}
+	}
 	return false;
+}
+
+/// Opens what is to be recorded, once there is something; false with one line in `error`.
+bool openRecordings(const Options &options, Recorder &recorder, std::string &error)
+{
+	return !overwrites(options, error) &&
+	       (options.pictures.empty() || recorder.openPictures(options.pictures, error)) &&
+	       (options.dump.empty() || recorder.openDump(options.dump, error)) &&
+	       (options.trace.empty() || recorder.openTrace(options.trace, error)) &&
+	       (options.debug.empty() || NoteLog::get().open(options.debug, error));
 }
 
 bool displayIsNamed()
@@ -151,18 +211,8 @@ int runApp(int argc, char **argv)
 		return fail(statusBadArguments,
 		            "--watch needs a screen to press keys on: a window, a terminal or a framebuffer");
 	Recorder recorder;
-	if (!options->pictures.empty() && !recorder.openPictures(options->pictures, error))
-		return fail(statusBadArguments, error);
-	if (!options->dump.empty() && !recorder.openDump(options->dump, error))
-		return fail(statusBadArguments, error);
-	if (!options->trace.empty() && !recorder.openTrace(options->trace, error))
-		return fail(statusBadArguments, error);
-	if (!options->debug.empty() && !NoteLog::get().open(options->debug, error))
-		return fail(statusBadArguments, error);
-	if (overwrites(*options, error))
-		return fail(statusBadArguments, error);
 	stage.draws = options->screen != "none";
-	if (((stage.draws && !inTerminal) || recorder.draws()) && !PixelCanvas::canDrawText())
+	if (((stage.draws && !inTerminal) || !options->pictures.empty()) && !PixelCanvas::canDrawText())
 		return fail(statusNotToItsEnd,
 		            "there is no font to draw with; install one, such as fonts-dejavu-core");
 	if (!options->lang.empty() && inTerminal && !localeIsUtf8())
@@ -178,6 +228,7 @@ int runApp(int argc, char **argv)
 	stage.rowHeight = inTerminal ? terminalRowHeight : 0;
 	stage.holdsErrorsBack = inTerminal && isatty(STDERR_FILENO);
 	stage.openScreen = [&options](std::string &why) { return openScreen(*options, why); };
+	stage.openRecordings = [&](std::string &why) { return openRecordings(*options, recorder, why); };
 	return Session(*options, std::move(stage), recorder).run();
 }
 

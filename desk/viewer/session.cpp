@@ -95,9 +95,9 @@ bool Session::startHalf()
 	start.catalogue = options.catalogue;
 	start.skin = stage.skinText;
 	start.rowHeight = stage.rowHeight;
-	start.draws = stage.draws || recorder.draws();
-	start.describes = recorder.describes();
-	start.traces = recorder.traces();
+	start.draws = stage.draws || !options.pictures.empty();
+	start.describes = !options.dump.empty();
+	start.traces = !options.trace.empty();
 	half->send(start);
 	half->send(Load());
 	state = State::busy;
@@ -145,8 +145,19 @@ void Session::listen()
 		giveUp("what comes from its half are no messages");
 }
 
+/// Not before: a plugin that is not there leaves what was recorded last.
+bool Session::openRecordings()
+{
+	std::string error;
+	if (!std::exchange(isRecording, true) && !stage.openRecordings(error))
+		finish(statusBadArguments, error);
+	return state != State::over;
+}
+
 void Session::handle(Loaded &)
 {
+	if (!openRecordings())
+		return;
 	if (!screen) {
 		std::string error;
 		screen = stage.openScreen(error);
@@ -213,7 +224,8 @@ void Session::handle(Note &message)
 
 void Session::handle(Call &message)
 {
-	recorder.call(message.line);
+	if (openRecordings())
+		recorder.call(message.line);
 }
 
 void Session::handle(Harm &message)
@@ -252,6 +264,7 @@ void Session::handle(Returned &message)
 void Session::handle(Crash &message)
 {
 	crash = std::move(message);
+	openRecordings();
 }
 
 /// Looks whether the half has ended, and whether it should have.

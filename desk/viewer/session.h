@@ -34,6 +34,7 @@ struct Stage
 	bool holdsErrorsBack = false; ///< what is written to standard error would tear the screen
 	std::string note;             ///< for the person, first of all
 	std::function<std::unique_ptr<Screen>(std::string &error)> openScreen;
+	std::function<bool(std::string &error)> openRecordings; ///< once the plugin's code runs
 };
 
 /// A person and a plugin: one loop that waits for keys, for what the plugin's half says, for its end, for signals and
@@ -63,6 +64,7 @@ private:
 	bool startHalf();
 	std::vector<std::string> sandboxFor(const std::vector<std::string> &served);
 	void listen();
+	bool openRecordings();
 	void handle(Loaded &);
 	void handle(Failed &message);
 	void handle(Frame &message);
@@ -103,6 +105,7 @@ private:
 	const Options &options;
 	const Stage stage;
 	Recorder &recorder;
+	bool isRecording = false; ///< what is to be recorded is open
 	Signals signals;
 	HeldOutput held;
 	int errors[2] = {-1,

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 
 using support::DeskRun;
 using support::Json;
@@ -87,7 +88,7 @@ TEST(App, refuses_files_that_it_cannot_use)
 TEST(App, refuses_to_record_twice_into_one_file)
 {
 	TempFolder folder;
-	const std::string file = folder / "file", other = folder / "other";
+	const std::string file = folder.write("file", ""), other = folder / "other";
 	const Lines common = {"--screen", "none", "--plugin", testPlugin("result.so.0")};
 	const auto recording = [&](const std::string &dump, const std::string &trace) {
 		Lines options = common;
@@ -105,6 +106,48 @@ TEST(App, refuses_to_record_twice_into_one_file)
 	                  "exec '" + support::deskhostPath() + "' --screen none --keys exit --dump '" + file +
 	                      "' >>'" + file + "'"});
 	expectRefused(shell, 2, "standard output");
+}
+
+TEST(App, refuses_to_record_into_what_it_reads)
+{
+	TempFolder folder;
+	support::ReceiverFolder receiver;
+	receiver.scanLog("a log\n");
+	const std::string plugin = folder / "plugin.so.0", skin = folder / "skin.toml", link = folder / "link";
+	std::filesystem::copy_file(testPlugin("result.so.0"), plugin);
+	std::filesystem::copy_file(support::sourcePath("desk/skins/default.toml"), skin);
+	const std::string catalogue = folder / "one.mo", log = receiver / "var/scaning.log";
+	std::filesystem::copy_file(support::buildPath("po/de/LC_MESSAGES/vexlomenu.mo"), catalogue);
+	for (const char *output : {"--dump", "--trace", "--debug"})
+		for (const std::string &input : {plugin, skin, catalogue, log})
+			for (const bool isHard : {false, true}) {
+				if (isHard)
+					std::filesystem::create_hard_link(input, link);
+				else
+					std::filesystem::create_symlink(input, link);
+				const std::string before = support::readFile(input);
+				expectRefused(deskhost({"--screen", "none", "--plugin", plugin, "--skin", skin, "--root",
+				                        receiver.path(), output, link}),
+				              2, output + std::string(" would overwrite "));
+				EXPECT_EQ(support::readFile(input), before) << output;
+				std::filesystem::remove(link);
+			}
+
+	std::filesystem::create_symlink(skin, folder / "00-start.png");
+	const std::string before = support::readFile(skin);
+	EXPECT_EQ(deskhost({"--screen", "none", "--skin", skin, "--pictures", folder.path()}).status, 0);
+	EXPECT_EQ(support::readFile(skin), before);
+	EXPECT_GT(std::filesystem::file_size(folder / "00-start.png"), 1000u);
+}
+
+TEST(App, leaves_what_was_recorded_when_there_is_no_plugin)
+{
+	TempFolder folder;
+	for (const char *output : {"--dump", "--trace", "--debug"}) {
+		const std::string file = folder.write("yesterday", "yesterday's\n");
+		EXPECT_EQ(deskhost({"--screen", "none", "--plugin", folder / "mistyped", output, file}).status, 1);
+		EXPECT_EQ(support::readFile(file), "yesterday's\n") << output;
+	}
 }
 
 TEST(App, reports_that_it_could_not_print)

@@ -26,8 +26,8 @@ public:
 		options.plugin = support::pluginPath();
 		options.root = receiver.path();
 		options.keys = {desk::Key::ok};
+		options.dump = folder / "dump";
 		std::string error;
-		EXPECT_TRUE(recorder.openDump(folder / "dump", error)) << error;
 		desk::Stage stage;
 		stage.half = support::pluginHalfPath();
 		stage.skinText = support::readFile(support::sourcePath("desk/skins/default.toml"));
@@ -36,6 +36,7 @@ public:
 		stage.openScreen = [this](std::string &why) {
 			return desk::makeFramebufferScreen({screen.path, remote.path, console.path}, why);
 		};
+		stage.openRecordings = [this](std::string &why) { return recorder.openDump(options.dump, why); };
 		running = std::thread([this, stage] { desk::Session(options, stage, recorder).run(); });
 	}
 	~OnFramebuffer()

@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <sstream>
 
 namespace
 {
@@ -115,6 +116,26 @@ TEST(Commands, show_what_they_print_and_obey_none_of_it)
 TEST(Commands, have_nothing_to_read)
 {
 	EXPECT_TRUE(has(reach("run", "cat; echo end").outcome.err, "end\n"));
+}
+
+TEST(Commands, inherit_no_descriptor)
+{
+	ReceiverFolder receiver;
+	for (const std::string &options : {std::string(), "--root " + receiver.path()}) {
+		const support::Outcome outcome =
+			support::run({"sh", "-c",
+		                  "exec 8</etc/passwd 9</; exec '" + support::deskhostPath() +
+		                      "' --screen none --plugin '" + REACHES_OUT + "' " + options},
+		                 {{"REACH", "run"}, {"ON", "echo /proc/self/fd/*"}});
+		std::istringstream said(outcome.err);
+		int count = 0;
+		for (std::string word; said >> word;)
+			if (const std::string folder = "/proc/self/fd/"; word.rfind(folder, 0) == 0) {
+				EXPECT_LE(std::stoi(word.substr(folder.size())), 3) << outcome.err; // 3: the folder itself
+				++count;
+			}
+		EXPECT_GE(count, 3) << outcome.err;
+	}
 }
 
 TEST(Commands, give_their_status)
