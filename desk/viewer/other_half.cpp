@@ -70,6 +70,8 @@ OtherHalf::~OtherHalf()
 		if (waitpid(process, &how, 0) == process || errno != EINTR)
 			hasEnded(how);
 	}
+	while (inSandbox && waitpid(-1, nullptr, 0) > 0) { // the first process of the sandbox, which ends now
+	}
 }
 
 void OtherHalf::send(const ToHost &message)

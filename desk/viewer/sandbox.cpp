@@ -3,6 +3,7 @@
 #include "open_in_root.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -107,8 +108,8 @@ public:
 
 	Words words(std::string &note)
 	{
-		add({"bwrap", "--die-with-parent", "--new-session", "--unshare-pid", "--unshare-ipc", "--unsetenv",
-		     "TMPDIR"});
+		add({"/usr/bin/bwrap", "--die-with-parent", "--new-session", "--unshare-pid", "--unshare-ipc",
+		     "--unsetenv", "TMPDIR"});
 		if (geteuid() == 0) // as ever, the superuser may read and write files of others
 			add({"--cap-add", "CAP_DAC_OVERRIDE"});
 		add({"--dev", "/dev", "--tmpfs", "/run", "--perms", "1777", "--tmpfs", "/tmp"});
@@ -185,7 +186,7 @@ private:
 	void make(const fs::path &folder)
 	{
 		if (folder == "/proc")
-			add({"--tmpfs", "/proc", "--proc", computer / "proc"});
+			makeProc();
 		else
 			add({folder == topOf(folder) && !own.count(folder) ? "--tmpfs" : "--dir", folder});
 		if (own.count(topOf(folder)) && topOf(folder) != "/proc")
@@ -198,6 +199,17 @@ private:
 				std::find(sandbox.served.begin(), sandbox.served.end(), path) != sandbox.served.end();
 			if (!isProcess && !isServed && !made.count(path))
 				add({"--symlink", computer / path.relative_path(), path});
+		}
+	}
+
+	/// Its processes come and go, so there are links for those to come.
+	void makeProc()
+	{
+		constexpr int mostProcesses = 500;
+		add({"--tmpfs", "/proc", "--proc", computer / "proc"});
+		for (int number = 1; number <= mostProcesses; ++number) {
+			const std::string name = std::to_string(number);
+			add({"--symlink", computer / "proc" / name, "/proc/" + name});
 		}
 	}
 
@@ -264,6 +276,7 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 	int said[2];
 	if (pipe2(said, O_CLOEXEC) != 0)
 		return false;
+	prctl(PR_SET_CHILD_SUBREAPER, 1); // whose first process outlives bubblewrap for a moment
 	const pid_t child = fork();
 	if (child == 0) {
 		dup2(said[1], STDERR_FILENO);

@@ -5,6 +5,7 @@
 
 #include "libc.h"
 
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -16,15 +17,19 @@
 namespace
 {
 
-bool breaks(const char *path)
+/// By what it is, because it may be open by another name.
+bool breaks(int descriptor)
 {
 	const char *list = std::getenv("DISK_FAULTS_BREAK");
-	const size_t length = std::strlen(path);
-	while (list && *list) {
-		const size_t entry = std::strcspn(list, ":");
-		if (entry == length && std::strncmp(list, path, length) == 0)
+	struct stat opened = {}, meant = {};
+	if (fstat(descriptor, &opened) != 0)
+		return false;
+	for (char path[4096]; list && *list;) {
+		const size_t length = std::strcspn(list, ":");
+		std::snprintf(path, sizeof path, "%.*s", static_cast<int>(length), list);
+		if (stat(path, &meant) == 0 && meant.st_dev == opened.st_dev && meant.st_ino == opened.st_ino)
 			return true;
-		list += entry + (list[entry] == ':');
+		list += length + (list[length] == ':');
 	}
 	return false;
 }
@@ -80,15 +85,16 @@ FILE *breaking(FILE *file)
 
 extern "C" {
 
-// A host opens what lies in a folder of its own without a name.
 FILE *fdopen(int descriptor, const char *mode) noexcept
 {
-	char link[32], path[4096] = "";
-	std::snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor);
-	if (readlink(link, path, sizeof path - 1) < 0)
-		return nullptr;
 	FILE *file = next<FILE *(int, const char *)>("fdopen")(descriptor, mode);
-	return file && breaks(path) ? breaking(file) : file;
+	return file && breaks(descriptor) ? breaking(file) : file;
+}
+
+FILE *fopen(const char *path, const char *mode)
+{
+	FILE *file = next<FILE *(const char *, const char *)>("fopen")(path, mode);
+	return file && breaks(fileno(file)) ? breaking(file) : file;
 }
 
 } // extern "C"
