@@ -71,7 +71,7 @@ TEST(Entry, takes_itself_out_of_its_list)
 
 TEST(Entry, is_less_than_none)
 {
-	const Entry a(nullptr), b(nullptr);
+	const Entry a(nullptr, "a", 1), b(nullptr, "b", 2);
 	EXPECT_FALSE(a < b);
 	EXPECT_FALSE(b < a);
 	EXPECT_FALSE(a < a);
