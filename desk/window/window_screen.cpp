@@ -156,18 +156,12 @@ bool displayIsGone = false;
 
 WindowScreen::~WindowScreen()
 {
-	if (displayIsGone) { // nothing of it can be given back
-		for (Handle<SDL_Texture> *each : {&picture, &strip, &notes})
-			each->release();
-		renderer.release();
-		window.release();
-		return;
-	}
+	// The end of the process, which is near, gives all of it back. Asked for that, SDL would wait for an answer of
+	// the display, which may be gone.
 	for (Handle<SDL_Texture> *each : {&picture, &strip, &notes})
-		each->reset();
-	renderer.reset();
-	window.reset();
-	SDL_Quit();
+		each->release();
+	renderer.release();
+	window.release();
 }
 
 bool WindowScreen::open(const std::string &title, std::string &error)
