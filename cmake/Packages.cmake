@@ -34,15 +34,15 @@ as the remote control. It records what a plugin calls and shows.")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libvexlo-toolkit-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_SHLIBDEPS OFF)
-set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "binutils, pkgconf")
+set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "binutils, deskhost (= ${PROJECT_VERSION}-1), gettext, pkgconf")
 if(NOT VEXLO_SIGC1_INCLUDE)
   string(PREPEND CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "libsigc++-3.0-dev, ")
 endif()
-set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS "abigail-tools, deskhost, gettext")
+set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS "abigail-tools")
 set(CPACK_COMPONENT_DEV_DESCRIPTION "headers for plugins of a television receiver
 What a plugin requires of the front end that loads it, as C++ headers, with
-a CMake package, a pkg-config file, a runner of golden tests, a reference
-in HTML and an example.")
+a CMake package, a pkg-config file, commands that begin and test a plugin,
+a reference in HTML and an example.")
 
 # A package's papers: its licence and its changes, the way Debian wants them.
 set(papers ${CMAKE_BINARY_DIR}/papers)

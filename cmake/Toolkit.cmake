@@ -7,11 +7,14 @@ set(VEXLO_TOOLKIT_DATA ${CMAKE_INSTALL_DATADIR}/vexlo-toolkit)
 set(VEXLO_TOOLKIT_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/VexloToolkit)
 
 install(DIRECTORY src/toolkit/ DESTINATION ${VEXLO_TOOLKIT_INCLUDE_DIR} COMPONENT dev FILES_MATCHING PATTERN *.h)
-install(PROGRAMS cmake/toolkit/golden-test DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
-install(PROGRAMS tools/check-host DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT dev)
-configure_file(docs/check-host.1 ${CMAKE_BINARY_DIR}/docs/check-host.1 @ONLY)
-execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/check-host.1 COMMAND_ERROR_IS_FATAL ANY)
-install(FILES ${CMAKE_BINARY_DIR}/docs/check-host.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT dev)
+install(PROGRAMS cmake/toolkit/golden-test cmake/toolkit/deskhost-new tools/check-host
+        DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT dev)
+foreach(command IN ITEMS check-host deskhost-new golden-test)
+  configure_file(docs/${command}.1 ${CMAKE_BINARY_DIR}/docs/${command}.1 @ONLY)
+  execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/${command}.1 COMMAND_ERROR_IS_FATAL ANY)
+  install(FILES ${CMAKE_BINARY_DIR}/docs/${command}.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT dev)
+endforeach()
+install(PROGRAMS cmake/toolkit/check-entry DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 install(FILES cmake/toolkit/plugin.map src/toolkit/econtract.cpp DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 
 # The signal library is the one that this is built on.
@@ -61,7 +64,7 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-too
 function(vexlo_add_example name)
   set(folder ${CMAKE_BINARY_DIR}/toolkit)
   file(MAKE_DIRECTORY ${folder})
-  foreach(file IN ITEMS cmake/toolkit/golden-test cmake/toolkit/plugin.map src/toolkit/econtract.cpp)
+  foreach(file IN ITEMS cmake/toolkit/check-entry cmake/toolkit/plugin.map src/toolkit/econtract.cpp)
     configure_file(${file} ${folder} COPYONLY)
   endforeach()
   set(VEXLO_TOOLKIT_INCLUDE_DIR ${PROJECT_SOURCE_DIR}/src/toolkit)
@@ -69,6 +72,7 @@ function(vexlo_add_example name)
   configure_package_config_file(cmake/VexloToolkitConfig.cmake.in ${folder}/VexloToolkitConfig.cmake
     INSTALL_DESTINATION ${folder} PATH_VARS VEXLO_TOOLKIT_INCLUDE_DIR VEXLO_TOOLKIT_DATA CMAKE_INSTALL_BINDIR)
   set(VexloToolkit_DIR ${folder})
+  set(VEXLO_GOLDEN_TEST ${PROJECT_SOURCE_DIR}/cmake/toolkit/golden-test)
   # A program that is built for another computer runs in its emulator.
   list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
   set(through)

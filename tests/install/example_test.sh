@@ -32,6 +32,41 @@ size=$(stat -c %s "$place/build/network.so.0")
 exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }')
 [[ $exported == plugin_exec ]] || { echo "the example exports $exported"; exit 1; }
 
+# What deskhost-new makes is a plugin whose test passes.
+(
+	cd "$place"
+	step deskhost-new hello
+	step cmake -S hello -B hello/build -G Ninja -DCMAKE_CXX_FLAGS='-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror'
+	step cmake --build hello/build
+	step ctest --test-dir hello/build --output-on-failure --no-tests=error
+	deskhost --plugin hello/build/hello.so.0 --catalogue hello:hello/build/locale --lang de --screen none --keys green \
+		--dump hello/dump >"$place/log" 2>&1
+	grep -q 'Guten Abend!' hello/dump || { echo "the new plugin does not speak German"; exit 1; }
+	for name in Hello 1st two-words hello ''; do
+		deskhost-new "$name" 2>"$place/log" && { echo "deskhost-new makes '$name'"; exit 1; }
+		[[ $(wc -l <"$place/log") == 1 ]] || { cat "$place/log"; exit 1; }
+	done
+	# A plugin that the host would refuse is refused when it is built, also where no warning ends that.
+	cp -R hello wrong
+	sed -i 's/hello.cpp/wrong.cpp/; /^vexlo_add_cat/d' wrong/CMakeLists.txt
+	rm -r wrong/build
+	touch wrong/wrong.cpp
+	step cmake -S wrong -B wrong/build -G Ninja
+	for change in 's/^extern "C" int/int/' 's/^extern "C" int/static int/' 's/int plugin_exec/int plugin_exce/' \
+		's/^extern "C" int/extern "C" __attribute__((visibility("hidden"))) int/'; do
+		sed "$change" hello/hello.cpp >wrong/wrong.cpp
+		cmake --build wrong/build >"$place/log" 2>&1 && { echo "it is built after $change"; exit 1; }
+		grep -q 'exports no plugin_exec' "$place/log" || { cat "$place/log"; exit 1; }
+	done
+	# Of a catalogue in any character set becomes one in UTF-8; formats that do not fit are an error.
+	iconv -f UTF-8 -t ISO-8859-1 hello/po/de.po | sed 's/charset=UTF-8/charset=ISO-8859-1/' >hello/po/latin.po
+	mv hello/po/latin.po hello/po/de.po
+	step cmake --build hello/build
+	deskhost --plugin hello/build/hello.so.0 --catalogue hello:hello/build/locale --lang de --screen none --dump hello/dump \
+		>"$place/log" 2>&1
+	grep -q 'Bitte die gr\\u00fcne Taste' hello/dump || { cat "$place/log" hello/dump; exit 1; }
+)
+
 # An interface more is a change that its tests see.
 sed -i 's/^2: eth0/2: lan0/' "$place/network/tests/receiver/bin/ip"
 if ctest --test-dir "$place/build" >"$place/log" 2>&1; then

@@ -32,11 +32,13 @@ done
 
 mkdir "$place/test"
 echo exit >"$place/test/keys"
-said=$("$place/usr/share/vexlo-toolkit/golden-test" --approve "$place/test" 2>&1) && fail "any plugin is approved"
+said=$("$place/usr/bin/golden-test" --approve "$place/test" 2>&1) && fail "any plugin is approved"
 [[ $said == *'name the plugin to test with --plugin' ]] || fail "golden-test does not ask for the plugin: $said"
 
-"$place/usr/bin/check-host" --help | grep '^usage: check-host' >/dev/null || fail "check-host is not on the PATH"
-[[ -s $place/usr/share/man/man1/check-host.1.gz ]] || fail "check-host has no manual page"
+for command in check-host deskhost-new golden-test; do
+	"$place/usr/bin/$command" --help | grep "^usage: $command" >/dev/null || fail "$command is not on the PATH"
+	[[ -s $place/usr/share/man/man1/$command.1.gz ]] || fail "$command has no manual page"
+done
 
 "$1" --build "$2" --target receiver-archive >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
 tar tzf "$(tail -n 1 "$place/log" | grep -o '/.*tar.gz' || ls "$2"/vexlomenu-*.tar.gz)" >"$place/contents"

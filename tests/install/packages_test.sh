@@ -30,7 +30,7 @@ has vexlomenu "$lib/vexlomenu/vexlomenu.so.0" usr/share/locale/ar/LC_MESSAGES/ve
 has deskhost usr/bin/deskhost usr/libexec/deskhost/deskhost-plugin usr/share/deskhost/skins/default.toml usr/share/man/man1/deskhost.1.gz \
 	usr/share/deskhost/samples/receiver/bin/ps
 has libvexlo-toolkit-dev usr/include/vexlo-toolkit/toolkit.h "$lib/cmake/VexloToolkit/VexloToolkitConfig.cmake" \
-	"$lib/pkgconfig/vexlo-toolkit.pc" usr/share/vexlo-toolkit/golden-test \
+	"$lib/pkgconfig/vexlo-toolkit.pc" usr/bin/golden-test usr/bin/deskhost-new \
 	usr/share/doc/libvexlo-toolkit-dev/html/classeWidget.html \
 	usr/share/doc/libvexlo-toolkit-dev/docs/plugins.md \
 	usr/share/doc/libvexlo-toolkit-dev/examples/network/network.cpp
