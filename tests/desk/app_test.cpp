@@ -19,7 +19,7 @@ using support::TempFolder;
 using support::testPlugin;
 using Lines = std::vector<std::string>;
 
-namespace
+namespace app_test
 {
 
 Outcome deskhost(Lines options, const std::map<std::string, std::string> &environment = {})
@@ -438,4 +438,4 @@ TEST(App, spends_nothing_on_lines_that_are_not_on_the_screen)
 	EXPECT_EQ(run.dump.size(), 8u);
 }
 
-} // namespace
+} // namespace app_test

@@ -17,7 +17,7 @@
 
 using support::pluginPath;
 
-namespace
+namespace contract_test
 {
 
 std::string demangled(const std::string &name)
@@ -362,4 +362,4 @@ TEST(ClassTree, is_the_hosts)
 	EXPECT_TRUE(host().bases("SigC::Object").count("SigC::ObjectBase"));
 }
 
-} // namespace
+} // namespace contract_test

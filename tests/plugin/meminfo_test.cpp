@@ -6,7 +6,7 @@
 
 using namespace support;
 
-namespace
+namespace meminfo_test
 {
 
 TEST(MemInfo, reaches_five_pixels_below_its_client_area)
@@ -90,4 +90,4 @@ TEST(MemInfo, shows_this_computers_memory_without_a_root)
 	EXPECT_EQ(support::lines(kernel).at(8).rfind(first.substr(0, first.find(' ')), 0), 0u);
 }
 
-} // namespace
+} // namespace meminfo_test

@@ -6,7 +6,7 @@
 
 using namespace support;
 
-namespace
+namespace menu_test
 {
 
 const Lines built = {
@@ -112,4 +112,4 @@ TEST(Menu, is_shown_again_after_a_screen_that_was_accepted)
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 }
 
-} // namespace
+} // namespace menu_test

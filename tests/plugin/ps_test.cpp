@@ -16,7 +16,7 @@
 
 using namespace support;
 
-namespace
+namespace ps_test
 {
 
 const OwnProcesses ownProcesses;
@@ -331,4 +331,4 @@ TEST(Ps, kills_in_the_list_of_busybox)
 	killInRealList({"busybox", "ps"});
 }
 
-} // namespace
+} // namespace ps_test

@@ -6,7 +6,7 @@
 
 using namespace support;
 
-namespace
+namespace scanlog_test
 {
 
 const char *const list = "eListBox<eListBoxEntryText>";
@@ -203,4 +203,4 @@ TEST(ScanLog, does_not_mind_a_log_that_changes_while_it_is_shown)
 	EXPECT_EQ(run.widget(run.dump.size() - 1, "eLabel")["text"], "file \"/var/scaning.log\" not found");
 }
 
-} // namespace
+} // namespace scanlog_test

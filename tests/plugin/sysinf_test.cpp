@@ -8,7 +8,7 @@
 
 using namespace support;
 
-namespace
+namespace sysinf_test
 {
 
 constexpr size_t opened = 4; // the key number: after "down down down ok"
@@ -168,4 +168,4 @@ TEST(SysInf, shows_this_computers_mounts_without_a_root)
 	EXPECT_EQ(shown.size(), printed.size()) << "a row for every line";
 }
 
-} // namespace
+} // namespace sysinf_test

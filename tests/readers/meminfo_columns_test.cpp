@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace
+namespace meminfo_columns_test
 {
 
 using namespace std::string_literals;
@@ -256,4 +256,4 @@ TEST(ReadMemInfo, this_machines_file_has_as_many_names_as_values)
 	EXPECT_NE(columns.names.find("SwapTotal: \n"), std::string::npos);
 }
 
-} // namespace
+} // namespace meminfo_columns_test

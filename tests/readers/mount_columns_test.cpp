@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <vector>
 
-namespace
+namespace mount_columns_test
 {
 
 using support::exists;
@@ -283,4 +283,4 @@ TEST(ReadMountColumns, a_command_that_does_not_exist_gives_the_headings_alone)
 	EXPECT_FALSE(exists(dfFile));
 }
 
-} // namespace
+} // namespace mount_columns_test

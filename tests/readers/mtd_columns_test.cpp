@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace
+namespace mtd_columns_test
 {
 
 using namespace std::string_literals;
@@ -251,4 +251,4 @@ TEST(ReadMtdColumns, a_folder_in_its_place_gives_the_headings_alone)
 	EXPECT_EQ(joined(readMtdColumns()), "dev:\n|size\n|erasesize\n|name\n|1");
 }
 
-} // namespace
+} // namespace mtd_columns_test

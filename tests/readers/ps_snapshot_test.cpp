@@ -15,7 +15,7 @@
 #include <unistd.h>
 #include <vector>
 
-namespace
+namespace ps_snapshot_test
 {
 
 using support::exists;
@@ -399,4 +399,4 @@ TEST(KillPid, ends_that_process_and_no_other)
 	waitpid(children[1], &status, 0);
 }
 
-} // namespace
+} // namespace ps_snapshot_test

@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <vector>
 
-namespace
+namespace scanlog_contents_test
 {
 
 using support::exists;
@@ -416,4 +416,4 @@ TEST(ReadScanLog, a_long_path_is_named_whole)
 	}
 }
 
-} // namespace
+} // namespace scanlog_contents_test

@@ -8,7 +8,7 @@
 
 using support::TempFolder;
 
-namespace
+namespace console_test
 {
 
 std::unique_ptr<desk::Console> taken(const kernel::Console &console)
@@ -52,4 +52,4 @@ TEST(Console, is_no_matter_where_there_is_none)
 	EXPECT_EQ(error, "");
 }
 
-} // namespace
+} // namespace console_test

@@ -15,7 +15,7 @@ using desk::screenHeight;
 using desk::screenWidth;
 using support::TempFolder;
 
-namespace
+namespace framebuffer_test
 {
 
 constexpr desk::Rect whole{0, 0, screenWidth, screenHeight};
@@ -288,4 +288,4 @@ TEST(FramebufferScreen, leaves_everything_alone_when_something_is_missing)
 	EXPECT_EQ(console.display(), "text");
 }
 
-} // namespace
+} // namespace framebuffer_test

@@ -16,7 +16,7 @@ using desk::Key;
 using desk::RemoteControl;
 using support::TempFolder;
 
-namespace
+namespace remote_control_test
 {
 
 const std::vector<unsigned int> keyboard = {KEY_UP, KEY_DOWN, KEY_LEFT, KEY_RIGHT, KEY_ENTER, KEY_ESC};
@@ -212,4 +212,4 @@ TEST(RemoteControl, is_found_before_a_keyboard)
 	EXPECT_EQ(desk::findRemoteControl(folder.path(), error), remote.path);
 }
 
-} // namespace
+} // namespace remote_control_test

@@ -13,7 +13,7 @@
 
 using support::TempFolder;
 
-namespace
+namespace session_test
 {
 
 /// A session, which ends with this object.
@@ -104,4 +104,4 @@ TEST(OnFramebuffer, a_question_is_answered_by_who_has_seen_it)
 	EXPECT_TRUE(shows("Vexlo service menu")) << "pressed once more";
 }
 
-} // namespace
+} // namespace session_test

@@ -19,7 +19,7 @@ using desk::Catalogue;
 using desk::pluralForm;
 using support::TempFolder;
 
-namespace
+namespace catalogue_test
 {
 
 constexpr const char *header = "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n";
@@ -356,4 +356,4 @@ TEST(PluralRule, is_none_when_it_is_no_expression)
 		}
 }
 
-} // namespace
+} // namespace catalogue_test

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <sstream>
 
-namespace
+namespace commands_test
 {
 
 using support::DeskRun;
@@ -157,4 +157,4 @@ TEST(Commands, are_traced_by_their_text_alone)
 	EXPECT_EQ(reach("run", "echo a line").trace.size(), 2u) << "nothing of what reading its output takes";
 }
 
-} // namespace
+} // namespace commands_test

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <memory>
 
-namespace
+namespace older_meminfo_test
 {
 
 using Stream = std::unique_ptr<FILE, int (*)(FILE *)>;
@@ -134,4 +134,4 @@ TEST(OlderMeminfo, tells_true_bytes_up_to_a_tebibyte)
 	}
 }
 
-} // namespace
+} // namespace older_meminfo_test

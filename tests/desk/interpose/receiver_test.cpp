@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace
+namespace receiver_test
 {
 
 using support::DeskRun;
@@ -54,4 +54,4 @@ TEST(ThisComputer, says_that_busybox_is_missing_and_does_without)
 	EXPECT_FALSE(has(reach("run", "ps").outcome.err, "not installed"));
 }
 
-} // namespace
+} // namespace receiver_test

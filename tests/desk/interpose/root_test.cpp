@@ -11,7 +11,7 @@
 #include <functional>
 #include <string>
 
-namespace
+namespace root_test
 {
 
 using support::Command;
@@ -263,4 +263,4 @@ TEST(Root, shows_each_of_twenty_desk_hosts_at_once_its_own_list)
 	}
 }
 
-} // namespace
+} // namespace root_test

@@ -16,7 +16,7 @@ using desk::PluginRuns;
 using desk::Texts;
 using support::TempFolder;
 
-namespace
+namespace texts_test
 {
 
 /// A folder of catalogues, of which some languages are shown.
@@ -142,4 +142,4 @@ TEST(Texts, are_looked_up_by_all_names)
 		EXPECT_NE(dlsym(RTLD_DEFAULT, name), dlsym(RTLD_NEXT, name)) << name << " is not offered";
 }
 
-} // namespace
+} // namespace texts_test

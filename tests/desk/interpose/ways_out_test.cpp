@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace
+namespace ways_out_test
 {
 
 namespace fs = std::filesystem;
@@ -140,4 +140,4 @@ TEST_P(WaysOut, lead_nowhere_by_known_calls_where_there_is_no_sandbox)
 INSTANTIATE_TEST_SUITE_P(As, WaysOut, testing::Bool(),
                          [](const auto &entry) { return entry.param ? "another_user" : "this_user"; });
 
-} // namespace
+} // namespace ways_out_test

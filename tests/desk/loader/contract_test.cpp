@@ -14,7 +14,7 @@
 #include <numeric>
 #include <vector>
 
-namespace
+namespace contract_test
 {
 
 using desk::differenceOfContract;
@@ -110,4 +110,4 @@ TEST(Contract, is_read_from_any_bytes)
 	}
 }
 
-} // namespace
+} // namespace contract_test

@@ -20,7 +20,7 @@ static std::ostream &operator<<(std::ostream &out, const Rect &r)
 
 } // namespace desk
 
-namespace
+namespace pixel_canvas_test
 {
 
 using namespace desk;
@@ -476,4 +476,4 @@ TEST(PixelCanvas, writes_a_png)
 	EXPECT_TRUE(std::filesystem::is_character_file("/dev/full")) << "a device is not removed";
 }
 
-} // namespace
+} // namespace pixel_canvas_test

@@ -9,7 +9,7 @@
 #include <random>
 #include <unistd.h>
 
-namespace
+namespace skin_test
 {
 
 using namespace desk;
@@ -260,4 +260,4 @@ TEST(Skins, that_nest_too_deep_are_refused)
 	skinOf("# " + std::string(3000, '.') + "\n");
 }
 
-} // namespace
+} // namespace skin_test

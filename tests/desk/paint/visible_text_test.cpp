@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-namespace
+namespace visible_text_test
 {
 
 using namespace desk;
@@ -297,4 +297,4 @@ TEST(TextRows, breaks_after_a_blank_or_within_a_word_that_has_no_room)
 	EXPECT_EQ(textRows("abcde\xCC\x81z", 5), (Rows{"abcde\xCC\x81", "z"})) << "a mark stays with its letter";
 }
 
-} // namespace
+} // namespace visible_text_test

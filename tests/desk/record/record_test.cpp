@@ -8,7 +8,7 @@
 
 using namespace support;
 
-namespace
+namespace record_test
 {
 
 Outcome deskhost(Lines options)
@@ -118,4 +118,4 @@ TEST(Trace, names_objects_by_class_and_numbers)
 		run.trace.end());
 }
 
-} // namespace
+} // namespace record_test

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <set>
 
-namespace
+namespace key_test
 {
 
 using namespace desk;
@@ -84,4 +84,4 @@ TEST(KeyScripts, quote_nasty_bytes_harmlessly_and_briefly)
 	EXPECT_LT(mistakeIn(std::string(100000, 'x')).size(), 200u);
 }
 
-} // namespace
+} // namespace key_test

@@ -14,7 +14,7 @@
 #include <cstring>
 #include <filesystem>
 
-namespace
+namespace open_in_root_test
 {
 
 using Way = int (*)(int, const char *, int);
@@ -139,4 +139,4 @@ INSTANTIATE_TEST_SUITE_P(Ways, OpenInRoot, testing::Values(desk::openInRoot, des
 							 return way.param == desk::openInRoot ? "kernel" : "names";
 						 });
 
-} // namespace
+} // namespace open_in_root_test

@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <thread>
 
-namespace
+namespace host_in_terminal_test
 {
 
 const std::string helpLine = "Arrows j k move";
@@ -282,4 +282,4 @@ TEST_F(HostInTerminal, a_terminal_that_cannot_be_used_is_one_clear_line)
 	EXPECT_TRUE(terminal.shows("status=2 $"));
 }
 
-} // namespace
+} // namespace host_in_terminal_test

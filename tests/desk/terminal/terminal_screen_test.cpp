@@ -19,7 +19,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace
+namespace terminal_screen_test
 {
 
 const std::string demo = support::deskhostPath() + " --screen terminal --through " TERMINAL_DEMO;
@@ -695,4 +695,4 @@ TEST(TerminalScreen, a_hang_up_that_is_ignored_is_the_end_of_the_keys)
 	EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
-} // namespace
+} // namespace terminal_screen_test

@@ -12,7 +12,7 @@ using desk::Desk;
 using desk::PixelCanvas;
 using desk::Rect;
 
-namespace
+namespace painting_test
 {
 
 /// The first place where two canvases differ, nothing when they do not.
@@ -98,4 +98,4 @@ TEST(Painting, is_not_when_nothing_has_changed)
 		EXPECT_TRUE(changes[key].empty()) << "key " << key;
 }
 
-} // namespace
+} // namespace painting_test

@@ -9,7 +9,7 @@
 using support::DeskRun;
 using support::Json;
 
-namespace
+namespace running_test
 {
 
 const char *const list = "eListBox<eListBoxEntryText>";
@@ -109,4 +109,4 @@ TEST(Running, disposes_of_everything)
 	running("green yellow exit ok exit");
 }
 
-} // namespace
+} // namespace running_test

@@ -6,7 +6,7 @@
 
 using namespace support;
 
-namespace
+namespace toolkit_test
 {
 
 TEST(Toolkit, survives_a_plugin_that_does_more_than_it_must)
@@ -105,4 +105,4 @@ TEST(Toolkit, empties_a_list_entry_by_entry)
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n");
 }
 
-} // namespace
+} // namespace toolkit_test

@@ -13,7 +13,7 @@ using support::DeskRun;
 using support::Lines;
 using support::runDesk;
 
-namespace
+namespace ends_test
 {
 
 DeskRun misbehaving(const std::string &keys, Lines options = {})
@@ -222,4 +222,4 @@ TEST(Through, what_is_no_plugins_half_is_a_clear_end)
 	EXPECT_NE(missing.err.find("with status 127"), std::string::npos) << missing.err;
 }
 
-} // namespace
+} // namespace ends_test

@@ -6,7 +6,7 @@
 #include <clocale>
 #include <cstdio>
 
-namespace
+namespace notes_test
 {
 
 using desk::NoteLog;
@@ -120,4 +120,4 @@ TEST(Notes, go_to_a_file_as_well_line_by_line)
 	testing::internal::GetCapturedStderr();
 }
 
-} // namespace
+} // namespace notes_test

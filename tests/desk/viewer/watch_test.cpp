@@ -13,7 +13,7 @@
 #include <filesystem>
 #include <iterator>
 
-namespace
+namespace watch_test
 {
 
 using desk::Watch;
@@ -211,4 +211,4 @@ TEST_F(WatchedRun, does_not_delete_with_a_key_that_did_not_before)
 	EXPECT_FALSE(support::exists(receiver / "var/scaning.log")) << "pressed by a person";
 }
 
-} // namespace
+} // namespace watch_test

@@ -14,7 +14,7 @@
 #include <filesystem>
 #include <thread>
 
-namespace
+namespace host_in_window_test
 {
 
 using support::Command;
@@ -300,4 +300,4 @@ TEST(HostWithASilentDisplay, does_without_and_says_so)
 	                       "--screen terminal or --screen none\n");
 }
 
-} // namespace
+} // namespace host_in_window_test

@@ -11,7 +11,7 @@
 #include <thread>
 #include <utility>
 
-namespace
+namespace window_screen_test
 {
 
 using support::Child;
@@ -378,4 +378,4 @@ TEST(WindowScreenWithoutADisplay, says_so_in_one_line)
 	}
 }
 
-} // namespace
+} // namespace window_screen_test

@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <random>
 
-namespace
+namespace wire_test
 {
 
 using namespace desk;
@@ -261,4 +261,4 @@ TEST(Channel, ends_with_what_is_no_message)
 	}
 }
 
-} // namespace
+} // namespace wire_test
