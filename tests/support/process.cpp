@@ -143,6 +143,7 @@ bool Child::lives() const
 
 void Child::signal(int number) const
 {
+	ASSERT_GT(id, 0) << "it was not started"; // and the signal would be for everybody
 	kill(id, number);
 }
 

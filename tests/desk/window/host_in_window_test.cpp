@@ -233,6 +233,7 @@ TEST_F(HostInWindow, ends_when_it_is_closed_while_a_command_runs)
 
 TEST_F(HostInWindow, ends_while_the_display_does_not_answer)
 {
+	start();
 	server.signal(SIGSTOP);
 	program.signal(SIGTERM);
 	EXPECT_EQ(program.exitStatus(), 128 + SIGTERM);
