@@ -98,7 +98,8 @@ void expectNothingLeft(const TempFolder &receiver)
 {
 	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left, running or not waited for";
 	EXPECT_EQ(errno, ECHILD);
-	EXPECT_TRUE(std::filesystem::is_empty(receiver / "var/tmp"));
+	const std::string temporary = receiver / "var/tmp"; // the viewer's half makes it for what writes there
+	EXPECT_TRUE(!std::filesystem::exists(temporary) || std::filesystem::is_empty(temporary));
 }
 
 /// A receiver whose commands cost little but are real.

@@ -237,6 +237,7 @@ TEST_F(HostInTerminal, what_watching_comes_to_stands_over_the_picture)
 	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
 	compile();
 	EXPECT_TRUE(terminal.shows("not pressed again, because it killed or deleted: ok"));
+	ASSERT_TRUE(terminal.shows("Delete /var/scaning.log ?")); // before it is seen, no key is taken
 	terminal.press("Down"); // which is a key as ever
 	EXPECT_TRUE(terminal.losesSight("not pressed again"));
 }
