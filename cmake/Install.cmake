@@ -17,7 +17,9 @@ if(VEXLO_DESK)
   file(RELATIVE_PATH VEXLO_LOCALE_FROM_HALF ${VEXLO_HALF_DIR} ${CMAKE_INSTALL_FULL_LOCALEDIR})
   target_compile_definitions(desk_session PUBLIC
     DESK_INSTALLED_PLUGIN="${VEXLO_PLUGIN_FROM_BIN}" DESK_INSTALLED_HALF="${VEXLO_HALF_FROM_BIN}")
-  target_compile_definitions(desk_half PRIVATE DESK_INSTALLED_CATALOGUES="${VEXLO_LOCALE_FROM_HALF}")
+  foreach(half IN ITEMS desk_half desk_session)
+    target_compile_definitions(${half} PRIVATE DESK_INSTALLED_CATALOGUES="${VEXLO_LOCALE_FROM_HALF}")
+  endforeach()
   install(TARGETS deskhost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT desk)
   install(TARGETS deskhost-plugin RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/deskhost COMPONENT desk)
   install(DIRECTORY desk/skins samples DESTINATION ${CMAKE_INSTALL_DATADIR}/deskhost

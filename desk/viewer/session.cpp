@@ -115,8 +115,10 @@ std::vector<std::string> Session::sandboxFor(const std::vector<std::string> &ser
 	std::vector<std::string> words;
 	std::string note, whyNot = "--through says how the plugin's half is started";
 	if (!isElsewhere) {
-		Sandbox sandbox{
-			options.root, served, {options.plugin, fs::path(stage.half).parent_path().parent_path()}};
+		const fs::path programs = fs::path(stage.half).parent_path();
+		Sandbox sandbox{options.root,
+		                served,
+		                {options.plugin, programs.parent_path(), programs / DESK_INSTALLED_CATALOGUES}};
 		if (const size_t colon = options.catalogue.find(':'); colon != std::string::npos)
 			sandbox.needed.push_back(options.catalogue.substr(colon + 1));
 		words = sandbox.command(note);
