@@ -238,7 +238,7 @@ TEST_F(HostInTerminal, what_watching_comes_to_stands_over_the_picture)
 	compile();
 	EXPECT_TRUE(terminal.shows("not pressed again, because it killed or deleted: ok"));
 	ASSERT_TRUE(terminal.shows("Delete /var/scaning.log ?")); // before it is seen, no key is taken
-	terminal.press("Down"); // which is a key as ever
+	terminal.press("Down");                                   // which is a key as ever
 	EXPECT_TRUE(terminal.losesSight("not pressed again"));
 }
 
@@ -257,6 +257,34 @@ TEST_F(HostInTerminal, commands_do_not_tear_the_screen)
 	terminal.press("q");
 	ASSERT_TRUE(terminal.shows("plugin_exec returned "));
 	EXPECT_TRUE(terminal.shows("OUT OF ORDER")); // kept until now
+}
+
+TEST_F(HostInTerminal, commands_of_a_receiver_reach_no_terminal)
+{
+	receiver.write("bin/df",
+	               "#!/bin/sh\n{ printf 'LO''ST' >/dev/tty; stty -echo </dev/tty; } 2>/dev/null\n"
+	               "reached=$?\necho heading\necho \"reached:$reached 1 2 3 4% /\"\n",
+	               true);
+	Tmux terminal(80, 24);
+	const auto modes = [&](const std::string &name) {
+		terminal.enter("clear; stty -g >" + terminal.folder() + "/" + name + "; echo sa''ved " + name + ".");
+		EXPECT_TRUE(terminal.shows("saved " + name + "."));
+		return support::readFile(terminal.folder() + "/" + name);
+	};
+	const std::string before = modes("before");
+	open(terminal, "--dump " + terminal.folder() + "/dump");
+	terminal.press("4");
+	ASSERT_TRUE(terminal.shows("Mounts:"));
+	EXPECT_EQ(terminal.screen().find("LOST"), std::string::npos);
+	terminal.press("q");
+	ASSERT_TRUE(terminal.shows("(4) show system info"));
+	terminal.press("q");
+	ASSERT_TRUE(terminal.shows("status=0 $"));
+	EXPECT_EQ(terminal.screen().find("LOST"), std::string::npos);
+	EXPECT_EQ(modes("after"), before);
+	const std::string dump = support::readFile(terminal.folder() + "/dump");
+	EXPECT_NE(dump.find("reached:"), std::string::npos) << "the command has run";
+	EXPECT_EQ(dump.find("reached:0"), std::string::npos);
 }
 
 TEST_F(HostInTerminal, resizing_and_ctrl_c_leave_all_in_order)
