@@ -115,6 +115,10 @@ DeskRun runDesk(const std::string &root, const std::string &keys, const Lines &o
 
 	DeskRun result;
 	result.outcome = run(command, environment);
+#ifdef TEST_THROUGH // is no sandbox, as the first line says
+	if (!root.empty())
+		result.outcome.err.erase(0, result.outcome.err.find('\n') + 1);
+#endif
 	result.trace = lines(readFile(folder / "trace"));
 	for (const std::string &line : lines(readFile(folder / "dump")))
 		result.dump.push_back(Json::parse(line));

@@ -8,6 +8,8 @@
 #include "trace.h"
 
 #include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -63,6 +65,46 @@ int removeInRoot(int root, const std::filesystem::path &path, bool foldersToo)
 	return result;
 }
 
+/// Enters a mount namespace; one that is not the superuser takes a user namespace with it, as who it is.
+bool enterMountNamespace()
+{
+	const std::string user = std::to_string(geteuid()), group = std::to_string(getegid());
+	if (unshare(CLONE_NEWNS) == 0)
+		return true;
+	if (unshare(CLONE_NEWNS | CLONE_NEWUSER) != 0)
+		return false;
+	const auto write = [](const char *path, const std::string &text) {
+		const int file = open(path, O_WRONLY | O_CLOEXEC);
+		const bool written = ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+		close(file);
+		return written;
+	};
+	return write("/proc/self/setgroups", "deny") && write("/proc/self/uid_map", user + ' ' + user + " 1") &&
+	       write("/proc/self/gid_map", group + ' ' + group + " 1");
+}
+
+/// Puts /var/tmp of the root, which is made where it is missing, at this computer's, for this process and its
+/// commands. Where the kernel forbids that, both keep to this computer's.
+void mountVarTmp(int root)
+{
+	if (mkdirat(root, "var", 0777) != 0 && errno != EEXIST)
+		return;
+	if (const int var = openInRoot(root, "/var", O_PATH | O_DIRECTORY); var >= 0) {
+		mkdirat(var, "tmp", 0777);
+		close(var);
+	}
+	const int folder = openInRoot(root, "/var/tmp", O_PATH | O_DIRECTORY);
+	struct stat meant = {}, there = {};
+	// By its name, because what is open lies in the namespace that is left; so the name is not trusted.
+	std::error_code failed;
+	const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), failed);
+	if (folder >= 0 && fstat(folder, &meant) == 0 && enterMountNamespace() &&
+	    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 && stat(path.c_str(), &there) == 0 &&
+	    meant.st_dev == there.st_dev && meant.st_ino == there.st_ino)
+		mount(path.c_str(), "/var/tmp", nullptr, MS_BIND | MS_REC, nullptr);
+	closeKeepingErrno(folder);
+}
+
 /// /proc/meminfo in its older layout, at its start; null when there is none.
 FILE *openOlderMeminfo()
 {
@@ -104,6 +146,7 @@ bool Files::setRoot(const std::string &from, const std::vector<std::string> &fil
 		        "; name a readable folder with --root";
 		return false;
 	}
+	mountVarTmp(root);
 	// Through this process's descriptor, because a PATH cannot name a folder with a colon.
 	Commands::get().takeFrom("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(root), false);
 	return true;

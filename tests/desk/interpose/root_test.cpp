@@ -125,6 +125,13 @@ TEST(Root, has_a_var_tmp_of_its_own_for_calls_and_commands)
 	EXPECT_EQ(reach("read", "/var/tmp/ps.tmp", {"--root", receiver.path()}).outcome.err, "fopen: null\n");
 	EXPECT_EQ(readFile("/var/tmp/ps.tmp"), "this computer's\n");
 	EXPECT_FALSE(exists("/var/tmp/one"));
+
+	const support::Lines noSandbox = {"--root", receiver.path(), "--through", "env"};
+	reach("write", "/var/tmp/three", noSandbox);
+	EXPECT_EQ(readFile(receiver / "var/tmp/three"), "written");
+	reach("run", "echo by a command >/var/tmp/four", noSandbox);
+	EXPECT_EQ(readFile(receiver / "var/tmp/four"), "by a command\n");
+	EXPECT_FALSE(exists("/var/tmp/three") || exists("/var/tmp/four"));
 }
 
 /// A folder below /var/tmp itself is hidden from its own commands by name, but not as the root.
