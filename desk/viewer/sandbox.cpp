@@ -3,6 +3,7 @@
 #include "open_in_root.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <initializer_list>
@@ -288,8 +290,17 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 	close(said[1]);
 	why.clear();
 	char piece[1000];
-	for (ssize_t length; (length = read(said[0], piece, sizeof piece)) > 0;)
-		why.append(piece, static_cast<size_t>(length));
+	constexpr int patience = 5000; // milliseconds
+	pollfd answer = {said[0], POLLIN, 0};
+	ssize_t length = 1;
+	while (length > 0 && poll(&answer, 1, patience) > 0)
+		if ((length = read(said[0], piece, sizeof piece)) > 0)
+			why.append(piece, static_cast<size_t>(length));
+	if (length > 0) { // some of it is stuck
+		why = "bubblewrap does not answer";
+		if (child > 0)
+			kill(child, SIGKILL);
+	}
 	close(said[0]);
 	int status = -1;
 	while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {

@@ -147,7 +147,7 @@ void Session::listen()
 		giveUp("what comes from its half are no messages");
 }
 
-/// Not before: a plugin that is not there leaves what was recorded last.
+/// Not before: a plugin or a screen that is not there leaves what was recorded last.
 bool Session::openRecordings()
 {
 	std::string error;
@@ -158,8 +158,6 @@ bool Session::openRecordings()
 
 void Session::handle(Loaded &)
 {
-	if (!openRecordings())
-		return;
 	if (!screen) {
 		std::string error;
 		screen = stage.openScreen(error);
@@ -168,6 +166,8 @@ void Session::handle(Loaded &)
 		if (!stage.note.empty())
 			NoteLog::get().add(stage.note);
 	}
+	if (!openRecordings())
+		return;
 	hidePanel();
 	if (!afterLoading.empty())
 		say(std::exchange(afterLoading, {}));

@@ -140,12 +140,15 @@ TEST(App, refuses_to_record_into_what_it_reads)
 	EXPECT_GT(std::filesystem::file_size(folder / "00-start.png"), 1000u);
 }
 
-TEST(App, leaves_what_was_recorded_when_there_is_no_plugin)
+TEST(App, leaves_what_was_recorded_when_there_is_no_plugin_or_screen)
 {
 	TempFolder folder;
 	for (const char *output : {"--dump", "--trace", "--debug"}) {
 		const std::string file = folder.write("yesterday", "yesterday's\n");
 		EXPECT_EQ(deskhost({"--screen", "none", "--plugin", folder / "mistyped", output, file}).status, 1);
+		EXPECT_EQ(
+			deskhost({"--screen", "framebuffer", "--framebuffer", folder / "mistyped", output, file}).status,
+			2);
 		EXPECT_EQ(support::readFile(file), "yesterday's\n") << output;
 	}
 }

@@ -137,14 +137,7 @@ public:
 	/// The same with a result in words: "fopen("/proc/mtd", "r") = null".
 	template <class... Args> void resultInWords(const char *words, const char *what, const Args &...args)
 	{
-		if (!on())
-			return;
-		begin();
-		put(what);
-		list(args...);
-		put(" = ");
-		put(words);
-		end();
+		result(Words{words}, what, args...);
 	}
 
 	/// A line of any other form.
@@ -158,6 +151,12 @@ public:
 	}
 
 private:
+	/// Written as they are.
+	struct Words
+	{
+		const char *text;
+	};
+
 	struct Object
 	{
 		const char *type;   ///< a literal
@@ -187,6 +186,7 @@ private:
 		char digits[16];
 		text.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
 	}
+	void argument(const Words &words) { put(words.text); }
 	void argument(bool value) { put(value ? "true" : "false"); }
 	void argument(const char *value)
 	{
