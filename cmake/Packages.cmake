@@ -26,6 +26,9 @@ It needs a host that loads it, such as the desk host of package deskhost.")
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME deskhost)
 set(CPACK_DEBIAN_DESK_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "vexlomenu (= ${PROJECT_VERSION}-1), bubblewrap, busybox, fonts-dejavu-core, procps")
+# Until then one package had all of it.
+set(CPACK_DEBIAN_DESK_PACKAGE_BREAKS "vexlomenu (<< 1.1.0)")
+set(CPACK_DEBIAN_DESK_PACKAGE_REPLACES "vexlomenu (<< 1.1.0)")
 set(CPACK_COMPONENT_DESK_DESCRIPTION "runs a television receiver's plugins on a desk computer
 The desk host loads a plugin as a receiver's front end does, draws its
 screens in a window, in a terminal or into pictures, and takes the keyboard

@@ -1,9 +1,9 @@
 #!/bin/bash
 # Makes the Debian packages, looks into them, and leaves them for the tests that install them.
-# Arguments: cpack, the build folder, the folder for the packages.
+# Arguments: cpack, the source folder, the build folder, the folder for the packages.
 set -euo pipefail
 
-build=$2 packages=$3
+source=$2 build=$3 packages=$4
 fail()
 {
 	echo "$1"
@@ -46,6 +46,34 @@ needs() # PACKAGE WORD...
 needs deskhost fonts-dejavu-core libsdl2 'vexlomenu (= ' busybox
 needs vexlomenu libsigc++-3.0-0
 needs libvexlo-toolkit-dev libsigc++-3.0-dev
+
+version=$(dpkg-deb --field "$packages"/vexlomenu_*.deb Version)
+newest=$(grep -m 1 '^## [0-9]' "$source/CHANGELOG.md")
+[[ $version == "${newest#\#\# }-1" ]] || fail "the packages are $version, the changelog's newest is $newest"
+
+# Version 1.0.0 was one package with all of it: they take its place.
+place=$(mktemp -d)
+trap 'rm -rf "$place"' EXIT
+for package in vexlomenu deskhost; do
+	dpkg-deb --extract "$packages/$package"_*.deb "$place/old"
+done
+mkdir -p "$place/old/DEBIAN" "$place/root/var/lib/dpkg"/{info,updates}
+printf '%s\n' 'Package: vexlomenu' 'Version: 1.0.0-1' "Architecture: $(dpkg --print-architecture)" \
+	'Maintainer: nobody <nobody@vexlomenu.invalid>' 'Description: all in one' >"$place/old/DEBIAN/control"
+dpkg-deb --root-owner-group --build "$place/old" "$place/old.deb" >"$place/log"
+touch "$place/root/var/lib/dpkg/status"
+superuser=()
+((EUID == 0)) || superuser=(unshare --map-root-user)
+PATH=$PATH:/usr/sbin:/sbin
+install() # PACKAGE...: as apt does, but for what they depend on
+{
+	"${superuser[@]}" dpkg --root="$place/root" --log="$place/dpkg.log" --force-depends --force-script-chrootless \
+		--auto-deconfigure --install "$@" >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
+}
+install "$place/old.deb"
+install "$packages"/*.deb
+[[ $(dpkg --root="$place/root" --search /usr/bin/deskhost) == 'deskhost: /usr/bin/deskhost' ]] ||
+	fail "the package deskhost does not take over what is its own"
 
 # These packages close no request to package them: they are not for Debian's own archive.
 lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs "$packages"/*.deb
