@@ -1,5 +1,6 @@
 #include "language.h"
 
+#include "desk.h"
 #include "texts.h"
 
 #include <algorithm>
@@ -29,7 +30,9 @@ bool setLanguage(const std::string &lang, const std::string &catalogue, std::str
 {
 	const size_t colon = std::min(catalogue.find(':'), catalogue.size());
 	const std::string folder = colon < catalogue.size() ? catalogue.substr(colon + 1) : ownCatalogues();
-	return Texts::get().setLanguage(lang, folder, catalogue.substr(0, colon), error);
+	Desk::get().word = [](const char *id) { return Texts::get().word(id); };
+	return Texts::get().setLanguage(lang, folder, catalogue.substr(0, colon), error) &&
+	       Texts::get().setWords(ownCatalogues(), error);
 }
 
 } // namespace desk

@@ -6,7 +6,7 @@
 namespace desk
 {
 
-/// Shows the plugin's texts in `lang`. `catalogue` is DOMAIN[:FOLDER], the folder being by default the one that comes with this program. On failure returns false and
+/// Shows the plugin's texts, and the host's own words, in `lang`. `catalogue` is DOMAIN[:FOLDER], the folder being by default the one that comes with this program. On failure returns false and
 /// leaves one line in `error`.
 bool setLanguage(const std::string &lang, const std::string &catalogue, std::string &error);
 

@@ -330,6 +330,26 @@ TEST(App, takes_the_texts_from_the_named_catalogue)
 	              "--lang knows: en");
 }
 
+TEST(App, answers_in_its_own_words_and_never_in_the_plugins)
+{
+	ReceiverFolder receiver;
+	receiver.scanLog("a\n");
+	const std::string text = "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n"
+							 "msgid \"Yes\"\nmsgstr \"not this\"\nmsgid \"No\"\nmsgstr \"nor this\"\n";
+	const std::string po = receiver.write("texts/mine.po", text);
+	const auto answers = [&](const std::string &language) {
+		const std::string to = "texts/" + language + "/LC_MESSAGES/vexlomenu.mo";
+		receiver.write(to, "");
+		const support::Outcome made = support::run({"msgfmt", "-o", receiver / to, po});
+		EXPECT_EQ(made.status, 0) << made.err;
+		const DeskRun run = runDesk(receiver.path(), "3 red",
+		                            {"--lang", language, "--catalogue", "vexlomenu:" + (receiver / "texts")});
+		return Json({run.widget(2, "eButton", 0)["text"], run.widget(2, "eButton", 1)["text"]});
+	};
+	EXPECT_EQ(answers("de"), Json({"Ja", "Nein"}));
+	EXPECT_EQ(answers("xx"), Json({"Yes", "No"})) << "a language that the host does not have";
+}
+
 TEST(App, numbers_the_help_in_every_language)
 {
 	ReceiverFolder receiver;

@@ -62,6 +62,20 @@ bool Texts::setLanguage(const std::string &lang, const std::string &in, const st
 	return error.empty();
 }
 
+bool Texts::setWords(const std::string &from, std::string &error)
+{
+	words = load(from, "vexlomenu", error);
+	return error.empty();
+}
+
+const char *Texts::word(const char *id) const
+{
+	for (const Catalogue &catalogue : words)
+		if (const char *translation = catalogue.find(id))
+			return translation;
+	return id;
+}
+
 std::vector<Catalogue> Texts::load(const std::string &from, const std::string &domain,
                                    std::string &error) const
 {

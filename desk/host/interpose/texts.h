@@ -23,6 +23,11 @@ public:
 	bool setLanguage(const std::string &lang, const std::string &folder, const std::string &domain,
 	                 std::string &error);
 
+	/// Takes the host's own words from there as well, of its own domain. A language that is not there leaves them in English.
+	bool setWords(const std::string &folder, std::string &error);
+	/// One of them, or `id` itself. Whatever the plugin's catalogues say.
+	const char *word(const char *id) const;
+
 	/// Whether texts are looked up here at all.
 	bool translates() const { return !languages.empty(); }
 
@@ -46,6 +51,7 @@ private:
 	std::string folder;
 	std::map<std::string, std::string> folders; ///< of domains that have another
 	std::map<std::pair<std::string, std::string>, std::vector<Catalogue>> loaded; ///< by folder and domain
+	std::vector<Catalogue> words;
 };
 
 } // namespace desk

@@ -32,6 +32,9 @@ public:
 	/// What a plugin's _exit() is told to before; null: nobody.
 	void (*onExit)(int status) = nullptr;
 
+	/// The translation of one of the host's own words; null: they are English.
+	const char *(*word)(const char *id) = nullptr;
+
 	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that was only
 	/// reported. `urgent`: it must not be missed.
 	void note(const std::string &line, bool urgent = false);
