@@ -13,18 +13,23 @@ namespace
 constexpr size_t mostLines = 1000;
 constexpr size_t mostLineBytes = 4096;
 
-void write(int to, std::string text)
+void writeLine(int to, std::string text)
 {
 	text += '\n';
-	for (size_t done = 0; done < text.size();) {
-		const ssize_t n = ::write(to, text.data() + done, text.size() - done);
+	writeAll(to, text.data(), text.size());
+}
+
+} // namespace
+
+void writeAll(int to, const char *bytes, size_t count)
+{
+	for (size_t done = 0; done < count;) {
+		const ssize_t n = ::write(to, bytes + done, count - done);
 		if (n <= 0)
 			return;
 		done += static_cast<size_t>(n);
 	}
 }
-
-} // namespace
 
 void HeldOutput::add(const char *bytes, size_t count)
 {
@@ -62,9 +67,9 @@ void HeldOutput::release(int to)
 	if (!line.empty())
 		endLine();
 	if (lost > 0)
-		write(to, "deskhost: earlier lines left out: " + std::to_string(lost));
+		writeLine(to, "deskhost: earlier lines left out: " + std::to_string(lost));
 	for (const std::string &each : lines)
-		write(to, localText(each));
+		writeLine(to, localText(each));
 	lines.clear();
 	lost = 0;
 }

@@ -8,6 +8,9 @@
 namespace desk
 {
 
+/// Writes to a descriptor; what it does not take is lost.
+void writeAll(int to, const char *bytes, size_t count);
+
 /// What is not to be seen while the screen is a terminal: the last lines of it.
 class HeldOutput
 {

@@ -125,11 +125,14 @@ bool overwrites(const Options &options, std::string &error)
 /// Opens what is to be recorded, once there is something; false with one line in `error`.
 bool openRecordings(const Options &options, Recorder &recorder, std::string &error)
 {
-	return !overwrites(options, error) &&
-	       (options.pictures.empty() || recorder.openPictures(options.pictures, error)) &&
-	       (options.dump.empty() || recorder.openDump(options.dump, error)) &&
-	       (options.trace.empty() || recorder.openTrace(options.trace, error)) &&
-	       (options.debug.empty() || NoteLog::get().open(options.debug, error));
+	const bool opened = !overwrites(options, error) &&
+	                    (options.pictures.empty() || recorder.openPictures(options.pictures, error)) &&
+	                    (options.dump.empty() || recorder.openDump(options.dump, error)) &&
+	                    (options.trace.empty() || recorder.openTrace(options.trace, error)) &&
+	                    (options.debug.empty() || NoteLog::get().open(options.debug, error));
+	if (opened)
+		recorder.begin();
+	return opened;
 }
 
 bool displayIsNamed()

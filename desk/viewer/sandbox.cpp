@@ -110,8 +110,8 @@ public:
 
 	Words words(std::string &note)
 	{
-		add({"/usr/bin/bwrap", "--die-with-parent", "--new-session", "--unshare-pid", "--unshare-ipc",
-		     "--unsetenv", "TMPDIR"});
+		add({"bwrap", "--die-with-parent", "--new-session", "--unshare-pid", "--unshare-ipc", "--unsetenv",
+		     "TMPDIR"});
 		if (geteuid() == 0) // as ever, the superuser may read and write files of others
 			add({"--cap-add", "CAP_DAC_OVERRIDE"});
 		add({"--dev", "/dev", "--tmpfs", "/run", "--perms", "1777", "--tmpfs", "/tmp"});

@@ -56,12 +56,12 @@ Session::Session(const Options &given, Stage of, Recorder &records)
 
 int Session::run()
 {
-	if (stage.holdsErrorsBack && pipe2(errors, O_CLOEXEC | O_NONBLOCK) == 0) {
-		fcntl(errors[1], F_SETFL, 0); // who writes there waits
+	if (stage.holdsErrorsBack)
 		NoteLog::get().holdBack([this](const std::string &line) { held.addLine(line); });
-	}
 	std::string error;
-	if (options.watch && !(watch = Watch::start(options.plugin, error)))
+	if (pipe2(errors, O_CLOEXEC | O_NONBLOCK) != 0)
+		finish(statusNotToItsEnd, std::string("cannot start: ") + std::strerror(errno));
+	else if (options.watch && !(watch = Watch::start(options.plugin, error)))
 		finish(statusNotToItsEnd, error);
 	else
 		startHalf();
@@ -81,8 +81,8 @@ bool Session::startHalf()
 	Start start;
 	start.served.insert(start.served.end(), options.served.begin(), options.served.end());
 	const std::vector<std::string> sandbox = sandboxFor(start.served);
-	half = OtherHalf::start(stage.half, sandbox, options.through, errors[1] < 0 ? STDERR_FILENO : errors[1],
-	                        error);
+	fcntl(errors[1], F_SETFL, 0); // who writes there waits
+	half = OtherHalf::start(stage.half, sandbox, options.through, errors[1], error);
 	if (!half) {
 		finish(statusNotToItsEnd, error);
 		return false;
@@ -147,7 +147,22 @@ void Session::listen()
 		giveUp("what comes from its half are no messages");
 }
 
-/// Not before: a plugin or a screen that is not there leaves what was recorded last.
+bool Session::openScreen()
+{
+	std::string error;
+	if (screen)
+		return true;
+	screen = stage.openScreen(error);
+	if (!screen) {
+		finish(statusBadArguments, error);
+		return false;
+	}
+	if (!stage.note.empty())
+		NoteLog::get().add(stage.note);
+	return true;
+}
+
+/// After the screen: a plugin or a screen that is not there leaves what was recorded last.
 bool Session::openRecordings()
 {
 	std::string error;
@@ -158,15 +173,7 @@ bool Session::openRecordings()
 
 void Session::handle(Loaded &)
 {
-	if (!screen) {
-		std::string error;
-		screen = stage.openScreen(error);
-		if (!screen)
-			return finish(statusBadArguments, error);
-		if (!stage.note.empty())
-			NoteLog::get().add(stage.note);
-	}
-	if (!openRecordings())
+	if (!openScreen() || !openRecordings())
 		return;
 	hidePanel();
 	if (!afterLoading.empty())
@@ -226,7 +233,7 @@ void Session::handle(Note &message)
 
 void Session::handle(Call &message)
 {
-	if (openRecordings())
+	if (openScreen() && openRecordings())
 		recorder.call(message.line);
 }
 
@@ -622,12 +629,16 @@ int Session::patience() const
 	return least;
 }
 
+/// No more than a pipe holds: somebody may write for ever.
 void Session::readErrors()
 {
 	char bytes[4096];
-	const ssize_t count = read(errors[0], bytes, sizeof bytes);
-	if (count > 0)
-		held.add(bytes, static_cast<size_t>(count));
+	ssize_t count = 0;
+	for (int pieces = 0; pieces < 16 && (count = read(errors[0], bytes, sizeof bytes)) > 0; ++pieces)
+		if (stage.holdsErrorsBack)
+			held.add(bytes, static_cast<size_t>(count));
+		else
+			writeAll(STDERR_FILENO, bytes, static_cast<size_t>(count));
 }
 
 void Session::handleSignals()
@@ -660,10 +671,8 @@ int Session::close()
 	half.reset();
 	screen.reset();
 	NoteLog::get().holdBack(nullptr);
-	if (errors[0] >= 0) {
-		// No more than a pipe holds: somebody who is left may write for ever.
-		for (int pieces = 0; pieces < 64; ++pieces)
-			readErrors();
+	readErrors();
+	if (stage.holdsErrorsBack) {
 		held.add(returned.data(), returned.size());
 		returned.clear();
 		held.release(STDERR_FILENO);

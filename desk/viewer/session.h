@@ -64,6 +64,7 @@ private:
 	bool startHalf();
 	std::vector<std::string> sandboxFor(const std::vector<std::string> &served);
 	void listen();
+	bool openScreen();
 	bool openRecordings();
 	void handle(Loaded &);
 	void handle(Failed &message);
@@ -108,8 +109,8 @@ private:
 	bool isRecording = false; ///< what is to be recorded is open
 	Signals signals;
 	HeldOutput held;
-	int errors[2] = {-1,
-	                 -1}; ///< a pipe of what the other half writes to standard error, while that is held back
+	/// A pipe of what the other half and its commands print. They do not get standard error itself: it may be a file.
+	int errors[2] = {-1, -1};
 
 	std::unique_ptr<Watch> watch;
 	std::unique_ptr<OtherHalf> half;

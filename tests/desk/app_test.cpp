@@ -143,12 +143,20 @@ TEST(App, refuses_to_record_into_what_it_reads)
 TEST(App, leaves_what_was_recorded_when_there_is_no_plugin_or_screen)
 {
 	TempFolder folder;
+	const std::string missing = folder / "missing/file";
 	for (const char *output : {"--dump", "--trace", "--debug"}) {
 		const std::string file = folder.write("yesterday", "yesterday's\n");
 		EXPECT_EQ(deskhost({"--screen", "none", "--plugin", folder / "mistyped", output, file}).status, 1);
 		EXPECT_EQ(
 			deskhost({"--screen", "framebuffer", "--framebuffer", folder / "mistyped", output, file}).status,
 			2);
+		EXPECT_EQ(support::readFile(file), "yesterday's\n") << output;
+		EXPECT_EQ(deskhost({"--screen", "none", "--keys", "exit", output, file, "--pictures", file}).status,
+		          2);
+		EXPECT_EQ(deskhost({"--screen", "none", "--keys", "exit", output, file,
+		                    output == std::string("--debug") ? "--trace" : "--debug", missing})
+		              .status,
+		          2);
 		EXPECT_EQ(support::readFile(file), "yesterday's\n") << output;
 	}
 }

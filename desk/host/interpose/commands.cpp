@@ -17,6 +17,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <set>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -61,6 +63,7 @@ std::string scriptAt(const std::string &path)
 	const ssize_t length = read(file, text.data(), text.size());
 	::close(file);
 	text.resize(static_cast<size_t>(std::max<ssize_t>(length, 0)));
+	text.shrink_to_fit();
 	return text.rfind("\177ELF", 0) == 0 ? "" : text;
 }
 
@@ -124,15 +127,49 @@ void Commands::takeFromBusybox()
 	                 "and ps may list this terminal's processes only");
 }
 
+/// Whether it has a word that kills, or runs a script in `bin` that has.
+bool Commands::kills(const std::string &command) const
+{
+	std::set<std::string> seen;
+	std::vector<std::string> texts = {command};
+	while (!texts.empty()) {
+		const std::string text = std::move(texts.back());
+		texts.pop_back();
+		if (hasWord(text, killing))
+			return true;
+		if (searches)
+			for (const std::string_view name : wordsOf(text))
+				if (seen.emplace(name).second)
+					texts.push_back(scriptAt(bin + '/' + std::string(name)));
+	}
+	return false;
+}
+
+/// Whether it names something in `bin` that is a link to a program of this computer's.
+bool Commands::leadsOut(const std::string &command) const
+{
+	namespace fs = std::filesystem;
+	std::error_code failed;
+	const fs::path root = fs::canonical(fs::path(bin).parent_path(), failed);
+	for (const std::string_view name : wordsOf(command)) {
+		const fs::path place = fs::canonical(fs::path(bin) / name, failed);
+		if (failed || std::mismatch(root.begin(), root.end(), place.begin(), place.end()).first == root.end())
+			continue;
+		Desk::get().note("deskhost: not run, because it is no sandbox here and bin/" + std::string(name) +
+		                 " is a link to this computer's " + place.string() +
+		                 "; make it a relative link: " + command);
+		return true;
+	}
+	return false;
+}
+
 bool Commands::refuses(const std::string &command) const
 {
 	if (hasWord(command, deleting) && !Desk::get().permits(command))
 		return true;
-	bool kills = hasWord(command, killing);
-	if (searches)
-		for (const std::string_view name : wordsOf(command))
-			kills = kills || hasWord(scriptAt(bin + '/' + std::string(name)), killing);
-	if (!kills)
+	if (searches && leadsOut(command))
+		return true;
+	if (!kills(command))
 		return false;
 	if (!Desk::get().permits(command))
 		return true;

@@ -45,6 +45,8 @@ private:
 		int said; ///< a file of what it prints
 	};
 
+	bool kills(const std::string &command) const;
+	bool leadsOut(const std::string &command) const;
 	bool refuses(const std::string &command) const;
 	/// `in` and `out` -1: nothing, and what it prints. On failure the process is -1.
 	Running start(const char *command, int in, int out) const;

@@ -35,7 +35,7 @@ bool Recorder::openPictures(const std::string &folder, std::string &error)
 
 bool Recorder::openDump(const std::string &file, std::string &error)
 {
-	dump = std::fopen(file.c_str(), "we");
+	dump = std::fopen(file.c_str(), "ae");
 	dumpPath = file;
 	if (!dump)
 		error = "cannot write the dump to '" + file + "': " + std::strerror(errno) +
@@ -45,12 +45,19 @@ bool Recorder::openDump(const std::string &file, std::string &error)
 
 bool Recorder::openTrace(const std::string &file, std::string &error)
 {
-	trace = std::fopen(file.c_str(), "we");
+	trace = std::fopen(file.c_str(), "ae");
 	tracePath = file;
 	if (!trace)
 		error = "cannot write the trace to '" + file + "': " + std::strerror(errno) +
 		        "; name another file with --trace";
 	return trace != nullptr;
+}
+
+void Recorder::begin()
+{
+	for (FILE *file : {dump, trace})
+		if (file) [[maybe_unused]]
+			const int cut = ftruncate(fileno(file), 0); // a pipe has nothing to lose
 }
 
 void Recorder::write(FILE *file, const std::string &line, const char *what, const std::string &path)

@@ -19,11 +19,14 @@ public:
 	Recorder &operator=(const Recorder &) = delete;
 	~Recorder();
 
-	/// Writes pictures into `folder`, which is made when it does not exist, or descriptions or calls to `file`.
-	/// On failure they return false and leave one line in `error`.
+	/// Writes pictures into `folder`, which is made when it does not exist, or descriptions or calls to `file`, which keeps
+	/// what it has until begin(). On failure they return false and leave one line in `error`.
 	bool openPictures(const std::string &folder, std::string &error);
 	bool openDump(const std::string &file, std::string &error);
 	bool openTrace(const std::string &file, std::string &error);
+
+	/// Empties the files, once all is open.
+	void begin();
 
 	/// Records the screen after `after` ("start" or a key's name); `windows` is its description in JSON.
 	void record(const std::string &after, const std::string &windows, const DisplayList &picture);

@@ -38,6 +38,33 @@ struct AtTheEnd
 	}
 } atTheEnd;
 
+/// Reaches whenever it is painted.
+class Painted : public eWindow
+{
+public:
+	explicit Painted(const char *process) : whom(process) {}
+
+private:
+	void redrawWidget(gPainter *target, const eRect &area) override
+	{
+		eWindow::redrawWidget(target, area);
+		kill(atoi(whom), SIGKILL);
+	}
+
+	const char *whom;
+};
+
+/// Before anybody calls it.
+struct AtTheStart
+{
+	AtTheStart()
+	{
+		const char *how = getenv("REACH");
+		if (how && !strcmp(how, "early"))
+			remove(getenv("ON"));
+	}
+} atTheStart;
+
 /// What nothing stands in the way of but the kernel.
 void reachFarther(const char *how, const char *on)
 {
@@ -53,6 +80,16 @@ void reachFarther(const char *how, const char *on)
 	}
 	if (!strcmp(how, "destructor"))
 		killed = on;
+	if (!strcmp(how, "painting")) {
+		Painted window(on);
+		window.move(ePoint(100, 100));
+		window.resize(eSize(200, 100));
+		window.show();
+		window.exec();
+		window.hide();
+	}
+	if (!strcmp(how, "killpg"))
+		eDebug("killpg: %d", killpg(atoi(on), SIGKILL));
 	if (!strcmp(how, "sigqueue"))
 		eDebug("sigqueue: %d", sigqueue(atoi(on), SIGKILL, {}));
 	if (!strcmp(how, "syscall"))

@@ -247,6 +247,22 @@ TEST(Root, says_where_it_is_no_sandbox_and_shares_this_computers_var_tmp_there)
 		<< readFile("/var/tmp/dump");
 }
 
+TEST(Root, has_calls_of_a_plugin_that_is_still_being_loaded)
+{
+	TempFolder folder;
+	const std::string trace = folder.write("trace", "yesterday's\n");
+	const std::map<std::string, std::string> early = {{"REACH", "early"}, {"ON", "/var/tmp/nothing"}};
+	const support::Command host = {support::deskhostPath(), "--plugin", REACHES_OUT, "--trace", trace};
+	support::Command command = host;
+	command.insert(command.end(), {"--screen", "framebuffer", "--framebuffer", folder / "missing"});
+	EXPECT_EQ(support::run(command, early).status, 2);
+	EXPECT_EQ(readFile(trace), "yesterday's\n") << "there is no screen";
+	command = host;
+	command.insert(command.end(), {"--screen", "none"});
+	EXPECT_EQ(support::run(command, early).status, 0);
+	EXPECT_EQ(readFile(trace), "remove(\"/var/tmp/nothing\")\n");
+}
+
 TEST(Root, shows_each_of_twenty_desk_hosts_at_once_its_own_list)
 {
 	constexpr int hosts = 20;

@@ -34,6 +34,8 @@ const std::vector<Way> ways = {
 	{"a signal from a thread", "thread", "BYSTANDER", true},
 	{"a signal from a handler", "handler", "BYSTANDER", true},
 	{"a signal when it is unloaded", "destructor", "BYSTANDER", true},
+	{"a signal from painting", "painting", "BYSTANDER", true},
+	{"a signal to a group", "killpg", "BYSTANDER", false},
 	{"a signal with a value", "sigqueue", "BYSTANDER", false},
 	{"a signal by the kernel's number", "syscall", "BYSTANDER", false},
 	{"a command", "run", "kill -9 BYSTANDER", true},
@@ -44,6 +46,7 @@ const std::vector<Way> ways = {
 	{"a script", "run", "ps", true, "kill -9 BYSTANDER\n"},
 	{"a script that ends its group", "run", "ps", true, "trap 'kill -9 0' EXIT\n"},
 	{"a command that ends its group in disguise", "run", "k=ki; ${k}ll -9 0", true},
+	{"a script of a script", "run", "run-ps", true, "kill -9 BYSTANDER\n"},
 	{"a script to a file", "run", "ps", false, "echo lost >/var/tmp/kept\n"},
 	{"a relative name", "chdir", "scaning.log", false},
 	{"renaming", "rename", "/var/tmp/kept", false},
@@ -90,11 +93,12 @@ protected:
 		const bool hadLog = support::exists("/var/scaning.log");
 
 		Command command = asUser();
-		const Command sleeper = {"sleep", "1000"};
+		const Command sleeper = {"setsid", "sleep", "1000"}; // a group of its own
 		command.insert(command.end(), sleeper.begin(), sleeper.end());
 		support::Child bystander;
 		bystander.start(command);
 		const std::string number = std::to_string(bystander.pid());
+		receiver.write("bin/run-ps", "#!/bin/sh\n" + std::string(receiver / "bin/ps") + '\n', true);
 		if (!way.ps.empty())
 			receiver.write("bin/ps", "#!/bin/sh\n" + replaced(way.ps, number), true);
 		support::run({"chmod", "-R", "a+rwX", receiver.path()});
@@ -135,6 +139,69 @@ TEST_P(WaysOut, lead_nowhere_by_known_calls_where_there_is_no_sandbox)
 		EXPECT_NE(outcome.err.find("deskhost: --root is no sandbox here"), outcome.err.npos) << outcome.err;
 		EXPECT_EQ(removed, std::string(way.how) == "remove") << way.name;
 	}
+}
+
+TEST_P(WaysOut, are_not_opened_by_few_descriptors)
+{
+	for (const Way &way : ways) {
+		const std::string how = way.how;
+		if (how != "remove" && how != "write" && way.name != std::string("a script"))
+			continue;
+		for (const char *most : {"6", "9", "12", "64"})
+			go(way, {"sh", "-c", "ulimit -n \"$0\"; exec \"$@\"", most});
+	}
+}
+
+TEST_P(WaysOut, are_not_opened_by_standard_error)
+{
+	support::TempFolder folder;
+	const std::string errors = folder.write("errors", "yesterday's\n");
+	support::run({"chmod", "-R", "a+rwX", folder.path()});
+	for (const Way &way : {Way{"truncating", "truncate", "/proc/self/fd/2", false},
+	                       Way{"opening", "open", "/proc/self/fd/2", false},
+	                       Way{"a command", "run", "p=$PPID; : >/proc/$p/fd/2; : >/proc/self/fd/2", false}}) {
+		go(way, {"sh", "-c", "exec \"$@\" 2>>\"$0\"", errors});
+		EXPECT_EQ(readFile(errors).find("yesterday's\n"), 0u) << way.name;
+	}
+}
+
+TEST_P(WaysOut, are_no_links_to_programs)
+{
+	for (const bool isSandbox : {true, false}) {
+		support::TempFolder folder;
+		ReceiverFolder receiver;
+		receiver.write("bin/busybox", "#!/bin/sh\necho theirs\n", true);
+		for (const char *target : {"/bin/busybox", "busybox"}) {
+			fs::remove(receiver / "bin/ps");
+			fs::create_symlink(target, receiver / "bin/ps");
+			support::run({"chmod", "-R", "a+rwX", receiver.path()});
+			Command command = asUser();
+			const Command noSandbox = {"unshare", "--map-root-user", "sh", "-c",
+			                           "echo 0 >/proc/sys/user/max_mnt_namespaces; exec \"$0\" \"$@\""};
+			if (!isSandbox)
+				command.insert(command.end(), noSandbox.begin(), noSandbox.end());
+			command.insert(command.end(), {support::deskhostPath(), "--screen", "none", "--plugin",
+			                               REACHES_OUT, "--root", receiver.path()});
+			outcome = support::run(command, {{"REACH", "pipe"}, {"ON", "ps"}});
+			const bool isRun = isSandbox || *target != '/';
+			EXPECT_EQ(outcome.err.find("popen: theirs") != outcome.err.npos, isRun) << outcome.err;
+			EXPECT_EQ(outcome.err.find("make it a relative link: ps") != outcome.err.npos, !isRun)
+				<< outcome.err;
+		}
+	}
+}
+
+TEST_P(WaysOut, are_not_held_open_by_an_endless_command)
+{
+	ReceiverFolder receiver;
+	receiver.write("bin/ps", "#!/bin/sh\nwhile :; do echo more; done\n", true);
+	support::run({"chmod", "-R", "a+rwX", receiver.path()});
+	Command command = asUser();
+	command.insert(command.end(), {"timeout", "20", support::deskhostPath(), "--screen", "none", "--plugin",
+	                               REACHES_OUT, "--root", receiver.path()});
+	outcome = support::run(command, {{"REACH", "pipe"}, {"ON", "ps"}});
+	EXPECT_EQ(outcome.status, 0) << outcome.err;
+	EXPECT_NE(outcome.err.find("popen: more"), outcome.err.npos) << outcome.err;
 }
 
 INSTANTIATE_TEST_SUITE_P(As, WaysOut, testing::Bool(),
