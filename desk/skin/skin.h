@@ -42,6 +42,8 @@ public:
 
 	void setValue(const std::string &name, int value) { values[name] = value; }
 
+	bool knows(const std::string &decoration) const { return decorations.count(decoration) > 0; }
+
 	/// The decoration of that name; an unknown name gets the plainest one.
 	const Decoration &decoration(const std::string &name) const;
 

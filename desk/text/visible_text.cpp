@@ -133,14 +133,20 @@ std::vector<std::string> textRows(std::string_view text, int columns)
 	return rows;
 }
 
+int pixelsOfColumn(int rowHeight)
+{
+	return std::max(cellWidth, rowHeight * 2 / 5);
+}
+
 std::string wrapText(std::string_view text, int width, int rowHeight)
 {
-	const int column = std::max(cellWidth, rowHeight * 2 / 5);
+	const int column = pixelsOfColumn(rowHeight);
 	std::string out;
 	while (true) {
 		const size_t end = std::min(text.find('\n'), text.size());
 		bool first = true;
-		for (const std::string &row : textRows(visibleText(text.substr(0, end)), std::max(2, width / column))) {
+		for (const std::string &row :
+		     textRows(visibleText(text.substr(0, end)), std::max(2, width / column))) {
 			out.append(first ? "" : "\n").append(trimmed(row));
 			first = false;
 		}

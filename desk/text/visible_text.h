@@ -31,6 +31,9 @@ int textColumns(std::string_view text);
 /// after a blank, or within a word that has no room in a row; of an empty text one empty row.
 std::vector<std::string> textRows(std::string_view text, int columns);
 
+/// The width of a column where text is drawn in rows of that height, in pixels.
+int pixelsOfColumn(int rowHeight);
+
 /// `text` broken into lines that have room in `width` pixels, after blanks or, where a word is too long, within it.
 /// What is measured are columns, which are the same on every screen and without any font: TextStyle::whole makes
 /// up for letters that are wider. Line ends in the text stay line ends. Takes any bytes; returns the lines, as

@@ -105,6 +105,10 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 		   "Whenever the plugin's file changes, load it anew and press the same keys again, but none that\n"
 		   "killed or deleted")
 		->excludes("--plays");
+	cli.add_flag(
+		"--strict", options.strict,
+		"Fail, with status 1, when the desk host notices a mistake in the plugin, such as a text that is "
+		"cut off");
 	// An empty name is a variable that was not set, not a wish.
 	for (CLI::Option *option : cli.get_options())
 		if (option->get_items_expected_max() > 0 && option->get_name() != "--keys")

@@ -29,6 +29,7 @@ struct Options
 	std::string lang, catalogue;
 	std::string through;
 	bool watch = false;
+	bool strict = false;
 	int plays = 1;
 };
 

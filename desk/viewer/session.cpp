@@ -225,7 +225,11 @@ void Session::handle(Meaning &message)
 
 void Session::handle(Note &message)
 {
-	if (message.urgent)
+	if (message.notice) {
+		++notices;
+		NoteLog::get().add("deskhost: " + std::filesystem::path(options.plugin).filename().string() + ": " +
+		                   message.line);
+	} else if (message.urgent)
 		say(message.line);
 	else
 		NoteLog::get().add(message.line);
@@ -690,6 +694,9 @@ int Session::close()
 		return fail(status, why);
 	if (status != 0)
 		return status;
+	if (options.strict && notices > 0)
+		return fail(statusNotToItsEnd,
+		            "what was noticed about the plugin is an error with --strict; see above");
 	if (!recorded)
 		return fail(statusBadArguments, unwritten);
 	if (!noted)

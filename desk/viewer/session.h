@@ -141,6 +141,7 @@ private:
 	int secondsShown = 0, exitsWhileBusy = 0;
 	std::optional<Clock::time_point> deadline; ///< of the half that is to end
 
+	int notices = 0; ///< of mistakes in the plugin
 	int plays;
 	std::string returned; ///< what is to be printed in the end
 	int status = 0;

@@ -100,7 +100,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	} else if constexpr (isOneOf<T, Meaning>)
 		io(t.keys);
 	else if constexpr (isOneOf<T, Note>)
-		io(t.line, t.urgent);
+		io(t.line, t.urgent, t.notice);
 	else if constexpr (isOneOf<T, Call>)
 		io(t.line);
 	else if constexpr (isOneOf<T, Harm>)

@@ -101,6 +101,7 @@ struct Note
 {
 	std::string line;
 	bool urgent = false; ///< not to be missed
+	bool notice = false; ///< about a mistake in the plugin, which the line does not name
 };
 
 /// A line of the trace.

@@ -1,6 +1,7 @@
 #include "desk.h"
 
 #include "description.h"
+#include "notices.h"
 #include "state.h"
 #include "trace.h"
 
@@ -36,8 +37,23 @@ void Desk::note(const std::string &line, bool urgent)
 		std::fputs((line + '\n').c_str(), stderr);
 }
 
+void Desk::notice(const eWidget &widget, const std::string &what)
+{
+	const std::string line = Trace::get().nameOf(&widget) + ": " + what;
+	if (!noticed.insert(what).second)
+		return;
+	if (viewer)
+		viewer->send(Note{line, false, true});
+	else
+		note(line);
+}
+
 void Desk::endRun()
 {
+	for (const eWidget *window : openWindows.visible())
+		notice(*window,
+		       "the window is still shown after plugin_exec has returned; hide() it, or end its life: \"" +
+		           State::of(*window).text + '"');
 	openWindows.forgetAll();
 	question = 0; // should an exception have left it
 	showFrame(false);
@@ -73,6 +89,7 @@ bool Desk::run(eWidget &window)
 Key Desk::nextKey()
 {
 	const Trace::Quiet waiting;
+	lookForMistakes(openWindows);
 	showFrame(true);
 	for (;;) {
 		const std::optional<ToHost> message = viewer ? viewer->receive() : std::nullopt;

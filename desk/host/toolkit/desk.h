@@ -6,6 +6,7 @@
 #include "skin.h"
 #include "windows.h"
 
+#include <set>
 #include <string>
 
 namespace desk
@@ -39,6 +40,9 @@ public:
 	/// reported. `urgent`: it must not be missed.
 	void note(const std::string &line, bool urgent = false);
 
+	/// Says once that the plugin does with that widget what can hardly be meant, and what to do.
+	void notice(const eWidget &widget, const std::string &what);
+
 	/// To be asked before the plugin does harm: kills or deletes. False when it must not be done, because
 	/// nobody presses the keys.
 	bool permits(const std::string &what);
@@ -68,6 +72,7 @@ private:
 	DisplayList frame;                    ///< what the screen shows
 	unsigned question = 0, questions = 0; ///< the one that is asked, and how many have been
 	bool pressedAgain = false;
+	std::set<std::string> noticed;
 };
 
 } // namespace desk

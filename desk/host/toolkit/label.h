@@ -30,6 +30,10 @@ public:
 		bold = true;
 	}
 
+	/// Pixels of the widget's width that its text has: from `left` on.
+	int room(const eWidget::State &state) const { return state.width - left() - right(); }
+	int left() const { return look->padding + (symbol ? 32 : 0); }
+
 	const Decoration *look = nullptr;
 	std::optional<ColourKey> symbol;
 	Face face = Face::columns;
@@ -37,6 +41,10 @@ public:
 	bool oneLine = false;
 	bool bold = false;
 	bool wraps = false; ///< breaks long lines instead of cutting them off
+
+private:
+	// What starts on the left may run up to the right edge.
+	int right() const { return align == Align::start ? 0 : look->padding; }
 };
 
 } // namespace desk

@@ -1,6 +1,7 @@
 #include "deco.h"
 #include "desk.h"
 #include "label.h"
+#include "notices.h"
 #include "state.h"
 #include "trace.h"
 
@@ -63,17 +64,13 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 	style.rowHeight = Desk::get().fontSize();
 	style.emphasis = focused ? Emphasis::current : Emphasis::none;
 
-	int left = look->padding;
 	if (symbol) {
 		const Color colors[] = {skin.keyRed, skin.keyGreen, skin.keyYellow, skin.keyBlue};
 		const int height = std::min(style.rowHeight, state.height);
-		painter.canvas.keySymbol({area.x + left + 4, area.y + (area.h - height) / 2, 24, height}, *symbol,
-		                         colors[static_cast<int>(*symbol)]);
-		left += 32;
+		painter.canvas.keySymbol({area.x + look->padding + 4, area.y + (area.h - height) / 2, 24, height},
+		                         *symbol, colors[static_cast<int>(*symbol)]);
 	}
-	// What starts on the left may run up to the right edge.
-	const int right = align == Align::start ? 0 : look->padding;
-	const Rect inner{area.x + left, area.y, area.w - left - right, area.h};
+	const Rect inner{area.x + left(), area.y, room(state), area.h};
 
 	const std::string wrapped = wraps ? wrapText(state.text, inner.w, style.rowHeight) : std::string();
 	const std::string_view text = wraps ? std::string_view(wrapped) : std::string_view(state.text);
@@ -100,6 +97,7 @@ eDecoWidget::eDecoWidget(eWidget *parent, int takefocus, const char *name)
 	  deco(new Deco{name ? name : "", &Desk::get().skin().decoration(name ? name : "")})
 {
 	Trace::get().constructed(this, "eDecoWidget", parent, takefocus, name);
+	desk::noticeDecoration(*this, name);
 }
 
 eDecoWidget::~eDecoWidget()
@@ -130,6 +128,7 @@ eLabel::eLabel(eWidget *parent, int flags, int takefocus, const char *name)
 	behaviour->look = deco->look;
 	state->behaviour = std::move(behaviour);
 	Trace::get().constructed(this, "eLabel", parent, flags, takefocus, name);
+	desk::noticeDecoration(*this, name);
 }
 
 eLabel::~eLabel() = default;
@@ -138,6 +137,7 @@ void eLabel::setShortcutPixmap(const eString &key)
 {
 	Trace::get().call(this, "setShortcutPixmap", key);
 	static_cast<desk::LabelBehaviour &>(*state->behaviour).symbol = desk::colourKey(key);
+	desk::noticeColour(*this, "setShortcutPixmap", key);
 }
 
 eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char *name)
@@ -147,6 +147,7 @@ eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char
 	behaviour->makeButton(*deco->look);
 	state->behaviour = std::move(behaviour);
 	Trace::get().constructed(this, "eButton", parent, description, takefocus, name);
+	desk::noticeDecoration(*this, name);
 }
 
 eButton::~eButton() = default;

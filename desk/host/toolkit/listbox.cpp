@@ -3,6 +3,7 @@
 #include "deco.h"
 #include "desk.h"
 #include "list.h"
+#include "notices.h"
 #include "state.h"
 #include "trace.h"
 
@@ -22,6 +23,7 @@ eListBoxBase::eListBoxBase(eWidget *parent, const eWidget *description, int take
 {
 	list->entryHeight = std::max(1, entryHeight);
 	Trace::get().constructed(this, "eListBoxBase", parent, description, takefocus, entryHeight, decoration);
+	desk::noticeDecoration(*this, decoration);
 }
 
 eListBoxBase::~eListBoxBase()
@@ -34,14 +36,20 @@ void eListBoxBase::List::dispose()
 {
 	current = top = 0;
 	isGoing = true;
+	bool noticed = false; // there may be millions
 	// One by one: an entry's end may take others out, or delete them.
 	while (!entries.empty()) {
 		eListBoxEntry *const entry = entries.front();
 		entries.pop_front();
 		entry->listbox = nullptr;
 		// The key of a text entry is a string of its own, which nobody else releases.
-		if (const eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry))
+		const eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry);
+		if (text && text->getKey() && desk::isString(text->getKey()))
 			delete static_cast<eString *>(text->getKey());
+		else if (text && text->getKey() && !std::exchange(noticed, true))
+			Desk::get().notice(
+				box, "the key of an entry is no eString made with new, as the list box would delete: \"" +
+						 text->getText() + '"');
 		Trace::get().forget(entry);
 		delete entry;
 	}

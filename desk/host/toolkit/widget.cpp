@@ -1,4 +1,5 @@
 #include "desk.h"
+#include "notices.h"
 #include "state.h"
 #include "trace.h"
 
@@ -165,6 +166,9 @@ void eWidget::hide()
 int eWidget::exec()
 {
 	Trace::get().call(this, "exec");
+	if (!state->visible)
+		Desk::get().notice(*this, "exec() without show(): nobody sees it; call show() before: \"" +
+		                              state->text + '"');
 	state->running = true;
 	state->ended = false;
 	state->result = 0;
@@ -200,4 +204,5 @@ void eWidget::setShortcut(const eString &key)
 {
 	Trace::get().call(this, "setShortcut", key);
 	state->shortcut = key;
+	desk::noticeColour(*this, "setShortcut", key);
 }

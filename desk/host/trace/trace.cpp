@@ -34,6 +34,15 @@ void Trace::stop()
 	text.clear();
 }
 
+std::string Trace::nameOf(const void *object) const
+{
+	const auto known = objects.find(object);
+	if (known == objects.end())
+		return "an object";
+	const Object &its = known->second;
+	return its.number ? its.type + ('#' + std::to_string(its.number)) : its.type;
+}
+
 void Trace::destroyed(const void *object)
 {
 	const auto known = objects.find(object);

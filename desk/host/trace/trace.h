@@ -34,6 +34,9 @@ public:
 	/// The line of the last call.
 	const std::string &last() const { return text; }
 
+	/// What the lines call the object: "eLabel#2".
+	std::string nameOf(const void *object) const;
+
 	/// Whether the plugin's calls are written down just now.
 	bool on() const { return started && quiet == 0; }
 

@@ -95,6 +95,51 @@ TEST(Toolkit, reports_the_entry_that_becomes_current_when_one_is_taken_out)
 	EXPECT_EQ(run.widget(3, "eLabel")["text"], "three");
 }
 
+TEST(Toolkit, notices_once_what_a_plugin_can_hardly_mean)
+{
+	const support::TempFolder folder;
+	const std::string plugin = testPlugin("mistakes.so.0");
+	const DeskRun run = runDesk("", "down down exit exit", {"--plugin", plugin, "--debug", folder / "debug"});
+	const Lines expected = {
+		R"(eLabel#1: setShortcutPixmap("orange"): no colour key; the names are red, green, yellow and blue)",
+		R"(eButton#3: setShortcut("purple"): no colour key; the names are red, green, yellow and blue)",
+		R"(eLabel#4: the skin has no decoration "eFrame"; it has eLabel, eButton and eListBox)",
+		R"(eWindow#1: exec() without show(): nobody sees it; call show() before: "Mistakes")",
+		R"(eButton#2: "first" has the key "green" already, which presses only that; give it another one)",
+		R"(eLabel#1: its text is cut off, because there is room for 11 characters only: "a text that is too long")",
+		R"(eLabel#2: it has no size and is not seen; call resize(): "without a size")",
+		R"(eListBoxBase#1: the key of an entry is no eString made with new, as the list box would delete: "number")",
+		R"(eWindow#2: the window is still shown after plugin_exec has returned; hide() it, or end its life: "left")"};
+	Lines said = support::lines(run.outcome.err);
+	for (std::string &line : said)
+		line.erase(0, line.rfind("deskhost: mistakes.so.0: ", 0) == 0 ? 25 : 0);
+	EXPECT_EQ(said, expected);
+	EXPECT_EQ(support::readFile(folder / "debug"), run.outcome.err);
+	EXPECT_EQ(run.outcome.status, 0) << "they are no errors";
+	EXPECT_EQ(run.dump.size(), 5u);
+
+	const DeskRun strict = runDesk("", "down down exit exit", {"--plugin", plugin, "--strict"});
+	EXPECT_EQ(strict.outcome.status, 1);
+	EXPECT_EQ(support::lines(strict.outcome.err).back(),
+	          "deskhost: what was noticed about the plugin is an error with --strict; see above");
+}
+
+TEST(Toolkit, notices_nothing_about_the_service_menu)
+{
+	Lines languages = support::lines(support::readFile(support::sourcePath("po/LINGUAS")));
+	languages.push_back("en");
+	for (const std::string &language : languages) {
+		const support::TempFolder folder;
+		std::filesystem::copy(support::sourcePath("samples/receiver"), folder / "receiver",
+		                      std::filesystem::copy_options::recursive);
+		const DeskRun run =
+			runDesk(folder / "receiver", "1 down ok left ok exit 2 exit 3 red left ok exit 4 down exit exit",
+		            {"--lang", language, "--strict"});
+		EXPECT_EQ(run.outcome.status, 0) << language << run.outcome.err;
+		EXPECT_EQ(run.outcome.err.find("vexlomenu.so.0: "), std::string::npos) << run.outcome.err;
+	}
+}
+
 TEST(Toolkit, empties_a_list_entry_by_entry)
 {
 	const DeskRun run =
