@@ -1,5 +1,6 @@
 #include "recorder.h"
 
+#include "key.h"
 #include "pixel_canvas.h"
 
 #include <unistd.h>
@@ -7,9 +8,28 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <vector>
 
 namespace desk
 {
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// Whether a file is called as pictures are: "07-ok.png".
+bool isPicture(const fs::path &path)
+{
+	const std::string name = path.stem();
+	const size_t digits = name.find_first_not_of("0123456789");
+	if (path.extension() != ".png" || digits == std::string::npos || digits < 2 || name[digits] != '-')
+		return false;
+	const std::string after = name.substr(digits + 1);
+	return after == "start" || keyNamed(after);
+}
+
+} // namespace
 
 Recorder::~Recorder()
 {
@@ -21,14 +41,21 @@ Recorder::~Recorder()
 bool Recorder::openPictures(const std::string &folder, std::string &error)
 {
 	std::error_code failed;
-	std::filesystem::create_directories(folder, failed);
-	const bool exists = std::filesystem::is_directory(folder, failed);
+	fs::create_directories(folder, failed);
+	const bool exists = fs::is_directory(folder, failed);
 	if (!exists || access(folder.c_str(), W_OK | X_OK) != 0) {
 		const char *why = exists ? std::strerror(errno) : "it is no folder and cannot be made one";
 		error =
 			"cannot write pictures to '" + folder + "': " + why + "; name a writable folder with --pictures";
 		return false;
 	}
+	// Those of an earlier run with more keys would be taken for this one's.
+	std::vector<fs::path> earlier;
+	for (const fs::directory_entry &entry : fs::directory_iterator(folder, failed))
+		if (isPicture(entry.path()))
+			earlier.push_back(entry.path());
+	for (const fs::path &path : earlier)
+		fs::remove(path, failed);
 	pictures = folder;
 	return true;
 }
@@ -77,7 +104,7 @@ void Recorder::record(const std::string &after, const std::string &windows, cons
 			count.insert(0, 1, '0');
 		const std::string path = pictures + '/' + count + '-' + after + ".png";
 		std::error_code failed;
-		std::filesystem::remove(path, failed); // it may be a link
+		fs::remove(path, failed); // it may be a link
 		PixelCanvas canvas;
 		picture.draw(canvas, wholeScreen);
 		std::string error;

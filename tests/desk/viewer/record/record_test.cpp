@@ -35,6 +35,24 @@ TEST(Recorder, writes_a_picture_and_a_line_for_the_start_and_every_key)
 	EXPECT_EQ(run.dump.back()["windows"].size(), 0u);
 }
 
+TEST(Recorder, removes_the_pictures_of_an_earlier_run_and_nothing_else)
+{
+	ReceiverFolder receiver;
+	TempFolder pictures;
+	for (const char *name : {"03-down.png", "104-ok.png", "05-7.png", "06-start.png"})
+		pictures.write(name, "old");
+	const Lines kept = {"1-ok.png", "07-mine.png", "holiday.png", "08-ok.txt", "09-.png"};
+	for (const std::string &name : kept)
+		pictures.write(name, "mine");
+	EXPECT_EQ(runDesk(receiver.path(), "exit", {"--pictures", pictures.path()}).outcome.status, 0);
+	std::set<std::string> left;
+	for (const auto &entry : std::filesystem::directory_iterator(pictures.path()))
+		left.insert(entry.path().filename());
+	std::set<std::string> expected(kept.begin(), kept.end());
+	expected.insert({"00-start.png", "01-exit.png"});
+	EXPECT_EQ(left, expected);
+}
+
 TEST(Recorder, reports_a_picture_that_does_not_fit_and_leaves_no_part_of_it)
 {
 	TempFolder pictures;
