@@ -42,6 +42,25 @@ bash -euo pipefail -x "$HOME/commands" 2>&1 </dev/null | tee "$HOME/output" || {
 grep -A 2 '^    eLabel#1 = ' "$source/docs/plugins.md" | sed -n 's/^    //p' | while read -r line; do
 	grep -qxF "$line" "$HOME/hello/trace" || { echo "the trace has no line $line"; exit 1; }
 done
+# The recipe for the time is one.
+cat >"$HOME/clock.cpp" <<'END'
+#include <toolkit.h>
+#include <ctime>
+extern "C" int plugin_exec()
+{
+	const time_t now = time(nullptr);
+	eDebug("%s", ctime(&now));
+	return 0;
+}
+END
+PKG_CONFIG_PATH=$(echo "$HOME"/vexlo/lib*/*/pkgconfig)
+export PKG_CONFIG_PATH
+read -ra flags < <(pkg-config --cflags vexlo-toolkit)
+g++ -std=c++17 -fPIC -shared "${flags[@]}" "$HOME/clock.cpp" -o "$HOME/clock.so.0"
+mapfile -t options <"$HOME/hello/tests/greeting/options"
+said=$("$HOME/bin/deskhost" --plugin "$HOME/clock.so.0" --screen none "${options[@]}" 2>&1)
+[[ $said == *'Jan 31 '*2030* ]] ||
+	{ echo 'the recipe for the time shows another time'; exit 1; }
 grep -q '100% tests passed, 0 tests failed out of 1' "$HOME/output" || { echo "the manual's test did not run"; exit 1; }
 grep -qi 'guten abend' "$HOME/hello/dump" || { echo "the manual's plugin does not speak German"; exit 1; }
 echo 'every command works'
