@@ -60,8 +60,8 @@ install(FILES docs/pictures/receiver.png
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev
         USE_SOURCE_PERMISSIONS COMPONENT dev)
 
-# The example takes this tree for installed, to be built and tested wherever the tree is.
-function(vexlo_add_example name)
+# The examples take this tree for installed, to be built and tested wherever the tree is.
+function(vexlo_add_examples)
   set(folder ${CMAKE_BINARY_DIR}/toolkit)
   file(MAKE_DIRECTORY ${folder})
   foreach(file IN ITEMS cmake/toolkit/check-entry cmake/toolkit/plugin.map src/toolkit/econtract.cpp)
@@ -84,8 +84,10 @@ function(vexlo_add_example name)
        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
   set(VEXLO_DESKHOST ${folder}/deskhost)
   set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
-  add_subdirectory(examples/${name})
+  foreach(name IN LISTS ARGN)
+    add_subdirectory(examples/${name})
+  endforeach()
 endfunction()
 if(BUILD_TESTING)
-  vexlo_add_example(network)
+  vexlo_add_examples(favourites network)
 endif()

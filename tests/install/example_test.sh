@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds the example plugin outside of the tree, against what the packages install and nothing else, and runs
+# Builds the example plugins outside of the tree, against what the packages install and nothing else, and runs
 # its tests; then sees that they can fail. Arguments: the source folder, the folder with the packages.
 set -euo pipefail
 
@@ -24,6 +24,12 @@ if grep -rl "$1/" "$place/build" --include=build.ninja; then
 fi
 step ctest --test-dir "$place/build" --output-on-failure --no-tests=error
 grep 'tests passed' "$place/log"
+
+cp -R "$1/examples/favourites" "$place/favourites"
+step cmake -S "$place/favourites" -B "$place/favourites/build" -G Ninja \
+	-DCMAKE_CXX_FLAGS='-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror'
+step cmake --build "$place/favourites/build"
+step ctest --test-dir "$place/favourites/build" --output-on-failure --no-tests=error
 
 readelf --notes "$place/build/network.so.0" | grep -q Vexlo || { echo "the example has no note of its contract"; exit 1; }
 strip "$place/build/network.so.0"
@@ -73,3 +79,24 @@ if ctest --test-dir "$place/build" >"$place/log" 2>&1; then
 	echo "the example's tests pass whatever the receiver prints"
 	exit 1
 fi
+
+# A difference is shown widget by widget, and what was written or printed is compared as well.
+echo 'said before' >"$place/favourites/tests/receiver/said"
+differs() # WHAT COMMAND...: changes a copy of the test, and sees that golden-test says so in a line with WHAT
+{
+	local what=$1
+	shift
+	rm -rf "$place/changed" "$place/results"
+	mkdir "$place/changed"
+	cp -R "$place/favourites/tests/edits" "$place/favourites/tests/receiver" "$place/changed"
+	(cd "$place/changed" && "$@")
+	golden-test --results "$place/results" "$place/changed/edits" --plugin "$place/favourites/build/favourites.so.0" \
+		--serve /var/favourites --serve /var/favourites.new >"$place/log" 2>&1 && { echo "golden-test takes: $*"; exit 1; }
+	grep -qF -- "$what" "$place/log" || { cat "$place/log"; echo "golden-test does not show: $what"; exit 1; }
+}
+differs '-    {"class":"eButton","rect":[450,250,135,40],"text":"keep"' sed -i 's/"text":"save"/"text":"keep"/' edits/dump
+[[ $(grep -c '^+ ' "$place/log") == "$(wc -w < <(sed 's/#.*//' "$place/changed/edits/keys"))" ]] ||
+	{ cat "$place/log"; echo 'golden-test shows widgets that are as expected'; exit 1; }
+differs '-Theatres' sed -i 's/Theatre/Theatres/' edits/written/var/favourites
+differs '-said before' cp receiver/said edits/errors
+differs "+++ $place/results/written/var/another" cp receiver/var/favourites edits/written/var/another

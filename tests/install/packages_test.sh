@@ -33,6 +33,7 @@ has libvexlo-toolkit-dev usr/include/vexlo-toolkit/toolkit.h "$lib/cmake/VexloTo
 	"$lib/pkgconfig/vexlo-toolkit.pc" usr/bin/golden-test usr/bin/deskhost-new \
 	usr/share/doc/libvexlo-toolkit-dev/html/classeWidget.html \
 	usr/share/doc/libvexlo-toolkit-dev/docs/plugins.md \
+	usr/share/doc/libvexlo-toolkit-dev/examples/favourites/favourites.cpp \
 	usr/share/doc/libvexlo-toolkit-dev/examples/network/network.cpp
 
 needs() # PACKAGE WORD...

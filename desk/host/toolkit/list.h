@@ -24,7 +24,11 @@ struct eListBoxBase::List
 {
 	explicit List(eListBoxBase &of) : box(of) {}
 
-	static List &of(const eListBoxBase &box) { return *box.list; }
+	static List &of(const eListBoxBase &box)
+	{
+		box.list->keepInRange();
+		return *box.list;
+	}
 
 	const eListBoxEntry *currentEntry() const
 	{
@@ -53,7 +57,8 @@ struct eListBoxBase::List
 	/// Deletes all entries with their keys, without being called back by them.
 	void dispose();
 
-	/// Keeps `current` and `top` within the entries.
+	/// Keeps `current` and `top` within the entries. Due before anything is shown or done, and not before: the list
+	/// keeps its place on the screen while entries go and come back.
 	void keepInRange();
 
 	eListBoxBase &box;

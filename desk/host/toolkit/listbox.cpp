@@ -131,7 +131,6 @@ void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 		list->current = atTop ? 0 : list->count() - 1;
 	else if (atTop && list->count() > 1)
 		++list->current; // it stays on the entry it was on
-	list->keepInRange();
 }
 
 void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
@@ -145,7 +144,7 @@ void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
 	if (index < list->current)
 		--list->current;
 	list->entries.erase(place);
-	list->keepInRange();
+	list->current = std::clamp(list->current, 0, std::max(0, list->count() - 1));
 	entry->listbox = nullptr; // it outlives the list now, perhaps
 	if (*list->chosen == entry)
 		*list->chosen = nullptr;
@@ -160,11 +159,11 @@ void eListBoxBase::lostFocus() {}
 void eListBoxBase::recalcClientRect()
 {
 	eDecoWidget::recalcClientRect();
-	list->keepInRange();
 }
 
 int eListBoxBase::eventHandler(const eWidgetEvent &event)
 {
+	list->keepInRange();
 	const int count = list->count();
 	const int page = list->rows();
 	switch (event.key) {
@@ -209,6 +208,7 @@ int eListBoxBase::eventHandler(const eWidgetEvent &event)
 
 void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 {
+	list->keepInRange();
 	desk::Canvas &canvas = target->canvas;
 	const desk::Decoration &look = *deco->look;
 	const Rect area{target->x, target->y, state->width, state->height};
