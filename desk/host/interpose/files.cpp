@@ -203,4 +203,23 @@ int Files::unlink(const char *path) const
 	return next<int(const char *)>("unlink")(isServed(path) ? meant(path).c_str() : path);
 }
 
+int Files::rename(const char *from, const char *to) const
+{
+	if (root < 0 || (!isServed(from) && !isServed(to)))
+		return next<int(const char *, const char *)>("rename")(from, to);
+	if (!isServed(from) || !isServed(to)) {
+		errno = EXDEV; // one of them is this computer's
+		return -1;
+	}
+	const std::filesystem::path old = normal(from), fresh = normal(to);
+	const int oldFolder = openInRoot(root, old.parent_path().c_str(), O_PATH | O_DIRECTORY);
+	const int newFolder = openInRoot(root, fresh.parent_path().c_str(), O_PATH | O_DIRECTORY);
+	const int result = oldFolder < 0 || newFolder < 0
+	                       ? -1
+	                       : renameat(oldFolder, old.filename().c_str(), newFolder, fresh.filename().c_str());
+	closeKeepingErrno(oldFolder);
+	closeKeepingErrno(newFolder);
+	return result;
+}
+
 } // namespace desk

@@ -28,6 +28,7 @@ public:
 	FILE *open(const char *path, const char *mode) const;
 	int remove(const char *path) const;
 	int unlink(const char *path) const;
+	int rename(const char *from, const char *to) const;
 
 private:
 	bool isServed(const char *path) const;

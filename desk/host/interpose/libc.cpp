@@ -10,10 +10,14 @@
 #include "texts.h"
 #include "trace.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <clocale>
+#include <cstdarg>
 #include <cstdlib>
 #include <libintl.h>
 #include <string_view>
@@ -45,6 +49,14 @@ void traceClosing(const FILE *stream, const char *what, int result)
 	if (byPlugin())
 		Trace::get().line(std::string(what) + (stream ? "(stream) = " : "(null) = ") +
 		                  std::to_string(result));
+}
+
+/// The last argument of open(), which is there when a file is made. Traces what is opened for writing.
+mode_t modeFor(const char *path, int flags, va_list values)
+{
+	if ((flags & O_ACCMODE) != O_RDONLY)
+		trace("open", path, "w");
+	return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE ? va_arg(values, mode_t) : 0;
 }
 
 /// Whether the caller may delete this: a plugin's own temporary files are no loss.
@@ -100,6 +112,45 @@ int unlink(const char *path) noexcept
 {
 	trace("unlink", path);
 	return mayDelete(path) ? Files::get().unlink(path) : -1;
+}
+
+int rename(const char *from, const char *to) noexcept
+{
+	trace("rename", from, to);
+	return Files::get().rename(from, to);
+}
+
+int mkdir(const char *path, mode_t mode) noexcept
+{
+	trace("mkdir", path);
+	return next<int(const char *, mode_t)>("mkdir")(path, mode);
+}
+
+int rmdir(const char *path) noexcept
+{
+	trace("rmdir", path);
+	return mayDelete(path) ? next<int(const char *)>("rmdir")(path) : -1;
+}
+
+int open(const char *path, int flags, ...)
+{
+	static const auto real = next<int(const char *, int, ...)>("open"); // signal handlers call this as well
+	va_list values;
+	va_start(values, flags);
+	const mode_t mode = modeFor(path, flags, values);
+	va_end(values);
+	return real(path, flags, mode);
+}
+
+// What open is called where files may be larger than the machine's long.
+int open64(const char *path, int flags, ...)
+{
+	static const auto real = next<int(const char *, int, ...)>("open64");
+	va_list values;
+	va_start(values, flags);
+	const mode_t mode = modeFor(path, flags, values);
+	va_end(values);
+	return real(path, flags, mode);
 }
 
 int system(const char *command)

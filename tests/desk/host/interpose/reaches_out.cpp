@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
@@ -108,6 +109,11 @@ void reachFarther(const char *how, const char *on)
 			fclose(file);
 		}
 		eDebug("rename: %d", rename("/var/scaning.new", on));
+	}
+	if (!strcmp(how, "folders")) {
+		const int made = mkdir(on, 0777);
+		const int there = access(on, W_OK);
+		eDebug("folders: %d %d %d", made, there, rmdir(on));
 	}
 	if (!strcmp(how, "truncate"))
 		eDebug("truncate: %d", truncate(on, 0));

@@ -79,6 +79,37 @@ TEST(Root, serves_writing_and_unlinking_as_well)
 	EXPECT_EQ(run.trace.front(), R"(unlink("/var/scaning.log"))");
 }
 
+TEST(Root, serves_renaming_and_traces_what_changes_files)
+{
+	ReceiverFolder receiver;
+	receiver.scanLog("old");
+	const support::Lines saved = {R"(fopen("/var/scaning.new", "w") = stream)", "fclose(stream) = 0",
+	                              R"(rename("/var/scaning.new", "/var/scaning.log"))",
+	                              R"(eDebug("rename: 0"))"};
+	for (const support::Lines &options : {support::Lines(), {"--through", "env"}}) {
+		support::Lines all = {"--root", receiver.path(), "--serve", "/var/scaning.new"};
+		all.insert(all.end(), options.begin(), options.end());
+		receiver.scanLog("old");
+		EXPECT_EQ(reach("rename", "/var/scaning.log", all).trace, saved);
+		EXPECT_EQ(readFile(receiver / "var/scaning.log"), "saved");
+		EXPECT_FALSE(exists(receiver / "var/scaning.new"));
+	}
+	DeskRun run = reach("rename", "/var/elsewhere",
+	                    {"--root", receiver.path(), "--serve", "/var/scaning.new", "--through", "env"});
+	EXPECT_EQ(run.trace.back(), R"(eDebug("rename: -1"))") << "not out of the folder";
+	EXPECT_FALSE(exists("/var/elsewhere"));
+
+	run = reach("open", "/var/made", {"--root", receiver.path()});
+	EXPECT_EQ(run.trace, support::Lines({R"(open("/var/made", "w"))", R"(eDebug("open: 0"))"}));
+	std::error_code failed;
+	EXPECT_EQ(std::filesystem::status(receiver / "var/made", failed).permissions() &
+	              std::filesystem::perms::owner_all,
+	          std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+	run = reach("folders", "/var/folder", {"--root", receiver.path()});
+	EXPECT_EQ(run.trace, support::Lines({R"(mkdir("/var/folder"))", R"(rmdir("/var/folder"))",
+	                                     R"(eDebug("folders: 0 0 0"))"}));
+}
+
 TEST(Root, serves_further_files)
 {
 	ReceiverFolder receiver;
