@@ -43,11 +43,7 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, std::vec
 		for (const int stream : {STDIN_FILENO, STDOUT_FILENO})
 			dup2(ends[1], stream);
 		dup2(errors, STDERR_FILENO);
-		for (const int ours : {SIGPIPE, SIGCHLD})
-			std::signal(ours, SIG_DFL);
-		sigset_t none;
-		sigemptyset(&none);
-		sigprocmask(SIG_SETMASK, &none, nullptr);
+		std::signal(SIGPIPE, SIG_DFL);
 		close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); // what this program has inherited
 		execvp(arguments[0], arguments.data());
 		_exit(127);

@@ -1,11 +1,12 @@
 #include "signals.h"
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 
@@ -17,10 +18,39 @@ namespace
 
 constexpr int ends[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
-bool isIgnored(int signal)
+constexpr unsigned patience = 2; // seconds
+
+volatile std::sig_atomic_t toLoop = -1; ///< the pipe to it
+volatile std::sig_atomic_t ending = 0;  ///< the signal that asks for the end
+
+void come(int signal)
+{
+	const int before = errno;
+	const auto byte = static_cast<char>(signal);
+	[[maybe_unused]] const ssize_t written = write(toLoop, &byte, 1);
+	if (Signals::isEnd(signal)) {
+		ending = signal;
+		alarm(patience);
+	}
+	errno = before;
+}
+
+void endAtLast(int)
+{
+	std::signal(ending, SIG_DFL);
+	raise(ending);
+}
+
+/// Ignored by nohup or in a script's background it stays, but children are always waited for.
+void handle(int signal, void (*by)(int))
 {
 	struct sigaction action = {};
-	return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+	if (signal != SIGCHLD && sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
+		return;
+	action = {};
+	action.sa_handler = by;
+	action.sa_flags = SA_RESTART;
+	sigaction(signal, &action, nullptr);
 }
 
 /// Orphans become children of this process.
@@ -46,30 +76,35 @@ void endDescendants()
 Signals::Signals()
 {
 	prctl(PR_SET_CHILD_SUBREAPER, 1);
-	std::signal(SIGCHLD, SIG_DFL); // ignored, there would be nothing to wait for
 	std::signal(SIGPIPE, SIG_IGN); // the other half may end at any time
-	sigset_t set;
-	sigemptyset(&set);
-	for (const int signal : {SIGCHLD, SIGWINCH, SIGCONT})
-		sigaddset(&set, signal);
-	for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGTSTP})
-		if (!isIgnored(signal)) // by nohup, or in a script's background
-			sigaddset(&set, signal);
-	sigprocmask(SIG_BLOCK, &set, nullptr);
-	file = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+	if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) == 0)
+		toLoop = pipe[1];
+	handle(SIGALRM, endAtLast);
+	for (const int signal : {SIGCHLD, SIGWINCH, SIGCONT, SIGTSTP})
+		handle(signal, come);
+	for (const int signal : ends)
+		handle(signal, come);
 }
 
 Signals::~Signals()
 {
-	close(file);
+	toLoop = -1;
+	for (const int end : pipe)
+		close(end);
 }
 
 std::optional<int> Signals::take()
 {
-	signalfd_siginfo info;
-	if (read(file, &info, sizeof info) != static_cast<ssize_t>(sizeof info))
-		return std::nullopt;
-	return static_cast<int>(info.ssi_signo);
+	if (ending) {
+		alarm(0);
+		const int signal = ending;
+		ending = 0;
+		return signal;
+	}
+	for (char signal = 0; read(pipe[0], &signal, 1) == 1;)
+		if (!isEnd(signal))
+			return signal;
+	return std::nullopt;
 }
 
 bool Signals::isEnd(int signal)
@@ -80,17 +115,25 @@ bool Signals::isEnd(int signal)
 	return false;
 }
 
+EndsAtOnce::EndsAtOnce()
+{
+	for (const int signal : ends)
+		handle(signal, SIG_DFL);
+}
+
+EndsAtOnce::~EndsAtOnce()
+{
+	for (const int signal : ends)
+		handle(signal, come);
+}
+
 void endBy(int signal)
 {
 	endDescendants();
 	const rlimit none = {0, 0};
 	setrlimit(RLIMIT_CORE, &none); // nothing has failed
 	std::signal(signal, SIG_DFL);
-	sigset_t set;
-	sigemptyset(&set);
-	sigaddset(&set, signal);
 	raise(signal);
-	sigprocmask(SIG_UNBLOCK, &set, nullptr);
 	_exit(128 + signal);
 }
 

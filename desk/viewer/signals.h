@@ -7,7 +7,8 @@ namespace desk
 {
 
 /// The signals that concern the viewer's half, as something to wait for: HUP, INT, QUIT and TERM, which ask for its end,
-/// unless it was started without them; CHLD; and what concerns a terminal: WINCH, CONT and TSTP.
+/// unless it was started without them; CHLD; and what concerns a terminal: WINCH, CONT and TSTP. One that asks for the
+/// end and is not taken within two seconds, because a display or a terminal does not answer, ends the process.
 class Signals
 {
 public:
@@ -16,14 +17,25 @@ public:
 	Signals(const Signals &) = delete;
 	Signals &operator=(const Signals &) = delete;
 
-	int descriptor() const { return file; }
+	int descriptor() const { return pipe[0]; }
 	/// The next one that has come.
 	std::optional<int> take();
 
 	static bool isEnd(int signal);
 
 private:
-	int file;
+	int pipe[2] = {-1, -1};
+};
+
+/// While it exists, a signal that asks for the process's end ends it at once: who is stopped because the terminal is
+/// not his waits for nothing else.
+class EndsAtOnce
+{
+public:
+	EndsAtOnce();
+	~EndsAtOnce();
+	EndsAtOnce(const EndsAtOnce &) = delete;
+	EndsAtOnce &operator=(const EndsAtOnce &) = delete;
 };
 
 /// Ends what this process has left running, and this process by that signal.

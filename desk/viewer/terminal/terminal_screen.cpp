@@ -2,6 +2,7 @@
 
 #include "cell_canvas.h"
 #include "note_log.h"
+#include "signals.h"
 #include "terminal_colours.h"
 #include "visible_text.h"
 
@@ -261,8 +262,10 @@ bool TerminalScreen::start(const char *name)
 	input = fdopen(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3), "r");
 	output = fdopen(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3), "w");
 	tcgetattr(STDIN_FILENO, &modes);
-	if (input && output)
+	if (input && output) {
+		const EndsAtOnce stopped; // in the background it is, here
 		curses = newterm(name, output, input);
+	}
 	if (!curses)
 		return false;
 

@@ -302,6 +302,23 @@ TEST_F(HostInTerminal, resizing_and_ctrl_c_leave_all_in_order)
 	EXPECT_EQ(terminal.state(), "0 1 0");
 }
 
+TEST_F(HostInTerminal, starting_in_the_background_waits_for_the_foreground_or_the_end)
+{
+	Tmux terminal(80, 24);
+	const std::string background = "clear; " + host("--root " + receiver.path()) + " & wait";
+	terminal.enter(background);
+	ASSERT_TRUE(terminal.shows("Stopped"));
+	terminal.enter("kill %1; kill -CONT %1; while kill -0 $!; do sleep 0.1; done; wait $!; echo ended by $?");
+	EXPECT_TRUE(terminal.shows("ended by 143")) << "a person's kill";
+	terminal.enter(background);
+	ASSERT_TRUE(terminal.shows("Stopped"));
+	terminal.enter("fg");
+	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("status=0 $"));
+	EXPECT_EQ(terminal.state(), "0 1 0");
+}
+
 TEST_F(HostInTerminal, a_terminal_that_cannot_be_used_is_one_clear_line)
 {
 	Tmux terminal(150, 30, "dumb");

@@ -231,6 +231,25 @@ TEST_F(HostInWindow, ends_when_it_is_closed_while_a_command_runs)
 	EXPECT_EQ(program.exitStatus(), 1);
 }
 
+TEST_F(HostInWindow, ends_while_the_display_does_not_answer)
+{
+	start();
+	server.signal(SIGSTOP);
+	program.signal(SIGTERM);
+	EXPECT_EQ(program.exitStatus(), 128 + SIGTERM);
+	server.signal(SIGCONT);
+}
+
+TEST_F(HostInWindow, ends_while_the_display_does_not_answer_a_picture)
+{
+	start({"--keys", support::repeat("down ", 20000), "--plays", "1000000"});
+	server.signal(SIGSTOP);
+	std::this_thread::sleep_for(std::chrono::milliseconds(300)); // until it waits for the display
+	program.signal(SIGTERM);
+	EXPECT_EQ(program.exitStatus(), 128 + SIGTERM);
+	server.signal(SIGCONT);
+}
+
 TEST_F(HostInWindow, says_that_the_display_has_gone)
 {
 	start({}, 2);
