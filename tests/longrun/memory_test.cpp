@@ -18,4 +18,14 @@ TEST(App, says_that_there_is_not_enough_memory)
 	EXPECT_EQ(outcome.err.find("terminate"), std::string::npos) << outcome.err;
 }
 
+TEST(Through, valgrind)
+{
+	const support::ReceiverFolder receiver;
+	const support::DeskRun run = support::runDesk(
+		receiver.path(), "down exit", {"--through", "valgrind -q --error-exitcode=9 --leak-check=full"});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
+	EXPECT_EQ(run.dump.size(), 3u);
+}
+
 } // namespace

@@ -193,19 +193,6 @@ TEST(Through, a_command_that_stands_for_a_shell_elsewhere)
 	EXPECT_EQ(far.dump, near.dump);
 }
 
-TEST(Through, valgrind)
-{
-#if defined(__SANITIZE_ADDRESS__)
-	GTEST_SKIP() << "valgrind does not run what is built with a sanitizer";
-#endif
-	const support::ReceiverFolder receiver;
-	const DeskRun run = runDesk(receiver.path(), "down exit",
-	                            {"--through", "valgrind -q --error-exitcode=9 --leak-check=full"});
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
-	EXPECT_EQ(run.dump.size(), 3u);
-}
-
 TEST(Through, what_is_no_plugins_half_is_a_clear_end)
 {
 	for (const char *command : {"cat /dev/zero #", "sh -c 'echo Welcome to the box; cat' #", "true #",
