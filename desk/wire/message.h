@@ -20,16 +20,16 @@ namespace desk
 struct Start
 {
 	std::string plugin;
-	std::string root;                ///< empty: this computer is the receiver
+	std::string root; ///< empty: this computer is the receiver
 	/// The files that are in the root.
 	std::vector<std::string> served = {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"};
-	bool contained = false;          ///< they stand where they are expected, and nothing else can be changed
-	bool asIs = false;               ///< without a root: this computer's own commands and memory summary
-	std::string lang, catalogue;     ///< as on the command line
-	std::string skin;                ///< a skin file's bytes
-	int rowHeight = 0;               ///< of text, in pixels; 0: the skin's
-	bool draws = false;              ///< frames are looked at
-	bool describes = false;          ///< ... and described
+	bool contained = false;      ///< they stand where they are expected, and nothing else can be changed
+	bool asIs = false;           ///< without a root: this computer's own commands and memory summary
+	std::string lang, catalogue; ///< as on the command line
+	std::string skin;            ///< a skin file's bytes
+	int rowHeight = 0;           ///< of text, in pixels; 0: the skin's
+	bool draws = false;          ///< frames are looked at
+	bool describes = false;      ///< ... and described
 	bool traces = false;
 };
 

@@ -42,9 +42,9 @@ TEST(App, explains_itself)
 {
 	const Outcome help = deskhost({"--help"});
 	EXPECT_EQ(help.status, 0);
-	for (const char *option :
-	     {"--plugin", "--screen", "--framebuffer", "--remote", "--keys", "--pictures", "--dump", "--trace",
-	      "--root", "--skin", "--lang", "--plays", "--serve", "--as-is", "--catalogue", "--watch", "--strict"})
+	for (const char *option : {"--plugin", "--screen", "--framebuffer", "--remote", "--keys", "--pictures",
+	                           "--dump", "--trace", "--root", "--skin", "--lang", "--plays", "--serve",
+	                           "--as-is", "--catalogue", "--watch", "--strict"})
 		EXPECT_NE(help.out.find(option), std::string::npos) << option;
 	EXPECT_EQ(deskhost({"--version"}).out.rfind("deskhost ", 0), 0u);
 }
