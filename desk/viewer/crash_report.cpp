@@ -19,7 +19,7 @@ std::string demangled(const char *name)
 {
 	int status = 0;
 	char *text = abi::__cxa_demangle(name, nullptr, nullptr, &status);
-	const std::string clear = text ? text : name;
+	std::string clear = text ? text : name;
 	std::free(text);
 	return clear;
 }
@@ -56,7 +56,7 @@ public:
 private:
 	struct End
 	{
-		void operator()(Dwfl *session) const { dwfl_end(session); }
+		void operator()(Dwfl *ended) const { dwfl_end(ended); }
 	};
 
 	Dwfl_Module *moduleOf(const std::string &file)

@@ -65,7 +65,7 @@ public:
 		const int found = openInRoot(descriptor, what.c_str(), O_PATH | flags);
 		if (found < 0)
 			return {};
-		const fs::path place = pathOf(found);
+		fs::path place = pathOf(found);
 		close(found);
 		return place;
 	}

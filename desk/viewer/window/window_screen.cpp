@@ -159,9 +159,9 @@ WindowScreen::~WindowScreen()
 	// The end of the process, which is near, gives all of it back. Asked for that, SDL would wait for an answer of
 	// the display, which may be gone.
 	for (Handle<SDL_Texture> *each : {&picture, &strip, &notes})
-		each->release();
-	renderer.release();
-	window.release();
+		static_cast<void>(each->release());
+	static_cast<void>(renderer.release());
+	static_cast<void>(window.release());
 }
 
 bool WindowScreen::open(const std::string &title, std::string &error)

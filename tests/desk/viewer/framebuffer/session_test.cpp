@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <linux/input.h>
 
-#include <csignal>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -38,11 +37,6 @@ public:
 			return desk::makeFramebufferScreen({screen.path, remote.path, console.path}, why);
 		};
 		stage.openRecordings = [this](std::string &why) { return recorder.openDump(options.dump, why); };
-		// The end of the plugin's half is for the session alone.
-		sigset_t set;
-		sigemptyset(&set);
-		sigaddset(&set, SIGCHLD);
-		pthread_sigmask(SIG_BLOCK, &set, nullptr);
 		running = std::thread([this, stage] { desk::Session(options, stage, recorder).run(); });
 	}
 	~OnFramebuffer()
