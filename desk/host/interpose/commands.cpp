@@ -181,7 +181,7 @@ bool Commands::refuses(const std::string &command) const
 Commands::Running Commands::start(const char *command, int in, int out) const
 {
 	const int said = scratchFile();
-	const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+	const int nothing = openat(AT_FDCWD, "/dev/null", O_RDWR | O_CLOEXEC); // open() would be the plugin's
 	const std::string text = before + command;
 	const std::vector<char *> variables = environment(!rooted);
 	const pid_t process = fork();
