@@ -177,15 +177,15 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 		return;
 	}
 
-	// The shadow: many thin layers make it soft.
-	constexpr int reach = 10;
-	static_assert(reach + 5 <= shadowReach);
-	for (int i = reach; i > 0; --i) {
-		const Rect layer = {outer.x - i + 1, outer.y - i + 5, outer.w + 2 * i - 2, outer.h + 2 * i - 2};
-		roundedPath(to, layer, style.radius + i);
-		setSource(to, {}, 0.045);
-		cairo_fill(to);
-	}
+	// The shadow, but for what the window covers.
+	const Rect around = {outer.x - shadowReach, outer.y - shadowReach, outer.w + 2 * shadowReach,
+	                     outer.h + 2 * shadowReach};
+	const int top = outer.y + std::max(0, style.radius),
+			  bottom = std::max(top, outer.bottom() - style.radius);
+	drawShadow({around.x, around.y, around.w, top - around.y}, outer, style.radius);
+	drawShadow({around.x, top, shadowReach, bottom - top}, outer, style.radius);
+	drawShadow({outer.right(), top, shadowReach, bottom - top}, outer, style.radius);
+	drawShadow({around.x, bottom, around.w, around.bottom() - bottom}, outer, style.radius);
 
 	roundedPath(to, outer, style.radius);
 	setSource(to, style.client);
@@ -218,6 +218,23 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 	setSource(to, style.border);
 	cairo_set_line_width(to, 1);
 	cairo_stroke(to);
+}
+
+// Many thin layers make it soft.
+void PixelCanvas::drawShadow(const Rect &part, const Rect &outer, int radius)
+{
+	if (part.intersected(clipOf(s->cairo)).empty())
+		return;
+	pushClip(part);
+	constexpr int reach = 10;
+	static_assert(reach + 5 <= shadowReach);
+	for (int i = reach; i > 0; --i) {
+		const Rect layer = {outer.x - i + 1, outer.y - i + 5, outer.w + 2 * i - 2, outer.h + 2 * i - 2};
+		roundedPath(s->cairo, layer, radius + i);
+		setSource(s->cairo, {}, 0.045);
+		cairo_fill(s->cairo);
+	}
+	popClip();
 }
 
 void PixelCanvas::text(const Rect &area, std::string_view line, const TextStyle &style)

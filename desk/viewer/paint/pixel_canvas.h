@@ -35,6 +35,9 @@ public:
 	bool writePng(const std::string &path, std::string &error);
 
 private:
+	/// Draws the part of a window's shadow that is in `part`.
+	void drawShadow(const Rect &part, const Rect &outer, int radius);
+
 	struct State;
 	std::unique_ptr<State> s;
 };
