@@ -51,6 +51,8 @@ endif()
 list(APPEND code_flags -fno-exceptions)
 vexlo_append_known(compiler_flag code_flags
   -ffunction-sections -fdata-sections -fno-asynchronous-unwind-tables -fno-plt)
+# Nor does it ask a 64-bit ARM, when it is loaded, which instructions that has.
+vexlo_append_known(compiler_flag code_flags -mno-outline-atomics)
 set(link_flags -nostartfiles)
 vexlo_append_known(linker_flag link_flags
   -Wl,--gc-sections -Wl,--as-needed -Wl,--hash-style=${hash_style} -Wl,-O1 -Wl,-z,noseparate-code -Wl,-z,now)
