@@ -57,8 +57,12 @@ bool isSameFile(const fs::path &one, const fs::path &other)
 	return fs::weakly_canonical(one, failed) == fs::weakly_canonical(other, failed);
 }
 
+/// A device or a pipe is none, and reading one may wait for ever.
 bool isCatalogue(const fs::path &path)
 {
+	std::error_code failed;
+	if (!fs::is_regular_file(path, failed))
+		return false;
 	char magic[4] = {};
 	std::ifstream(path, std::ios::binary).read(magic, sizeof magic);
 	const std::string bytes(magic, sizeof magic);

@@ -108,6 +108,18 @@ TEST(App, refuses_to_record_twice_into_one_file)
 	expectRefused(shell, 2, "standard output");
 }
 
+TEST(App, records_into_a_pipe)
+{
+	TempFolder folder;
+	const std::string pipe = folder / "pipe";
+	ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+	const Outcome shell =
+		support::run({"/bin/sh", "-c",
+	                  "timeout 60 '" + support::deskhostPath() + "' --screen none --keys exit --dump '" +
+	                      pipe + "' >/dev/null 2>&1 & exec cat '" + pipe + "'"});
+	EXPECT_EQ(shell.out.rfind("{\"after\":\"start\"", 0), 0u) << shell.out;
+}
+
 TEST(App, refuses_to_record_into_what_it_reads)
 {
 	TempFolder folder;
