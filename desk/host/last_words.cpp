@@ -167,10 +167,10 @@ void onExit(int status, void *)
 	sayExit(status);
 }
 
-bool isViewerGone()
+bool isViewerGone(int patience = 0)
 {
-	pollfd end = {input, POLLIN | POLLRDHUP, 0};
-	return poll(&end, 1, 0) > 0 && (end.revents & (POLLHUP | POLLRDHUP | POLLERR)) != 0;
+	pollfd end = {input, POLLRDHUP, 0};
+	return poll(&end, 1, patience) > 0 && (end.revents & (POLLHUP | POLLRDHUP | POLLERR)) != 0;
 }
 
 void endWithoutViewer()
@@ -194,7 +194,8 @@ void onInput(int)
 /// The viewer's half has ended, or somebody wants this one to end.
 void onTerm(int signal)
 {
-	if (isViewerGone())
+	// A console hangs up while the viewer's half is ending.
+	if (isViewerGone(signal == SIGHUP ? 100 : 0))
 		endWithoutViewer();
 	std::signal(signal, SIG_DFL);
 	raise(signal);
@@ -248,6 +249,7 @@ void prepareLastWords(int in, int out)
 	action.sa_handler = onTerm;
 	action.sa_flags = static_cast<int>(SA_RESTART | SA_NODEFER);
 	sigaction(SIGTERM, &action, nullptr);
+	sigaction(SIGHUP, &action, nullptr);
 	fcntl(in, F_SETOWN, getpid());
 	fcntl(in, F_SETFL, fcntl(in, F_GETFL) | O_ASYNC);
 }
