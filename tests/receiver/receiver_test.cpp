@@ -216,6 +216,21 @@ TEST_F(OnTheBoard, opens_all_screens_without_ps)
 	box->shell("umount /usr/bin");
 }
 
+TEST_F(OnTheBoard, is_a_small_box)
+{
+	EXPECT_LE(std::stoi(box->shell("awk '/^MemTotal:/ { print $2 }' /proc/meminfo")), 64 * 1024);
+	allScreensOpen("after all that");
+	const std::string resident = "cat /proc/$(pidof deskhost)/smaps_rollup "
+								 "/proc/$(pidof deskhost-plugin)/smaps_rollup | "
+								 "awk '/^Pss:/ { all += $2 } END { print all }'";
+	EXPECT_LE(std::stoi(box->shell(resident)), 16 * 1024);
+	EXPECT_LE(std::filesystem::file_size(support::sourcePath("build/receiver/squashfs")), 8u << 20);
+	EXPECT_EQ(box->shell("ls /lib | grep SDL"), "");
+	EXPECT_EQ(
+		box->shell("/opt/menu/deskhost --screen window --as-is 2>&1"),
+		"deskhost: this desk host is built without a window; use --screen terminal, framebuffer or none\n");
+}
+
 TEST_F(OnTheBoard, runs_another_plugin)
 {
 	box->shell("sed 's,--screen,--plugin /opt/menu/network.so.0 &,' /usr/sbin/menu >/tmp/network; "
