@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <cxxabi.h>
@@ -35,6 +36,8 @@ constexpr int failures[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, S
 constexpr int mostPlaces = 64;
 
 int input = -1, output = -1;
+pid_t self = 0;
+char childrenName[64]; ///< the file that lists this process's children
 char exceptionText[1000];
 std::string outOfMemory; ///< a whole message
 char consoleName[1000];
@@ -104,6 +107,8 @@ void *placeOf(const void *context)
 /// `place`: where the signal came; null: the callers of this are all there is.
 void say(int signal, int status, void *place)
 {
+	if (getpid() != self)
+		return;             // the plugin has forked: this is not its run
 	static Message message; // there may be no stack for it
 	void *stack[mostPlaces];
 	const int depth = backtrace(stack, mostPlaces);
@@ -173,8 +178,23 @@ bool isViewerGone(int patience = 0)
 	return poll(&end, 1, patience) > 0 && (end.revents & (POLLHUP | POLLRDHUP | POLLERR)) != 0;
 }
 
+/// Each leads a session of its own, with all that it has started.
+void endCommands()
+{
+	const int children = openat(AT_FDCWD, childrenName, O_RDONLY | O_CLOEXEC);
+	pid_t process = 0;
+	for (char digit; read(children, &digit, 1) == 1;)
+		if (digit >= '0' && digit <= '9')
+			process = 10 * process + (digit - '0');
+		else if (process > 0) {
+			syscall(SYS_kill, -process, SIGKILL);
+			process = 0;
+		}
+}
+
 void endWithoutViewer()
 {
+	endCommands();
 	if (consoleName[0]) {
 		// Not by open(), which would be the plugin's call, and traced.
 		const int console = openat(AT_FDCWD, consoleName, O_RDWR | O_NOCTTY | O_CLOEXEC);
@@ -221,6 +241,8 @@ void prepareLastWords(int in, int out)
 {
 	input = in;
 	output = out;
+	self = getpid();
+	snprintf(childrenName, sizeof childrenName, "/proc/self/task/%d/children", static_cast<int>(self));
 	const std::string failed =
 		encode(Failed{1, "there is not enough memory; give it more (ulimit -v), or look at less"});
 	outOfMemory = lengthOf(failed.size()) + failed;

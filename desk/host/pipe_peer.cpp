@@ -5,6 +5,8 @@ namespace desk
 
 void PipePeer::send(const ToViewer &message)
 {
+	if (getpid() != self)
+		return;
 	const std::lock_guard<std::recursive_mutex> alone(sending);
 	if (isSending)
 		return; // a signal's handler in the middle of another message
@@ -16,12 +18,13 @@ void PipePeer::send(const ToViewer &message)
 
 std::optional<ToHost> PipePeer::receive()
 {
-	for (;;) {
+	while (getpid() == self) {
 		if (const std::optional<std::string> bytes = channel.next())
 			return decodeToHost(*bytes);
 		if (channel.isBroken() || channel.read() == Channel::Came::end)
 			return std::nullopt;
 	}
+	_exit(0);
 }
 
 } // namespace desk

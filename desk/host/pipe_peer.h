@@ -4,12 +4,16 @@
 #include "channel.h"
 #include "peer.h"
 
+#include <sys/types.h>
+#include <unistd.h>
+
 #include <mutex>
 
 namespace desk
 {
 
-/// The viewer's half at the other end of two descriptors.
+/// The viewer's half at the other end of two descriptors. A copy of this process, which a plugin may make, does not
+/// reach it, and ends when it waits for it.
 class PipePeer : public Peer
 {
 public:
@@ -19,6 +23,7 @@ public:
 	std::optional<ToHost> receive() override;
 
 private:
+	const pid_t self = getpid();
 	Channel channel;
 	std::recursive_mutex sending; ///< a plugin may have threads
 	bool isSending = false;

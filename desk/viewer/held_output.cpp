@@ -1,7 +1,5 @@
 #include "held_output.h"
 
-#include "visible_text.h"
-
 #include <unistd.h>
 
 namespace desk
@@ -11,7 +9,6 @@ namespace
 {
 
 constexpr size_t mostLines = 1000;
-constexpr size_t mostLineBytes = 4096;
 
 void writeLine(int to, std::string text)
 {
@@ -31,31 +28,9 @@ void writeAll(int to, const char *bytes, size_t count)
 	}
 }
 
-void HeldOutput::add(const char *bytes, size_t count)
+void HeldOutput::add(const std::string &line)
 {
-	for (const char *at = bytes; at != bytes + count; ++at) {
-		if (*at == '\n')
-			endLine();
-		else if (line.size() < mostLineBytes)
-			line += *at;
-		else
-			cut = true;
-	}
-}
-
-void HeldOutput::addLine(const std::string &whole)
-{
-	if (!line.empty())
-		endLine();
-	add(whole.data(), whole.size());
-	endLine();
-}
-
-void HeldOutput::endLine()
-{
-	lines.push_back(line + (cut ? " ..." : ""));
-	line.clear();
-	cut = false;
+	lines.push_back(line);
 	if (lines.size() <= mostLines)
 		return;
 	lines.pop_front();
@@ -64,12 +39,10 @@ void HeldOutput::endLine()
 
 void HeldOutput::release(int to)
 {
-	if (!line.empty())
-		endLine();
 	if (lost > 0)
 		writeLine(to, "deskhost: earlier lines left out: " + std::to_string(lost));
 	for (const std::string &each : lines)
-		writeLine(to, localText(each));
+		writeLine(to, each);
 	lines.clear();
 	lost = 0;
 }

@@ -15,19 +15,13 @@ void writeAll(int to, const char *bytes, size_t count);
 class HeldOutput
 {
 public:
-	/// Adds any bytes; a line may come in pieces.
-	void add(const char *bytes, size_t count);
-	void addLine(const std::string &line);
+	void add(const std::string &line);
 
-	/// Writes all to a descriptor, made visible, and forgets it.
+	/// Writes all to a descriptor, and forgets it.
 	void release(int to);
 
 private:
-	void endLine();
-
 	std::deque<std::string> lines;
-	std::string line;
-	bool cut = false;
 	size_t lost = 0;
 };
 

@@ -52,17 +52,37 @@ void NoteLog::add(const std::string &bytes)
 	addToFile(bytes);
 	const std::string line = localText(bytes);
 	// One write a line: what others print beside it then falls between lines, not into them.
-	if (holding)
-		holding(line);
-	else
+	if (!holding)
 		std::fputs((line + '\n').c_str(), stderr);
 
 	size_t length = std::min(line.size(), mostBytes);
 	while (length < line.size() && length > 0 && (static_cast<unsigned char>(line[length]) & 0xC0) == 0x80)
 		--length; // not within a character
 	lines.push_back(line.substr(0, length));
+	if (holding)
+		holding(length < line.size() ? lines.back() + " ..." : lines.back());
 	if (lines.size() > mostLines)
 		lines.pop_front();
+}
+
+void NoteLog::add(const char *bytes, size_t count)
+{
+	for (const char *at = bytes; at != bytes + count; ++at) {
+		if (*at == '\n') {
+			add(begun + (cut ? " ..." : ""));
+			begun.clear();
+			cut = false;
+		} else if (begun.size() < mostBytes)
+			begun += *at;
+		else
+			cut = true;
+	}
+}
+
+void NoteLog::endLine()
+{
+	if (!begun.empty())
+		add("\n", 1);
 }
 
 std::vector<std::string> NoteLog::last(size_t most) const

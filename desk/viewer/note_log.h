@@ -30,10 +30,14 @@ public:
 
 	/// Takes any bytes: they are made visible.
 	void add(const std::string &line);
+	/// The same of what comes in pieces of any size: a line is taken when it has its end, and is cut where it is longer
+	/// than the last lines are kept. endLine() takes one that has no end.
+	void add(const char *bytes, size_t count);
+	void endLine();
 	/// Into the file only.
 	void addToFile(const std::string &line);
 
-	/// While the screen is a terminal, standard error waits: what belongs there is given to `held`. Null: no more.
+	/// While the screen is a terminal, standard error waits: what belongs there is given to `held`, each line as it is kept. Null: no more.
 	void holdBack(std::function<void(const std::string &line)> held) { holding = std::move(held); }
 
 	/// The last lines, as many as `most`, the newest at the end.
@@ -44,6 +48,8 @@ public:
 
 private:
 	std::deque<std::string> lines;
+	std::string begun; ///< a line without its end
+	bool cut = false;  ///< it has more
 	std::function<void(const std::string &line)> holding;
 	FILE *file = nullptr;
 	bool whole = true;

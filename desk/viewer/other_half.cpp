@@ -1,5 +1,7 @@
 #include "other_half.h"
 
+#include "signals.h"
+
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -43,7 +45,8 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, std::vec
 		for (const int stream : {STDIN_FILENO, STDOUT_FILENO})
 			dup2(ends[1], stream);
 		dup2(errors, STDERR_FILENO);
-		std::signal(SIGPIPE, SIG_DFL);
+		for (const int ignored : {SIGPIPE, SIGXFSZ})
+			std::signal(ignored, SIG_DFL);
 		close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); // what this program has inherited
 		execvp(arguments[0], arguments.data());
 		_exit(127);
@@ -66,6 +69,8 @@ OtherHalf::~OtherHalf()
 		if (waitpid(process, &how, 0) == process || errno != EINTR)
 			hasEnded(how);
 	}
+	if (!inSandbox && *status != 0)
+		endDescendants();                              // of a command that ran, all but its shell are left
 	while (inSandbox && waitpid(-1, nullptr, 0) > 0) { // the first process of the sandbox, which ends now
 	}
 }

@@ -57,7 +57,7 @@ Session::Session(const Options &given, Stage of, Recorder &records)
 int Session::run()
 {
 	if (stage.holdsErrorsBack)
-		NoteLog::get().holdBack([this](const std::string &line) { held.addLine(line); });
+		NoteLog::get().holdBack([this](const std::string &line) { held.add(line); });
 	std::string error;
 	if (pipe2(errors, O_CLOEXEC | O_NONBLOCK) != 0)
 		finish(statusNotToItsEnd, std::string("cannot start: ") + std::strerror(errno));
@@ -144,7 +144,7 @@ void Session::listen()
 		std::visit([this](auto &kind) { handle(kind); }, *message);
 	}
 	if (half && half->isBroken())
-		giveUp("what comes from its half are no messages");
+		giveUp("what comes from its half are no messages, or one is larger than 64 MB");
 }
 
 bool Session::openScreen()
@@ -235,6 +235,12 @@ void Session::handle(Note &message)
 		NoteLog::get().add(message.line);
 }
 
+void Session::handle(Said &)
+{
+	readErrors();
+	NoteLog::get().endLine();
+}
+
 void Session::handle(Call &message)
 {
 	if (openScreen() && openRecordings())
@@ -251,6 +257,7 @@ void Session::handle(Harm &message)
 
 void Session::handle(Returned &message)
 {
+	readErrors();
 	returned += lineFor(message.result);
 	std::string rest;
 	for (const Key key : script)
@@ -316,7 +323,9 @@ void Session::lookForEnd()
 
 void Session::reportEnd(const CrashReport &report)
 {
+	readErrors();
 	NoteLog &notes = NoteLog::get();
+	notes.endLine();
 	notes.add("deskhost: the plugin has not run to its end");
 	for (const std::string &line : report.lines)
 		notes.add("deskhost: " + line);
@@ -588,8 +597,6 @@ void Session::wait()
 	                 {watch ? watch->descriptor() : -1, POLLIN, 0},
 	                 {screen ? screen->descriptor() : -1, POLLIN, 0}};
 	poll(ends, std::size(ends), patience());
-	if (ends[2].revents)
-		readErrors();
 	if (ends[0].revents)
 		handleSignals();
 	if (state == State::over)
@@ -599,6 +606,8 @@ void Session::wait()
 		half->read();
 		listen();
 	}
+	if (ends[2].revents) // after the notes, which came before what a command prints
+		readErrors();
 	if (watch && ends[3].revents)
 		watch->look();
 	if (screen && state != State::over)
@@ -639,10 +648,7 @@ void Session::readErrors()
 	char bytes[4096];
 	ssize_t count = 0;
 	for (int pieces = 0; pieces < 16 && (count = read(errors[0], bytes, sizeof bytes)) > 0; ++pieces)
-		if (stage.holdsErrorsBack)
-			held.add(bytes, static_cast<size_t>(count));
-		else
-			writeAll(STDERR_FILENO, bytes, static_cast<size_t>(count));
+		NoteLog::get().add(bytes, static_cast<size_t>(count));
 }
 
 void Session::handleSignals()
@@ -673,13 +679,14 @@ void Session::finish(int exitStatus, const std::string &reason)
 int Session::close()
 {
 	half.reset();
+	readErrors();
+	NoteLog::get().endLine();
 	screen.reset();
 	NoteLog::get().holdBack(nullptr);
-	readErrors();
 	if (stage.holdsErrorsBack) {
-		held.add(returned.data(), returned.size());
-		returned.clear();
 		held.release(STDERR_FILENO);
+		writeAll(STDERR_FILENO, returned.data(), returned.size());
+		returned.clear();
 	}
 	std::string unwritten;
 	const bool recorded = recorder.close(unwritten);

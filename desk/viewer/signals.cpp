@@ -53,7 +53,8 @@ void handle(int signal, void (*by)(int))
 	sigaction(signal, &action, nullptr);
 }
 
-/// Orphans become children of this process.
+} // namespace
+
 void endDescendants()
 {
 	for (const int signal : {SIGTERM, SIGKILL})
@@ -71,12 +72,11 @@ void endDescendants()
 		}
 }
 
-} // namespace
-
 Signals::Signals()
 {
 	prctl(PR_SET_CHILD_SUBREAPER, 1);
 	std::signal(SIGPIPE, SIG_IGN); // the other half may end at any time
+	std::signal(SIGXFSZ, SIG_IGN); // writing says that a file is too large
 	if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) == 0)
 		toLoop = pipe[1];
 	handle(SIGALRM, endAtLast);

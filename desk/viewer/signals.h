@@ -38,7 +38,10 @@ public:
 	EndsAtOnce &operator=(const EndsAtOnce &) = delete;
 };
 
-/// Ends what this process has left running, and this process by that signal.
+/// Ends the children of this process, and with them what their children leave: orphans become children of it.
+void endDescendants();
+
+/// The same, and ends this process by that signal.
 [[noreturn]] void endBy(int signal);
 
 } // namespace desk

@@ -12,6 +12,14 @@ namespace desk
 constexpr int screenWidth = 720;
 constexpr int screenHeight = 576;
 
+/// Nothing on a screen is farther away than this, and no sum of such numbers overflows.
+constexpr int farthest = 1 << 20;
+
+constexpr int bounded(int pixels)
+{
+	return pixels < -farthest ? -farthest : pixels > farthest ? farthest : pixels;
+}
+
 /// A rectangle in screen pixels; `w` and `h` may be zero, then nothing is drawn.
 struct Rect
 {

@@ -15,9 +15,6 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-// Nothing on a screen is farther away than this, and no sum of such numbers overflows.
-constexpr int farthest = 1 << 20;
-
 constexpr Key last(Key)
 {
 	return Key::digit9;
@@ -112,7 +109,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Crash>)
 		io(t.signal, t.status, t.what, t.call, t.stack);
 	else
-		static_assert(isOneOf<T, Load, Loaded>, "every kind has its values");
+		static_assert(isOneOf<T, Load, Loaded, Said>, "every kind has its values");
 }
 
 /// Writes values one after another.
@@ -163,7 +160,7 @@ public:
 	template <class... Numbers> void pixels(Numbers &...numbers)
 	{
 		(one(numbers), ...);
-		((numbers = std::clamp(numbers, -farthest, farthest)), ...);
+		((numbers = bounded(numbers)), ...);
 	}
 
 	/// A JSON text, or none.

@@ -104,6 +104,11 @@ struct Note
 	bool notice = false; ///< about a mistake in the plugin, which the line does not name
 };
 
+/// A command of the plugin's has ended, and all that it has printed is to be read before what follows.
+struct Said
+{
+};
+
 /// A line of the trace.
 struct Call
 {
@@ -139,7 +144,7 @@ struct Crash
 	std::vector<Place> stack; ///< the innermost place first
 };
 
-using ToViewer = std::variant<Loaded, Failed, Frame, Meaning, Note, Call, Harm, Returned, Crash>;
+using ToViewer = std::variant<Loaded, Failed, Frame, Meaning, Note, Call, Harm, Returned, Crash, Said>;
 
 /// No message has more bytes.
 constexpr size_t mostMessageBytes = 64 << 20;

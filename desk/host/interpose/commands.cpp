@@ -5,7 +5,6 @@
 #include "trace.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,7 +13,6 @@
 #include <cctype>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -70,20 +68,6 @@ std::string scriptAt(const std::string &path)
 void report(const std::string &what)
 {
 	Desk::get().note(what + " (reported only: with --root nobody is signalled)");
-}
-
-/// A file without a name, for reading and writing; -1: there is no room for one.
-int scratchFile()
-{
-	const int inMemory = memfd_create("output", MFD_CLOEXEC);
-	if (inMemory >= 0)
-		return inMemory;
-	const Trace::Quiet closing;
-	FILE *file = std::tmpfile(); // a kernel before 3.17
-	const int descriptor = file ? fcntl(fileno(file), F_DUPFD_CLOEXEC, 3) : -1;
-	if (file)
-		fclose(file);
-	return descriptor;
 }
 
 /// This process's environment. Without a PATH in it, a shell does not export the one that it is given:
@@ -178,9 +162,8 @@ bool Commands::refuses(const std::string &command) const
 	return rooted;
 }
 
-Commands::Running Commands::start(const char *command, int in, int out) const
+pid_t Commands::start(const char *command, int in, int out) const
 {
-	const int said = scratchFile();
 	const int nothing = openat(AT_FDCWD, "/dev/null", O_RDWR | O_CLOEXEC); // open() would be the plugin's
 	const std::string text = before + command;
 	const std::vector<char *> variables = environment(!rooted);
@@ -188,34 +171,25 @@ Commands::Running Commands::start(const char *command, int in, int out) const
 	if (process == 0) {
 		prctl(PR_SET_PDEATHSIG, SIGKILL); // no command outlives the desk host
 		dup2(in < 0 ? nothing : in, STDIN_FILENO);
-		dup2(out >= 0 ? out : said < 0 ? nothing : said, STDOUT_FILENO);
-		dup2(said < 0 ? nothing : said, STDERR_FILENO);
-		if (rooted)
-			setsid(); // what signals its own group signals nobody else
+		dup2(out < 0 ? STDERR_FILENO : out, STDOUT_FILENO);
+		if (!before.empty()) // else ps is this computer's, which lists the processes of its own terminal
+			setsid();        // what signals its own group signals nobody else, and none reaches the terminal
 		execle("/bin/sh", "sh", "-c", text.c_str(), static_cast<char *>(nullptr), variables.data());
 		_exit(notFound);
 	}
+	if (process < 0) // a screen that stays empty is to be understood
+		Desk::get().note("deskhost: cannot run '" + std::string(command) + "': " + std::strerror(errno));
 	::close(nothing);
-	return {process, said};
+	return process;
 }
 
-int Commands::finish(const Running &command) const
+int Commands::finish(pid_t process) const
 {
-	const Trace::Quiet reading;
 	int status = -1;
-	while (command.process > 0 && waitpid(command.process, &status, 0) < 0 && errno == EINTR) {
+	while (process > 0 && waitpid(process, &status, 0) < 0 && errno == EINTR) {
 	}
 	Desk &desk = Desk::get();
-	FILE *said = fdopen(command.said, "r");
-	if (!said) // nothing was kept: see scratchFile()
-		return status;
-	rewind(said);
-	char *line = nullptr;
-	size_t room = 0;
-	for (ssize_t length; (length = getline(&line, &room, said)) > 0;)
-		desk.note(std::string(line, static_cast<size_t>(length)));
-	free(line);
-	fclose(said);
+	desk.said();
 	if (rooted && WIFEXITED(status) &&
 	    (WEXITSTATUS(status) == notFound || WEXITSTATUS(status) == notExecutable))
 		desk.note("deskhost: with --root, commands are those in its bin; there this one cannot be run");
@@ -237,7 +211,7 @@ FILE *Commands::open(const char *command, const char *type)
 		return nullptr;
 	const int theirs = ends[reads ? 1 : 0], ours = ends[reads ? 0 : 1];
 	const char *what = refuses(command) ? ":" : command;
-	const Running running = start(what, reads ? -1 : theirs, reads ? theirs : -1);
+	const pid_t running = start(what, reads ? -1 : theirs, reads ? theirs : -1);
 	::close(theirs);
 	FILE *stream = fdopen(ours, reads ? "r" : "w");
 	const std::lock_guard<std::mutex> alone(changing);
@@ -247,7 +221,7 @@ FILE *Commands::open(const char *command, const char *type)
 
 int Commands::close(FILE *stream)
 {
-	Running running = {};
+	pid_t running = -1;
 	{
 		const std::lock_guard<std::mutex> alone(changing);
 		const auto found = streams.find(stream);

@@ -13,8 +13,8 @@ namespace desk
 
 /// The receiver's commands and processes, as the plugin sees them.
 ///
-/// What a command prints and does not redirect goes to the screen's notes, line by line, when it has
-/// ended; it reads nothing. A child that it leaves behind is not waited for.
+/// What a command prints and does not redirect goes to standard error; it reads nothing and, but for commands that
+/// are left as they are, has a session of its own. A child that it leaves behind is not waited for.
 class Commands
 {
 public:
@@ -39,25 +39,19 @@ public:
 	int signal(pid_t process, int number) const;
 
 private:
-	struct Running
-	{
-		pid_t process;
-		int said; ///< a file of what it prints
-	};
-
 	bool kills(const std::string &command) const;
 	bool leadsOut(const std::string &command) const;
 	bool refuses(const std::string &command) const;
-	/// `in` and `out` -1: nothing, and what it prints. On failure the process is -1.
-	Running start(const char *command, int in, int out) const;
-	int finish(const Running &command) const;
+	/// `in` and `out` -1: nothing, and standard error. Returns the process; -1, with a note: there is none.
+	pid_t start(const char *command, int in, int out) const;
+	int finish(pid_t process) const;
 
 	bool rooted = false;
 	bool searches = false; ///< scripts in `bin` for what kills
 	std::string bin;
 	std::string before;  ///< what the shell reads before each command
 	std::mutex changing; ///< a plugin may have threads
-	std::map<FILE *, Running> streams;
+	std::map<FILE *, pid_t> streams;
 };
 
 } // namespace desk

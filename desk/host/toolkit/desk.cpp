@@ -48,6 +48,12 @@ void Desk::notice(const eWidget &widget, const std::string &what)
 		note(line);
 }
 
+void Desk::said()
+{
+	if (viewer)
+		viewer->send(Said());
+}
+
 void Desk::endRun()
 {
 	for (const eWidget *window : openWindows.visible())

@@ -39,6 +39,8 @@ public:
 	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that was only
 	/// reported. `urgent`: it must not be missed.
 	void note(const std::string &line, bool urgent = false);
+	/// What a command has printed on standard error comes before the notes that follow.
+	void said();
 
 	/// Says once that the plugin does with that widget what can hardly be meant, and what to do.
 	void notice(const eWidget &widget, const std::string &what);

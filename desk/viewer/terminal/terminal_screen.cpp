@@ -262,6 +262,8 @@ bool TerminalScreen::start(const char *name)
 	input = fdopen(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3), "r");
 	output = fdopen(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3), "w");
 	tcgetattr(STDIN_FILENO, &modes);
+	use_env(FALSE); // LINES and COLUMNS may be another terminal's
+	use_tioctl(TRUE);
 	if (input && output) {
 		const EndsAtOnce stopped; // in the background it is, here
 		curses = newterm(name, output, input);
@@ -319,9 +321,8 @@ void TerminalScreen::draw()
 {
 	erase();
 	if (!fits()) {
-		mvprintw(0, 0,
-		         "The terminal is %d x %d.\nThis screen needs %d x %d.\nEnlarge it, or press q to leave.",
-		         COLS, LINES, neededColumns, neededRows);
+		mvprintw(0, 0, "The terminal is %d x %d.\nThis screen needs %d x %d.\nEnlarge, or press q.", COLS,
+		         LINES, neededColumns, neededRows);
 		return;
 	}
 	if (showsLog) {

@@ -1,7 +1,8 @@
 // A plugin with ways to end badly: entries of a menu, each by its digit.
 //
 //   1 a wild pointer   3 exit(0)    5 an exception that nobody catches   7 spins, whatever signals come
-//   2 abort            4 _exit(7)   6 a full stack                       8 says something on standard output
+//   2 abort            4 _exit(7)   6 a full stack                       8 says something, and leaves its folder
+//   9 goes on as two
 #include "toolkit.h"
 
 #include <unistd.h>
@@ -25,7 +26,7 @@ int fillStack(volatile unsigned *depth)
 class Menu : public eSetupWindow
 {
 public:
-	Menu() : eSetupWindow("Ways to end", 8, 300)
+	Menu() : eSetupWindow("Ways to end", 9, 300)
 	{
 		add("wild pointer", &Menu::wildPointer);
 		add("abort", &Menu::abort);
@@ -35,6 +36,7 @@ public:
 		add("full stack", &Menu::fullStack);
 		add("spins", &Menu::spin);
 		add("prints", &Menu::print);
+		add("forks", &Menu::goOnAsTwo);
 	}
 
 private:
@@ -76,6 +78,15 @@ private:
 	{
 		printf("printed by the plugin\n");
 		system("echo printed by a command");
+		if (chdir("/") != 0)
+			std::abort();
+	}
+	void goOnAsTwo()
+	{
+		if (fork() == 0) {
+			fprintf(stderr, "copy %d\n", static_cast<int>(getpid()));
+			eDebug("not by the plugin");
+		}
 	}
 };
 

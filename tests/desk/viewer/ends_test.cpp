@@ -97,6 +97,22 @@ TEST(Half, prints_on_standard_error)
 	EXPECT_NE(run.outcome.err.find("printed by a command\n"), std::string::npos);
 }
 
+TEST(Half, is_not_its_copy)
+{
+	const DeskRun run = misbehaving("9 down exit");
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
+	EXPECT_EQ(run.dump.size(), 4u);
+	EXPECT_EQ(run.outcome.err.find("not by the plugin"), std::string::npos) << run.outcome.err;
+	const size_t copy = run.outcome.err.find("copy ");
+	ASSERT_NE(copy, std::string::npos) << run.outcome.err;
+	const std::string number = run.outcome.err.substr(copy + 5, run.outcome.err.find('\n', copy) - copy - 5);
+	EXPECT_TRUE(support::eventually([&] {
+		const std::string stat = support::readFile("/proc/" + number + "/stat");
+		return stat.empty() || stat.find(") Z") != std::string::npos;
+	}));
+}
+
 class SessionEnd : public testing::Test
 {
 protected:

@@ -48,6 +48,25 @@ TEST(Notes, are_ascii_where_the_locale_has_no_more)
 		EXPECT_TRUE(c == '\n' || (c >= ' ' && c <= '~')) << static_cast<int>(c);
 }
 
+TEST(Notes, come_in_pieces)
+{
+	testing::internal::CaptureStderr();
+	NoteLog log;
+	std::string held;
+	log.add("on", 2);
+	log.add("e\n\ntw", 5);
+	log.add("in between");
+	log.add("o", 1);
+	log.endLine();
+	log.endLine();
+	log.holdBack([&](const std::string &line) { held += line; });
+	for (int i = 0; i < 5000; ++i)
+		log.add("x", 1);
+	log.endLine();
+	EXPECT_EQ(held, std::string(4096, 'x') + " ...");
+	EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\n\nin between\ntwo\n");
+}
+
 TEST(Notes, wait_while_they_are_held_back)
 {
 	testing::internal::CaptureStderr();

@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <sstream>
 
+#include <unistd.h>
+
 namespace commands_test
 {
 
@@ -111,6 +113,60 @@ TEST(Commands, show_what_they_print_and_obey_none_of_it)
 	EXPECT_TRUE(has(run.outcome.err, "without an end\n")) << run.outcome.err;
 	EXPECT_FALSE(has(run.outcome.err, "\033")) << run.outcome.err;
 	EXPECT_FALSE(has(run.outcome.out, "out")) << "not among what the desk host answers";
+}
+
+TEST(Commands, are_shown_while_they_run)
+{
+	support::Child host;
+	host.start({support::deskhostPath(), "--screen", "none", "--plugin", REACHES_OUT},
+	           {{"REACH", "run"}, {"ON", "echo begun >&2; exec sleep 1000"}}, STDERR_FILENO);
+	EXPECT_EQ(host.line(), "begun");
+}
+
+TEST(Commands, print_lines_of_any_length_and_number)
+{
+	const DeskRun run =
+		reach("run", "head -c 100000000 /dev/zero | tr '\\0' x >&2; echo; yes | head -100000");
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err.substr(0, 1000);
+	EXPECT_EQ(run.outcome.err.find(" ...\ny\ny\n"), 4096u);
+	EXPECT_TRUE(has(run.outcome.err, "y\nsystem: 0\n")) << "what comes after it comes last";
+	EXPECT_LT(run.outcome.err.size(), 250000u);
+}
+
+TEST(Commands, keep_their_place_among_the_notes)
+{
+	const DeskRun run = reach("thread run", "echo out; printf err >&2; echo last >/dev/stderr");
+	EXPECT_EQ(run.outcome.err, "out\nerrlast\nsystem: 0\n");
+}
+
+TEST(Commands, reach_no_terminal)
+{
+	for (const char *how : {"run", "pipe"})
+		EXPECT_TRUE(has(reach(how, "cat /proc/$$/stat | cut -d ' ' -f 7; : 1>&2").outcome.err, "0\n")) << how;
+}
+
+TEST(Commands, end_whole_when_a_half_is_killed)
+{
+	for (const bool viewers : {true, false})
+		for (const int signal : {SIGKILL, SIGSEGV}) {
+			TempFolder folder;
+			support::Child host;
+			host.start(
+				{support::deskhostPath(), "--screen", "none", "--plugin", REACHES_OUT},
+				{{"REACH", "run"},
+			     {"ON", "sh -c 'echo $$ >" + folder / "number" + "; exec sleep 1000' | sleep 1000 | cat"}});
+			ASSERT_TRUE(support::eventually([&] { return !support::readFile(folder / "number").empty(); }));
+			const int sleeper = std::stoi(support::readFile(folder / "number"));
+			const std::string id = std::to_string(host.pid());
+			const int half = std::stoi(support::readFile("/proc/" + id + "/task/" + id + "/children"));
+			EXPECT_EQ(kill(viewers ? host.pid() : half, signal), 0);
+			host.exitStatus();
+			EXPECT_TRUE(support::eventually([&] {
+				const std::string stat = support::readFile("/proc/" + std::to_string(sleeper) + "/stat");
+				return stat.empty() || has(stat, ") Z");
+			})) << viewers
+				<< signal;
+		}
 }
 
 TEST(Commands, have_nothing_to_read)
