@@ -75,14 +75,21 @@ std::string contractIn(std::string notes)
 	return {};
 }
 
+/// False: it is no plugin for this computer.
+bool readHeader(std::ifstream &file, ElfW(Ehdr) & header)
+{
+	constexpr unsigned char ownClass = sizeof(void *) == 8 ? ELFCLASS64 : ELFCLASS32;
+	constexpr unsigned char ownOrder = __BYTE_ORDER == __LITTLE_ENDIAN ? ELFDATA2LSB : ELFDATA2MSB;
+	return readAt(file, 0, header) && std::memcmp(header.e_ident, ELFMAG, SELFMAG) == 0 &&
+	       header.e_ident[EI_CLASS] == ownClass && header.e_ident[EI_DATA] == ownOrder;
+}
+
 /// The same of a plugin's file; empty as well when it is none for this computer: the loader says so.
 std::string contractOf(const std::string &path)
 {
 	std::ifstream file(path, std::ios::binary);
 	ElfW(Ehdr) header;
-	const unsigned char ownClass = sizeof(void *) == 8 ? ELFCLASS64 : ELFCLASS32;
-	if (!readAt(file, 0, header) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
-	    header.e_ident[EI_CLASS] != ownClass)
+	if (!readHeader(file, header))
 		return {};
 	ElfW(Phdr) part;
 	for (uint64_t i = 0; i < header.e_phnum && readAt(file, header.e_phoff + i * sizeof part, part); ++i) {
@@ -115,6 +122,25 @@ std::string difference(const std::string &name, const Shape &theirs, const Shape
 }
 
 } // namespace
+
+bool isCutOff(const std::string &path)
+{
+	std::ifstream file(path, std::ios::binary);
+	ElfW(Ehdr) header;
+	if (!readHeader(file, header))
+		return false;
+	file.seekg(0, std::ios::end);
+	const auto size = static_cast<uint64_t>(file.tellg());
+	// Linkers write the table of sections last.
+	if (header.e_shoff > size || header.e_shoff + uint64_t{header.e_shnum} * header.e_shentsize > size)
+		return true;
+	ElfW(Phdr) part;
+	for (uint64_t i = 0; i < header.e_phnum; ++i)
+		if (!readAt(file, header.e_phoff + i * sizeof part, part) ||
+		    (part.p_type == PT_LOAD && (part.p_offset > size || part.p_offset + part.p_filesz > size)))
+			return true;
+	return false;
+}
 
 std::string differenceOfContract(const std::string &file)
 {

@@ -4,6 +4,8 @@
 #include "contract.h"
 
 #include <dlfcn.h>
+#include <elf.h>
+#include <link.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -60,6 +62,15 @@ bool isFile(const std::string &path, std::string &error)
 	return fs::is_regular_file(status);
 }
 
+bool isFunction(const void *symbol)
+{
+	Dl_info info;
+	void *found = nullptr;
+	if (dladdr1(symbol, &info, &found, RTLD_DL_SYMENT) == 0 || !found)
+		return true;
+	return ELF32_ST_TYPE(static_cast<const ElfW(Sym) *>(found)->st_info) != STT_OBJECT; // ELF64's is the same
+}
+
 } // namespace
 
 std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error)
@@ -68,6 +79,10 @@ std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error
 		return nullptr;
 	// A bare name would be searched for among the system's libraries.
 	const std::string place = path.find('/') == std::string::npos ? "./" + path : path;
+	if (isCutOff(place)) {
+		error = failure(path, "the file is not complete", "build it again, or copy all of it");
+		return nullptr;
+	}
 	// Before anything of it runs: what it would do with other classes has no bounds.
 	if (const std::string difference = differenceOfContract(place); !difference.empty()) {
 		error = failure(path, "it was built against another contract: " + difference,
@@ -85,8 +100,10 @@ std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error
 		return nullptr;
 	}
 	void *symbol = dlsym(handle, "plugin_exec");
-	if (!symbol) {
-		error = failure(path, "it has no plugin_exec", "name a plugin of this host's kind with --plugin");
+	if (!symbol || !isFunction(symbol)) {
+		error = symbol ? failure(path, "its plugin_exec is no function", "make it one: int plugin_exec()")
+		               : failure(path, "it has no plugin_exec",
+		                         "name a plugin of this host's kind with --plugin");
 		dlclose(handle);
 		return nullptr;
 	}

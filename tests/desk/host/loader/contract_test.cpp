@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <elf.h>
+#include <link.h>
 
 #include <cstddef>
 #include <numeric>
@@ -108,6 +109,23 @@ TEST(Contract, is_read_from_any_bytes)
 		EXPECT_LT(said.size(), 200u) << at;
 		EXPECT_TRUE(at < shapes || !said.empty()) << "byte " << at - note << " of the note is not compared";
 	}
+}
+
+TEST(PluginFile, that_is_cut_off_anywhere_is_not_loaded)
+{
+	const TempFolder folder;
+	const std::string whole = support::readFile(support::pluginPath());
+	std::string error;
+	EXPECT_FALSE(desk::isCutOff(support::pluginPath()));
+	EXPECT_FALSE(desk::isCutOff(folder.write("text", "#!/bin/sh\n"))) << "the loader says what it is";
+	for (size_t part = 0; part < 150; ++part) {
+		const size_t size = whole.size() * part / 150;
+		const std::string path = folder.write("cut.so.0", whole.substr(0, size));
+		EXPECT_TRUE(size < sizeof(ElfW(Ehdr)) || desk::isCutOff(path)) << size;
+		EXPECT_FALSE(Plugin::load(path, error)) << size;
+		EXPECT_EQ(error.rfind("cannot load the plugin '" + path + "': ", 0), 0u) << error;
+	}
+	EXPECT_TRUE(desk::isCutOff(folder.write("cut.so.0", whole.substr(0, whole.size() - 1))));
 }
 
 } // namespace contract_test
