@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
+#include <list>
 
 namespace desk
 {
@@ -17,26 +17,62 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds calm(200); // a build may touch its result more than once
+constexpr int mostLinks = 40;                  // as the kernel follows
 
 } // namespace
 
 std::unique_ptr<Watch> Watch::start(const std::string &path, std::string &error)
 {
-	// The folder, because a linker makes a new file under the old name.
 	const std::filesystem::path file = std::filesystem::absolute(path);
 	const int notices = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
-	if (notices < 0 ||
-	    inotify_add_watch(notices, file.parent_path().c_str(), IN_CLOSE_WRITE | IN_MOVED_TO) < 0) {
+	if (notices < 0 || inotify_add_watch(notices, file.parent_path().c_str(), IN_CLOSE_WRITE) < 0) {
 		error = "cannot watch '" + path + "': " + std::strerror(errno) + "; leave out --watch";
 		close(notices);
 		return nullptr;
 	}
-	return std::unique_ptr<Watch>(new Watch(file.filename(), notices));
+	std::unique_ptr<Watch> watch(new Watch(file, notices));
+	watch->follow();
+	return watch;
 }
 
 Watch::~Watch()
 {
 	close(notices);
+}
+
+/// Watches each folder on the way: a linker makes a new file under the old name, and folders and links change as well.
+void Watch::follow()
+{
+	namespace fs = std::filesystem;
+	steps.clear();
+	std::list<fs::path> left(file.begin(), file.end());
+	fs::path place;
+	for (int links = 0; !left.empty() && links < mostLinks;) {
+		const fs::path step = left.front();
+		left.pop_front();
+		if (step.is_absolute() || step == "." || step.empty()) {
+			place = step.is_absolute() ? step : place;
+			continue;
+		}
+		if (step == "..") {
+			place = place.parent_path();
+			continue;
+		}
+		const int number =
+			inotify_add_watch(notices, place.c_str(), IN_CLOSE_WRITE | IN_CREATE | IN_MOVE | IN_DELETE);
+		last = *steps.emplace(number, step).first;
+		place /= step;
+		std::error_code failed;
+		const fs::path target = fs::read_symlink(place, failed);
+		if (failed)
+			continue;
+		++links;
+		place = place.parent_path();
+		left.insert(left.begin(), target.begin(), target.end());
+	}
+	struct stat now = {};
+	stat(file.c_str(), &now);
+	reached = now;
 }
 
 void Watch::look()
@@ -45,9 +81,18 @@ void Watch::look()
 	for (ssize_t length; (length = read(notices, events, sizeof events)) > 0;)
 		for (const char *at = events; at < events + length;) {
 			const inotify_event *event = reinterpret_cast<const inotify_event *>(at);
-			if (event->len > 0 && name == event->name)
-				written = Clock::now();
 			at += sizeof *event + event->len;
+			const Name name(event->wd, event->len > 0 ? event->name : "");
+			if (name == last && (event->mask & (IN_CLOSE_WRITE | IN_MOVED_TO)) != 0)
+				written = Clock::now();
+			if (steps.count(name) == 0 || (event->mask & IN_CLOSE_WRITE) != 0)
+				continue;
+			const struct stat before = reached;
+			follow();
+			const bool another = reached.st_dev != before.st_dev || reached.st_ino != before.st_ino;
+			// One that has just been made has yet to be written.
+			if (reached.st_ino != 0 && another && (name != last || reached.st_nlink > 1))
+				written = Clock::now();
 		}
 }
 

@@ -1,15 +1,21 @@
 #ifndef DESK_VIEWER_WATCH_H
 #define DESK_VIEWER_WATCH_H
 
+#include <sys/stat.h>
+
 #include <chrono>
+#include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace desk
 {
 
-/// Tells when a file is written anew: in its place, or by another one that takes its name.
+/// Tells when a file is written anew: in its place, by another one that takes its name, by a link to it that leads
+/// elsewhere, or in a folder that is made again.
 class Watch
 {
 public:
@@ -29,10 +35,17 @@ public:
 	bool changed();
 
 private:
-	Watch(std::string watched, int inotify) : name(std::move(watched)), notices(inotify) {}
+	using Name = std::pair<int, std::string>; ///< a watched folder's number, and an entry of it
 
-	const std::string name;
+	Watch(std::filesystem::path watched, int inotify) : file(std::move(watched)), notices(inotify) {}
+
+	void follow();
+
+	const std::filesystem::path file;
 	const int notices;
+	std::set<Name> steps;     ///< on the way to the file, over all links
+	Name last;                ///< the file itself
+	struct stat reached = {}; ///< the file that was there
 	std::optional<std::chrono::steady_clock::time_point> written;
 };
 

@@ -54,6 +54,41 @@ TEST(Watch, tells_when_the_file_is_written_or_replaced)
 	EXPECT_TRUE(changesWithin(*watch, 20000)) << "deleted and made again";
 }
 
+TEST(Watch, tells_when_a_link_or_a_folder_leads_to_another_file)
+{
+	namespace fs = std::filesystem;
+	TempFolder folder;
+	const std::string link = folder / "build/plugin.so.0";
+	folder.write("build/plugin.so.0.1", "one");
+	folder.write("build/plugin.so.0.2", "two");
+	fs::create_symlink("plugin.so.0.1", link);
+	fs::create_symlink("build", folder / "current");
+	std::string error;
+	const auto watch = Watch::start(folder / "current/plugin.so.0", error);
+	ASSERT_TRUE(watch) << error;
+	EXPECT_FALSE(changesWithin(*watch, 500));
+
+	folder.write("build/plugin.so.0.1", "one again");
+	EXPECT_TRUE(changesWithin(*watch, 20000)) << "what the link leads to";
+	fs::remove(link);
+	fs::create_symlink(folder / "build/plugin.so.0.2", link);
+	EXPECT_TRUE(changesWithin(*watch, 20000)) << "the link";
+	folder.write("build/plugin.so.0.1", "nobody's");
+	EXPECT_FALSE(changesWithin(*watch, 500)) << "it no longer leads there";
+
+	fs::remove_all(folder / "build");
+	EXPECT_FALSE(changesWithin(*watch, 500)) << "there is nothing to load";
+	folder.write("build/plugin.so.0", "three");
+	EXPECT_TRUE(changesWithin(*watch, 20000)) << "its folder is made again";
+	folder.write("build/plugin.so.0", "four");
+	EXPECT_TRUE(changesWithin(*watch, 20000)) << "and watched";
+
+	folder.write("other/plugin.so.0", "five");
+	fs::remove(folder / "current");
+	fs::create_symlink("other", folder / "current");
+	EXPECT_TRUE(changesWithin(*watch, 20000)) << "a link to the folder";
+}
+
 TEST(Watch, does_not_mind_other_files_nor_tell_of_one_change_twice)
 {
 	TempFolder folder;
