@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+using desk::bounded;
 using desk::Desk;
 using desk::Trace;
 
@@ -48,10 +49,10 @@ std::vector<eWidget *> eWidget::State::stops(const eWidget &window)
 void eWidget::State::place(eWidget &widget, int x, int y, int width, int height)
 {
 	State &state = of(widget);
-	state.x = x;
-	state.y = y;
-	state.width = width;
-	state.height = height;
+	state.x = bounded(x);
+	state.y = bounded(y);
+	state.width = bounded(width);
+	state.height = bounded(height);
 	widget.recalcClientRect();
 }
 
@@ -115,8 +116,8 @@ void eWidget::setText(const eString &text)
 void eWidget::cmove(const ePoint &position)
 {
 	Trace::get().call(this, "cmove", position.x, position.y);
-	State::place(*this, position.x - clientrect.left, position.y - clientrect.top, state->width,
-	             state->height);
+	State::place(*this, bounded(position.x) - clientrect.left, bounded(position.y) - clientrect.top,
+	             state->width, state->height);
 }
 
 void eWidget::cresize(const eSize &size)
@@ -124,7 +125,8 @@ void eWidget::cresize(const eSize &size)
 	Trace::get().call(this, "cresize", size.width, size.height);
 	const int frameWidth = state->width - clientrect.width();
 	const int frameHeight = state->height - clientrect.height();
-	State::place(*this, state->x, state->y, size.width + frameWidth, size.height + frameHeight);
+	State::place(*this, state->x, state->y, bounded(size.width) + frameWidth,
+	             bounded(size.height) + frameHeight);
 }
 
 void eWidget::move(const ePoint &position)

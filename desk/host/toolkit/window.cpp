@@ -127,8 +127,8 @@ eSetupWindow::eSetupWindow(const char *title, int rows, int width)
 	: eListBoxWindow<eListBoxEntryMenu>(Trace::Quiet().with(0))
 {
 	state->text = title ? title : "";
-	const int listHeight = rows * eListBoxBase::List::of(list).entryHeight;
-	State::place(*this, 0, 0, width + 2 * rim, titleHeight + listHeight + helpHeight + rim);
+	const int listHeight = desk::bounded(rows) * eListBoxBase::List::of(list).entryHeight;
+	State::place(*this, 0, 0, desk::bounded(width) + 2 * rim, titleHeight + listHeight + helpHeight + rim);
 	State::place(list, 0, 0, width, listHeight);
 	state->behaviour = std::make_unique<MenuHelp>(list);
 	state->focus = &list;

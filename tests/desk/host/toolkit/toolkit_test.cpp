@@ -46,6 +46,19 @@ TEST(Toolkit, keeps_questions_on_the_screen_whatever_the_font_size)
 	}
 }
 
+TEST(Toolkit, draws_what_is_farther_away_than_numbers_reach)
+{
+	const TempFolder folder;
+	const DeskRun run =
+		runDesk("", "ok down", {"--plugin", testPlugin("far.so.0"), "--pictures", folder / "pictures"});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.outcome.out, "plugin_exec returned 4\n");
+	const Json &client = run.window(0)["client"]; // of the question
+	EXPECT_GE(client[1], 0);
+	EXPECT_LE(client[1].get<int>() + client[3].get<int>(), 576);
+	EXPECT_EQ(run.widget(0, "eLabel")["text"].get<std::string>().size(), 250000u);
+}
+
 TEST(Toolkit, survives_what_is_destroyed_while_it_is_in_use)
 {
 	const Lines options = {"--plugin", testPlugin("lifetimes.so.0")};
