@@ -93,7 +93,17 @@ bool startVideo(std::string &error)
 	SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1"); // the click that gives the focus is one as well
 	if (SDL_Init(SDL_INIT_VIDEO) != 0)
 		return failed("display \"" + (x11.empty() ? wayland : x11) + "\": " + SDL_GetError());
+	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
+	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
+		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
 	return true;
+}
+
+// Whether the display has pixels that SDL can draw.
+bool takesPictures()
+{
+	SDL_Window *window = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
+	return window && SDL_CreateRenderer(window, -1, SDL_RENDERER_SOFTWARE);
 }
 
 /// The window: all of SDL.
@@ -153,6 +163,7 @@ private:
 };
 
 bool displayIsGone = false;
+bool windowIsGone = false; ///< the display may be there
 
 WindowScreen::~WindowScreen()
 {
@@ -168,9 +179,6 @@ bool WindowScreen::open(const std::string &title, std::string &error)
 {
 	if (!displayAnswers(error) || !startVideo(error))
 		return false;
-	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
-	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
-		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
 	if (!create(title)) {
 		error = visibleText(std::string("cannot open a window: ") + SDL_GetError() +
 		                    "; use --screen terminal or --screen none");
@@ -179,6 +187,8 @@ bool WindowScreen::open(const std::string &title, std::string &error)
 	if (display) {
 		// Without these Xlib ends the program.
 		XSetIOErrorHandler([](Display *) { return 0; });
+		XSetErrorHandler(
+			[](Display *, XErrorEvent *) { return 0; }); // of a window that somebody has destroyed
 		XSetIOErrorExitHandler(
 			display, [](Display *, void *) { displayIsGone = true; }, nullptr);
 	}
@@ -212,6 +222,7 @@ bool WindowScreen::create(const std::string &title)
 	SDL_VERSION(&info.version);
 	if (SDL_GetWindowWMInfo(window.get(), &info) && info.subsystem == SDL_SYSWM_X11)
 		display = info.info.x11.display;
+	SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE); // SDL does not tell that somebody has destroyed it
 	return true;
 }
 
@@ -274,6 +285,8 @@ void WindowScreen::settle()
 
 std::string WindowScreen::lost() const
 {
+	if (windowIsGone)
+		return "somebody has destroyed the window";
 	return displayIsGone ? "the display has gone: its server has ended or the connection to it broke" : "";
 }
 
@@ -318,6 +331,10 @@ void WindowScreen::handle(const SDL_Event &event)
 		if (event.window.event == SDL_WINDOWEVENT_EXPOSED ||
 		    event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED)
 			stale = true;
+		break;
+	case SDL_SYSWMEVENT:
+		if (display && event.syswm.msg->msg.x11.event.type == DestroyNotify)
+			displayIsGone = windowIsGone = true;
 		break;
 	case SDL_QUIT:
 		close();
@@ -438,7 +455,9 @@ bool displayAnswers(std::string &error)
 	if (asking == 0) {
 		::close(ends[0]);
 		std::string why;
-		startVideo(why);
+		if (startVideo(why) && !takesPictures())
+			why = visibleText(std::string("cannot open a window: ") + SDL_GetError() +
+			                  "; use --screen terminal or --screen none");
 		const ssize_t written = write(ends[1], why.data(), why.size());
 		_exit(written < 0 ? 1 : 0);
 	}

@@ -260,6 +260,35 @@ TEST_F(HostInWindow, says_that_the_display_has_gone)
 	EXPECT_EQ(program.exitStatus(), 1);
 }
 
+TEST_F(HostInWindow, says_that_somebody_has_destroyed_it)
+{
+	start({}, 2);
+	XDestroyWindow(view, window);
+	XFlush(view);
+	EXPECT_EQ(program.line(), "deskhost: somebody has destroyed the window");
+	EXPECT_EQ(program.exitStatus(), 1);
+}
+
+/// A display whose pixels nobody can draw.
+class HostWithOtherColours : public WindowOnDisplay
+{
+};
+
+TEST_F(HostWithOtherColours, does_without_and_says_so)
+{
+	const support::ReceiverFolder receiver;
+	for (const char *geometry : {"800x700x8", "800x700x30"}) {
+		openDisplay(geometry);
+		const support::Outcome outcome = support::run(
+			{support::deskhostPath(), "--root", receiver.path(), "--keys", "exit"}, onDisplay(name));
+		EXPECT_EQ(outcome.status, 0) << outcome.err;
+		EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
+		EXPECT_EQ(outcome.err.find("deskhost: cannot open a window: "), 0u) << outcome.err;
+		EXPECT_NE(outcome.err.find("; this is --screen none\n"), outcome.err.npos) << outcome.err;
+		closeAll();
+	}
+}
+
 TEST(HostWithAStaleDisplay, does_without_and_says_so)
 {
 	const support::ReceiverFolder receiver;
