@@ -7,6 +7,7 @@
 #include "plugin.h"
 #include "trace.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -58,9 +59,12 @@ int runHalf(Peer &viewer)
 	if (start->root.empty() && !start->asIs)
 		Files::get().makeReceiver();
 
+	std::error_code failed;
+	const std::filesystem::path folder = std::filesystem::current_path(failed);
 	std::unique_ptr<Plugin> plugin;
 	while (const std::optional<ToHost> message = viewer.receive()) {
 		if (std::holds_alternative<Load>(*message)) {
+			std::filesystem::current_path(folder, failed); // the last run may have left it
 			plugin = Plugin::load(start->plugin, error);
 			if (!plugin) {
 				viewer.send(Failed{statusNotLoaded, error});

@@ -14,6 +14,8 @@
 #include <variant>
 #include <vector>
 
+#include <sys/stat.h>
+
 namespace desk
 {
 namespace
@@ -294,6 +296,8 @@ std::optional<Skin> Skin::load(const std::string &path, std::string &error)
 		error = visibleText("cannot read the skin \"" + path + "\": " + why);
 		return std::nullopt;
 	};
+	if (struct stat status; stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode))
+		return failed("it is a pipe; name a TOML file");
 	const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(path.c_str(), "rb"), fclose);
 	if (!file)
 		return failed(strerror(errno));

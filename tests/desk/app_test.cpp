@@ -261,9 +261,59 @@ TEST(App, tells_why_a_plugin_cannot_be_loaded)
 	const std::string empty = folder.write("empty.so.0", "");
 	expectRefused(deskhost({"--plugin", empty}), 1, empty);
 	expectRefused(deskhost({"--plugin", testPlugin("no_entry.so.0")}), 1, "plugin_exec");
+	expectRefused(deskhost({"--plugin", testPlugin("no_function.so.0")}), 1,
+	              "its plugin_exec is no function");
 	expectRefused(deskhost({"--plugin", testPlugin("unresolved.so.0")}), 1,
 	              "undefined symbol: eSomethingElse");
 	expectRefused(deskhost({"--plugin", "missing.so.0"}), 1, "missing.so.0");
+}
+
+TEST(App, waits_for_no_pipe)
+{
+	ReceiverFolder receiver;
+	const std::string pipe = receiver / "pipe";
+	ASSERT_EQ(mkfifo(pipe.c_str(), 0666), 0);
+	expectRefused(deskhost({"--skin", pipe}), 2, "it is a pipe");
+	expectRefused(deskhost({"--plugin", pipe}), 1, pipe);
+	for (const char *through : {"", "env"})
+		for (const auto &[name, key] :
+		     {std::pair("proc/meminfo", "2"), {"var/scaning.log", "3"}, {"proc/mtd", "4"}}) {
+			receiver.write(name, "");
+			std::filesystem::remove(receiver / name);
+			ASSERT_EQ(mkfifo((receiver / name).c_str(), 0666), 0);
+			Lines options = {"--screen", "none", "--root", receiver.path(), "--keys", key};
+			if (*through)
+				options.insert(options.end(), {"--through", through});
+			const Outcome outcome = deskhost(options);
+			EXPECT_EQ(outcome.status, 0) << outcome.err;
+			EXPECT_NE(outcome.err.find("which cannot be read: it is a pipe\n"), std::string::npos)
+				<< outcome.err;
+			std::filesystem::remove(receiver / name);
+		}
+}
+
+TEST(App, removes_what_a_limit_cuts_off)
+{
+	TempFolder folder;
+	const Outcome outcome =
+		support::run({"/bin/sh", "-c",
+	                  "ulimit -f 4; exec '" + support::deskhostPath() +
+	                      "' --screen none --keys exit --pictures '" + folder.path() + "'"});
+	EXPECT_EQ(outcome.status, 2);
+	EXPECT_NE(outcome.err.find("00-start.png\": File too large\n"), std::string::npos) << outcome.err;
+	EXPECT_FALSE(support::exists(folder / "00-start.png"));
+}
+
+TEST(App, finds_relative_names_again_when_the_plugin_leaves_its_folder)
+{
+	TempFolder folder;
+	std::filesystem::copy_file(testPlugin("misbehaves.so.0"), folder / "plugin.so.0");
+	const Outcome outcome = support::run(
+		{"/bin/sh", "-c",
+	     "cd '" + folder.path() + "'; exec '" + support::deskhostPath() +
+	         "' --screen none --plays 2 --plugin plugin.so.0 --pictures pictures --keys '8 exit'"});
+	EXPECT_EQ(outcome.status, 0) << outcome.err;
+	EXPECT_TRUE(support::exists(folder / "pictures/05-exit.png"));
 }
 
 TEST(App, says_that_it_ran_what_a_plugin_returned)

@@ -171,20 +171,32 @@ std::string Files::meant(const char *path) const
 	return target.rfind(folder + '/', 0) == 0 ? target : path;
 }
 
+bool Files::isPipe(const char *path) const
+{
+	struct stat status = {};
+	const int file = root < 0 ? openat(AT_FDCWD, path, O_PATH | O_CLOEXEC) : openInRoot(root, path, O_PATH);
+	const bool is = fstat(file, &status) == 0 && S_ISFIFO(status.st_mode);
+	closeKeepingErrno(file);
+	return is;
+}
+
 FILE *Files::open(const char *path, const char *mode) const
 {
 	if (older && path && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
 		return openOlderMeminfo();
 	const bool isOurs = isServed(path);
 	FILE *stream = nullptr;
-	if (root < 0 || !isOurs)
+	if (isOurs && isPipe(path)) // which would be waited for
+		errno = ESPIPE;
+	else if (root < 0 || !isOurs)
 		stream = next<FILE *(const char *, const char *)>("fopen")(path, mode);
 	else if (const int file = openInRoot(root, path, flagsOf(mode)); file >= 0)
 		stream = fdopen(file, mode);
 	const int reason = errno;
 	if (!stream && *mode == 'r' && isOurs) // a screen that stays empty is to be understood
 		Desk::get().note("deskhost: with --root, " + std::string(path) +
-		                 " is the one in that folder, which cannot be read: " + std::strerror(reason));
+		                 " is the one in that folder, which cannot be read: " +
+		                 (reason == ESPIPE ? "it is a pipe" : std::strerror(reason)));
 	errno = reason;
 	return stream;
 }

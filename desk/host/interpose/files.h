@@ -32,6 +32,8 @@ public:
 
 private:
 	bool isServed(const char *path) const;
+	/// Of a served file.
+	bool isPipe(const char *path) const;
 	std::string meant(const char *path) const;
 
 	std::string folder;
