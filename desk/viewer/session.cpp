@@ -657,6 +657,7 @@ void Session::handleSignals()
 		if (Signals::isEnd(*signal)) {
 			endingSignal = *signal;
 			state = State::over;
+			return; // whatever else has come
 		} else if (*signal == SIGCHLD) {
 			if (half)
 				half->reap();

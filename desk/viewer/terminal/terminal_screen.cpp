@@ -187,6 +187,12 @@ const cchar_t *lineCharacter(Cell::Shape shape)
 	}
 }
 
+bool isInForeground()
+{
+	const pid_t foreground = tcgetpgrp(STDIN_FILENO);
+	return foreground < 0 || foreground == getpgrp();
+}
+
 /// The screens in a terminal, by curses, which also stops, goes on and resizes.
 class TerminalScreen : public Screen
 {
@@ -226,6 +232,7 @@ private:
 	std::deque<Input> keys;
 	bool hungUp = false;
 	bool showsLog = false;
+	bool away = false; ///< has been stopped, and given the terminal back
 };
 
 std::unique_ptr<Screen> TerminalScreen::open(std::string &error)
@@ -293,10 +300,10 @@ bool TerminalScreen::start(const char *name)
 TerminalScreen::~TerminalScreen()
 {
 	if (curses) {
-		endwin();
+		if (!away)
+			endwin();
 		delscreen(curses);
-		// Commands may have changed them. In the background the terminal is somebody else's.
-		if (const pid_t foreground = tcgetpgrp(STDIN_FILENO); foreground < 0 || foreground == getpgrp())
+		if (isInForeground()) // commands may have changed them
 			tcsetattr(STDIN_FILENO, TCSANOW, &modes);
 	}
 	for (FILE *stream : {input, output})
@@ -306,6 +313,8 @@ TerminalScreen::~TerminalScreen()
 
 void TerminalScreen::present(const Rect &)
 {
+	if (away)
+		return;
 	draw();
 	refresh();
 }
@@ -480,9 +489,14 @@ void TerminalScreen::handleSignal(int signal)
 {
 	if (signal == SIGTSTP) {
 		endwin();
-		raise(SIGSTOP);
+		away = true;
+		raise(SIGSTOP); // until SIGCONT, which is next
+	} else if (signal == SIGCONT && !isInForeground())
+		raise(SIGSTOP); // continued in the background, where the terminal is somebody else's
+	else if (signal == SIGCONT || !away) {
+		away = false;
+		repair();
 	}
-	repair();
 }
 
 // Others have used the terminal, or it has another size now.

@@ -8,8 +8,6 @@
 #include <filesystem>
 #include <sstream>
 
-#include <unistd.h>
-
 namespace commands_test
 {
 
@@ -137,12 +135,6 @@ TEST(Commands, keep_their_place_among_the_notes)
 {
 	const DeskRun run = reach("thread run", "echo out; printf err >&2; echo last >/dev/stderr");
 	EXPECT_EQ(run.outcome.err, "out\nerrlast\nsystem: 0\n");
-}
-
-TEST(Commands, reach_no_terminal)
-{
-	for (const char *how : {"run", "pipe"})
-		EXPECT_TRUE(has(reach(how, "cat /proc/$$/stat | cut -d ' ' -f 7; : 1>&2").outcome.err, "0\n")) << how;
 }
 
 TEST(Commands, end_whole_when_a_half_is_killed)

@@ -259,32 +259,38 @@ TEST_F(HostInTerminal, commands_do_not_tear_the_screen)
 	EXPECT_TRUE(terminal.shows("OUT OF ORDER")); // kept until now
 }
 
-TEST_F(HostInTerminal, commands_of_a_receiver_reach_no_terminal)
+TEST_F(HostInTerminal, commands_reach_no_terminal)
 {
-	receiver.write("bin/df",
-	               "#!/bin/sh\n{ printf 'LO''ST' >/dev/tty; stty -echo </dev/tty; } 2>/dev/null\n"
-	               "reached=$?\necho heading\necho \"reached:$reached 1 2 3 4% /\"\n",
-	               true);
-	Tmux terminal(80, 24);
-	const auto modes = [&](const std::string &name) {
-		terminal.enter("clear; stty -g >" + terminal.folder() + "/" + name + "; echo sa''ved " + name + ".");
-		EXPECT_TRUE(terminal.shows("saved " + name + "."));
-		return support::readFile(terminal.folder() + "/" + name);
-	};
-	const std::string before = modes("before");
-	open(terminal, "--dump " + terminal.folder() + "/dump");
-	terminal.press("4");
-	ASSERT_TRUE(terminal.shows("Mounts:"));
-	EXPECT_EQ(terminal.screen().find("LOST"), std::string::npos);
-	terminal.press("q");
-	ASSERT_TRUE(terminal.shows("(4) show system info"));
-	terminal.press("q");
-	ASSERT_TRUE(terminal.shows("status=0 $"));
-	EXPECT_EQ(terminal.screen().find("LOST"), std::string::npos);
-	EXPECT_EQ(modes("after"), before);
-	const std::string dump = support::readFile(terminal.folder() + "/dump");
-	EXPECT_NE(dump.find("reached:"), std::string::npos) << "the command has run";
-	EXPECT_EQ(dump.find("reached:0"), std::string::npos);
+	const std::string script = "{ printf 'LO''ST' >/dev/tty; stty -echo </dev/tty; } "
+							   "2>/dev/null\nreached=$?\nset -m; sleep 0 & wait\n"
+							   "echo heading\necho \"reached:$reached 1 2 3 4% /\"\n";
+	receiver.write("bin/df", "#!/bin/sh\n" + script, true);
+	receiver.write("here/busybox", "#!/bin/sh\n" + script, true);
+	for (const std::string &start :
+	     {host("--root " + receiver.path()), "env PATH=" + receiver.path() + "/here:$PATH " + host("")}) {
+		Tmux terminal(80, 24);
+		const auto modes = [&](const std::string &name) {
+			terminal.enter("clear; stty -g >" + terminal.folder() + "/" + name + "; echo sa''ved " + name +
+			               ".");
+			EXPECT_TRUE(terminal.shows("saved " + name + "."));
+			return support::readFile(terminal.folder() + "/" + name);
+		};
+		const std::string before = modes("before");
+		terminal.start(start + " --dump " + terminal.folder() + "/dump");
+		ASSERT_TRUE(terminal.shows(helpLine));
+		terminal.press("4");
+		ASSERT_TRUE(terminal.shows("Mounts:"));
+		EXPECT_EQ(terminal.screen().find("LOST"), std::string::npos);
+		terminal.press("q");
+		ASSERT_TRUE(terminal.shows("(4) show system info"));
+		terminal.press("q");
+		ASSERT_TRUE(terminal.shows("status=0 $"));
+		EXPECT_EQ(terminal.screen().find("LOST"), std::string::npos);
+		EXPECT_EQ(modes("after"), before);
+		const std::string dump = support::readFile(terminal.folder() + "/dump");
+		EXPECT_NE(dump.find("reached:"), std::string::npos) << "the command has run";
+		EXPECT_EQ(dump.find("reached:0"), std::string::npos);
+	}
 }
 
 TEST_F(HostInTerminal, resizing_and_ctrl_c_leave_all_in_order)

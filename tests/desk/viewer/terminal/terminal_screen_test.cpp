@@ -470,6 +470,23 @@ TEST(TerminalScreen, stopping_gives_the_terminal_back_until_the_program_goes_on)
 	EXPECT_EQ(mode(terminal, "after"), before);
 }
 
+TEST(TerminalScreen, a_signal_ends_what_is_stopped_beside_the_prompt)
+{
+	Tmux terminal(90, 30);
+	terminal.enter("set -m");
+	terminal.start(demo);
+	ASSERT_TRUE(terminal.shows("last key: none"));
+	terminal.press("C-z");
+	ASSERT_TRUE(terminal.losesSight("last key: none"));
+	terminal.enter("clear; bg; sleep 1; echo mid''dle");
+	ASSERT_TRUE(terminal.shows("middle"));
+	EXPECT_EQ(terminal.screen().find("last key"), std::string::npos);
+	terminal.enter("kill %1; kill -CONT %1; sleep 1; wait %1; echo en''ded $?");
+	ASSERT_TRUE(terminal.shows("ended 143"));
+	EXPECT_EQ(terminal.screen().find("last key"), std::string::npos);
+	EXPECT_EQ(terminal.state(), "0 1 0");
+}
+
 TEST(TerminalScreen, a_stop_by_another_signal_is_repaired)
 {
 	Tmux terminal(90, 30);
