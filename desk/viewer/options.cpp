@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <iostream>
 
+#include <sys/auxv.h>
+
 namespace desk
 {
 
@@ -22,7 +24,10 @@ int fail(int status, const std::string &message)
 std::string besideProgram(std::initializer_list<const char *> places)
 {
 	std::error_code failed;
-	const fs::path folder = fs::read_symlink("/proc/self/exe", failed).parent_path();
+	fs::path program = fs::read_symlink("/proc/self/exe", failed);
+	if (failed) // no /proc is mounted: as it was started
+		program = fs::absolute(reinterpret_cast<const char *>(getauxval(AT_EXECFN)), failed);
+	const fs::path folder = program.parent_path();
 	for (const char *place : places)
 		if (fs::exists(folder / place, failed))
 			return (folder / place).lexically_normal();
