@@ -526,7 +526,7 @@ void Session::savePicture()
 	if (canvas.writePng(path, error))
 		say("deskhost: saved " + path.filename().string() + " in " + path.parent_path().string());
 	else
-		say("deskhost: " + error);
+		say("deskhost: " + error + "; start deskhost in a folder that can be written");
 }
 
 // The screen.

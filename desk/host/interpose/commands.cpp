@@ -213,6 +213,10 @@ FILE *Commands::open(const char *command, const char *type)
 	const char *what = refuses(command) ? ":" : command;
 	const pid_t running = start(what, reads ? -1 : theirs, reads ? theirs : -1);
 	::close(theirs);
+	if (running < 0) {
+		::close(ours);
+		return nullptr;
+	}
 	FILE *stream = fdopen(ours, reads ? "r" : "w");
 	const std::lock_guard<std::mutex> alone(changing);
 	streams[stream] = running;

@@ -260,6 +260,18 @@ TEST_F(HostInWindow, says_that_the_display_has_gone)
 	EXPECT_EQ(program.exitStatus(), 1);
 }
 
+TEST_F(HostInWindow, says_where_it_cannot_save_a_picture)
+{
+	openWindow(
+		{"sh", "-c",
+	     "cd /proc; exec '" + support::deskhostPath() + "' --screen window --root '" + receiver.path() + "'"},
+		2);
+	press({"F12"});
+	const std::string line = program.line();
+	EXPECT_EQ(line.find("deskhost: cannot write \"/proc/deskhost-1.png\": "), 0u) << line;
+	EXPECT_NE(line.find("; start deskhost in a folder that can be written"), line.npos) << line;
+}
+
 TEST_F(HostInWindow, says_that_somebody_has_destroyed_it)
 {
 	start({}, 2);
