@@ -104,8 +104,22 @@ void *placeOf(const void *context)
 #endif
 }
 
+/// The name of an object that is no more, and that a register leads to; null: there is none.
+const char *goneIn(const void *context)
+{
+	const auto &registers = static_cast<const ucontext_t *>(context)->uc_mcontext;
+	uintptr_t words[sizeof registers / sizeof(uintptr_t)];
+	memcpy(words, &registers, sizeof words);
+	// First what a window has deleted: that is done twice more easily.
+	for (const bool byHost : {true, false})
+		for (const uintptr_t word : words)
+			if (const char *name = Trace::get().nameOfGone(word, byHost))
+				return name;
+	return nullptr;
+}
+
 /// `place`: where the signal came; null: the callers of this are all there is.
-void say(int signal, int status, void *place)
+void say(int signal, int status, void *place, const char *gone = nullptr)
 {
 	if (getpid() != self)
 		return;             // the plugin has forked: this is not its run
@@ -117,13 +131,14 @@ void say(int signal, int status, void *place)
 		*(first = stack) = place;
 	const auto end = first == stack && place && *stack == place ? stack + 1 : stack + depth;
 
-	message.array(6);
+	message.array(7);
 	message.number(ToViewer(Crash()).index());
 	message.number(static_cast<uint64_t>(signal));
 	message.number(static_cast<uint64_t>(status & 255));
 	message.text(exceptionText, strlen(exceptionText));
 	const std::string &call = Trace::get().last();
 	message.text(call.data(), call.size());
+	message.text(gone ? gone : "", gone ? strlen(gone) : 0);
 	message.longArray(2 * static_cast<size_t>(end - first));
 	for (void **at = first; at != end; ++at) {
 		Dl_info info = {};
@@ -139,7 +154,7 @@ void say(int signal, int status, void *place)
 
 void onFailure(int signal, siginfo_t *, void *context)
 {
-	say(signal, 0, placeOf(context));
+	say(signal, 0, placeOf(context), goneIn(context));
 	raise(signal); // whose default action is back
 }
 

@@ -110,6 +110,9 @@ CrashReport reportOf(const std::optional<Crash> &crash, int status, const std::s
 
 	if (!crash->call.empty())
 		say("Its last call: " + crash->call);
+	if (!crash->gone.empty())
+		say("It seems to have used or deleted " + crash->gone +
+		    " after its end; a window deletes its children");
 	unsetenv("DEBUGINFOD_URLS"); // no look into the network
 	DebugInformation information;
 	bool found = false;

@@ -107,7 +107,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Crash::Place>)
 		io(t.file, t.offset);
 	else if constexpr (isOneOf<T, Crash>)
-		io(t.signal, t.status, t.what, t.call, t.stack);
+		io(t.signal, t.status, t.what, t.call, t.gone, t.stack);
 	else
 		static_assert(isOneOf<T, Load, Loaded, Said>, "every kind has its values");
 }

@@ -141,6 +141,7 @@ struct Crash
 	int status = 0;           ///< ... with that
 	std::string what;         ///< the exception that nobody caught
 	std::string call;         ///< the plugin's last one, as in a trace
+	std::string gone;         ///< an object that it seems to have used after its end
 	std::vector<Place> stack; ///< the innermost place first
 };
 

@@ -50,7 +50,17 @@ void Trace::destroyed(const void *object)
 		return;
 	if (!known->second.hosts)
 		call(object, (std::string("~") + known->second.type).c_str());
+	gone[nextGone++ % gone.size()] = {object, known->second.hosts, nameOf(object)};
 	objects.erase(known);
+}
+
+const char *Trace::nameOfGone(uintptr_t address, bool byHost) const
+{
+	for (const Gone &one : gone)
+		if (one.object && reinterpret_cast<uintptr_t>(one.object) == address && one.byHost == byHost &&
+		    objects.count(one.object) == 0)
+			return one.name.c_str();
+	return nullptr;
 }
 
 void Trace::disposes(const void *object)

@@ -1,12 +1,15 @@
 #ifndef DESK_RECORD_TRACE_H
 #define DESK_RECORD_TRACE_H
 
+#include <array>
 #include <charconv>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace desk
 {
@@ -36,6 +39,10 @@ public:
 
 	/// What the lines call the object: "eLabel#2".
 	std::string nameOf(const void *object) const;
+
+	/// What an object was called that was at this address and is no more, by the plugin's doing or by the host's; null:
+	/// nothing is known of any.
+	const char *nameOfGone(uintptr_t address, bool byHost) const;
 
 	/// Whether the plugin's calls are written down just now.
 	bool on() const { return started && quiet == 0; }
@@ -209,6 +216,15 @@ private:
 	std::string text; ///< the last line
 	std::unordered_map<const void *, Object> objects;
 	std::map<std::string, int> counts; ///< per class
+
+	struct Gone
+	{
+		const void *object = nullptr;
+		bool byHost = false;
+		std::string name;
+	};
+	std::array<Gone, 64> gone; ///< the last ones
+	size_t nextGone = 0;
 };
 
 } // namespace desk

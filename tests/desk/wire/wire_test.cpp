@@ -173,7 +173,8 @@ TEST(Wire, brings_every_message_as_it_was)
 	EXPECT_EQ(back<Failed>(Failed{2, "why"}).why, "why");
 	EXPECT_TRUE(back<Note>(Note{"line", true}).urgent);
 	EXPECT_EQ(back<Call>(Call{"eDebug()"}).line, "eDebug()");
-	const Crash crash = back<Crash>(Crash{11, 0, "what", "call", {{"file", 0x7fffffffffff}, {"", 1}}});
+	const Crash crash =
+		back<Crash>(Crash{11, 0, "what", "call", "gone", {{"file", 0x7fffffffffff}, {"", 1}}});
 	EXPECT_EQ(crash.signal, 11);
 	EXPECT_EQ(crash.stack.at(0).offset, 0x7fffffffffffu);
 	EXPECT_EQ(crash.stack.at(1).offset, 1u);
