@@ -14,7 +14,11 @@ foreach(command IN ITEMS check-host deskhost-new golden-test)
   execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/${command}.1 COMMAND_ERROR_IS_FATAL ANY)
   install(FILES ${CMAKE_BINARY_DIR}/docs/${command}.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT dev)
 endforeach()
-install(PROGRAMS cmake/toolkit/check-entry DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+install(PROGRAMS cmake/toolkit/check-entry cmake/toolkit/list-untranslated
+        DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
+# A signal library as strict as those of receivers, to compile with.
+install(DIRECTORY tests/vendor/sigc1/include/sigc++-1.2/sigc++ DESTINATION ${VEXLO_TOOLKIT_DATA}/strict COMPONENT dev)
+install(FILES tests/vendor/sigc1/lib/sigc++-1.2/include/sigcconfig.h DESTINATION ${VEXLO_TOOLKIT_DATA}/strict COMPONENT dev)
 install(FILES cmake/toolkit/plugin.map src/toolkit/econtract.cpp DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 
 # The signal library is the one that this is built on.
@@ -45,7 +49,7 @@ if(VEXLO_DOXYGEN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_
   add_custom_command(
     OUTPUT ${CMAKE_BINARY_DIR}/reference/html/index.html
     COMMAND ${VEXLO_DOXYGEN} ${CMAKE_BINARY_DIR}/Doxyfile
-    DEPENDS ${headers} ${CMAKE_BINARY_DIR}/Doxyfile
+    DEPENDS ${headers} ${CMAKE_BINARY_DIR}/Doxyfile docs/reference.md
     COMMENT "Reference of the contract"
     VERBATIM)
   add_custom_target(vexlo_reference ALL DEPENDS ${CMAKE_BINARY_DIR}/reference/html/index.html)
@@ -64,9 +68,11 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-too
 function(vexlo_add_examples)
   set(folder ${CMAKE_BINARY_DIR}/toolkit)
   file(MAKE_DIRECTORY ${folder})
-  foreach(file IN ITEMS cmake/toolkit/check-entry cmake/toolkit/plugin.map src/toolkit/econtract.cpp)
+  foreach(file IN ITEMS cmake/toolkit/check-entry cmake/toolkit/list-untranslated cmake/toolkit/plugin.map src/toolkit/econtract.cpp)
     configure_file(${file} ${folder} COPYONLY)
   endforeach()
+  file(COPY ${PROJECT_SOURCE_DIR}/tests/vendor/sigc1/include/sigc++-1.2/sigc++
+            ${PROJECT_SOURCE_DIR}/tests/vendor/sigc1/lib/sigc++-1.2/include/sigcconfig.h DESTINATION ${folder}/strict)
   set(VEXLO_TOOLKIT_INCLUDE_DIR ${PROJECT_SOURCE_DIR}/src/toolkit)
   set(VEXLO_TOOLKIT_DATA ${folder})
   configure_package_config_file(cmake/VexloToolkitConfig.cmake.in ${folder}/VexloToolkitConfig.cmake

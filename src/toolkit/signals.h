@@ -22,6 +22,7 @@
 #include <sigc++/functors/mem_fun.h>
 #include <sigc++/signal.h>
 #include <sigc++/trackable.h>
+#include <type_traits>
 
 #define VEXLO_SIGNAL_LAYER "libsigc++ 3"
 
@@ -68,9 +69,25 @@ template <class R> using Slot0 = sigc::slot<R()>;
 template <class R, class P1> using Slot1 = sigc::slot<R(P1)>;
 
 /// `connect` adds a slot, `emit` runs the slots in the order of their connection; destroying the
-/// signal ends its connections.
-template <class R> using Signal0 = sigc::signal<R()>;
-template <class R, class P1> using Signal1 = sigc::signal<R(P1)>;
+/// signal ends its connections. `P`: what it passes.
+template <class R, class... P> class Signal : public sigc::signal<R(P...)>
+{
+public:
+	/// Adds a slot, and returns the connection, to end it.
+	template <class T> auto connect(const T &slot)
+	{
+		constexpr bool takes = std::is_invocable_v<const T &, P...>;
+		static_assert(takes, "the operation of this slot does not take what the signal passes");
+		if constexpr (takes) {
+			constexpr bool returns = std::is_same_v<R, std::invoke_result_t<const T &, P...>>;
+			static_assert(returns, "the operation of this slot does not return what the signal wants");
+			if constexpr (returns)
+				return sigc::signal<R(P...)>::connect(slot);
+		}
+	}
+};
+template <class R> using Signal0 = Signal<R>;
+template <class R, class P1> using Signal1 = Signal<R, P1>;
 
 /// A slot that calls `operation` on `object`, for as long as `object` lives.
 template <class T, class Operation> auto slot(T &object, Operation operation)

@@ -64,6 +64,40 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 		cmake --build wrong/build >"$place/log" 2>&1 && { echo "it is built after $change"; exit 1; }
 		grep -q 'exports no plugin_exec' "$place/log" || { cat "$place/log"; exit 1; }
 	done
+	# So are a slot that does not fit its signal, and a format that does not fit its values.
+	sed 's/void greet();/void greet(int);/; s/::greet()/::greet(int)/' hello/hello.cpp >wrong/wrong.cpp
+	cmake --build wrong/build --target hello >"$place/log" 2>&1 && { echo 'it is built with a wrong slot'; exit 1; }
+	[[ $(grep -c 'error:' "$place/log") == 1 ]] && grep -q 'does not take what the signal passes' "$place/log" ||
+		{ cat "$place/log"; exit 1; }
+	sed 's/^void MainWindow::greet()$/&\n{ eString text; text.sprintf(const_cast<char *>("%d"), "one"); }\nvoid other()/' \
+		hello/hello.cpp | sed 's/^\tgreeting->setText(translated("Good.*//' >wrong/wrong.cpp
+	cmake --build wrong/build --target hello >"$place/log" 2>&1 && { echo 'it is built with a wrong format'; exit 1; }
+	grep -q 'error: format' "$place/log" || { cat "$place/log"; exit 1; }
+	# What no receiver's compiler or signal library takes is refused with STRICT, and only with it.
+	printf '#include <string_view>\nstd::string_view newer;\n' | cat - hello/hello.cpp >wrong/wrong.cpp
+	step cmake --build wrong/build --target hello
+	cmake --build wrong/build --target hello_strict >"$place/log" 2>&1 && { echo 'STRICT takes C++17'; exit 1; }
+	sed 's/void greet();/int greet();/; s/^void MainWindow::greet()/int MainWindow::greet()/; s/Good evening!"));/&\nreturn 0;/' \
+		hello/hello.cpp >wrong/wrong.cpp
+	cmake --build wrong/build --target hello >"$place/log" 2>&1 && { echo 'it is built with a slot that returns something'; exit 1; }
+	[[ $(grep -c 'error:' "$place/log") == 1 ]] && grep -q 'does not return what the signal wants' "$place/log" ||
+		{ cat "$place/log"; exit 1; }
+	cp -R favourites strict
+	rm -rf strict/build
+	sed -i 's/moved(Entry \*entry) { current = entry; }/moved(eListBoxEntry *entry) { current = static_cast<Entry *>(entry); }/' \
+		strict/favourites.cpp
+	step cmake -S strict -B strict/build -G Ninja
+	step cmake --build strict/build --target favourites
+	cmake --build strict/build --target favourites_strict >"$place/log" 2>&1 && { echo 'STRICT takes any slot'; exit 1; }
+	# Texts without a translation are listed, and the catalogue gets them.
+	sed -i 's/translated("greet")/translated("say hello")/' hello/hello.cpp
+	cmake --build hello/build >"$place/log" 2>&1
+	grep -q 'hello/po/de.po: not translated: "say hello"$' "$place/log" || { cat "$place/log"; exit 1; }
+	[[ $(grep -c 'not translated' "$place/log") == 1 ]] || { cat "$place/log"; exit 1; }
+	step cmake --build hello/build --target hello_update_po
+	grep -A 1 'msgid "say hello"' hello/po/de.po | grep -q 'msgstr ""' || { cat hello/po/de.po; exit 1; }
+	sed -i 's/translated("say hello")/translated("greet")/' hello/hello.cpp
+	step cmake --build hello/build --target hello_update_po
 	# Of a catalogue in any character set becomes one in UTF-8; formats that do not fit are an error.
 	iconv -f UTF-8 -t ISO-8859-1 hello/po/de.po | sed 's/charset=UTF-8/charset=ISO-8859-1/' >hello/po/latin.po
 	mv hello/po/latin.po hello/po/de.po

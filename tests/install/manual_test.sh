@@ -61,6 +61,29 @@ mapfile -t options <"$HOME/hello/tests/greeting/options"
 said=$("$HOME/bin/deskhost" --plugin "$HOME/clock.so.0" --screen none "${options[@]}" 2>&1)
 [[ $said == *'Jan 31 '*2030* ]] ||
 	{ echo 'the recipe for the time shows another time'; exit 1; }
+# So are the recipes for a crash: each names the line.
+cat >"$HOME/twice.cpp" <<'END'
+#include <toolkit.h>
+extern "C" int plugin_exec()
+{
+	eWindow *window = new eWindow(1);
+	eLabel *label = new eLabel(window, 0, 0, "eLabel");
+	delete window;
+	delete label;
+	return 0;
+}
+END
+asan=$(sed -n 's/^asan="\(.*\)"$/\1/p' "$HOME/commands")
+asan=${asan/'$(g++ -print-file-name=libasan.so)'/$(g++ -print-file-name=libasan.so)}
+crash() # OPTION...: of the compiler or the desk host, and what is said
+{
+	g++ -std=c++17 -g -fPIC -shared "${flags[@]}" $2 "$HOME/twice.cpp" -o "$HOME/twice.so.0"
+	said=$("$HOME/bin/deskhost" --plugin "$HOME/twice.so.0" --screen none ${3:+--through "$3"} 2>&1) || :
+	[[ $said == *$1*twice.cpp:7* || $said == *twice.cpp:7*$1* ]] || { echo "no '$1' in: $said"; exit 1; }
+}
+crash 'or deleted eLabel#1 after its end' ''
+crash heap-use-after-free -fsanitize=address "$asan"
+crash 'Invalid read' '' 'valgrind -q'
 grep -q '100% tests passed, 0 tests failed out of 1' "$HOME/output" || { echo "the manual's test did not run"; exit 1; }
 grep -qi 'guten abend' "$HOME/hello/dump" || { echo "the manual's plugin does not speak German"; exit 1; }
 echo 'every command works'
