@@ -24,6 +24,10 @@ if(VEXLO_DESK)
   install(TARGETS deskhost-plugin RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/deskhost COMPONENT desk)
   install(DIRECTORY desk/skins samples DESTINATION ${CMAKE_INSTALL_DATADIR}/deskhost
           USE_SOURCE_PERMISSIONS COMPONENT desk PATTERN .gitattributes EXCLUDE)
+  install(FILES desk/desktop/deskhost.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT desk)
+  install(FILES desk/desktop/deskhost.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT desk)
+  install(FILES desk/desktop/completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME deskhost
+          COMPONENT desk)
   configure_file(docs/deskhost.1 ${CMAKE_BINARY_DIR}/docs/deskhost.1 @ONLY)
   execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/deskhost.1 COMMAND_ERROR_IS_FATAL ANY)
   install(FILES ${CMAKE_BINARY_DIR}/docs/deskhost.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)

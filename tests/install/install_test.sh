@@ -30,6 +30,33 @@ find "$place/usr/share/doc" -name '*.md' | while IFS= read -r page; do
 	done
 done
 
+# What is only in a source tree is said to be there.
+find "$place/usr/share/doc" -name '*.md' | while IFS= read -r page; do
+	! grep -qE '\./(run|test|bench)\b|`(tools|tests|desk|src|samples|cmake|receiver)/' "$page" ||
+		grep -qiE 'those of the source tree|in a source tree' "$page" || fail "${page##*/} names what is not installed"
+done
+[[ $("$place/usr/bin/check-host" --help) != *tools/* ]] || fail 'check-host names what is not installed'
+
+# completed WORD...: the last one, as bash does.
+completed()
+{
+	bash -c '. "$0"; COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _deskhost; printf "%s\n" "${COMPREPLY[@]}"' \
+		"$place/usr/share/bash-completion/completions/deskhost" "$place/usr/bin/deskhost" "$@"
+}
+[[ $(completed --d | xargs) == '--dump --debug' ]] || fail "completion of --d: $(completed --d)"
+for option in $("$place/usr/bin/deskhost" --help | grep -o '^ *\(-h,\)\?--[a-z-]*' | grep -o -- '--.*'); do
+	completed "$option" | grep -qxF -- "$option" || fail "completion does not know $option"
+done
+[[ $(completed --screen t) == terminal && $(completed --lang f) == fr ]] || fail 'completion knows no values'
+languages=$(completed --lang '' | sort | xargs)
+[[ $languages == "$("$place/usr/bin/deskhost" --screen none --lang tlh 2>&1 | sed 's/.*--lang knows: \([^;]*\);.*/\1/')" ]] ||
+	fail "completion knows the languages $languages"
+grep -qx 'Icon=deskhost' "$place/usr/share/applications/deskhost.desktop" &&
+	[[ -s $place/usr/share/icons/hicolor/scalable/apps/deskhost.svg ]] || fail 'the desktop has no entry, or no icon'
+grep -q 'plugin_exec' "$place/usr/share/doc/libvexlo-toolkit-dev/html/index.html" &&
+	grep -q 'href="../docs/plugins.md"' "$place/usr/share/doc/libvexlo-toolkit-dev/html/index.html" ||
+	fail 'the reference has no start page'
+
 mkdir "$place/test"
 echo exit >"$place/test/keys"
 said=$("$place/usr/bin/golden-test" --approve "$place/test" 2>&1) && fail "any plugin is approved"
