@@ -43,6 +43,28 @@ std::optional<Key> keyNamed(std::string_view name)
 	return std::nullopt;
 }
 
+std::optional<Key> colourNamed(std::string_view name)
+{
+	const std::optional<Key> key = keyNamed(name);
+	return key && isColour(*key) ? key : std::nullopt;
+}
+
+std::optional<Key> keyOfLetter(char letter)
+{
+	static const struct
+	{
+		char letter;
+		Key key;
+	} letters[] = {
+		{'k', Key::up},  {'j', Key::down},  {'h', Key::left},   {'l', Key::right}, {'q', Key::exit},
+		{'r', Key::red}, {'g', Key::green}, {'y', Key::yellow}, {'b', Key::blue},
+	};
+	for (const auto &each : letters)
+		if (letter == each.letter)
+			return each.key;
+	return letter >= '0' && letter <= '9' ? keyNamed({&letter, 1}) : std::nullopt;
+}
+
 std::optional<std::vector<Key>> parseKeyScript(std::string_view script, std::string &error)
 {
 	std::vector<Key> keys;

@@ -44,6 +44,18 @@ const char *keyName(Key key);
 /// The key of that name, nothing when there is none.
 std::optional<Key> keyNamed(std::string_view name);
 
+/// Whether it is one of the four coloured keys.
+constexpr bool isColour(Key key)
+{
+	return key >= Key::red && key <= Key::blue;
+}
+
+/// The coloured key of that name, nothing when there is none.
+std::optional<Key> colourNamed(std::string_view name);
+
+/// The key that a letter or a digit of a keyboard stands for, nothing when there is none.
+std::optional<Key> keyOfLetter(char letter);
+
 /// Reads a key script: names separated by blanks (any white space). On an unknown name returns
 /// nothing and leaves one line in `error` that names it and lists the keys there are.
 std::optional<std::vector<Key>> parseKeyScript(std::string_view script, std::string &error);

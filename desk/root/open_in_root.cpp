@@ -2,14 +2,13 @@
 
 #include <fcntl.h>
 #include <linux/openat2.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <filesystem>
-#include <list>
-#include <string>
+#include <iterator>
 
 namespace desk
 {
@@ -17,39 +16,25 @@ namespace desk
 namespace
 {
 
-constexpr int mostLinks = 40; ///< as the kernel's own
 constexpr int permissions = 0666;
 
-/// The folders from the root down to the one that the way has come to; closes them.
-class Way
+/// Opens what is in a folder, but for links and the folder above.
+int openHere(int folder, const std::filesystem::path &name, int flags)
 {
-public:
-	explicit Way(int start) : root(start) {}
-	~Way() { startAgain(); }
-	Way(const Way &) = delete;
-	Way &operator=(const Way &) = delete;
-
-	int here() const { return below.empty() ? root : below.back(); }
-	void down(int folder) { below.push_back(folder); }
-	void startAgain()
-	{
-		while (!below.empty())
-			up();
+	if (name == "..") {
+		errno = ELOOP;
+		return -1;
 	}
-	void up()
-	{
-		if (below.empty())
-			return; // the root is its own parent
-		const int reason = errno;
-		close(below.back());
-		errno = reason;
-		below.pop_back();
+	const int opened =
+		openat(folder, name.empty() ? "." : name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC, permissions);
+	struct stat status;
+	if (opened >= 0 && flags & O_PATH && fstat(opened, &status) == 0 && S_ISLNK(status.st_mode)) {
+		close(opened);
+		errno = ELOOP;
+		return -1;
 	}
-
-private:
-	int root;
-	std::list<int> below;
-};
+	return opened;
+}
 
 } // namespace
 
@@ -61,50 +46,25 @@ int openInRoot(int root, const char *path, int flags)
 	how.resolve = RESOLVE_IN_ROOT;
 	const int opened = static_cast<int>(syscall(SYS_openat2, root, path, &how, sizeof how));
 	// A container that does not know the call refuses it.
-	return opened < 0 && (errno == ENOSYS || errno == EPERM) ? openInRootByNames(root, path, flags) : opened;
+	return opened < 0 && (errno == ENOSYS || errno == EPERM) ? openWithoutLinks(root, path, flags) : opened;
 }
 
-int openInRootByNames(int root, const char *path, int flags)
+int openWithoutLinks(int root, const char *path, int flags)
 {
-	if (!*path) {
-		errno = ENOENT;
-		return -1;
+	const std::filesystem::path names = std::filesystem::path(path).relative_path();
+	if (names.empty())
+		return openHere(root, ".", flags);
+	int here = root;
+	for (auto name = names.begin(); here >= 0 && name != names.end(); ++name) {
+		const bool isLast = std::next(name) == names.end();
+		const int next = openHere(here, *name, isLast ? flags : O_PATH | O_DIRECTORY);
+		const int reason = errno;
+		if (here != root)
+			close(here);
+		errno = reason;
+		here = next;
 	}
-	using Path = std::filesystem::path;
-	const Path whole(path);
-	std::list<Path> names(whole.begin(), whole.end());
-	Way way(root);
-	for (int links = 0; !names.empty();) {
-		const Path name = names.front();
-		names.pop_front();
-		if (name.empty() || name == "/" || name == ".")
-			continue;
-		if (name == "..") {
-			way.up();
-			continue;
-		}
-		char target[PATH_MAX];
-		const bool last = names.empty();
-		const ssize_t length =
-			last && (flags & O_EXCL) ? -1 : readlinkat(way.here(), name.c_str(), target, sizeof target);
-		if (length >= 0) {
-			if (++links > mostLinks) {
-				errno = ELOOP;
-				return -1;
-			}
-			const Path next(std::string(target, static_cast<size_t>(length)));
-			names.insert(names.begin(), next.begin(), next.end());
-			if (next.is_absolute())
-				way.startAgain();
-			continue;
-		}
-		const int how = last ? flags : O_PATH | O_DIRECTORY;
-		const int opened = openat(way.here(), name.c_str(), how | O_NOFOLLOW | O_CLOEXEC, permissions);
-		if (opened < 0 || last)
-			return opened;
-		way.down(opened);
-	}
-	return openat(way.here(), ".", flags | O_CLOEXEC, permissions);
+	return here;
 }
 
 } // namespace desk

@@ -8,8 +8,8 @@ namespace desk
 /// are those of open(), to which O_CLOEXEC is added. Returns a descriptor, or -1 with errno set.
 int openInRoot(int root, const char *path, int flags);
 
-/// The same name by name, where the kernel (before Linux 5.6) or an emulator has no openat2().
-int openInRootByNames(int root, const char *path, int flags);
+/// The same where the kernel (before Linux 5.6) or an emulator has no openat2(): links and .. are refused.
+int openWithoutLinks(int root, const char *path, int flags);
 
 } // namespace desk
 

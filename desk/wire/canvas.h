@@ -1,6 +1,8 @@
 #ifndef DESK_WIRE_CANVAS_H
 #define DESK_WIRE_CANVAS_H
 
+#include "key.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -125,14 +127,6 @@ struct FrameStyle
 /// Pixels beyond a window's edges that its shadow may take.
 constexpr int shadowReach = 16;
 
-enum class ColourKey
-{
-	red,
-	green,
-	yellow,
-	blue,
-};
-
 /// What the toolkit paints on. Coordinates are screen pixels whatever the canvas is made of.
 class Canvas
 {
@@ -158,7 +152,7 @@ public:
 	virtual void text(const Rect &area, std::string_view line, const TextStyle &style) = 0;
 
 	/// The symbol of a colour key of the remote control. `area` is about as high as a text row.
-	virtual void keySymbol(const Rect &area, ColourKey key, Color color) = 0;
+	virtual void keySymbol(const Rect &area, Key key, Color color) = 0;
 };
 
 } // namespace desk

@@ -73,7 +73,7 @@ void DisplayList::text(const Rect &area, std::string_view line, const TextStyle 
 	add(TextItem{area, std::string(line.substr(0, mostBytesWithin(area.w))), style});
 }
 
-void DisplayList::keySymbol(const Rect &area, ColourKey key, Color color)
+void DisplayList::keySymbol(const Rect &area, Key key, Color color)
 {
 	add(KeyItem{area, key, color});
 }

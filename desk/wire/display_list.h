@@ -47,7 +47,7 @@ public:
 	struct KeyItem
 	{
 		Rect area;
-		ColourKey key;
+		Key key;
 		Color color;
 
 		bool operator==(const KeyItem &o) const { return area == o.area && key == o.key && color == o.color; }
@@ -75,7 +75,7 @@ public:
 	void frame(const Rect &outer, const Rect &client, std::string_view title,
 	           const FrameStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
-	void keySymbol(const Rect &area, ColourKey key, Color color) override;
+	void keySymbol(const Rect &area, Key key, Color color) override;
 
 	/// What makes `before` this list.
 	Edit editOf(const DisplayList &before) const;

@@ -31,10 +31,6 @@ constexpr Align last(Align)
 {
 	return Align::end;
 }
-constexpr ColourKey last(ColourKey)
-{
-	return ColourKey::blue;
-}
 
 template <class T, class... Others> constexpr bool isOneOf = (std::is_same_v<T, Others> || ...);
 

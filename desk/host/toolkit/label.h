@@ -11,9 +11,6 @@
 namespace desk
 {
 
-/// The colour key of that name, nothing when it is none.
-std::optional<ColourKey> colourKey(const std::string &name);
-
 /// How a label draws itself, and what a button changes about it.
 class LabelBehaviour : public Behaviour
 {
@@ -35,7 +32,7 @@ public:
 	int left() const { return look->padding + (symbol ? 32 : 0); }
 
 	const Decoration *look = nullptr;
-	std::optional<ColourKey> symbol;
+	std::optional<Key> symbol;
 	Face face = Face::columns;
 	Align align = Align::start;
 	bool oneLine = false;

@@ -29,19 +29,6 @@ public:
 namespace desk
 {
 
-std::optional<ColourKey> colourKey(const std::string &name)
-{
-	if (name == "red")
-		return ColourKey::red;
-	if (name == "green")
-		return ColourKey::green;
-	if (name == "yellow")
-		return ColourKey::yellow;
-	if (name == "blue")
-		return ColourKey::blue;
-	return std::nullopt;
-}
-
 void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 {
 	const eWidget::State &state = eWidget::State::of(widget);
@@ -68,7 +55,7 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 		const Color colors[] = {skin.keyRed, skin.keyGreen, skin.keyYellow, skin.keyBlue};
 		const int height = std::min(style.rowHeight, state.height);
 		painter.canvas.keySymbol({area.x + look->padding + 4, area.y + (area.h - height) / 2, 24, height},
-		                         *symbol, colors[static_cast<int>(*symbol)]);
+		                         *symbol, colors[static_cast<int>(*symbol) - static_cast<int>(Key::red)]);
 	}
 	const Rect inner{area.x + left(), area.y, room(state), area.h};
 
@@ -136,7 +123,7 @@ eLabel::~eLabel() = default;
 void eLabel::setShortcutPixmap(const eString &key)
 {
 	Trace::get().call(this, "setShortcutPixmap", key);
-	static_cast<desk::LabelBehaviour &>(*state->behaviour).symbol = desk::colourKey(key);
+	static_cast<desk::LabelBehaviour &>(*state->behaviour).symbol = desk::colourNamed(key);
 	desk::noticeColour(*this, "setShortcutPixmap", key);
 }
 

@@ -33,7 +33,7 @@ void lookAtColours(const State &window)
 {
 	for (auto one = window.children.begin(); one != window.children.end(); ++one) {
 		const State &state = State::of(**one);
-		if (!state.visible || !colourKey(state.shortcut))
+		if (!state.visible || !colourNamed(state.shortcut))
 			continue;
 		const auto other = std::find_if(one + 1, window.children.end(), [&](const eWidget *widget) {
 			return State::of(*widget).visible && State::of(*widget).shortcut == state.shortcut;
@@ -93,7 +93,7 @@ void noticeDecoration(const eWidget &widget, const char *name)
 
 void noticeColour(const eWidget &widget, const char *operation, const std::string &key)
 {
-	if (!key.empty() && !colourKey(key))
+	if (!key.empty() && !colourNamed(key))
 		Desk::get().notice(widget, operation + ('(' + quoted(key)) +
 		                               "): no colour key; the names are red, green, yellow and blue");
 }

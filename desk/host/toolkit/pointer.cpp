@@ -56,11 +56,6 @@ void chooseInList(Keys &keys, const List &list, int x, int y)
 	keys.push_back(Key::ok);
 }
 
-bool isColour(const std::optional<Key> &key)
-{
-	return key && *key >= Key::red && *key <= Key::blue;
-}
-
 } // namespace
 
 std::vector<Key> Windows::keysAt(int x, int y) const
@@ -78,8 +73,7 @@ std::vector<Key> Windows::keysAt(int x, int y) const
 		if (!below.visible || !inside)
 			continue;
 		if (dynamic_cast<const eButton *>(*child)) {
-			const std::optional<Key> shortcut = keyNamed(std::string(below.shortcut));
-			if (isColour(shortcut))
+			if (const std::optional<Key> shortcut = colourNamed(below.shortcut))
 				return {*shortcut};
 			if (!below.takesFocus)
 				return {};

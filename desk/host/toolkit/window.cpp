@@ -66,11 +66,6 @@ void moveFocus(eWidget &window, int direction)
 	Desk::get().windows().updateFocus();
 }
 
-bool isColour(Key key)
-{
-	return key == Key::red || key == Key::green || key == Key::yellow || key == Key::blue;
-}
-
 } // namespace
 
 eWindow::eWindow(int takefocus) : eWidget(Trace::Quiet().with<eWidget *>(nullptr), takefocus)

@@ -250,7 +250,7 @@ void PixelCanvas::text(const Rect &area, std::string_view line, const TextStyle 
 	cairo_restore(s->cairo);
 }
 
-void PixelCanvas::keySymbol(const Rect &area, ColourKey, Color color)
+void PixelCanvas::keySymbol(const Rect &area, Key, Color color)
 {
 	if (area.empty())
 		return;

@@ -22,7 +22,7 @@ public:
 	void frame(const Rect &outer, const Rect &client, std::string_view title,
 	           const FrameStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
-	void keySymbol(const Rect &area, ColourKey key, Color color) override;
+	void keySymbol(const Rect &area, Key key, Color color) override;
 
 	/// The pixels, 32 bits each (blue, green, red, unused in memory order), `stride()` bytes a row.
 	const unsigned char *pixels();

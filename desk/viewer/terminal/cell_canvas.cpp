@@ -211,15 +211,14 @@ void CellCanvas::text(const Rect &area, std::string_view line, const TextStyle &
 	put(area, line, style, std::nullopt);
 }
 
-void CellCanvas::keySymbol(const Rect &area, ColourKey key, Color color)
+void CellCanvas::keySymbol(const Rect &area, Key key, Color color)
 {
-	static constexpr const char *symbols[] = {"[R]", "[G]", "[Y]", "[B]"};
-	const std::string_view symbol = symbols[static_cast<size_t>(key)];
+	const char symbol[] = {'[', g_ascii_toupper(*keyName(key)), ']', '\0'};
 	TextStyle style;
 	style.color = legibleOn(color);
 	style.bold = true;
 	style.align = Align::centre;
-	put(area, cellsOf(area).w < 3 ? symbol.substr(1, 1) : symbol, style, color);
+	put(area, cellsOf(area).w < 3 ? std::string_view(symbol + 1, 1) : symbol, style, color);
 }
 
 void CellCanvas::put(const Rect &area, std::string_view line, const TextStyle &style,

@@ -65,7 +65,7 @@ public:
 	           const FrameStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
 	/// The key's initial in brackets, on its colour.
-	void keySymbol(const Rect &area, ColourKey key, Color color) override;
+	void keySymbol(const Rect &area, Key key, Color color) override;
 
 	const Cell &at(int row, int column) const
 	{

@@ -105,33 +105,14 @@ std::optional<Key> keyOfCode(wint_t code)
 
 std::optional<Key> keyOfCharacter(wint_t character)
 {
-	if (character >= '0' && character <= '9')
-		return static_cast<Key>(static_cast<int>(Key::digit0) + static_cast<int>(character - '0'));
 	switch (character) {
-	case 'k':
-		return Key::up;
-	case 'j':
-		return Key::down;
-	case 'h':
-		return Key::left;
-	case 'l':
-		return Key::right;
 	case '\r':
 	case '\n':
 		return Key::ok;
 	case 033:
-	case 'q':
 		return Key::exit;
-	case 'r':
-		return Key::red;
-	case 'g':
-		return Key::green;
-	case 'y':
-		return Key::yellow;
-	case 'b':
-		return Key::blue;
 	default:
-		return std::nullopt;
+		return character < 0x80 ? keyOfLetter(static_cast<char>(character)) : std::nullopt;
 	}
 }
 

@@ -11,13 +11,9 @@ const struct
 	Action action;
 } keys[] = {
 	{SDLK_UP, Key::up},
-	{SDLK_k, Key::up},
 	{SDLK_DOWN, Key::down},
-	{SDLK_j, Key::down},
 	{SDLK_LEFT, Key::left},
-	{SDLK_h, Key::left},
 	{SDLK_RIGHT, Key::right},
-	{SDLK_l, Key::right},
 	{SDLK_PAGEUP, Key::pageup},
 	{SDLK_PAGEDOWN, Key::pagedown},
 	{SDLK_HOME, Key::home},
@@ -25,15 +21,10 @@ const struct
 	{SDLK_RETURN, Key::ok},
 	{SDLK_KP_ENTER, Key::ok},
 	{SDLK_ESCAPE, Key::exit},
-	{SDLK_q, Key::exit},
 	{SDLK_F1, Key::red},
-	{SDLK_r, Key::red},
 	{SDLK_F2, Key::green},
-	{SDLK_g, Key::green},
 	{SDLK_F3, Key::yellow},
-	{SDLK_y, Key::yellow},
 	{SDLK_F4, Key::blue},
-	{SDLK_b, Key::blue},
 	{SDLK_F9, Command::showNotes},
 	{SDLK_F11, Command::fullScreen},
 	{SDLK_F12, Command::savePicture},
@@ -62,6 +53,9 @@ std::optional<Action> actionOf(const SDL_Keysym &pressed)
 	for (const auto &key : keys)
 		if (key.code == pressed.sym)
 			return key.action;
+	if (const std::optional<Key> key =
+	        pressed.sym < 0x80 ? keyOfLetter(static_cast<char>(pressed.sym)) : std::nullopt)
+		return *key;
 	return std::nullopt;
 }
 

@@ -32,7 +32,7 @@ DisplayList someFrame()
 	style.emphasis = Emphasis::current;
 	style.color = {9, 8, 7};
 	frame.text({-5, 50, 290, 45}, "text \xc3\xa4", style);
-	frame.keySymbol({20, 100, 24, 20}, ColourKey::blue, {75, 137, 248});
+	frame.keySymbol({20, 100, 24, 20}, Key::blue, {75, 137, 248});
 	frame.popClip();
 	return frame;
 }
@@ -84,7 +84,7 @@ struct Drawn : Canvas
 		      static_cast<int>(style.emphasis), int{style.whole}})
 			calls += ' ' + std::to_string(number);
 	}
-	void keySymbol(const Rect &area, ColourKey key, Color color) override
+	void keySymbol(const Rect &area, Key key, Color color) override
 	{
 		calls += "\nkey " + std::to_string(static_cast<int>(key));
 		put(area);
@@ -121,7 +121,7 @@ TEST(Wire, brings_a_frame_as_it_was)
 	DisplayList list;
 	EXPECT_EQ(list.apply(came.edit), wholeScreen);
 	EXPECT_EQ(drawn(list), drawn(frame));
-	EXPECT_NE(drawn(frame).find("\nkey 3"), std::string::npos);
+	EXPECT_NE(drawn(frame).find("\nkey 13"), std::string::npos);
 }
 
 TEST(Wire, brings_a_description_only_when_it_is_one)

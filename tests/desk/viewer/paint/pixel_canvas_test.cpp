@@ -128,7 +128,7 @@ TEST(PixelCanvas, fills_nothing_where_there_is_no_area)
 	canvas.fill({10, 10, 0, 10}, Fill::plain(red));
 	canvas.fill({10, 10, 10, -1}, Fill::plain(red, 5));
 	canvas.text({10, 10, 0, 20}, "text", columns());
-	canvas.keySymbol({10, 10, 0, 0}, ColourKey::red, red);
+	canvas.keySymbol({10, 10, 0, 0}, Key::red, red);
 	canvas.frame({10, 10, 0, 0}, {10, 10, 0, 0}, "title", {red, red, red, red, red, 5});
 	EXPECT_TRUE(painted(canvas).empty());
 }
@@ -192,7 +192,7 @@ TEST(PixelCanvas, touches_nothing_outside_of_the_clip)
 	canvas.frame({80, 70, 300, 120}, {84, 100, 292, 86}, "A title", {red, green, blue, white, red, 8});
 	canvas.text({90, 90, 400, 20}, "WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW", columns());
 	canvas.text({90, 150, 400, 20}, "ggggÅÅÅÅÅÅ日本语", prose());
-	canvas.keySymbol({290, 140, 40, 40}, ColourKey::blue, blue);
+	canvas.keySymbol({290, 140, 40, 40}, Key::blue, blue);
 	EXPECT_TRUE(within(painted(canvas), clip)) << painted(canvas);
 	EXPECT_FALSE(painted(canvas).empty());
 }
@@ -445,7 +445,7 @@ TEST(PixelCanvas, draws_the_colour_key_in_its_colour_within_its_area)
 {
 	const Rect area = {100, 100, 24, 20};
 	PixelCanvas canvas;
-	canvas.keySymbol(area, ColourKey::red, {200, 30, 30});
+	canvas.keySymbol(area, Key::red, {200, 30, 30});
 	EXPECT_TRUE(within(painted(canvas), area)) << painted(canvas);
 	const Color middle = at(canvas, 112, 110);
 	EXPECT_GT(middle.r, 180);

@@ -351,12 +351,12 @@ TEST(CellCanvas, a_colour_key_is_its_initial_on_its_colour)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
-	canvas.keySymbol({80, 63, 24, 20}, ColourKey::green, {0, 200, 0});
+	canvas.keySymbol({80, 63, 24, 20}, Key::green, {0, 200, 0});
 	canvas.text({112, 63, 100, 20}, "OK", style());
 	EXPECT_EQ(rowText(canvas, 3), "          [G] OK");
 	EXPECT_EQ(cellAt(canvas, 3, 10).ground, (Color{0, 200, 0}));
 	EXPECT_EQ(cellAt(canvas, 3, 11).text, black);
-	canvas.keySymbol({80, 83, 12, 20}, ColourKey::blue, blue);
+	canvas.keySymbol({80, 83, 12, 20}, Key::blue, blue);
 	EXPECT_EQ(rowText(canvas, 4), "          B");
 }
 
@@ -493,7 +493,7 @@ TEST(CellCanvas, no_numbers_are_too_strange)
 			canvas.frame(rect(), rect(), text, FrameStyle());
 			break;
 		case 4:
-			canvas.keySymbol(rect(), static_cast<ColourKey>(pick(0, 3)), red);
+			canvas.keySymbol(rect(), static_cast<Key>(pick(0, 3)), red);
 			break;
 		default:
 			canvas.text(rect(), text, any);

@@ -74,7 +74,7 @@ void paint(Canvas &canvas, const State &state)
 	            Fill::plain(grey, 4, Emphasis::current));
 	style.emphasis = Emphasis::none;
 	canvas.fill({120, 473, 160, 40}, Fill::plain(bar, 6));
-	canvas.keySymbol({128, 483, 24, 20}, desk::ColourKey::red, {200, 40, 40});
+	canvas.keySymbol({128, 483, 24, 20}, desk::Key::red, {200, 40, 40});
 	style.face = Face::prose;
 	canvas.text({160, 473, 120, 40}, "delete log", style);
 	canvas.popClip();
