@@ -55,7 +55,15 @@ std::optional<PixelLayout> PixelLayout::of(const fb_var_screeninfo &mode, std::s
 
 void PixelLayout::convert(const uint32_t *from, int count, unsigned char *to) const
 {
-	const auto pixel = [&](uint32_t p) { return red[p >> 16 & 255] | green[p >> 8 & 255] | blue[p & 255]; };
+	// Most pixels are of the colour of the one before.
+	uint32_t colour = 0, converted = red[0] | green[0] | blue[0];
+	const auto pixel = [&](uint32_t p) {
+		if (p != colour) {
+			colour = p;
+			converted = red[p >> 16 & 255] | green[p >> 8 & 255] | blue[p & 255];
+		}
+		return converted;
+	};
 	if (pixelBytes == 2)
 		for (int i = 0; i < count; ++i, to += 2) {
 			const uint16_t value = static_cast<uint16_t>(pixel(from[i]));
