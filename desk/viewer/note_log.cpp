@@ -49,18 +49,22 @@ void NoteLog::addToFile(const std::string &line)
 
 void NoteLog::add(const std::string &bytes)
 {
-	addToFile(bytes);
-	const std::string line = localText(bytes);
 	// One write a line: what others print beside it then falls between lines, not into them.
 	if (!holding)
-		std::fputs((line + '\n').c_str(), stderr);
+		std::fputs((localText(bytes) + '\n').c_str(), stderr);
+	addQuietly(bytes);
+	if (holding)
+		holding(lines.back().size() < localText(bytes).size() ? lines.back() + " ..." : lines.back());
+}
 
+void NoteLog::addQuietly(const std::string &bytes)
+{
+	addToFile(bytes);
+	const std::string line = localText(bytes);
 	size_t length = std::min(line.size(), mostBytes);
 	while (length < line.size() && length > 0 && (static_cast<unsigned char>(line[length]) & 0xC0) == 0x80)
 		--length; // not within a character
 	lines.push_back(line.substr(0, length));
-	if (holding)
-		holding(length < line.size() ? lines.back() + " ..." : lines.back());
 	if (lines.size() > mostLines)
 		lines.pop_front();
 }

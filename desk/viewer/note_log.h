@@ -34,6 +34,8 @@ public:
 	/// than the last lines are kept. endLine() takes one that has no end.
 	void add(const char *bytes, size_t count);
 	void endLine();
+	/// The same, but not to standard error.
+	void addQuietly(const std::string &line);
 	/// Into the file only.
 	void addToFile(const std::string &line);
 

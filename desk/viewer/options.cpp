@@ -73,7 +73,8 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 	cli.add_option("--trace", options.trace,
 	               "Write every call that the plugin makes to its host, a line each")
 		->type_name("FILE");
-	cli.add_option("--debug", options.debug, "Write debug lines and other notes to this file as well")
+	cli.add_option("--debug", options.debug,
+	               "Write debug lines and other notes to this file as well, with keys and calls")
 		->type_name("FILE");
 	cli.add_option("--root", options.root,
 	               "Use this folder as the receiver's files and commands. The plugin can change nothing else "

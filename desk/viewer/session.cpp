@@ -97,7 +97,7 @@ bool Session::startHalf()
 	start.rowHeight = stage.rowHeight;
 	start.draws = stage.draws || !options.pictures.empty();
 	start.describes = !options.dump.empty();
-	start.traces = !options.trace.empty();
+	start.traces = !options.trace.empty() || !options.debug.empty();
 	half->send(start);
 	half->send(Load());
 	state = State::busy;
@@ -243,8 +243,11 @@ void Session::handle(Said &)
 
 void Session::handle(Call &message)
 {
-	if (openScreen() && openRecordings())
-		recorder.call(message.line);
+	if (!openScreen() || !openRecordings())
+		return;
+	recorder.call(message.line);
+	if (!options.debug.empty() && message.line.rfind("eDebug(", 0) != 0) // whose text comes as a note
+		NoteLog::get().addQuietly(message.line);
 }
 
 void Session::handle(Harm &message)
@@ -431,6 +434,8 @@ void Session::pressNext()
 
 void Session::press(Key key, bool isSomebodys)
 {
+	if (!options.debug.empty())
+		NoteLog::get().addQuietly(std::string("key ") + keyName(key));
 	if (isSomebodys) {
 		due = keyName(key);
 		if (watch) // nothing else presses keys again

@@ -180,7 +180,7 @@ TEST(Root, takes_nothing_of_what_is_recorded_for_the_viewer_into_its_var_tmp)
 {
 	ReceiverFolder receiver;
 	reach("run", "true", {"--root", receiver.path(), "--debug", "/var/tmp/debug"});
-	EXPECT_EQ(readFile("/var/tmp/debug"), "system: 0\n");
+	EXPECT_EQ(readFile("/var/tmp/debug"), "system(\"true\")\nsystem: 0\n");
 	EXPECT_FALSE(exists(receiver / "var/tmp/debug"));
 }
 
@@ -227,7 +227,9 @@ TEST(Root, has_a_temporary_var_tmp_where_its_own_is_no_folder)
 		          "deskhost: with --root, /var/tmp is the one in that folder, which is no folder to "
 		          "write to (" +
 		              std::string(reason) + "); " + temporary + "mine\nsystem: 0\n");
-		EXPECT_EQ(readFile("/var/tmp/debug"), run.outcome.err) << "from the first line on";
+		std::string debug = run.outcome.err;
+		debug.insert(debug.find('\n') + 1, run.trace.front() + '\n');
+		EXPECT_EQ(readFile("/var/tmp/debug"), debug) << "from the first line on";
 		EXPECT_FALSE(exists("/var/tmp/one"));
 		EXPECT_TRUE(std::filesystem::is_empty(elsewhere.path()));
 		EXPECT_TRUE(std::filesystem::is_empty(folderOfTemporary.path())) << "it goes with the run";

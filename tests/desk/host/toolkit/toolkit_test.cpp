@@ -127,7 +127,9 @@ TEST(Toolkit, notices_once_what_a_plugin_can_hardly_mean)
 	for (std::string &line : said)
 		line.erase(0, line.rfind("deskhost: mistakes.so.0: ", 0) == 0 ? 25 : 0);
 	EXPECT_EQ(said, expected);
-	EXPECT_EQ(support::readFile(folder / "debug"), run.outcome.err);
+	const Lines debug = support::lines(support::readFile(folder / "debug"));
+	for (const std::string &line : support::lines(run.outcome.err))
+		EXPECT_EQ(std::count(debug.begin(), debug.end(), line), 1) << line;
 	EXPECT_EQ(run.outcome.status, 0) << "they are no errors";
 	EXPECT_EQ(run.dump.size(), 5u);
 
@@ -135,6 +137,32 @@ TEST(Toolkit, notices_once_what_a_plugin_can_hardly_mean)
 	EXPECT_EQ(strict.outcome.status, 1);
 	EXPECT_EQ(support::lines(strict.outcome.err).back(),
 	          "deskhost: what was noticed about the plugin is an error with --strict; see above");
+}
+
+TEST(Toolkit, debugs_keys_and_calls_in_order_with_what_is_noted)
+{
+	const support::TempFolder folder;
+	ReceiverFolder receiver;
+	receiver.ps("  PID\n");
+	const DeskRun run = runDesk(receiver.path(), "ok exit exit", {"--debug", folder / "debug"});
+	Lines expected = run.trace;
+	// A debug line is there as it was noted, and a key where the loop waits for it.
+	Lines debug = support::lines(support::readFile(folder / "debug"));
+	const auto at = [&](const std::string &line) {
+		return std::find(debug.begin(), debug.end(), line) - debug.begin();
+	};
+	EXPECT_LT(at("eSetupWindow#1.exec()"), at("key ok"));
+	EXPECT_LT(at("key ok"), at("eSetupWindow#1.hide()"));
+	EXPECT_LT(at("eSetupWindow#1.hide()"), at("key exit"));
+	EXPECT_EQ(std::count(debug.begin(), debug.end(), "key exit"), 2);
+	const auto isElsewhere = [](const std::string &line) { return line.rfind("eDebug(", 0) == 0; };
+	const auto isNoCall = [&](const std::string &line) {
+		return std::find(expected.begin(), expected.end(), line) == expected.end();
+	};
+	debug.erase(std::remove_if(debug.begin(), debug.end(), isNoCall), debug.end());
+	expected.erase(std::remove_if(expected.begin(), expected.end(), isElsewhere), expected.end());
+	EXPECT_EQ(debug, expected) << "no call is left out";
+	EXPECT_EQ(run.outcome.err.find("key ok"), std::string::npos) << "standard error has none of it";
 }
 
 TEST(Toolkit, notices_nothing_about_the_service_menu)
