@@ -99,9 +99,9 @@ void mountVarTmp(int root)
 	std::error_code failed;
 	const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), failed);
 	if (folder >= 0 && fstat(folder, &meant) == 0 && enterMountNamespace() &&
-	    mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 && stat(path.c_str(), &there) == 0 &&
+	    mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr) == 0 && stat(path.c_str(), &there) == 0 &&
 	    meant.st_dev == there.st_dev && meant.st_ino == there.st_ino)
-		mount(path.c_str(), "/var/tmp", nullptr, MS_BIND | MS_REC, nullptr);
+		mount(path.c_str(), "/var/tmp", "", MS_BIND | MS_REC, nullptr);
 	closeKeepingErrno(folder);
 }
 
