@@ -24,8 +24,10 @@ if(VEXLO_DESK)
   install(TARGETS deskhost-plugin RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/deskhost COMPONENT desk)
   install(DIRECTORY desk/skins samples DESTINATION ${CMAKE_INSTALL_DATADIR}/deskhost
           USE_SOURCE_PERMISSIONS COMPONENT desk PATTERN .gitattributes EXCLUDE)
-  install(FILES desk/desktop/deskhost.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT desk)
-  install(FILES desk/desktop/deskhost.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT desk)
+  if(VEXLO_WINDOW)
+    install(FILES desk/desktop/deskhost.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT desk)
+    install(FILES desk/desktop/deskhost.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT desk)
+  endif()
   install(FILES desk/desktop/completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME deskhost
           COMPONENT desk)
   configure_file(docs/deskhost.1 ${CMAKE_BINARY_DIR}/docs/deskhost.1 @ONLY)

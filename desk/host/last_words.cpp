@@ -286,7 +286,9 @@ void prepareLastWords(int in, int out)
 	action.sa_handler = onTerm;
 	action.sa_flags = static_cast<int>(SA_RESTART | SA_NODEFER);
 	sigaction(SIGTERM, &action, nullptr);
-	sigaction(SIGHUP, &action, nullptr);
+	struct sigaction given = {};
+	if (sigaction(SIGHUP, nullptr, &given) == 0 && given.sa_handler != SIG_IGN) // by nohup
+		sigaction(SIGHUP, &action, nullptr);
 	fcntl(in, F_SETOWN, getpid());
 	fcntl(in, F_SETFL, fcntl(in, F_GETFL) | O_ASYNC);
 }

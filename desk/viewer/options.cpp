@@ -65,8 +65,10 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 		   "Press these keys first, one after another: up down left right pageup pagedown home end ok exit\n"
 		   "red green yellow blue 0-9. With --screen none, exit follows until the plugin returns")
 		->type_name("KEYS");
-	cli.add_option("--pictures", options.pictures,
-	               "Write a PNG of the screen at the start and after every key: 00-start.png, 01-ok.png, ...")
+	cli.add_option(
+		   "--pictures", options.pictures,
+		   "Write a PNG of the screen at the start and after every key: 00-start.png, 01-ok.png, ...\n"
+		   "Those of an earlier run are removed")
 		->type_name("DIR");
 	cli.add_option("--dump", options.dump, "Write what is on the screen at the same times, as JSON lines")
 		->type_name("FILE");
@@ -124,9 +126,10 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 		"On the keyboard: arrows, Page Up/Down, Home, End, Enter (ok), Esc (exit), F1-F4 (red green yellow\n"
 		"blue), digits; in the window and the terminal also h j k l, q (exit), r g y b, F9 (the last debug "
 		"lines).\n\n"
-		"Exit status: 0 the plugin ran to its end; 1 it cannot be loaded or did not run to its end, or there "
-		"is\n"
-		"no font or memory; 2 bad arguments, or something could not be written.");
+		"Exit status: 0 the plugin ran to its end; 1 it cannot be loaded or did not run to its end, "
+	    "--strict\n"
+		"noticed something, or there is no font or memory; 2 bad arguments, or something could not be\n"
+		"written.");
 	try {
 		cli.parse(argc, argv);
 	} catch (const CLI::ParseError &problem) {

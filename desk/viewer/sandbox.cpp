@@ -276,8 +276,10 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 		words.push_back(word.data());
 	words.push_back(nullptr);
 	int said[2];
-	if (pipe2(said, O_CLOEXEC) != 0)
+	if (pipe2(said, O_CLOEXEC) != 0) {
+		why = std::strerror(errno);
 		return false;
+	}
 	prctl(PR_SET_CHILD_SUBREAPER, 1); // whose first process outlives bubblewrap for a moment
 	const pid_t child = fork();
 	if (child == 0) {
@@ -293,9 +295,11 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 	constexpr int patience = 5000; // milliseconds
 	pollfd answer = {said[0], POLLIN, 0};
 	ssize_t length = 1;
-	while (length > 0 && poll(&answer, 1, patience) > 0)
-		if ((length = read(said[0], piece, sizeof piece)) > 0)
+	for (int ready = 1; length > 0 && ready != 0;) {
+		ready = poll(&answer, 1, patience); // again after a signal
+		if (ready > 0 && (length = read(said[0], piece, sizeof piece)) > 0)
 			why.append(piece, static_cast<size_t>(length));
+	}
 	if (length > 0) { // some of it is stuck
 		why = "bubblewrap does not answer";
 		if (child > 0)

@@ -358,6 +358,7 @@ void Session::startAgain(bool pressesAgain)
 	meant.clear();
 	typed.clear();
 	question = 0;
+	notices = 0;
 	if (!pressesAgain || !replays || harmless)
 		script
 			.clear(); // else what has not been pressed again yet, of a plugin that came to nothing, still is to be

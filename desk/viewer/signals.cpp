@@ -18,20 +18,22 @@ namespace
 
 constexpr int ends[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
-constexpr unsigned patience = 2; // seconds
+constexpr unsigned patience = 2, patienceOnceTaken = 5; // seconds
 
 volatile std::sig_atomic_t toLoop = -1; ///< the pipe to it
-volatile std::sig_atomic_t ending = 0;  ///< the signal that asks for the end
+volatile std::sig_atomic_t ending = 0;  ///< the signal that asks for the end ...
+volatile std::sig_atomic_t isTaken = 1; ///< ... which the loop knows of
 
 void come(int signal)
 {
 	const int before = errno;
 	const auto byte = static_cast<char>(signal);
-	[[maybe_unused]] const ssize_t written = write(toLoop, &byte, 1);
 	if (Signals::isEnd(signal)) {
 		ending = signal;
+		isTaken = 0;
 		alarm(patience);
 	}
+	[[maybe_unused]] const ssize_t written = write(toLoop, &byte, 1);
 	errno = before;
 }
 
@@ -41,11 +43,16 @@ void endAtLast(int)
 	raise(ending);
 }
 
-/// Ignored by nohup or in a script's background it stays, but children are always waited for.
+/// Ignored by nohup or in a script's background it stays, but children and time are always waited for.
 void handle(int signal, void (*by)(int))
 {
 	struct sigaction action = {};
-	if (signal != SIGCHLD && sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
+	sigset_t set;
+	sigemptyset(&set);
+	sigaddset(&set, signal);
+	sigprocmask(SIG_UNBLOCK, &set, nullptr); // somebody may have started this program so
+	if (signal != SIGCHLD && signal != SIGALRM && sigaction(signal, nullptr, &action) == 0 &&
+	    action.sa_handler == SIG_IGN)
 		return;
 	action = {};
 	action.sa_handler = by;
@@ -95,11 +102,10 @@ Signals::~Signals()
 
 std::optional<int> Signals::take()
 {
-	if (ending) {
-		alarm(0);
-		const int signal = ending;
-		ending = 0;
-		return signal;
+	if (!isTaken) {
+		isTaken = 1;
+		alarm(patienceOnceTaken);
+		return ending;
 	}
 	for (char signal = 0; read(pipe[0], &signal, 1) == 1;)
 		if (!isEnd(signal))

@@ -4,9 +4,9 @@
 #include <toolkit.h>
 
 #include <cstdio>
-#include <cstring>
 #include <libintl.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -42,12 +42,16 @@ std::vector<std::string> load()
 	FILE *file = std::fopen(savedIn, "r");
 	if (!file)
 		return names;
-	char line[100];
-	while (std::fgets(line, sizeof line, file)) {
-		line[std::strcspn(line, "\n")] = '\0';
-		if (*line)
-			names.emplace_back(line);
-	}
+	std::string name;
+	for (int c; (c = std::fgetc(file)) != EOF;)
+		if (c != '\n')
+			name += static_cast<char>(c);
+		else if (!name.empty()) {
+			names.push_back(name);
+			name.clear();
+		}
+	if (!name.empty()) // without an end
+		names.push_back(name);
 	std::fclose(file);
 	return names;
 }

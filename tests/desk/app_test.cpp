@@ -156,6 +156,9 @@ TEST(App, leaves_what_was_recorded_when_there_is_no_plugin_or_screen)
 {
 	TempFolder folder;
 	const std::string missing = folder / "missing/file";
+	const std::string picture = folder.write("pictures/07-ok.png", "yesterday's");
+	EXPECT_EQ(deskhost({"--screen", "none", "--pictures", folder / "pictures", "--dump", missing}).status, 2);
+	EXPECT_TRUE(support::exists(picture));
 	for (const char *output : {"--dump", "--trace", "--debug"}) {
 		const std::string file = folder.write("yesterday", "yesterday's\n");
 		EXPECT_EQ(deskhost({"--screen", "none", "--plugin", folder / "mistyped", output, file}).status, 1);

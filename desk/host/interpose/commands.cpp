@@ -2,10 +2,12 @@
 
 #include "desk.h"
 #include "libc.h"
+#include "open_in_root.h"
 #include "trace.h"
 
 #include <fcntl.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,7 +17,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <set>
 #include <sstream>
 #include <string_view>
@@ -90,11 +91,11 @@ Commands &Commands::get()
 	return commands;
 }
 
-void Commands::takeFrom(const std::string &root, bool contained)
+void Commands::takeFrom(const std::string &folder, int uncontained)
 {
 	rooted = true;
-	bin = root + "/bin";
-	searches = !contained;
+	bin = folder + "/bin";
+	root = uncontained;
 	before = "PATH=" + bin + "; ";
 }
 
@@ -111,55 +112,50 @@ void Commands::takeFromBusybox()
 	                 "and ps may list this terminal's processes only");
 }
 
-/// Whether it has a word that kills, or runs a script in `bin` that has.
-bool Commands::kills(const std::string &command) const
+/// Whether something in `bin` is a link to a program of this computer's.
+bool Commands::leadsOut(const std::string &name) const
 {
+	struct stat run = {}, meant = {};
+	if (::stat((bin + '/' + name).c_str(), &run) != 0)
+		return false;
+	const int file = openInRoot(root, ("/bin/" + name).c_str(), O_PATH);
+	const bool isMeant =
+		file >= 0 && fstat(file, &meant) == 0 && meant.st_dev == run.st_dev && meant.st_ino == run.st_ino;
+	if (file >= 0)
+		::close(file);
+	return !isMeant;
+}
+
+/// Whether it is not to be run, because of a word of its own or of a script in `bin` that it runs.
+bool Commands::refuses(const std::string &command) const
+{
+	if (hasWord(command, deleting) && !Desk::get().permits(command))
+		return true;
 	std::set<std::string> seen;
 	std::vector<std::string> texts = {command};
 	while (!texts.empty()) {
 		const std::string text = std::move(texts.back());
 		texts.pop_back();
-		if (hasWord(text, killing))
-			return true;
-		if (searches)
-			for (const std::string_view name : wordsOf(text))
-				if (seen.emplace(name).second)
-					texts.push_back(scriptAt(bin + '/' + std::string(name)));
+		if (hasWord(text, killing)) {
+			const bool isPermitted = Desk::get().permits(command);
+			if (isPermitted && rooted)
+				report(command);
+			return rooted || !isPermitted;
+		}
+		if (root >= 0)
+			for (const std::string_view word : wordsOf(text)) {
+				const std::string name(word);
+				if (!seen.insert(name).second)
+					continue;
+				if (leadsOut(name)) {
+					Desk::get().note("deskhost: not run, because it is no sandbox here and bin/" + name +
+					                 " leads out of that folder; make it a relative link: " + command);
+					return true;
+				}
+				texts.push_back(scriptAt(bin + '/' + name));
+			}
 	}
 	return false;
-}
-
-/// Whether it names something in `bin` that is a link to a program of this computer's.
-bool Commands::leadsOut(const std::string &command) const
-{
-	namespace fs = std::filesystem;
-	std::error_code failed;
-	const fs::path root = fs::canonical(fs::path(bin).parent_path(), failed);
-	for (const std::string_view name : wordsOf(command)) {
-		const fs::path place = fs::canonical(fs::path(bin) / name, failed);
-		if (failed || std::mismatch(root.begin(), root.end(), place.begin(), place.end()).first == root.end())
-			continue;
-		Desk::get().note("deskhost: not run, because it is no sandbox here and bin/" + std::string(name) +
-		                 " is a link to this computer's " + place.string() +
-		                 "; make it a relative link: " + command);
-		return true;
-	}
-	return false;
-}
-
-bool Commands::refuses(const std::string &command) const
-{
-	if (hasWord(command, deleting) && !Desk::get().permits(command))
-		return true;
-	if (searches && leadsOut(command))
-		return true;
-	if (!kills(command))
-		return false;
-	if (!Desk::get().permits(command))
-		return true;
-	if (rooted)
-		report(command);
-	return rooted;
 }
 
 pid_t Commands::start(const char *command, int in, int out) const

@@ -20,9 +20,10 @@ class Commands
 public:
 	static Commands &get();
 
-	/// Commands are those of the folder bin in `root`, and none else; what kills is only reported. Unless it is
-	/// `contained` anyway, that goes for scripts in there as well.
-	void takeFrom(const std::string &root, bool contained);
+	/// Commands are those of the folder bin in `folder`, and none else; what kills is only reported. Where nothing else
+	/// contains them, its descriptor `uncontained` is not -1: then that goes for scripts in there as well, and links
+	/// that lead out of it are not run.
+	void takeFrom(const std::string &folder, int uncontained);
 
 	/// The commands ps, df and kill are BusyBox's, as on most receivers. Without BusyBox they stay
 	/// this computer's, and a note says so.
@@ -39,15 +40,14 @@ public:
 	int signal(pid_t process, int number) const;
 
 private:
-	bool kills(const std::string &command) const;
-	bool leadsOut(const std::string &command) const;
+	bool leadsOut(const std::string &name) const;
 	bool refuses(const std::string &command) const;
 	/// `in` and `out` -1: nothing, and standard error. Returns the process; -1, with a note: there is none.
 	pid_t start(const char *command, int in, int out) const;
 	int finish(pid_t process) const;
 
 	bool rooted = false;
-	bool searches = false; ///< scripts in `bin` for what kills
+	int root = -1; ///< see takeFrom()
 	std::string bin;
 	std::string before;  ///< what the shell reads before each command
 	std::mutex changing; ///< a plugin may have threads

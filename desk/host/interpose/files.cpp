@@ -137,7 +137,7 @@ bool Files::setRoot(const std::string &from, const std::vector<std::string> &fil
 	folder = from;
 	served = files;
 	if (contained) {
-		Commands::get().takeFrom(folder, true);
+		Commands::get().takeFrom(folder, -1);
 		return true;
 	}
 	root = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -148,7 +148,7 @@ bool Files::setRoot(const std::string &from, const std::vector<std::string> &fil
 	}
 	mountVarTmp(root);
 	// Through this process's descriptor, because a PATH cannot name a folder with a colon.
-	Commands::get().takeFrom("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(root), false);
+	Commands::get().takeFrom("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(root), root);
 	return true;
 }
 

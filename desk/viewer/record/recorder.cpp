@@ -49,13 +49,6 @@ bool Recorder::openPictures(const std::string &folder, std::string &error)
 			"cannot write pictures to '" + folder + "': " + why + "; name a writable folder with --pictures";
 		return false;
 	}
-	// Those of an earlier run with more keys would be taken for this one's.
-	std::vector<fs::path> earlier;
-	for (const fs::directory_entry &entry : fs::directory_iterator(folder, failed))
-		if (isPicture(entry.path()))
-			earlier.push_back(entry.path());
-	for (const fs::path &path : earlier)
-		fs::remove(path, failed);
 	pictures = folder;
 	return true;
 }
@@ -82,6 +75,14 @@ bool Recorder::openTrace(const std::string &file, std::string &error)
 
 void Recorder::begin()
 {
+	std::error_code failed;
+	std::vector<fs::path> earlier;
+	if (!pictures.empty())
+		for (const fs::directory_entry &entry : fs::directory_iterator(pictures, failed))
+			if (isPicture(entry.path()))
+				earlier.push_back(entry.path());
+	for (const fs::path &path : earlier) // with more keys they would be taken for this run's
+		fs::remove(path, failed);
 	for (FILE *file : {dump, trace})
 		if (file) [[maybe_unused]]
 			const int cut = ftruncate(fileno(file), 0); // a pipe has nothing to lose

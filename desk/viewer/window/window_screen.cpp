@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
@@ -150,6 +151,7 @@ private:
 	bool moreIsQueued() const;
 
 	Display *display = nullptr; ///< X11's; null with another display server
+	XID ownName = 0;            ///< X11's name of the window
 	Handle<SDL_Window> window;
 	Handle<SDL_Renderer> renderer;
 	Handle<SDL_Texture> picture, strip, notes;
@@ -220,8 +222,10 @@ bool WindowScreen::create(const std::string &title)
 	SDL_StopTextInput(); // keys, not letters: no input method is wanted
 	SDL_SysWMinfo info;
 	SDL_VERSION(&info.version);
-	if (SDL_GetWindowWMInfo(window.get(), &info) && info.subsystem == SDL_SYSWM_X11)
+	if (SDL_GetWindowWMInfo(window.get(), &info) && info.subsystem == SDL_SYSWM_X11) {
 		display = info.info.x11.display;
+		ownName = info.info.x11.window;
+	}
 	SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE); // SDL does not tell that somebody has destroyed it
 	return true;
 }
@@ -333,7 +337,8 @@ void WindowScreen::handle(const SDL_Event &event)
 			stale = true;
 		break;
 	case SDL_SYSWMEVENT:
-		if (display && event.syswm.msg->msg.x11.event.type == DestroyNotify)
+		if (display && event.syswm.msg->msg.x11.event.type == DestroyNotify &&
+		    event.syswm.msg->msg.x11.event.xdestroywindow.window == ownName)
 			displayIsGone = windowIsGone = true;
 		break;
 	case SDL_QUIT:
@@ -464,7 +469,11 @@ bool displayAnswers(std::string &error)
 	::close(ends[1]);
 	pollfd answer = {ends[0], POLLIN, 0};
 	error.clear();
-	if (poll(&answer, 1, displayPatience) > 0) {
+	int ready = -1;
+	do
+		ready = poll(&answer, 1, displayPatience);
+	while (ready < 0 && errno == EINTR);
+	if (ready > 0) {
 		char text[1000];
 		for (ssize_t length; (length = read(ends[0], text, sizeof text)) > 0;)
 			error.append(text, static_cast<size_t>(length));

@@ -167,14 +167,35 @@ TEST_F(SessionEnd, by_a_signal_ends_a_plugin_that_spins)
 
 TEST_F(SessionEnd, keeps_ignoring_what_was_ignored_when_it_started)
 {
-	const support::ReceiverFolder receiver;
-	receiver.write("bin/ps", "#!/bin/sh\necho started >>\"$0.log\"; exec sleep 1000\n", true);
+	support::writeFile(folder / "trace", "");
 	host.start({"sh", "-c", "trap '' HUP; exec \"$@\"", "sh", support::deskhostPath(), "--screen", "none",
-	            "--root", receiver.path(), "--keys", "1"});
-	ASSERT_TRUE(support::eventually([&] { return support::exists(receiver / "bin/ps.log"); }));
+	            "--keys", "7", "--trace", folder / "trace", "--plugin",
+	            support::testPlugin("misbehaves.so.0")});
+	ASSERT_TRUE(support::eventually(
+		[&] { return support::readFile(folder / "trace").find(".exec()") != std::string::npos; }));
+	half = childOf(host.pid());
+	ASSERT_GT(half, 0);
 	host.signal(SIGHUP);
 	host.signal(SIGWINCH);
+	kill(half, SIGHUP);
+	std::this_thread::sleep_for(std::chrono::milliseconds(500));
 	EXPECT_TRUE(host.lives());
+	host.signal(SIGTERM);
+	EXPECT_EQ(host.exitStatus(), 128 + SIGTERM);
+}
+
+TEST_F(SessionEnd, comes_with_signals_that_were_blocked_when_it_started)
+{
+	const Command blocked = {"env", "--block-signal=CHLD", "--block-signal=TERM", "--block-signal=ALRM"};
+	Command command = blocked;
+	command.insert(command.end(), {"timeout", "-s", "KILL", "60", support::deskhostPath(), "--screen", "none",
+	                               "--keys", "exit"});
+	EXPECT_EQ(support::run(command).status, 0);
+	command = blocked;
+	command.insert(command.end(), {support::deskhostPath(), "--screen", "none", "--keys", "7", "--plugin",
+	                               support::testPlugin("misbehaves.so.0")});
+	host.start(command);
+	ASSERT_TRUE(support::eventually([&] { return childOf(host.pid()) > 0; }));
 	host.signal(SIGTERM);
 	EXPECT_EQ(host.exitStatus(), 128 + SIGTERM);
 }

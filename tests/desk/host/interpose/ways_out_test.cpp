@@ -162,6 +162,10 @@ TEST_P(WaysOut, are_not_opened_by_standard_error)
 	                       Way{"a command", "run", "p=$PPID; : >/proc/$p/fd/2; : >/proc/self/fd/2", false}}) {
 		go(way, {"sh", "-c", "exec \"$@\" 2>>\"$0\"", errors});
 		EXPECT_EQ(readFile(errors).find("yesterday's\n"), 0u) << way.name;
+		EXPECT_NE(
+			readFile(errors).find(std::string(way.how == std::string("run") ? "system" : way.how) + ": "),
+			std::string::npos)
+			<< readFile(errors);
 	}
 }
 
@@ -171,6 +175,7 @@ TEST_P(WaysOut, are_no_links_to_programs)
 		support::TempFolder folder;
 		ReceiverFolder receiver;
 		receiver.write("bin/busybox", "#!/bin/sh\necho theirs\n", true);
+		receiver.write("bin/by-script", "#!/bin/sh\n" + std::string(receiver / "bin/ps") + '\n', true);
 		for (const char *target : {"/bin/busybox", "busybox"}) {
 			fs::remove(receiver / "bin/ps");
 			fs::create_symlink(target, receiver / "bin/ps");
@@ -182,11 +187,14 @@ TEST_P(WaysOut, are_no_links_to_programs)
 				command.insert(command.end(), noSandbox.begin(), noSandbox.end());
 			command.insert(command.end(), {support::deskhostPath(), "--screen", "none", "--plugin",
 			                               REACHES_OUT, "--root", receiver.path()});
-			outcome = support::run(command, {{"REACH", "pipe"}, {"ON", "ps"}});
 			const bool isRun = isSandbox || *target != '/';
-			EXPECT_EQ(outcome.err.find("popen: theirs") != outcome.err.npos, isRun) << outcome.err;
-			EXPECT_EQ(outcome.err.find("make it a relative link: ps") != outcome.err.npos, !isRun)
-				<< outcome.err;
+			for (const char *on : {"ps", "by-script"}) {
+				outcome = support::run(command, {{"REACH", "pipe"}, {"ON", on}});
+				EXPECT_EQ(outcome.err.find("popen: theirs") != outcome.err.npos, isRun) << outcome.err;
+				EXPECT_EQ(outcome.err.find("make it a relative link: " + std::string(on)) != outcome.err.npos,
+				          !isRun)
+					<< outcome.err;
+			}
 		}
 	}
 }
