@@ -50,7 +50,10 @@ void Trace::destroyed(const void *object)
 		return;
 	if (!known->second.hosts)
 		call(object, (std::string("~") + known->second.type).c_str());
-	gone[nextGone++ % gone.size()] = {object, known->second.hosts, nameOf(object)};
+	Gone &one = gone[nextGone++ % gone.size()];
+	one.object = object;
+	one.byHost = known->second.hosts;
+	one.name[nameOf(object).copy(one.name, sizeof one.name - 1)] = '\0';
 	objects.erase(known);
 }
 
@@ -59,7 +62,7 @@ const char *Trace::nameOfGone(uintptr_t address, bool byHost) const
 	for (const Gone &one : gone)
 		if (one.object && reinterpret_cast<uintptr_t>(one.object) == address && one.byHost == byHost &&
 		    objects.count(one.object) == 0)
-			return one.name.c_str();
+			return one.name;
 	return nullptr;
 }
 

@@ -221,7 +221,7 @@ private:
 	{
 		const void *object = nullptr;
 		bool byHost = false;
-		std::string name;
+		char name[48] = ""; ///< here, whatever becomes of the heap
 	};
 	std::array<Gone, 64> gone; ///< the last ones
 	size_t nextGone = 0;
