@@ -183,24 +183,24 @@ private:
 	{
 		const std::string table = "decoration." + std::string(name);
 		const auto known = skin.decorations.find(std::string(name));
-		Decoration look = known != skin.decorations.end() ? known->second : skin.plain;
+		Decoration decoration = known != skin.decorations.end() ? known->second : skin.plain;
 		int radius = 0;
 		readEntries(tableOf(node, table), table,
-		            {{"background", &look.background},
-		             {"focused", &look.focused},
+		            {{"background", &decoration.background},
+		             {"focused", &decoration.focused},
 		             {"radius", Number{&radius, 0, mostRadius}},
-		             {"padding", Number{&look.padding, 0, mostPadding}},
-		             {"text", &look.text},
-		             {"focused_text", &look.focusedText},
-		             {"current", &look.current},
-		             {"current_text", &look.currentText},
-		             {"current_unfocused", &look.currentUnfocused},
-		             {"bar", &look.bar},
-		             {"bar_thumb", &look.barThumb}});
-		for (std::optional<Fill> *fill : {&look.background, &look.focused})
+		             {"padding", Number{&decoration.padding, 0, mostPadding}},
+		             {"text", &decoration.text},
+		             {"focused_text", &decoration.focusedText},
+		             {"current", &decoration.current},
+		             {"current_text", &decoration.currentText},
+		             {"current_unfocused", &decoration.currentUnfocused},
+		             {"bar", &decoration.bar},
+		             {"bar_thumb", &decoration.barThumb}});
+		for (std::optional<Fill> *fill : {&decoration.background, &decoration.focused})
 			if (*fill)
 				(*fill)->radius = radius;
-		skin.decorations[std::string(name)] = look;
+		skin.decorations[std::string(name)] = decoration;
 	}
 
 	void readEntries(const toml::table &table, std::string_view name, const Entries &entries)

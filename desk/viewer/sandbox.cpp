@@ -275,29 +275,29 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 	for (std::string &word : sandbox)
 		words.push_back(word.data());
 	words.push_back(nullptr);
-	int said[2];
-	if (pipe2(said, O_CLOEXEC) != 0) {
+	int output[2];
+	if (pipe2(output, O_CLOEXEC) != 0) {
 		why = std::strerror(errno);
 		return false;
 	}
 	prctl(PR_SET_CHILD_SUBREAPER, 1); // whose first process outlives bubblewrap for a moment
 	const pid_t child = fork();
 	if (child == 0) {
-		dup2(said[1], STDERR_FILENO);
+		dup2(output[1], STDERR_FILENO);
 		execvp(words[0], words.data());
 		const char missing[] = "bubblewrap is not installed";
 		[[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, missing, sizeof missing - 1);
 		_exit(1);
 	}
-	close(said[1]);
+	close(output[1]);
 	why.clear();
 	char piece[1000];
 	constexpr int patience = 5000; // milliseconds
-	pollfd answer = {said[0], POLLIN, 0};
+	pollfd answer = {output[0], POLLIN, 0};
 	ssize_t length = 1;
 	for (int ready = 1; length > 0 && ready != 0;) {
 		ready = poll(&answer, 1, patience); // again after a signal
-		if (ready > 0 && (length = read(said[0], piece, sizeof piece)) > 0)
+		if (ready > 0 && (length = read(output[0], piece, sizeof piece)) > 0)
 			why.append(piece, static_cast<size_t>(length));
 	}
 	if (length > 0) { // some of it is stuck
@@ -305,7 +305,7 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 		if (child > 0)
 			kill(child, SIGKILL);
 	}
-	close(said[0]);
+	close(output[0]);
 	int status = -1;
 	while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
 	}

@@ -44,12 +44,12 @@ public:
 	/// within the screen). The screen keeps that frame and repairs it by itself (exposure, resizing).
 	virtual void present(const Rect & /*changed*/) {}
 
-	/// Becomes readable when there is something for look(); -1: never.
+	/// Becomes readable when there is something for readInput(); -1: never.
 	virtual int descriptor() const { return -1; }
-	/// Milliseconds after which look() is to be called in any case; 0: there is something already, -1: never.
+	/// Milliseconds after which readInput() is to be called in any case; 0: there is something already, -1: never.
 	virtual int patience() const { return -1; }
 	/// Takes in what has come and repairs itself.
-	virtual void look() {}
+	virtual void readInput() {}
 
 	/// One of SIGWINCH, SIGCONT and SIGTSTP has come.
 	virtual void handleSignal(int signal)
@@ -63,7 +63,7 @@ public:
 
 	/// Takes in all that was done before the frame that was presented last could be seen. A click that has begun
 	/// is none.
-	virtual void settle() { look(); }
+	virtual void settle() { readInput(); }
 
 	/// Whether keys may still come.
 	virtual bool hasKeys() const { return false; }

@@ -178,7 +178,7 @@ void Session::handle(Loaded &)
 	hidePanel();
 	if (!afterLoading.empty())
 		say(std::exchange(afterLoading, {}));
-	due = "start";
+	nextRecord = "start";
 	busySince = Clock::now();
 	half->send(Run{replays, screen->console()});
 }
@@ -210,9 +210,9 @@ void Session::handle(Frame &message)
 			meant.clear();
 		}
 	}
-	if (due)
-		recorder.record(*due, message.windows, picture);
-	due.reset();
+	if (nextRecord)
+		recorder.record(*nextRecord, message.windows, picture);
+	nextRecord.reset();
 	if (message.waits)
 		state = State::waiting;
 }
@@ -338,7 +338,7 @@ void Session::reportEnd(const CrashReport &report)
 		script.clear();
 	meant.clear();
 	typed.clear();
-	due.reset();
+	nextRecord.reset();
 	if (!screen || !screen->hasKeys())
 		return finish(statusNotToItsEnd);
 	std::vector<std::string> lines = report.lines;
@@ -438,7 +438,7 @@ void Session::press(Key key, bool isSomebodys)
 	if (!options.debug.empty())
 		NoteLog::get().addQuietly(std::string("key ") + keyName(key));
 	if (isSomebodys) {
-		due = keyName(key);
+		nextRecord = keyName(key);
 		if (watch) // nothing else presses keys again
 			history.push_back(key);
 	}
@@ -615,9 +615,9 @@ void Session::wait()
 	if (ends[2].revents) // after the notes, which came before what a command prints
 		readErrors();
 	if (watch && ends[3].revents)
-		watch->look();
+		watch->readEvents();
 	if (screen && state != State::over)
-		screen->look();
+		screen->readInput();
 	if (state != State::over && state != State::finishing && watch && watch->changed() && screen)
 		startAgain(true);
 	watchBusy();

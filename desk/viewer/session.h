@@ -123,7 +123,8 @@ private:
 	bool crashed = false;         ///< gone by a crash, not because it cannot be loaded
 
 	DisplayList picture, panel;
-	std::optional<std::string> due; ///< what is to be recorded with the next frame: "start" or a key's name
+	std::optional<std::string>
+		nextRecord; ///< what is to be recorded with the next frame: "start" or a key's name
 
 	std::deque<Key> script;
 	bool replays = false;           ///< the script is pressed again, by nobody

@@ -16,8 +16,8 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds calm(200); // a build may touch its result more than once
-constexpr int mostLinks = 40;                  // as the kernel follows
+constexpr std::chrono::milliseconds settlingTime(200); // a build may touch its result more than once
+constexpr int mostLinks = 40;                          // as the kernel follows
 
 } // namespace
 
@@ -75,7 +75,7 @@ void Watch::follow()
 	reached = now;
 }
 
-void Watch::look()
+void Watch::readEvents()
 {
 	alignas(inotify_event) char events[4096];
 	for (ssize_t length; (length = read(notices, events, sizeof events)) > 0;)
@@ -100,13 +100,14 @@ int Watch::patience() const
 {
 	if (!written)
 		return -1;
-	const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(*written + calm - Clock::now());
+	const auto left =
+		std::chrono::duration_cast<std::chrono::milliseconds>(*written + settlingTime - Clock::now());
 	return std::max(0, static_cast<int>(left.count()) + 1);
 }
 
 bool Watch::changed()
 {
-	if (!written || Clock::now() < *written + calm)
+	if (!written || Clock::now() < *written + settlingTime)
 		return false;
 	written.reset();
 	return true;

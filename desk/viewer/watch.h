@@ -25,9 +25,9 @@ public:
 	Watch(const Watch &) = delete;
 	Watch &operator=(const Watch &) = delete;
 
-	/// Becomes readable when look() is to be called.
+	/// Becomes readable when readEvents() is to be called.
 	int descriptor() const { return notices; }
-	void look();
+	void readEvents();
 
 	/// Milliseconds after which changed() is to be asked; -1: not before something has come.
 	int patience() const;

@@ -16,10 +16,10 @@ bool isOneCleanLine(const std::string &text)
 	});
 }
 
-void requireUsable(const desk::Decoration &look)
+void requireUsable(const desk::Decoration &decoration)
 {
-	fuzz::require(look.padding >= 0 && look.padding <= 200, "a padding is out of bounds");
-	for (const auto &fill : {look.background, look.focused})
+	fuzz::require(decoration.padding >= 0 && decoration.padding <= 200, "a padding is out of bounds");
+	for (const auto &fill : {decoration.background, decoration.focused})
 		fuzz::require(!fill || (fill->radius >= 0 && fill->radius <= 100), "a radius is out of bounds");
 }
 

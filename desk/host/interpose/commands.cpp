@@ -96,7 +96,7 @@ void Commands::takeFrom(const std::string &folder, int uncontained)
 	rooted = true;
 	bin = folder + "/bin";
 	root = uncontained;
-	before = "PATH=" + bin + "; ";
+	prelude = "PATH=" + bin + "; ";
 }
 
 void Commands::takeFromBusybox()
@@ -104,7 +104,7 @@ void Commands::takeFromBusybox()
 	std::istringstream folders(std::getenv("PATH") ? std::getenv("PATH") : "");
 	for (std::string folder; std::getline(folders, folder, ':');)
 		if (access((folder + "/busybox").c_str(), X_OK) == 0) {
-			before =
+			prelude =
 				R"(ps() { busybox ps "$@"; }; df() { busybox df "$@"; }; kill() { busybox kill "$@"; }; )";
 			return;
 		}
@@ -161,15 +161,15 @@ bool Commands::refuses(const std::string &command) const
 pid_t Commands::start(const char *command, int in, int out) const
 {
 	const int nothing = openat(AT_FDCWD, "/dev/null", O_RDWR | O_CLOEXEC); // open() would be the plugin's
-	const std::string text = before + command;
+	const std::string text = prelude + command;
 	const std::vector<char *> variables = environment(!rooted);
 	const pid_t process = fork();
 	if (process == 0) {
 		prctl(PR_SET_PDEATHSIG, SIGKILL); // no command outlives the desk host
 		dup2(in < 0 ? nothing : in, STDIN_FILENO);
 		dup2(out < 0 ? STDERR_FILENO : out, STDOUT_FILENO);
-		if (!before.empty()) // else ps is this computer's, which lists the processes of its own terminal
-			setsid();        // what signals its own group signals nobody else, and none reaches the terminal
+		if (!prelude.empty()) // else ps is this computer's, which lists the processes of its own terminal
+			setsid();         // what signals its own group signals nobody else, and none reaches the terminal
 		execle("/bin/sh", "sh", "-c", text.c_str(), static_cast<char *>(nullptr), variables.data());
 		_exit(notFound);
 	}

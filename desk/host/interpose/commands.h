@@ -49,7 +49,7 @@ private:
 	bool rooted = false;
 	int root = -1; ///< see takeFrom()
 	std::string bin;
-	std::string before;  ///< what the shell reads before each command
+	std::string prelude; ///< what the shell reads before each command
 	std::mutex changing; ///< a plugin may have threads
 	std::map<FILE *, pid_t> streams;
 };

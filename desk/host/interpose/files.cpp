@@ -154,7 +154,7 @@ bool Files::setRoot(const std::string &from, const std::vector<std::string> &fil
 
 void Files::makeReceiver()
 {
-	older = true;
+	layoutIsOlder = true;
 	Commands::get().takeFromBusybox();
 }
 
@@ -182,7 +182,7 @@ bool Files::isPipe(const char *path) const
 
 FILE *Files::open(const char *path, const char *mode) const
 {
-	if (older && path && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
+	if (layoutIsOlder && path && std::strcmp(path, "/proc/meminfo") == 0 && *mode == 'r')
 		return openOlderMeminfo();
 	const bool isOurs = isServed(path);
 	FILE *stream = nullptr;

@@ -39,7 +39,7 @@ private:
 	std::string folder;
 	std::vector<std::string> served;
 	int root = -1; ///< to lead served paths to; -1: they stand where they are expected
-	bool older = false;
+	bool layoutIsOlder = false;
 };
 
 } // namespace desk

@@ -9,8 +9,8 @@
 /// What the host keeps of a decorated widget.
 struct eDecoWidget::Deco
 {
-	std::string name;             ///< empty: none
-	const desk::Decoration *look; ///< the skin's, for as long as the skin is active
+	std::string name;                   ///< empty: none
+	const desk::Decoration *decoration; ///< the skin's, for as long as the skin is active
 };
 
 #endif

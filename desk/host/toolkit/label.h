@@ -18,9 +18,9 @@ public:
 	void draw(const eWidget &widget, gPainter &painter) override;
 
 	/// Drawn as a button: one line, in the middle.
-	void makeButton(const Decoration &decoration)
+	void makeButton(const Decoration &given)
 	{
-		look = &decoration;
+		decoration = &given;
 		face = Face::prose;
 		align = Align::centre;
 		oneLine = true;
@@ -29,9 +29,9 @@ public:
 
 	/// Pixels of the widget's width that its text has: from `left` on.
 	int room(const eWidget::State &state) const { return state.width - left() - right(); }
-	int left() const { return look->padding + (symbol ? 32 : 0); }
+	int left() const { return decoration->padding + (symbol ? 32 : 0); }
 
-	const Decoration *look = nullptr;
+	const Decoration *decoration = nullptr;
 	std::optional<Key> symbol;
 	Face face = Face::columns;
 	Align align = Align::start;
@@ -41,7 +41,7 @@ public:
 
 private:
 	// What starts on the left may run up to the right edge.
-	int right() const { return align == Align::start ? 0 : look->padding; }
+	int right() const { return align == Align::start ? 0 : decoration->padding; }
 };
 
 } // namespace desk

@@ -36,14 +36,15 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 	const bool focused = Desk::get().windows().focus() == &widget;
 	const Rect area{painter.x, painter.y, state.width, state.height};
 
-	if (const std::optional<Fill> &back = focused && look->focused ? look->focused : look->background) {
+	if (const std::optional<Fill> &back =
+	        focused && decoration->focused ? decoration->focused : decoration->background) {
 		Fill fill = *back;
 		fill.emphasis = focused ? Emphasis::current : Emphasis::none;
 		painter.canvas.fill(area, fill);
 	}
 
 	TextStyle style;
-	style.color = focused ? look->focusedText : look->text;
+	style.color = focused ? decoration->focusedText : decoration->text;
 	style.face = face;
 	style.align = align;
 	style.bold = bold;
@@ -54,8 +55,9 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 	if (symbol) {
 		const Color colors[] = {skin.keyRed, skin.keyGreen, skin.keyYellow, skin.keyBlue};
 		const int height = std::min(style.rowHeight, state.height);
-		painter.canvas.keySymbol({area.x + look->padding + 4, area.y + (area.h - height) / 2, 24, height},
-		                         *symbol, colors[static_cast<int>(*symbol) - static_cast<int>(Key::red)]);
+		painter.canvas.keySymbol(
+			{area.x + decoration->padding + 4, area.y + (area.h - height) / 2, 24, height}, *symbol,
+			colors[static_cast<int>(*symbol) - static_cast<int>(Key::red)]);
 	}
 	const Rect inner{area.x + left(), area.y, room(state), area.h};
 
@@ -95,7 +97,7 @@ eDecoWidget::~eDecoWidget()
 void eDecoWidget::loadDeco()
 {
 	Trace::get().call(this, "loadDeco");
-	deco->look = &Desk::get().skin().decoration(deco->name);
+	deco->decoration = &Desk::get().skin().decoration(deco->name);
 }
 
 int eDecoWidget::eventFilter(const eWidgetEvent &event)
@@ -112,7 +114,7 @@ eLabel::eLabel(eWidget *parent, int flags, int takefocus, const char *name)
 	: eDecoWidget(Trace::Quiet().with(parent), takefocus, name)
 {
 	auto behaviour = std::make_unique<desk::LabelBehaviour>();
-	behaviour->look = deco->look;
+	behaviour->decoration = deco->decoration;
 	state->behaviour = std::move(behaviour);
 	Trace::get().constructed(this, "eLabel", parent, flags, takefocus, name);
 	desk::noticeDecoration(*this, name);
@@ -131,7 +133,7 @@ eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char
 	: eLabel(Trace::Quiet().with(parent), 0, takefocus, name)
 {
 	auto behaviour = std::make_unique<ButtonBehaviour>();
-	behaviour->makeButton(*deco->look);
+	behaviour->makeButton(*deco->decoration);
 	state->behaviour = std::move(behaviour);
 	Trace::get().constructed(this, "eButton", parent, description, takefocus, name);
 	desk::noticeDecoration(*this, name);

@@ -210,19 +210,20 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 {
 	list->keepInRange();
 	desk::Canvas &canvas = target->canvas;
-	const desk::Decoration &look = *deco->look;
+	const desk::Decoration &decoration = *deco->decoration;
 	const Rect area{target->x, target->y, state->width, state->height};
-	const desk::Color back = look.background ? look.background->top : Desk::get().skin().window.client;
-	if (look.background)
-		canvas.fill(area, *look.background);
+	const desk::Color back =
+		decoration.background ? decoration.background->top : Desk::get().skin().window.client;
+	if (decoration.background)
+		canvas.fill(area, *decoration.background);
 
 	const bool focused = Desk::get().windows().focus() == this;
 	const bool scrolls = list->scrolls();
 	const int rowWidth = state->width - (scrolls ? barWidth + 4 : 0);
-	const gColor currentBack = gPainter::index(focused ? look.current : look.currentUnfocused);
-	const gColor currentText = gPainter::index(look.currentText);
+	const gColor currentBack = gPainter::index(focused ? decoration.current : decoration.currentUnfocused);
+	const gColor currentText = gPainter::index(decoration.currentText);
 	const gColor plainBack = gPainter::index(back);
-	const gColor plainText = gPainter::index(look.text);
+	const gColor plainText = gPainter::index(decoration.text);
 	for (int i = 0; i < list->shown(); ++i) {
 		const int index = list->top + i;
 		const int y = i * list->entryHeight;
@@ -233,7 +234,7 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 
 	if (scrolls) {
 		const Rect bar{area.right() - barWidth, area.y, barWidth, area.h};
-		canvas.fill(bar, Fill::plain(look.bar, barWidth / 2, desk::Emphasis::dim));
+		canvas.fill(bar, Fill::plain(decoration.bar, barWidth / 2, desk::Emphasis::dim));
 		const int64_t count = list->count();
 		const int thumb =
 			std::max<int>(list->entryHeight, static_cast<int>(area.h * int64_t{list->rows()} / count));
@@ -241,7 +242,7 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 		const int64_t last = count - list->rows(); // the highest top there is
 		const int y = static_cast<int>(way * list->top / last);
 		canvas.fill({bar.x, bar.y + y, bar.w, thumb},
-		            Fill::plain(look.barThumb, barWidth / 2, desk::Emphasis::current));
+		            Fill::plain(decoration.barThumb, barWidth / 2, desk::Emphasis::current));
 	}
 }
 

@@ -58,7 +58,7 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 
 	eLabel *question = new eLabel(this, 0, 0, "eLabel");
 	auto behaviour = std::make_unique<desk::LabelBehaviour>();
-	behaviour->look = &Desk::get().skin().decoration("eLabel");
+	behaviour->decoration = &Desk::get().skin().decoration("eLabel");
 	behaviour->face = desk::Face::prose;
 	behaviour->align = desk::Align::centre;
 	behaviour->wraps = true;

@@ -48,11 +48,11 @@ void Trace::destroyed(const void *object)
 	const auto known = objects.find(object);
 	if (known == objects.end())
 		return;
-	if (!known->second.hosts)
+	if (!known->second.byHost)
 		call(object, (std::string("~") + known->second.type).c_str());
 	Gone &one = gone[nextGone++ % gone.size()];
 	one.object = object;
-	one.byHost = known->second.hosts;
+	one.byHost = known->second.byHost;
 	one.name[nameOf(object).copy(one.name, sizeof one.name - 1)] = '\0';
 	objects.erase(known);
 }
@@ -69,7 +69,7 @@ const char *Trace::nameOfGone(uintptr_t address, bool byHost) const
 void Trace::disposes(const void *object)
 {
 	if (const auto known = objects.find(object); known != objects.end())
-		known->second.hosts = true;
+		known->second.byHost = true;
 }
 
 void Trace::argument(const void *object)

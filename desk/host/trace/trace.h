@@ -169,9 +169,9 @@ private:
 
 	struct Object
 	{
-		const char *type;   ///< a literal
-		int number = 0;     ///< 0: it has not appeared yet
-		bool hosts = false; ///< its end is not the plugin's doing
+		const char *type;    ///< a literal
+		int number = 0;      ///< 0: it has not appeared yet
+		bool byHost = false; ///< its end is not the plugin's doing
 	};
 
 	void begin() { text.clear(); }

@@ -21,7 +21,7 @@ public:
 	Console(const Console &) = delete;
 	Console &operator=(const Console &) = delete;
 
-	const ConsoleModes &before() const { return modes; }
+	const ConsoleModes &originalModes() const { return modes; }
 
 private:
 	Console() = default;

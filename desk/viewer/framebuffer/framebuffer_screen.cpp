@@ -46,9 +46,9 @@ public:
 
 	int descriptor() const override { return remote->descriptor(); }
 
-	void look() override
+	void readInput() override
 	{
-		remote->look();
+		remote->readInput();
 		if (remote->descriptor() < 0 && !std::exchange(goneNoted, true))
 			NoteLog::get().add("deskhost: the remote control \"" + remoteName +
 			                   "\" is gone; was it unplugged?");
@@ -62,7 +62,7 @@ public:
 
 	bool hasKeys() const override { return !remote->gone(); }
 
-	ConsoleModes console() const override { return taken ? taken->before() : ConsoleModes(); }
+	ConsoleModes console() const override { return taken ? taken->originalModes() : ConsoleModes(); }
 
 private:
 	PixelCanvas painted;

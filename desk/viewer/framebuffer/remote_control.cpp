@@ -114,7 +114,7 @@ struct InputDevice
 	InputDevice &operator=(const InputDevice &) = delete;
 
 	/// The menu can be used with it.
-	bool leads() const
+	bool navigates() const
 	{
 		const auto has = [&](Key key) {
 			return std::any_of(std::begin(codes), std::end(codes), [&](const Code &known) {
@@ -123,7 +123,7 @@ struct InputDevice
 		};
 		return device && has(Key::up) && has(Key::down) && has(Key::ok) && has(Key::exit);
 	}
-	bool isRemote() const { return leads() && libevdev_has_event_code(device, EV_KEY, KEY_OK); }
+	bool isRemote() const { return navigates() && libevdev_has_event_code(device, EV_KEY, KEY_OK); }
 };
 
 constexpr char noRights[] = "Permission denied; join the group \"input\", or run deskhost as root";
@@ -143,7 +143,7 @@ std::unique_ptr<RemoteControl> RemoteControl::open(const std::string &path, std:
 		return failed(strerror(input.error) + std::string("; is it plugged in? --remote names its device"));
 	if (!input.device)
 		return failed("it is no input device; name one of /dev/input with --remote");
-	if (!input.leads())
+	if (!input.navigates())
 		return failed("it lacks the keys up, down, ok or exit; name another device with --remote");
 	std::unique_ptr<RemoteControl> opened(new RemoteControl(input.file, input.device));
 	input.file = -1;
@@ -162,7 +162,7 @@ RemoteControl::~RemoteControl()
 std::optional<RemoteControl::Press> RemoteControl::take()
 {
 	// What is there already decides whether a repeat is still meant.
-	look();
+	readInput();
 	if (waiting.empty())
 		return std::nullopt;
 	const Press press = waiting.front();
@@ -170,7 +170,7 @@ std::optional<RemoteControl::Press> RemoteControl::take()
 	return press;
 }
 
-void RemoteControl::look()
+void RemoteControl::readInput()
 {
 	if (unplugged)
 		return;
@@ -221,7 +221,7 @@ std::string findRemoteControl(const std::string &folder, std::string &error)
 			refused = path;
 		if (input.isRemote())
 			return path;
-		if (keyboard.empty() && input.leads())
+		if (keyboard.empty() && input.navigates())
 			keyboard = path;
 	}
 	if (keyboard.empty())

@@ -23,10 +23,10 @@ public:
 	RemoteControl(const RemoteControl &) = delete;
 	RemoteControl &operator=(const RemoteControl &) = delete;
 
-	/// Becomes readable when look() is to be called; -1: the device is gone.
+	/// Becomes readable when readInput() is to be called; -1: the device is gone.
 	int descriptor() const { return unplugged ? -1 : device; }
 	/// Takes all that has come.
-	void look();
+	void readInput();
 
 	struct Press
 	{

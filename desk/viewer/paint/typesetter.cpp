@@ -41,7 +41,7 @@ struct SetLine
 };
 
 // One face in one size and weight.
-struct Setting
+struct Font
 {
 	Handle<PangoContext> context;
 	Face face = Face::prose;
@@ -55,7 +55,7 @@ struct Setting
 	Handle<PangoLayout> newLayout() const;
 
 private:
-	int spread(PangoLayout *layout) const;
+	int fitColumns(PangoLayout *layout) const;
 
 	std::map<std::string, SetLine, std::less<>> lines; // those that were on the screen: most are again
 };
@@ -90,7 +90,7 @@ void drawControlPicture(cairo_t *to, PangoAttrShape *shape, gboolean, gpointer)
 	cairo_restore(to);
 }
 
-Handle<PangoLayout> Setting::newLayout() const
+Handle<PangoLayout> Font::newLayout() const
 {
 	Handle<PangoLayout> layout(pango_layout_new(context.get()));
 	pango_layout_set_single_paragraph_mode(layout.get(), TRUE);
@@ -99,7 +99,7 @@ Handle<PangoLayout> Setting::newLayout() const
 	return layout;
 }
 
-const SetLine &Setting::set(std::string_view line)
+const SetLine &Font::set(std::string_view line)
 {
 	if (const auto found = lines.find(line); found != lines.end())
 		return found->second;
@@ -120,7 +120,7 @@ const SetLine &Setting::set(std::string_view line)
 	pango_layout_set_attributes(layout.get(), attributes);
 	pango_attr_list_unref(attributes);
 	pango_layout_set_text(layout.get(), line.data(), static_cast<int>(line.size()));
-	const double pixels = spread(layout.get()) * squeeze / PANGO_SCALE;
+	const double pixels = fitColumns(layout.get()) * squeeze / PANGO_SCALE;
 	if (lines.size() >= mostLinesKept)
 		lines.clear();
 	return lines[std::string(line)] = {std::move(layout), pixels};
@@ -129,7 +129,7 @@ const SetLine &Setting::set(std::string_view line)
 // Moves the glyphs of the line to where the screen can show them sharply, and returns its width. In
 // columns each character takes exactly its columns, whatever font it was found in; in prose each glyph
 // takes whole pixels, but for those that join their neighbours. All are drawn at whole pixels.
-int Setting::spread(PangoLayout *layout) const
+int Font::fitColumns(PangoLayout *layout) const
 {
 	const char *text = pango_layout_get_text(layout);
 	const PangoLayoutLine *line = pango_layout_get_line(layout, 0);
@@ -183,7 +183,7 @@ int Setting::spread(PangoLayout *layout) const
 class Typesetter
 {
 public:
-	Typesetter() : fonts(pango_cairo_font_map_new()), options(cairo_font_options_create())
+	Typesetter() : map(pango_cairo_font_map_new()), options(cairo_font_options_create())
 	{
 		cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
 		cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_SLIGHT);
@@ -193,22 +193,22 @@ public:
 	Typesetter(const Typesetter &) = delete;
 	Typesetter &operator=(const Typesetter &) = delete;
 
-	Setting &setting(Face face, int rowHeight, bool bold);
+	Font &font(Face face, int rowHeight, bool bold);
 
 private:
-	Setting make(Face face, int rowHeight, bool bold);
+	Font make(Face face, int rowHeight, bool bold);
 
-	Handle<PangoFontMap> fonts;
+	Handle<PangoFontMap> map;
 	cairo_font_options_t *options;
-	std::map<std::tuple<Face, int, bool>, Setting> settings;
+	std::map<std::tuple<Face, int, bool>, Font> fonts;
 };
 
-Setting Typesetter::make(Face face, int rowHeight, bool bold)
+Font Typesetter::make(Face face, int rowHeight, bool bold)
 {
-	Setting s;
+	Font s;
 	s.face = face;
 	s.rowHeight = rowHeight;
-	s.context.reset(pango_font_map_create_context(fonts.get()));
+	s.context.reset(pango_font_map_create_context(map.get()));
 	PangoContext *context = s.context.get();
 	pango_cairo_context_set_font_options(context, options);
 	pango_cairo_context_set_shape_renderer(context, drawControlPicture, nullptr, nullptr);
@@ -246,15 +246,15 @@ Setting Typesetter::make(Face face, int rowHeight, bool bold)
 	return s;
 }
 
-Setting &Typesetter::setting(Face face, int rowHeight, bool bold)
+Font &Typesetter::font(Face face, int rowHeight, bool bold)
 {
 	rowHeight = std::clamp(rowHeight, 1, 200);
 	const std::tuple<Face, int, bool> key(face, rowHeight, bold);
-	auto found = settings.find(key);
-	if (found == settings.end()) {
-		if (settings.size() >= 32)
-			settings.clear();
-		found = settings.emplace(key, make(face, rowHeight, bold)).first;
+	auto found = fonts.find(key);
+	if (found == fonts.end()) {
+		if (fonts.size() >= 32)
+			fonts.clear();
+		found = fonts.emplace(key, make(face, rowHeight, bold)).first;
 	}
 	return found->second;
 }
@@ -266,9 +266,9 @@ Typesetter &typesetter()
 }
 
 // The start of `line` that can be seen in `width` pixels, and a little more.
-std::string_view startWithin(std::string_view line, int width, const Setting &setting)
+std::string_view startWithin(std::string_view line, int width, const Font &font)
 {
-	const double column = columnWidth * setting.rowHeight;
+	const double column = columnWidth * font.rowHeight;
 	const double narrowest = column / 4; // of a letter in any font that may stand in
 	const size_t mostBytes = mostBytesWithin(width);
 	double least = 0;
@@ -279,7 +279,7 @@ std::string_view startWithin(std::string_view line, int width, const Setting &se
 	const char *const end = at + line.size();
 	while (at < end && least <= width + column && at < line.data() + mostBytes) {
 		const std::string_view c = character(at);
-		if (setting.face == Face::columns)
+		if (font.face == Face::columns)
 			least += c.size() == 1 ? column : textColumns(c) * column;
 		else if (textColumns(c) > 0)
 			least += narrowest;
@@ -303,18 +303,18 @@ bool haveLetters()
 	g_free(families);
 	if (count == 0)
 		return false;
-	Setting &setting = typesetter().setting(Face::columns, 20, false);
-	return pango_layout_get_unknown_glyphs_count(setting.set("Az0").layout.get()) == 0;
+	Font &font = typesetter().font(Face::columns, 20, false);
+	return pango_layout_get_unknown_glyphs_count(font.set("Az0").layout.get()) == 0;
 }
 
 void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextStyle &style)
 {
 	if (area.empty() || line.empty())
 		return;
-	Setting &setting = typesetter().setting(style.face, style.rowHeight, style.bold);
+	Font &font = typesetter().font(style.face, style.rowHeight, style.bold);
 	if (!style.whole)
-		line = startWithin(line, area.w, setting);
-	const SetLine &set = setting.set(line);
+		line = startWithin(line, area.w, font);
+	const SetLine &set = font.set(line);
 	const double narrower = style.whole ? std::min(1.0, area.w / std::max(1.0, set.pixels)) : 1.0;
 	const int width = static_cast<int>(std::ceil(set.pixels * narrower - 0.01));
 
@@ -327,13 +327,12 @@ void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextSt
 		x += std::floor(spare / 2.0);
 	else if ((align == Align::end) != rightToLeft)
 		x = area.right() - width;
-	const double baseline =
-		std::round(area.y + (area.h - setting.ascent - setting.descent) / 2 + setting.ascent);
+	const double baseline = std::round(area.y + (area.h - font.ascent - font.descent) / 2 + font.ascent);
 
 	cairo_save(to);
 	cairo_set_source_rgb(to, style.color.r / 255.0, style.color.g / 255.0, style.color.b / 255.0);
 	cairo_translate(to, x, baseline);
-	cairo_scale(to, setting.squeeze * narrower, 1);
+	cairo_scale(to, font.squeeze * narrower, 1);
 	cairo_move_to(to, 0, 0);
 	pango_cairo_show_layout_line(to, laidOut);
 	cairo_restore(to);

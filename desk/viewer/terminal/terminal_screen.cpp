@@ -184,7 +184,7 @@ public:
 	Canvas *canvas() override { return &cells; }
 	void present(const Rect &changed) override;
 	int descriptor() const override { return hungUp ? -1 : STDIN_FILENO; }
-	void look() override;
+	void readInput() override;
 	void handleSignal(int signal) override;
 	std::optional<Input> take() override;
 	bool hasKeys() const override { return !hungUp || !keys.empty(); }
@@ -437,7 +437,7 @@ void TerminalScreen::drawLog()
 	attrset(A_NORMAL);
 }
 
-void TerminalScreen::look()
+void TerminalScreen::readInput()
 {
 	for (;;) {
 		wint_t code = 0;

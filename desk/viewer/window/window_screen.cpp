@@ -123,7 +123,7 @@ public:
 	void present(const Rect &changed) override;
 	int descriptor() const override;
 	int patience() const override;
-	void look() override;
+	void readInput() override;
 	std::optional<Input> take() override;
 	void settle() override;
 	bool hasKeys() const override { return !closed(); }
@@ -258,7 +258,7 @@ int WindowScreen::patience() const
 	return display ? -1 : 20; // what other display servers send is looked for now and then
 }
 
-void WindowScreen::look()
+void WindowScreen::readInput()
 {
 	if (isClosed)
 		return;
@@ -280,10 +280,10 @@ std::optional<Input> WindowScreen::take()
 
 void WindowScreen::settle()
 {
-	look();
+	readInput();
 	if (display && !displayIsGone)
 		XSync(display, False); // what it shows now can be seen
-	look();
+	readInput();
 	click.reset();
 }
 

@@ -25,7 +25,7 @@ bool changesWithin(Watch &watch, int milliseconds)
 	for (int left = milliseconds; left > 0; left -= 50) {
 		pollfd notices = {watch.descriptor(), POLLIN, 0};
 		if (poll(&notices, 1, 50) > 0)
-			watch.look();
+			watch.readEvents();
 		if (watch.changed())
 			return true;
 	}

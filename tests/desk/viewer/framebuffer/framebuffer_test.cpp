@@ -264,8 +264,8 @@ TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
 
 	testing::internal::CaptureStderr();
 	remote.unplug();
-	made->look();
-	made->look();
+	made->readInput();
+	made->readInput();
 	EXPECT_FALSE(made->hasKeys());
 	EXPECT_EQ(made->descriptor(), -1);
 	EXPECT_EQ(testing::internal::GetCapturedStderr(),
