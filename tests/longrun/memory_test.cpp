@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 namespace
 {
 
@@ -16,6 +18,30 @@ TEST(App, says_that_there_is_not_enough_memory)
 	EXPECT_EQ(outcome.status, 1);
 	EXPECT_NE(outcome.err.find("deskhost: there is not enough memory"), std::string::npos) << outcome.err;
 	EXPECT_EQ(outcome.err.find("terminate"), std::string::npos) << outcome.err;
+}
+
+TEST(App, says_that_a_command_cannot_be_run)
+{
+	if (geteuid() != 0)
+		GTEST_SKIP() << "it takes a user who has no other processes";
+	// Both halves, and none else.
+	const support::Outcome outcome =
+		support::run({"setpriv", "--reuid=64999", "--regid=64999", "--clear-groups", "bash", "-c",
+	                  "ulimit -u 2; exec '" + support::deskhostPath() + "' --screen none --keys ok --as-is"});
+	EXPECT_EQ(outcome.status, 0) << outcome.err;
+	EXPECT_NE(outcome.err.find("deskhost: cannot run 'ps >/var/tmp/ps.tmp': "), std::string::npos)
+		<< outcome.err;
+}
+
+TEST(App, finds_its_files_without_proc)
+{
+	if (geteuid() != 0)
+		GTEST_SKIP() << "it takes the right to mount";
+	const support::Outcome outcome = support::run(
+		{"unshare", "--mount", "sh", "-c",
+	     "mount -t tmpfs none /proc; exec '" + support::deskhostPath() + "' --screen none --keys exit"});
+	EXPECT_EQ(outcome.status, 0) << outcome.err;
+	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
 }
 
 TEST(Through, valgrind)
