@@ -116,8 +116,8 @@ void Commands::takeFromBusybox()
 bool Commands::leadsOut(const std::string &name) const
 {
 	struct stat run = {}, meant = {};
-	if (::stat((bin + '/' + name).c_str(), &run) != 0)
-		return false;
+	if (::stat((bin + '/' + name).c_str(), &run) != 0 || !S_ISREG(run.st_mode))
+		return false; // nothing to run, such as ".." in a script
 	const int file = openInRoot(root, ("/bin/" + name).c_str(), O_PATH);
 	const bool isMeant =
 		file >= 0 && fstat(file, &meant) == 0 && meant.st_dev == run.st_dev && meant.st_ino == run.st_ino;
