@@ -561,6 +561,13 @@ private:
 	}
 };
 
+// It is seen where an object lies: AddressSanitizer is not to move what is on the stack.
+extern "C" const char *__asan_default_options();
+extern "C" const char *__asan_default_options()
+{
+	return "detect_stack_use_after_return=0";
+}
+
 int eWidget::exec()
 {
 	call(this, "exec()");
