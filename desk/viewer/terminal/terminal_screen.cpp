@@ -250,8 +250,11 @@ bool TerminalScreen::start(const char *name)
 	input = fdopen(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3), "r");
 	output = fdopen(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3), "w");
 	tcgetattr(STDIN_FILENO, &modes);
-	use_env(FALSE); // LINES and COLUMNS may be another terminal's
-	use_tioctl(TRUE);
+	winsize size = {};
+	if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0) {
+		use_env(FALSE); // LINES and COLUMNS may be another terminal's
+		use_tioctl(TRUE);
+	}
 	if (input && output) {
 		const EndsAtOnce stopped; // in the background it is, here
 		curses = newterm(name, output, input);
