@@ -167,12 +167,11 @@ TEST_F(SessionEnd, by_a_signal_ends_a_plugin_that_spins)
 
 TEST_F(SessionEnd, keeps_ignoring_what_was_ignored_when_it_started)
 {
-	support::writeFile(folder / "trace", "");
+	const support::ReceiverFolder receiver;
+	receiver.write("bin/ps", "#!/bin/sh\necho started >>\"$0.log\"; exec sleep 1000\n", true);
 	host.start({"sh", "-c", "trap '' HUP; exec \"$@\"", "sh", support::deskhostPath(), "--screen", "none",
-	            "--keys", "7", "--trace", folder / "trace", "--plugin",
-	            support::testPlugin("misbehaves.so.0")});
-	ASSERT_TRUE(support::eventually(
-		[&] { return support::readFile(folder / "trace").find(".exec()") != std::string::npos; }));
+	            "--root", receiver.path(), "--through", "env", "--keys", "1"}); // the half is its child
+	ASSERT_TRUE(support::eventually([&] { return support::exists(receiver / "bin/ps.log"); }));
 	half = childOf(host.pid());
 	ASSERT_GT(half, 0);
 	host.signal(SIGHUP);

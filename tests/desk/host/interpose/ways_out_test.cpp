@@ -21,6 +21,10 @@ using support::ReceiverFolder;
 
 const char outside[] = "/var/tmp/kept"; // this computer's
 
+/// Words before a command for which the kernel permits no sandbox.
+const Command withoutSandbox = {"unshare", "--map-root-user", "sh", "-c",
+                                "echo 0 >/proc/sys/user/max_mnt_namespaces; exec \"$0\" \"$@\""};
+
 struct Way
 {
 	const char *name;
@@ -138,8 +142,7 @@ TEST_P(WaysOut, lead_nowhere_by_known_calls_where_there_is_no_sandbox)
 	for (const Way &way : ways) {
 		if (!way.isKnown)
 			continue;
-		go(way, {"unshare", "--map-root-user", "sh", "-c",
-		         "echo 0 >/proc/sys/user/max_mnt_namespaces; exec \"$0\" \"$@\""});
+		go(way, withoutSandbox);
 		EXPECT_NE(outcome.err.find("deskhost: --root is no sandbox here"), outcome.err.npos) << outcome.err;
 		EXPECT_EQ(removed, std::string(way.how) == "remove") << way.name;
 	}
@@ -185,10 +188,8 @@ TEST_P(WaysOut, are_no_links_to_programs)
 			fs::create_symlink(target, receiver / "bin/ps");
 			support::run({"chmod", "-R", "a+rwX", receiver.path()});
 			Command command = asUser();
-			const Command noSandbox = {"unshare", "--map-root-user", "sh", "-c",
-			                           "echo 0 >/proc/sys/user/max_mnt_namespaces; exec \"$0\" \"$@\""};
 			if (!isSandbox)
-				command.insert(command.end(), noSandbox.begin(), noSandbox.end());
+				command.insert(command.end(), withoutSandbox.begin(), withoutSandbox.end());
 			command.insert(command.end(), {support::deskhostPath(), "--screen", "none", "--plugin",
 			                               REACHES_OUT, "--root", receiver.path()});
 			const bool isRun = isSandbox || *target != '/';
