@@ -62,6 +62,7 @@ class Message : public eWindow
 public:
 	explicit Message(const char *text) : eWindow(1)
 	{
+		setText(translate("Favourites"));
 		cmove(ePoint(210, 260));
 		cresize(eSize(300, 60));
 		eLabel *label = new eLabel(this, 0, 0, "eLabel");
