@@ -37,7 +37,13 @@ bool prepare(const Start &start, Peer &viewer, std::string &error)
 	if (!start.root.empty() && !Files::get().setRoot(start.root, start.served, start.contained, error))
 		return false;
 	if (start.traces)
-		Trace::get().start([&viewer](const std::string &line) { viewer.send(Call{line}); });
+		Trace::get().start(
+			[&viewer](const std::string &line) {
+				viewer.send(Call{line, false});
+			},
+			[&viewer](const std::string &line) {
+				viewer.send(Call{line, true});
+			});
 	else
 		Trace::get().startRemembering();
 	return true;

@@ -131,13 +131,13 @@ void say(int signal, int status, void *place, const char *gone = nullptr)
 		*(first = stack) = place;
 	const auto end = first == stack && place && *stack == place ? stack + 1 : stack + depth;
 
-	message.array(7);
+	message.array(8);
 	message.number(ToViewer(Crash()).index());
 	message.number(static_cast<uint64_t>(signal));
 	message.number(static_cast<uint64_t>(status & 255));
 	message.text(exceptionText, strlen(exceptionText));
-	const std::string &call = Trace::get().last();
-	message.text(call.data(), call.size());
+	for (const std::string *line : {&Trace::get().lastEvent(), &Trace::get().last()})
+		message.text(line->data(), line->size());
 	message.text(gone ? gone : "", gone ? strlen(gone) : 0);
 	message.longArray(2 * static_cast<size_t>(end - first));
 	for (void **at = first; at != end; ++at) {

@@ -108,6 +108,8 @@ CrashReport reportOf(const std::optional<Crash> &crash, int status, const std::s
 	if (!crash)
 		return report;
 
+	if (!crash->event.empty())
+		say("It was dealing with " + crash->event);
 	if (!crash->call.empty())
 		say("Its last call: " + crash->call);
 	if (!crash->gone.empty())

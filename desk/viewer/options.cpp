@@ -127,7 +127,7 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 		"blue), digits; in the window and the terminal also h j k l, q (exit), r g y b, F9 (the last debug "
 		"lines).\n\n"
 		"Exit status: 0 the plugin ran to its end; 1 it cannot be loaded or did not run to its end, "
-	    "--strict\n"
+		"--strict\n"
 		"noticed something, or there is no font or memory; 2 bad arguments, or something could not be\n"
 		"written.");
 	try {

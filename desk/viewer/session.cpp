@@ -185,8 +185,11 @@ void Session::handle(Loaded &)
 
 void Session::handle(Failed &message)
 {
-	if (!screen || !watch)
-		return finish(message.status, message.why);
+	if (!screen || !watch) {
+		status = message.status;
+		why = message.why;
+		return letHalfEnd();
+	}
 	say("deskhost: " + message.why);
 	half.reset();
 	state = State::gone;
@@ -245,7 +248,8 @@ void Session::handle(Call &message)
 {
 	if (!openScreen() || !openRecordings())
 		return;
-	recorder.call(message.line);
+	if (!message.aside)
+		recorder.call(message.line);
 	if (!options.debug.empty() && message.line.rfind("eDebug(", 0) != 0) // whose text comes as a note
 		NoteLog::get().addQuietly(message.line);
 }
@@ -277,11 +281,8 @@ void Session::handle(Returned &message)
 		half->send(Load());
 		busySince = Clock::now();
 		state = State::busy;
-	} else {
-		half->hangUp();
-		deadline = Clock::now() + patienceWithItsHalf;
-		state = State::finishing;
-	}
+	} else
+		letHalfEnd();
 }
 
 void Session::handle(Crash &message)
@@ -311,7 +312,7 @@ void Session::lookForEnd()
 	const int how = *half->ending();
 	half.reset();
 	deadline.reset();
-	if (state == State::finishing && how == 0)
+	if (state == State::finishing && (how == 0 || !why.empty()))
 		state = State::over;
 	else if (state == State::finishing)
 		finish(statusNotToItsEnd, "the half that ran the plugin did not end well: " +
@@ -375,6 +376,14 @@ void Session::startAgain(bool pressesAgain)
 	history.clear();
 	harmless.reset();
 	startHalf();
+}
+
+/// By itself: a tool that it runs in has something to say then.
+void Session::letHalfEnd()
+{
+	half->hangUp();
+	deadline = Clock::now() + patienceWithItsHalf;
+	state = State::finishing;
 }
 
 void Session::giveUp(const std::string &reason)

@@ -79,6 +79,7 @@ private:
 	void lookForEnd();
 	void reportEnd(const CrashReport &report);
 	void startAgain(bool pressesAgain);
+	void letHalfEnd();
 	void giveUp(const std::string &why);
 
 	// The person.

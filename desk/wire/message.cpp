@@ -95,7 +95,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Note>)
 		io(t.line, t.urgent, t.notice);
 	else if constexpr (isOneOf<T, Call>)
-		io(t.line);
+		io(t.line, t.aside);
 	else if constexpr (isOneOf<T, Harm>)
 		io(t.done);
 	else if constexpr (isOneOf<T, Returned>)
@@ -103,7 +103,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Crash::Place>)
 		io(t.file, t.offset);
 	else if constexpr (isOneOf<T, Crash>)
-		io(t.signal, t.status, t.what, t.call, t.gone, t.stack);
+		io(t.signal, t.status, t.what, t.event, t.call, t.gone, t.stack);
 	else
 		static_assert(isOneOf<T, Load, Loaded, Said>, "every kind has its values");
 }

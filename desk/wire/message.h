@@ -109,10 +109,11 @@ struct Said
 {
 };
 
-/// A line of the trace.
+/// A line of the trace, or one to be read between those.
 struct Call
 {
 	std::string line;
+	bool aside = false;
 };
 
 /// The last key kills or deletes, or would have done so had somebody pressed it.
@@ -140,6 +141,7 @@ struct Crash
 	int signal = 0;           ///< 0: it has called exit()
 	int status = 0;           ///< ... with that
 	std::string what;         ///< the exception that nobody caught
+	std::string event;        ///< the last key, and the last signal that was emitted after it
 	std::string call;         ///< the plugin's last one, as in a trace
 	std::string gone;         ///< an object that it seems to have used after its end
 	std::vector<Place> stack; ///< the innermost place first

@@ -163,6 +163,13 @@ bool Files::isServed(const char *path) const
 	return path && std::find(served.begin(), served.end(), normal(path)) != served.end();
 }
 
+std::optional<std::string> Files::ledTo(const char *path) const
+{
+	if (root < 0 || !isServed(path))
+		return std::nullopt;
+	return folder + normal(path).string();
+}
+
 /// Of a link that stands for a file of the root, that file.
 std::string Files::meant(const char *path) const
 {

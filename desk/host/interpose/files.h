@@ -2,6 +2,7 @@
 #define DESK_INTERPOSE_FILES_H
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ public:
 	int remove(const char *path) const;
 	int unlink(const char *path) const;
 	int rename(const char *from, const char *to) const;
+
+	/// Whether a call for that path is led to the root, and where that is.
+	std::optional<std::string> ledTo(const char *path) const;
 
 private:
 	bool isServed(const char *path) const;

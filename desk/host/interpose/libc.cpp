@@ -20,6 +20,8 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <libintl.h>
+#include <optional>
+#include <string>
 #include <string_view>
 
 using desk::byPlugin;
@@ -36,6 +38,19 @@ template <class... Args> void trace(const char *what, const Args &...args)
 {
 	if (byPlugin())
 		Trace::get().function(what, args...);
+}
+
+/// After the line of a call that names these files.
+template <class... Paths> void tellLeads(const Paths *...paths)
+{
+	const auto tell = [](const char *path) {
+		if (const std::optional<std::string> place = Files::get().ledTo(path))
+			Trace::get().aside("led to " + *place);
+	};
+	const int reason = errno;
+	if (byPlugin())
+		(tell(paths), ...);
+	errno = reason;
 }
 
 void traceStream(const FILE *stream, const char *what, const char *name, const char *how)
@@ -85,6 +100,7 @@ FILE *fopen(const char *path, const char *mode)
 {
 	FILE *stream = Files::get().open(path, mode);
 	traceStream(stream, "fopen", path, mode);
+	tellLeads(path);
 	return stream;
 }
 
@@ -105,18 +121,21 @@ int fclose(FILE *stream)
 int remove(const char *path) noexcept
 {
 	trace("remove", path);
+	tellLeads(path);
 	return mayDelete(path) ? Files::get().remove(path) : -1;
 }
 
 int unlink(const char *path) noexcept
 {
 	trace("unlink", path);
+	tellLeads(path);
 	return mayDelete(path) ? Files::get().unlink(path) : -1;
 }
 
 int rename(const char *from, const char *to) noexcept
 {
 	trace("rename", from, to);
+	tellLeads(from, to);
 	return Files::get().rename(from, to);
 }
 

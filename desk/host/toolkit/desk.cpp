@@ -108,6 +108,7 @@ Key Desk::nextKey()
 			viewer->send(meaning);
 		} else if (const Press *press = std::get_if<Press>(&*message)) {
 			pressedAgain = press->again;
+			Trace::get().pressed(keyName(press->key));
 			return press->key;
 		}
 	}

@@ -19,6 +19,7 @@ class ButtonBehaviour : public desk::LabelBehaviour
 public:
 	bool press(eWidget &widget) override
 	{
+		Trace::get().emits(&widget, "selected");
 		static_cast<eButton &>(widget).selected.emit();
 		return true;
 	}

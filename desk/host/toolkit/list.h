@@ -54,6 +54,10 @@ struct eListBoxBase::List
 	void confirm();
 	void leave();
 
+	/// Emits the list's signals.
+	void tellMove(eListBoxEntry *to);
+	void tellChoice(eListBoxEntry *of);
+
 	/// Deletes all entries with their keys, without being called back by them.
 	void dispose();
 

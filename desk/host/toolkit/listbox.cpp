@@ -75,13 +75,25 @@ void eListBoxBase::List::keepInRange()
 		top = current - rows() + 1;
 }
 
+void eListBoxBase::List::tellMove(eListBoxEntry *to)
+{
+	Trace::get().emits(&box, "selchanged", to);
+	box.SendSelChanged(to);
+}
+
+void eListBoxBase::List::tellChoice(eListBoxEntry *of)
+{
+	Trace::get().emits(&box, "selected", of);
+	box.SendSelected(of);
+}
+
 void eListBoxBase::List::moveTo(int index)
 {
 	const int before = current;
 	current = index;
 	keepInRange();
 	if (current != before)
-		box.SendSelChanged(entries[static_cast<size_t>(current)]);
+		tellMove(entries[static_cast<size_t>(current)]);
 }
 
 void eListBoxBase::List::choose(int index)
@@ -100,14 +112,14 @@ void eListBoxBase::List::confirm()
 {
 	// An empty list has nothing to confirm; null would mean that the viewer leaves it.
 	if (!entries.empty())
-		box.SendSelected(entries[static_cast<size_t>(current)]);
+		tellChoice(entries[static_cast<size_t>(current)]);
 }
 
 void eListBoxBase::List::leave()
 {
 	// Whoever hears of it may end the window, or delete the list.
 	eWidget &window = State::window(box);
-	box.SendSelected(nullptr);
+	tellChoice(nullptr);
 	Desk::get().leave(window);
 }
 
@@ -150,7 +162,7 @@ void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
 		*list->chosen = nullptr;
 	Trace::get().forget(entry);
 	if (wasCurrent && !list->isGoing)
-		SendSelChanged(list->entries.empty() ? nullptr : list->entries[static_cast<size_t>(list->current)]);
+		list->tellMove(list->entries.empty() ? nullptr : list->entries[static_cast<size_t>(list->current)]);
 }
 
 void eListBoxBase::gotFocus() {}

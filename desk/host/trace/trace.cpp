@@ -13,11 +13,12 @@ Trace &Trace::get()
 	return trace;
 }
 
-void Trace::start(Reader to)
+void Trace::start(Reader to, Reader besides)
 {
 	stop();
 	started = true;
 	reader = std::move(to);
+	asides = std::move(besides);
 }
 
 void Trace::startRemembering()
@@ -28,17 +29,27 @@ void Trace::startRemembering()
 void Trace::stop()
 {
 	started = false;
-	reader = nullptr;
+	reader = asides = nullptr;
 	objects.clear();
 	counts.clear();
 	text.clear();
+	key.clear();
+	event.clear();
+}
+
+void Trace::emitted(const std::string &line)
+{
+	event = key.empty() ? line : key + ", " + line;
+	aside(line);
 }
 
 std::string Trace::nameOf(const void *object) const
 {
+	if (!object)
+		return "null";
 	const auto known = objects.find(object);
 	if (known == objects.end())
-		return "an object";
+		return "eListBoxEntry"; // what is constructed by the plugin's own code
 	const Object &its = known->second;
 	return its.number ? its.type + ('#' + std::to_string(its.number)) : its.type;
 }

@@ -26,8 +26,8 @@ public:
 
 	static Trace &get();
 
-	/// Begins anew: hands each line to `reader` as it comes about.
-	void start(Reader reader);
+	/// Begins anew: hands each line to `reader` as it comes about, and to `asides` what is read between calls.
+	void start(Reader reader, Reader asides = nullptr);
 
 	/// Begins anew: only keeps the last line, in which long strings are cut and entries of lists have no numbers.
 	void startRemembering();
@@ -37,7 +37,28 @@ public:
 	/// The line of the last call.
 	const std::string &last() const { return text; }
 
-	/// What the lines call the object: "eLabel#2".
+	/// A key was pressed that the plugin is to deal with.
+	void pressed(const char *name) { event = key = std::string("key ") + name; }
+
+	/// The host is about to emit a signal of an object: "eListBoxBase#1.selected(eListBoxEntry#3)". That numbers nothing.
+	template <class... Objects>
+	void emits(const void *object, const char *signal, const Objects *...arguments)
+	{
+		if (on())
+			emitted(nameOf(object) + '.' + signal + '(' + (std::string() + ... + nameOf(arguments)) + ')');
+	}
+
+	/// The last key, and the last signal that was emitted after it: "key ok, eButton#1.selected()".
+	const std::string &lastEvent() const { return event; }
+
+	/// Something to be read between the calls.
+	void aside(const std::string &line)
+	{
+		if (on() && asides)
+			asides(line);
+	}
+
+	/// What the lines call the object: "eLabel#2", "eListBoxEntry" or "null".
 	std::string nameOf(const void *object) const;
 
 	/// What an object was called that was at this address and is no more, by the plugin's doing or by the host's; null:
@@ -210,10 +231,13 @@ private:
 	void argument(const std::string &value) { argument(std::string_view(value)); }
 	void argument(const void *object); ///< "eLabel#2"; "null" for none
 
+	void emitted(const std::string &line);
+
 	bool started = false;
-	Reader reader;
+	Reader reader, asides;
 	int quiet = 0;
 	std::string text; ///< the last line
+	std::string key, event;
 	std::unordered_map<const void *, Object> objects;
 	std::map<std::string, int> counts; ///< per class
 

@@ -37,6 +37,7 @@ TEST(End, is_told_with_the_last_call_and_the_place_in_the_source)
 {
 	const DeskRun run = misbehaving("2");
 	expectEnd(run, {"the plugin has not run to its end", "It was ended by signal 6, Aborted",
+	                "It was dealing with key 2, eListBoxBase#1.selected(eListBoxEntry#2)",
 	                R"(Its last call: eSetupWindow#1.setText("about to abort"))"});
 	EXPECT_NE(run.outcome.err.find("abort() at misbehaves.cpp:"), std::string::npos) << run.outcome.err;
 #if !defined(__SANITIZE_ADDRESS__) // which has an end of its own
@@ -227,6 +228,18 @@ TEST(Through, a_command_that_stands_for_a_shell_elsewhere)
 	EXPECT_EQ(far.outcome.out, near.outcome.out);
 	EXPECT_EQ(far.trace, near.trace);
 	EXPECT_EQ(far.dump, near.dump);
+}
+
+TEST(Through, a_tool_has_its_say_about_a_plugin_that_cannot_be_loaded)
+{
+	const support::ReceiverFolder receiver;
+	const std::string tool = receiver.write(
+		"tool", "#!/bin/sh\n\"$@\"\nstatus=$?\nsleep 0.3\necho looked >&2\nexit $status\n", true);
+	const std::string plugin = receiver.write("broken.so.0", "no plugin");
+	const support::Outcome outcome =
+		support::run({support::deskhostPath(), "--screen", "none", "--through", tool, "--plugin", plugin});
+	EXPECT_EQ(outcome.status, 1);
+	EXPECT_EQ(outcome.err.rfind("looked\ndeskhost: cannot load the plugin '" + plugin, 0), 0u) << outcome.err;
 }
 
 TEST(Through, what_is_no_plugins_half_is_a_clear_end)

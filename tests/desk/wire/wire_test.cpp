@@ -172,9 +172,10 @@ TEST(Wire, brings_every_message_as_it_was)
 	EXPECT_EQ(back<Meaning>(Meaning{{Key::up, Key::ok}}).keys, (std::vector<Key>{Key::up, Key::ok}));
 	EXPECT_EQ(back<Failed>(Failed{2, "why"}).why, "why");
 	EXPECT_TRUE(back<Note>(Note{"line", true}).urgent);
-	EXPECT_EQ(back<Call>(Call{"eDebug()"}).line, "eDebug()");
+	EXPECT_EQ(back<Call>(Call{"eDebug()", false}).line, "eDebug()");
+	EXPECT_TRUE(back<Call>(Call{"key ok", true}).aside);
 	const Crash crash =
-		back<Crash>(Crash{11, 0, "what", "call", "gone", {{"file", 0x7fffffffffff}, {"", 1}}});
+		back<Crash>(Crash{11, 0, "what", "event", "call", "gone", {{"file", 0x7fffffffffff}, {"", 1}}});
 	EXPECT_EQ(crash.signal, 11);
 	EXPECT_EQ(crash.stack.at(0).offset, 0x7fffffffffffu);
 	EXPECT_EQ(crash.stack.at(1).offset, 1u);

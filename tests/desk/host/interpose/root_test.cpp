@@ -280,6 +280,26 @@ TEST(Root, says_where_it_is_no_sandbox_and_shares_this_computers_var_tmp_there)
 		<< readFile("/var/tmp/dump");
 }
 
+TEST(Root, is_named_among_the_debug_lines_where_calls_are_led_to_it)
+{
+	const ReceiverFolder receiver;
+	receiver.scanLog("a line\n");
+	const TempFolder folder;
+	const std::string call = "fopen(\"/var/scaning.log\", \"r\") = stream\n";
+	for (const bool isLed : {true, false}) {
+		Lines options = {"--debug", folder / "debug"};
+		if (isLed)
+			options.insert(options.end(), {"--through", "env"});
+		const DeskRun run = support::runDesk(receiver.path(), "3 red right ok exit", options);
+		const std::string debug = readFile(folder / "debug");
+		EXPECT_EQ(debug.find(call + "led to " + receiver.path() + "/var/scaning.log\n") != debug.npos, isLed)
+			<< debug;
+		EXPECT_EQ(std::count(run.trace.begin(), run.trace.end(), "remove(\"/var/scaning.log\")"), 1);
+		for (const std::string &line : run.trace)
+			EXPECT_EQ(line.find("led to"), line.npos) << line;
+	}
+}
+
 TEST(Root, has_calls_of_a_plugin_that_is_still_being_loaded)
 {
 	TempFolder folder;

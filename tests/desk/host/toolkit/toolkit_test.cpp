@@ -144,7 +144,7 @@ TEST(Toolkit, debugs_keys_and_calls_in_order_with_what_is_noted)
 	const support::TempFolder folder;
 	ReceiverFolder receiver;
 	receiver.ps("  PID\n");
-	const DeskRun run = runDesk(receiver.path(), "ok exit exit", {"--debug", folder / "debug"});
+	const DeskRun run = runDesk(receiver.path(), "down up ok exit exit", {"--debug", folder / "debug"});
 	Lines expected = run.trace;
 	// A debug line is there as it was noted, and a key where the loop waits for it.
 	Lines debug = support::lines(support::readFile(folder / "debug"));
@@ -155,6 +155,13 @@ TEST(Toolkit, debugs_keys_and_calls_in_order_with_what_is_noted)
 	EXPECT_LT(at("key ok"), at("eSetupWindow#1.hide()"));
 	EXPECT_LT(at("eSetupWindow#1.hide()"), at("key exit"));
 	EXPECT_EQ(std::count(debug.begin(), debug.end(), "key exit"), 2);
+	// A signal is there before what comes of it.
+	const auto after = [&](const std::string &line) { return debug.at(static_cast<size_t>(at(line)) + 1); };
+	EXPECT_EQ(after("key up"), "eListBoxBase#1.selchanged(eListBoxEntry#1)");
+	EXPECT_EQ(after("key ok"), "eListBoxBase#1.selected(eListBoxEntry#1)");
+	EXPECT_EQ(std::count(debug.begin(), debug.end(), "eListBoxBase#1.selected(null)"), 1);
+	for (const std::string &line : run.trace)
+		EXPECT_EQ(line.find(".sel"), line.npos) << "it is no call: " << line;
 	const auto isElsewhere = [](const std::string &line) { return line.rfind("eDebug(", 0) == 0; };
 	const auto isNoCall = [&](const std::string &line) {
 		return std::find(expected.begin(), expected.end(), line) == expected.end();
