@@ -1,6 +1,30 @@
 # What goes where on a Debian system, and the archive of the plugin alone. The packages: see Packages.cmake.
 include(GNUInstallDirs)
 
+# The manual page of a command, made from what its --help says and the sections in docs/COMMAND.h2m, where there is
+# help2man to make it, and a build that is tested and released.
+find_program(VEXLO_HELP2MAN help2man)
+function(vexlo_manual_page command component program summary)
+  if(NOT (VEXLO_HELP2MAN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_TYPE STREQUAL "Release"))
+    return()
+  endif()
+  set(page ${CMAKE_BINARY_DIR}/docs/${command}.1)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/docs)
+  set(sections ${PROJECT_SOURCE_DIR}/docs/${command}.h2m)
+  execute_process(COMMAND date -u -d ${VEXLO_RELEASE_DATE} +%s
+                  OUTPUT_VARIABLE seconds OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  add_custom_command(
+    OUTPUT ${page}.gz
+    COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=${seconds} ${VEXLO_HELP2MAN} --no-info --name ${summary}
+            --version-string ${PROJECT_VERSION} --opt-include ${sections} --output ${page} ${program}
+    COMMAND gzip -9nf ${page}
+    DEPENDS ${program}
+    COMMENT "Manual page of ${command}"
+    VERBATIM)
+  add_custom_target(vexlo_manual_page_${command} ALL DEPENDS ${page}.gz)
+  install(FILES ${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT ${component})
+endfunction()
+
 set(VEXLO_PLUGIN_DIR ${CMAKE_INSTALL_LIBDIR}/vexlomenu)
 install(TARGETS vexlomenu LIBRARY DESTINATION ${VEXLO_PLUGIN_DIR} COMPONENT plugin)
 install(DIRECTORY ${CMAKE_BINARY_DIR}/po/ DESTINATION ${CMAKE_INSTALL_DATADIR}/locale
@@ -30,9 +54,7 @@ if(VEXLO_DESK)
   endif()
   install(FILES desk/desktop/completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME deskhost
           COMPONENT desk)
-  configure_file(docs/deskhost.1 ${CMAKE_BINARY_DIR}/docs/deskhost.1 @ONLY)
-  execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/deskhost.1 COMMAND_ERROR_IS_FATAL ANY)
-  install(FILES ${CMAKE_BINARY_DIR}/docs/deskhost.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT desk)
+  vexlo_manual_page(deskhost desk $<TARGET_FILE:deskhost> "run a television receiver's service menu on a desk computer")
   install(FILES docs/deskhost.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/deskhost COMPONENT desk)
 endif()
 

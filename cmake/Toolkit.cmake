@@ -9,10 +9,13 @@ set(VEXLO_TOOLKIT_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/VexloToolkit)
 install(DIRECTORY src/toolkit/ DESTINATION ${VEXLO_TOOLKIT_INCLUDE_DIR} COMPONENT dev FILES_MATCHING PATTERN *.h)
 install(PROGRAMS cmake/toolkit/golden-test cmake/toolkit/deskhost-new tools/check-host
         DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT dev)
-foreach(command IN ITEMS check-host deskhost-new golden-test)
-  configure_file(docs/${command}.1 ${CMAKE_BINARY_DIR}/docs/${command}.1 @ONLY)
-  execute_process(COMMAND gzip -9nfk ${CMAKE_BINARY_DIR}/docs/${command}.1 COMMAND_ERROR_IS_FATAL ANY)
-  install(FILES ${CMAKE_BINARY_DIR}/docs/${command}.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT dev)
+vexlo_manual_page(check-host dev ${PROJECT_SOURCE_DIR}/tools/check-host "tell whether a host can run a receiver's plugin")
+vexlo_manual_page(deskhost-new dev ${PROJECT_SOURCE_DIR}/cmake/toolkit/deskhost-new "begin a plugin for a television receiver")
+vexlo_manual_page(golden-test dev ${PROJECT_SOURCE_DIR}/cmake/toolkit/golden-test
+                  "compare what a plugin does with what is expected")
+foreach(command IN ITEMS check-host golden-test)
+  install(FILES cmake/toolkit/completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${command}
+          COMPONENT dev)
 endforeach()
 install(PROGRAMS cmake/toolkit/check-entry cmake/toolkit/list-untranslated
         DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)

@@ -20,9 +20,18 @@ grep -q '"title":"Vexlo service menu"' "$place/dump" && fail "the installed cata
 grep -q '/dev/root' "$place/dump" || fail "the installed sample has no commands"
 [[ -s $place/pictures/02-exit.png ]] || fail "the installed skin draws nothing"
 version=$("$place/usr/bin/deskhost" --version)
+# The manual and the manual page have the options that the program has.
+options=$("$place/usr/bin/deskhost" --help | grep -o '^ *\(-h,\)\?--[a-z-]*' | grep -o -- '--.*')
+in_manual=$(grep '^| `--' "$place/usr/share/doc/deskhost/deskhost.md" | cut -d '|' -f 2 | grep -o '`--[a-z-]*' | tr -d '`')
+[[ $(sort <<<"$options") == "$(sort <<<"$in_manual"$'\n--help\n--version')" ]] ||
+	fail "the manual has these options: $in_manual; the program has these: $options"
 zcat "$place/usr/share/man/man1/deskhost.1.gz" >"$place/page"
-head -n 1 "$place/page" | grep -q " \"20[0-9-]*\" \"$version\" " ||
+head -n 3 "$place/page" | grep -q "^.TH DESKHOST \"1\" \"[A-Z][a-z]* 20[0-9]*\" \"$version\" " ||
 	fail "the manual page is of another version than $version, or has no date"
+sed -i 's/\\-/-/g; s/\\f[BIR]//g' "$place/page"
+for option in $options; do
+	grep -q -- "^\(-h,\)\?$option" "$place/page" || fail "the manual page lacks $option"
+done
 
 find "$place/usr/share/doc" -name '*.md' | while IFS= read -r page; do
 	{ grep -o '](\([^)#]*\)' "$page" || :; } | sed 's/^](//' | { grep -v '^http' || :; } | while IFS= read -r link; do
@@ -44,7 +53,7 @@ completed()
 		"$place/usr/share/bash-completion/completions/deskhost" "$place/usr/bin/deskhost" "$@"
 }
 [[ $(completed --d | xargs) == '--dump --debug' ]] || fail "completion of --d: $(completed --d)"
-for option in $("$place/usr/bin/deskhost" --help | grep -o '^ *\(-h,\)\?--[a-z-]*' | grep -o -- '--.*'); do
+for option in $options; do
 	completed "$option" | grep -qxF -- "$option" || fail "completion does not know $option"
 done
 [[ $(completed --screen t) == terminal && $(completed --lang f) == fr ]] || fail 'completion knows no values'
@@ -63,9 +72,15 @@ said=$("$place/usr/bin/golden-test" --approve "$place/test" 2>&1) && fail "any p
 [[ $said == *'name the plugin to test with --plugin' ]] || fail "golden-test does not ask for the plugin: $said"
 
 for command in check-host deskhost-new golden-test; do
-	"$place/usr/bin/$command" --help | grep "^usage: $command" >/dev/null || fail "$command is not on the PATH"
+	"$place/usr/bin/$command" --help | grep "^Usage: $command" >/dev/null || fail "$command is not on the PATH"
 	[[ -s $place/usr/share/man/man1/$command.1.gz ]] || fail "$command has no manual page"
 done
+offered() # COMMAND WORD
+{
+	bash -c '. "$0"; _vexlo_toolkit "$@"; echo "${COMPREPLY[*]}"' "$place/usr/share/bash-completion/completions/$1" \
+		"$place/usr/bin/$1" "$2"
+}
+[[ $(offered golden-test --a) == --approve && $(offered check-host --t) == --tables ]] || fail 'completion knows no commands'
 
 "$1" --build "$2" --target receiver-archive >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
 tar tzf "$(tail -n 1 "$place/log" | grep -o '/.*tar.gz' || ls "$2"/vexlomenu-*.tar.gz)" >"$place/contents"
