@@ -1,18 +1,27 @@
 #!/bin/bash
-# Runs every command of docs/plugins.md, in order, as its reader would: with what is installed into a folder
-# of one's own, outside of the tree. Arguments: the source folder, the build folder.
+# Runs every command of docs/plugins.md, in order, as its reader would, outside of the tree: with what is installed
+# into a folder of one's own, or, on a system that has nothing of it, with the packages. Arguments: the source folder,
+# and the build folder or a folder with the packages.
 set -euo pipefail
 
-source=$1 build=$2
+source=$(realpath "$1") from=$(realpath "$2")
 HOME=$(mktemp -d)
 export HOME
 trap 'rm -rf "$HOME"' EXIT
 
-# The manual names build/release, and its commands run in the source folder.
-mkdir -p "$HOME/tree/build"
-ln -s "$build" "$HOME/tree/build/release"
-ln -s "$source/tools" "$HOME/tree/tools"
-cd "$HOME/tree"
+awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/docs/plugins.md" >"$HOME/commands"
+[[ $(wc -l <"$HOME/commands") -gt 50 ]] || { echo "the manual has lost its commands"; exit 1; }
+if [[ -e $from/CMakeCache.txt ]]; then
+	# The manual names build/release.
+	mkdir -p "$HOME/tree/build"
+	ln -s "$from" "$HOME/tree/build/release"
+	cd "$HOME/tree"
+else
+	apt-get update
+	sed -n 's/^    apt install/apt-get install --yes/p' "$source/docs/plugins.md" | (cd "$from" && bash -euo pipefail -x)
+	ln -s /usr "$HOME/vexlo"
+	sed -i '/^cmake --install /d; s/ CMAKE_PREFIX_PATH=.*//' "$HOME/commands"
+fi
 
 # Nobody presses keys here: a screen without any; --watch, which wants a real one, gets a terminal, and an end.
 mkdir "$HOME/bin"
@@ -28,8 +37,6 @@ fi
 END
 chmod +x "$HOME/bin/deskhost"
 
-awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/docs/plugins.md" >"$HOME/commands"
-[[ $(wc -l <"$HOME/commands") -gt 50 ]] || { echo "the manual has lost its commands"; exit 1; }
 sed -i 's#^export PATH="$HOME/vexlo/bin:#export PATH="$HOME/bin:$HOME/vexlo/bin:#' "$HOME/commands"
 grep -q 'HOME/bin:' "$HOME/commands" || { echo "the manual no longer sets the PATH as expected"; exit 1; }
 
