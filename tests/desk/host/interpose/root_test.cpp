@@ -290,7 +290,7 @@ TEST(Root, is_named_among_the_debug_lines_where_calls_are_led_to_it)
 		Lines options = {"--debug", folder / "debug"};
 		if (isLed)
 			options.insert(options.end(), {"--through", "env"});
-		const DeskRun run = support::runDesk(receiver.path(), "3 red right ok exit", options);
+		const DeskRun run = support::runDesk(receiver.path(), "3 red ok exit", options);
 		const std::string debug = readFile(folder / "debug");
 		EXPECT_EQ(debug.find(call + "led to " + receiver.path() + "/var/scaning.log\n") != debug.npos, isLed)
 			<< debug;
