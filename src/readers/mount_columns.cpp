@@ -1,13 +1,11 @@
 #include "mount_columns.h"
 
 #include "append.h"
+#include "line.h"
 #include "shell.h"
 
 namespace
 {
-
-const int lineSize = 1024;
-const int lineLimit = 1023;
 
 // The format of a row is given as it is; beside the '-' its zeros do nothing. Around the function, because
 // older compilers take no such line in it.

@@ -1,12 +1,10 @@
 #include "mtd_columns.h"
 
 #include "append.h"
+#include "line.h"
 
 namespace
 {
-
-const int lineSize = 1024;
-const int lineLimit = 1023;
 
 MtdColumns headings()
 {

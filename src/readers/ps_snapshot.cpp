@@ -2,16 +2,9 @@
 
 #include "append.h"
 #include "debug_line.h"
+#include "line.h"
 #include "shell.h"
 #include "translation.h"
-
-namespace
-{
-
-const int lineSize = 1024;
-const int lineLimit = 1023;
-
-} // namespace
 
 PsSnapshot parsePsSnapshot(FILE *stream)
 {

@@ -2,15 +2,13 @@
 
 #include "append.h"
 #include "debug_line.h"
+#include "line.h"
 
 #include <cstddef>
 #include <cstring>
 
 namespace
 {
-
-const int lineSize = 1024;
-const int lineLimit = 1023;
 
 // What is shown of a line that marks the start of a scan: two pieces, which share the
 // character at 46.
