@@ -77,6 +77,12 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 	printf '#include <string_view>\nstd::string_view newer;\n' | cat - hello/hello.cpp >wrong/wrong.cpp
 	step cmake --build wrong/build --target hello
 	cmake --build wrong/build --target hello_strict >"$place/log" 2>&1 && { echo 'STRICT takes C++17'; exit 1; }
+	sed -i 's/ STRICT)/ STRICT CXX98)/' wrong/CMakeLists.txt
+	cp hello/hello.cpp wrong/wrong.cpp
+	cmake --build wrong/build --target hello_strict hello_cxx98 >"$place/log" 2>&1 && { echo 'CXX98 takes C++11'; exit 1; }
+	grep -q "error: 'nullptr' is incompatible with C++98" "$place/log" || { cat "$place/log"; exit 1; }
+	sed -i 's/nullptr/0/g' wrong/wrong.cpp
+	step cmake --build wrong/build --target hello_strict hello_cxx98
 	sed 's/void greet();/int greet();/; s/^void MainWindow::greet()/int MainWindow::greet()/; s/Good evening!"));/&\nreturn 0;/' \
 		hello/hello.cpp >wrong/wrong.cpp
 	cmake --build wrong/build --target hello >"$place/log" 2>&1 && { echo 'it is built with a slot that returns something'; exit 1; }
