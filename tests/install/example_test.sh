@@ -100,6 +100,11 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 	cmake --build hello/build >"$place/log" 2>&1
 	grep -q 'hello/po/de.po: not translated: "say hello"$' "$place/log" || { cat "$place/log"; exit 1; }
 	[[ $(grep -c 'not translated' "$place/log") == 1 ]] || { cat "$place/log"; exit 1; }
+	cp hello/hello.cpp wrong/hello.cpp
+	sed -i 's/translated("say hello")/translated("say\\nhello")/' hello/hello.cpp
+	cmake --build hello/build >"$place/log" 2>&1
+	grep -qF 'hello/po/de.po: not translated: "say\nhello"' "$place/log" || { cat "$place/log"; exit 1; }
+	cp wrong/hello.cpp hello/hello.cpp
 	step cmake --build hello/build --target hello_update_po
 	grep -A 1 'msgid "say hello"' hello/po/de.po | grep -q 'msgstr ""' || { cat hello/po/de.po; exit 1; }
 	sed -i 's/translated("say hello")/translated("greet")/' hello/hello.cpp
