@@ -1,4 +1,4 @@
-// A disk that fails on demand: to be preloaded into a program.
+// A disk that fails on demand. To be preloaded into a program.
 //
 //   DISK_FAULTS_BREAK=A:B:...  reading these paths through a stream fails ...
 //   DISK_FAULTS_AFTER=N        ... after their first N bytes
@@ -17,7 +17,7 @@
 namespace
 {
 
-/// By what it is, because it may be open by another name.
+/// Compares device and inode, because the file may be open by another name.
 bool breaks(int descriptor)
 {
 	const char *list = std::getenv("DISK_FAULTS_BREAK");

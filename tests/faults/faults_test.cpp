@@ -1,5 +1,5 @@
-// Every source of the plugin's information with every fault: all screens open, show what is left,
-// and the menu comes back.
+// Each source of the plugin's data with each fault: every screen opens and shows what is left, and the menu comes
+// back.
 
 #include "models.h"
 #include "support.h"
@@ -61,7 +61,7 @@ const Source &source(const std::string &name)
 	throw std::logic_error("no source " + name);
 }
 
-// What each source holds or prints without a fault: longer than what a full disk takes.
+// The contents of each source without a fault, longer than what a full disk takes.
 const std::map<std::string, std::string> healthy = {
 	{"meminfo", "MemTotal:      62092 kB\nMemFree:        4404 kB\nMemShared:         0 kB\n"
                 "Buffers:         480 kB\nCached:        26120 kB\nSwapCached:        0 kB\n"
@@ -86,20 +86,20 @@ const std::map<std::string, std::string> healthy = {
 
 constexpr size_t diskBlock = 512; // the shell's unit of ulimit -f
 
-/// A receiver of whose sources one is about to be spoilt, and what then still reaches the plugin.
+/// A receiver with one faulty source, and the bytes that still reach the plugin.
 struct Setting
 {
 	ReceiverFolder receiver;
 	std::string varTmp = receiver / "var/tmp";
 	std::map<std::string, std::string> environment;
-	bool dropRights = false; ///< for the superuser: go without the right to open everything
+	bool dropRights = false; ///< as the superuser: run without the right to open everything
 
-	std::map<std::string, std::optional<std::string>> bytes; ///< nothing: it does not open
+	std::map<std::string, std::optional<std::string>> bytes; ///< nullopt: the source does not open
 	long logSize = 0;
 
 	Setting()
 	{
-		fs::create_directories(varTmp); // for what lies in it beforehand
+		fs::create_directories(varTmp); // some faults put a file there first
 		for (const auto &[name, content] : healthy) {
 			bytes[name] = content;
 			if (source(name).kind == Kind::file)
@@ -108,7 +108,7 @@ struct Setting
 				print(source(name), content);
 		}
 		logSize = static_cast<long>(healthy.at("scanlog").size());
-		// Nothing but the receiver's own commands is there to be found.
+		// Only the receiver's own commands exist.
 		environment["PATH"] = "/nonexistent";
 		environment["LD_PRELOAD"] = TEST_DISK_FAULTS;
 		const char *options = std::getenv("ASAN_OPTIONS");
@@ -117,10 +117,10 @@ struct Setting
 	}
 
 	std::string place(const Source &of) const { return receiver / of.path; }
-	/// Where a command's output is on its way.
+	/// The file that receives a command's output.
 	std::string output(const Source &of) const { return varTmp + "/" + of.temporary; }
 
-	/// The command becomes a shell script.
+	/// Replaces the command by a shell script.
 	void script(const Source &command, const std::string &lines) const
 	{
 		receiver.write(command.path, "#!/bin/sh\n" + lines, true);
@@ -134,14 +134,14 @@ struct Setting
 		script(command, before + "/bin/cat '" + output + "'\n" + after);
 	}
 
-	/// Reading breaks off in the middle of the last line.
+	/// Makes reading fail in the middle of the last line.
 	void breakReading(const Source &of, const std::string &path)
 	{
 		const std::string content = healthy.at(of.name);
 		const size_t lastLine = content.rfind('\n', content.size() - 2) + 1;
 		std::string &paths = environment["DISK_FAULTS_BREAK"];
 		paths += (paths.empty() ? "" : ":") + path;
-		// The same for every path: so it suits the shortest.
+		// One limit for every path, so the shortest content sets it.
 		std::string &after = environment["DISK_FAULTS_AFTER"];
 		const size_t middle = lastLine + 5;
 		const size_t most = after.empty() ? middle : std::min<size_t>(std::stoul(after), middle);
@@ -159,10 +159,10 @@ void remove(const Setting &setting, const Source &of)
 	fs::remove(setting.place(of));
 }
 
-/// Of one kind of source with one fault: what is done, as the documentation words it.
+/// One fault of one kind of source, named as in the documentation.
 struct Cell
 {
-	const char *what; ///< without `arrange`: why there is nothing to do
+	const char *what; ///< without `arrange`: why the fault cannot occur
 	void (*arrange)(Setting &, const Source &) = nullptr;
 };
 
@@ -229,7 +229,7 @@ const Fault faults[] = {
 		  remove(setting, file);
 		  fs::create_directory(setting.place(file));
 		  setting.bytes[file.name] = "";
-		  // Where a folder ends, its file system decides.
+		  // The file system decides the offset of a folder's end.
 		  FILE *folder = fopen(setting.place(file).c_str(), "r");
 		  ASSERT_NE(folder, nullptr);
 		  fseek(folder, 0, SEEK_END);
@@ -349,7 +349,7 @@ const Fault faults[] = {
      runsNothing},
 };
 
-// Keys after which something is looked at, in the one run that opens every screen.
+// Opens every screen in one run. The indexes below say after which key each screen or menu is checked.
 const char *const keys = "ok exit down ok exit down ok exit down ok green exit";
 constexpr size_t processes = 1, memory = 4, scanLog = 7, systemInfo = 10, afterwards = 12;
 constexpr size_t menus[] = {0, 2, 3, 5, 6, 8, 9, 11};
@@ -362,7 +362,7 @@ std::string label(const DeskRun &run, size_t index, size_t nth)
 	return widget.value("text", "there is no such label");
 }
 
-/// Compares without printing megabytes.
+/// Compares, and prints only the place of the first difference.
 void expectText(const std::string &shown, const std::string &wanted, const char *what)
 {
 	if (shown == wanted)
@@ -421,11 +421,11 @@ void expectScreens(const DeskRun &run, const Setting &setting)
 DeskRun runAll(const Setting &setting)
 {
 	if (setting.dropRights && geteuid() == 0) {
-		// A program that is started from now on has not the superuser's right to open everything.
+		// Programs started from now on lack the superuser's right to open everything.
 		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE), 0) << std::strerror(errno);
 		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH), 0) << std::strerror(errno);
 	}
-	// Whatever a run leaves running becomes this process's child.
+	// A process that a run leaves behind becomes a child of this one.
 	EXPECT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
 	const DeskRun run = runDesk(setting.receiver.path(), keys, {}, setting.environment);
 	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left";
@@ -469,7 +469,7 @@ std::vector<Case> cases()
 	return all;
 }
 
-/// The table as the documentation has it.
+/// The table of the documentation.
 std::string table()
 {
 	const auto titles = [](Kind kind) {
@@ -526,7 +526,7 @@ TEST(Health, shows_everything_where_nothing_is_wrong)
 	expectScreens(run, setting);
 	expectGoodEnd(run, setting);
 
-	// What the other runs take from the models, and where they keep their files.
+	// The runs with faults rely on these contents and places.
 	EXPECT_EQ(support::readFile(seen), "/var/tmp/ps.tmp " + setting.varTmp + "/ps.tmp\n");
 	EXPECT_EQ(label(run, processes, 0), "  PID USER COMMAND\n");
 	EXPECT_EQ(run.widget(processes, list)["count"], 4);

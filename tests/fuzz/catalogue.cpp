@@ -1,4 +1,4 @@
-// Message catalogues: texts that can be used or a reason why not, whatever the bytes.
+// Message catalogues: any bytes give usable texts or an error.
 
 #include "catalogue.h"
 #include "target.h"
@@ -8,7 +8,7 @@
 namespace
 {
 
-/// Whether it is within the catalogue's bytes to its end, which the sanitizer sees.
+/// The text ends within the catalogue's bytes: the sanitizer sees a read beyond them.
 void requireUsable(const char *text, std::size_t size)
 {
 	fuzz::require(!text || std::strlen(text) < size, "a text is larger than its catalogue");
@@ -32,7 +32,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 	if (const char *format = catalogue->find("%s")) {
 		char text[64];
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral" // that it takes no other value is what is tried
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // the test tries that the format takes no other value
 		snprintf(text, sizeof text, format, "value");
 #pragma GCC diagnostic pop
 	}

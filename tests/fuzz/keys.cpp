@@ -1,4 +1,4 @@
-// Key scripts: the keys of every script that names known keys only, one clear line for any other.
+// Key scripts: a script of known keys gives its keys, any other one clear line.
 
 #include "key.h"
 #include "target.h"

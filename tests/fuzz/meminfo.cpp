@@ -1,4 +1,4 @@
-// The memory summary, byte for byte as the model has it.
+// The memory summary, compared with the model byte for byte.
 
 #include "models.h"
 #include "target.h"

@@ -1,4 +1,4 @@
-// The mounted file systems, byte for byte as the model has them.
+// The mounted file systems, compared with the model byte for byte.
 
 #include "models.h"
 #include "target.h"

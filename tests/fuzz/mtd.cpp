@@ -1,4 +1,4 @@
-// The flash partitions, byte for byte as the model has them.
+// The flash partitions, compared with the model byte for byte.
 
 #include "models.h"
 #include "target.h"

@@ -1,4 +1,4 @@
-// The process list, byte for byte as the model has it.
+// The process list, compared with the model byte for byte.
 
 #include "models.h"
 #include "target.h"

@@ -1,4 +1,4 @@
-// Tries inputs from files on a fuzz target, where no fuzzer is linked: replay FOLDER...
+// Replays inputs from files without a fuzzer: replay FOLDER...
 
 #include "target.h"
 
@@ -23,7 +23,7 @@ int main(int argc, char **argv)
 			fprintf(stderr, "replay: cannot read %s\n", input.c_str());
 			return 1;
 		}
-		// What aborts on an input has been named last.
+		// The last name printed is that of the input that aborts.
 		printf("%s (%zu bytes)\n", input.filename().c_str(), bytes.size());
 		fflush(stdout);
 		LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());

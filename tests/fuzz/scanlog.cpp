@@ -1,4 +1,4 @@
-// The scan log, byte for byte as the model has it.
+// The scan log, compared with the model byte for byte.
 
 #include "models.h"
 #include "target.h"

@@ -1,4 +1,4 @@
-// Skin files: a usable skin or one clear line, whatever the bytes.
+// Skin files: any bytes give a usable skin or one clear line.
 
 #include "skin.h"
 #include "target.h"

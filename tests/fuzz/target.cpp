@@ -24,5 +24,5 @@ void require(bool holds, const char *what)
 
 } // namespace fuzz
 
-// The parsers never call it; what they are linked with does.
+// The parsers never call it; other functions of the same libraries do.
 void eDebug(const char *, ...) {}

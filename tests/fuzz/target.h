@@ -7,8 +7,7 @@
 #include <memory>
 #include <string>
 
-/// What each fuzz target defines: tries one input and ends the program when something is wrong.
-/// The fuzzer calls it, and so does replay.cpp where there is no fuzzer.
+/// Each fuzz target defines it: tries one input, and aborts when a check fails. The fuzzer or replay.cpp calls it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
 namespace fuzz
@@ -24,10 +23,10 @@ struct Closer
 	void operator()(FILE *stream) const { fclose(stream); }
 };
 
-/// A stream that gives `bytes`, which must outlive it.
+/// A stream that reads `bytes`, which must outlive it.
 std::unique_ptr<FILE, Closer> streamOf(const std::string &bytes);
 
-/// Says what is wrong on standard error, and ends the program, unless `holds`.
+/// Unless `holds`, prints `what` on standard error and aborts.
 void require(bool holds, const char *what);
 
 } // namespace fuzz

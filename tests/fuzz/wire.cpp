@@ -1,4 +1,4 @@
-// What the plugin's half sends: any bytes are a message that can be shown, or none.
+// Messages of the plugin's half: any bytes decode to a valid message or to none.
 
 #include "message.h"
 #include "target.h"

@@ -1,5 +1,5 @@
-// What a receiver that is never switched off sees: the same screens, opened over and over, and the
-// plugin loaded and unloaded. Nothing may grow, and nothing may be left.
+// A receiver that is never switched off: the screens open thousands of times, and the plugin is loaded and unloaded.
+// Neither memory nor open files grow, and no file is left.
 
 #include "description.h"
 #include "desk.h"
@@ -24,7 +24,7 @@
 #include <filesystem>
 
 #if defined(__SANITIZE_ADDRESS__)
-// GCC brings the function without its header.
+// GCC has no header for it.
 extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
@@ -48,8 +48,8 @@ constexpr size_t warmUp = 10;
 #if defined(__SANITIZE_ADDRESS__)
 constexpr size_t slack = 0;
 #else
-// malloc counts a block 16 bytes larger when what is left beside it is too small for another one.
-// One block lost in every round would be a hundred times this.
+// malloc counts a block 16 bytes more when the remainder beside it is too small for another block. A leak of one
+// block in every round would be a hundred times this.
 constexpr size_t slack = 128;
 #endif
 
@@ -67,16 +67,15 @@ size_t memoryInUse()
 size_t openFiles()
 {
 	const fs::directory_iterator files("/proc/self/fd");
-	return static_cast<size_t>(std::distance(begin(files), end(files))) - 1; // the iterator's own
+	return static_cast<size_t>(std::distance(begin(files), end(files))) - 1; // the iterator's own file
 }
 
-/// What a process holds.
+/// Memory and files that a process holds.
 struct Resources
 {
 	size_t memory = memoryInUse();
 	size_t files = openFiles();
 
-	/// Nothing has been gained or lost.
 	friend bool operator==(const Resources &a, const Resources &b)
 	{
 		const auto [less, more] = std::minmax(a.memory, b.memory);
@@ -88,7 +87,7 @@ struct Resources
 	}
 };
 
-/// Whatever runs below this process ends up as its child; so nothing may be left when it looks.
+/// Processes left behind become children of this one, so that the test can find them.
 void adoptOrphans()
 {
 	ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
@@ -98,11 +97,11 @@ void expectNothingLeft(const TempFolder &receiver)
 {
 	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left, running or not waited for";
 	EXPECT_EQ(errno, ECHILD);
-	const std::string temporary = receiver / "var/tmp"; // the viewer's half makes it for what writes there
+	const std::string temporary = receiver / "var/tmp"; // the viewer's half creates it
 	EXPECT_TRUE(!std::filesystem::exists(temporary) || std::filesystem::is_empty(temporary));
 }
 
-/// A receiver whose commands cost little but are real.
+/// A receiver with cheap but real commands.
 struct SmallReceiver : ReceiverFolder
 {
 	SmallReceiver()
@@ -118,12 +117,12 @@ struct SmallReceiver : ReceiverFolder
 	}
 };
 
-/// A viewer who opens the current entry and leaves it again, so many times, and then the menu. What
-/// the process holds is looked at whenever the menu is back.
+/// Opens and leaves the current entry for `rounds` times, then leaves the menu. Measures the process whenever the
+/// menu is back.
 class Viewer : public support::Viewer
 {
 public:
-	// What it keeps must not grow while it looks.
+	// Allocates in advance: its own memory must not grow while it measures.
 	explicit Viewer(size_t rounds, const std::string &pressed = "") : support::Viewer(pressed), left(rounds)
 	{
 		resources.reserve(rounds + 1);
@@ -148,7 +147,7 @@ public:
 
 	std::vector<Resources> resources;
 	size_t opened = 0;
-	std::vector<std::string> dialogs; ///< which the first and the last opening showed
+	std::vector<std::string> dialogs; ///< classes of the first and the last dialog
 
 private:
 	size_t left;
@@ -238,7 +237,7 @@ TEST(Loading, leaves_nothing_of_the_plugin_behind)
 	desk.setViewer(nullptr);
 }
 
-/// The viewer's half of `plays` runs.
+/// The viewer's half for several runs.
 class Player : public desk::Peer
 {
 public:
@@ -279,7 +278,7 @@ private:
 	std::optional<desk::ToHost> reply;
 };
 
-/// What a process holds that was the plugin's half so many times, all screens opened in each.
+/// The resources of a process after `times` runs as the plugin's half, each opening all screens.
 Resources afterRuns(int times, const std::string &root)
 {
 	int ends[2];
@@ -318,7 +317,7 @@ TEST(Runs, end_with_the_same_memory_however_many_there_were)
 	       warmUp, many.memory, many.files, runs);
 }
 
-/// Memory that malloc keeps at hand counts as in use; so it is to keep none, which it must know from the start.
+/// mallinfo counts the memory of malloc's thread cache as in use. Only a tunable at the start turns the cache off.
 [[gnu::constructor]] void keepNoMemory(int, char **argv, char **)
 {
 	if (std::getenv("GLIBC_TUNABLES"))

@@ -24,7 +24,7 @@ TEST(App, says_that_a_command_cannot_be_run)
 {
 	if (geteuid() != 0)
 		GTEST_SKIP() << "it takes a user who has no other processes";
-	// Both halves, and none else.
+	// Measures both halves and no other process.
 	const support::Outcome outcome =
 		support::run({"setpriv", "--reuid=64999", "--regid=64999", "--clear-groups", "bash", "-c",
 	                  "ulimit -u 2; exec '" + support::deskhostPath() + "' --screen none --keys ok --as-is"});

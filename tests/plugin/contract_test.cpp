@@ -1,5 +1,5 @@
-// Looks at the built objects: what the plugin defines and needs, the order of the virtual operations,
-// and the base classes, against the host's class tree.
+// Checks the object files: the symbols that the plugin defines and needs, the order of virtual operations, and the
+// base classes against the host's.
 
 #include "signals.h"
 #include "support.h"
@@ -63,11 +63,9 @@ public:
 		}
 	}
 
-	/// The virtual operations of a class in slot order. Each slot gives all names of its target: equal
-	/// code may be folded under several.
+	/// The virtual operations of a class in slot order. A slot has several names where the linker folded equal code.
 	std::vector<std::set<std::string>> slots(const std::string &name) const { return find(name).slots; }
 
-	/// The direct bases of a class.
 	std::set<std::string> bases(const std::string &name) const { return find(name).bases; }
 
 private:
@@ -77,7 +75,7 @@ private:
 		std::vector<std::set<std::string>> slots;
 	};
 
-	/// "-" is nothing.
+	/// "-" stands for an empty set.
 	static std::set<std::string> parts(const std::string &text, const std::string &separator)
 	{
 		std::set<std::string> result;
@@ -113,7 +111,7 @@ const Object &host()
 	return object;
 }
 
-/// `wanted` empty: a destructor that an abstract class may have or not.
+/// An empty `wanted` stands for a destructor that an abstract class may lack.
 bool isOperation(const std::set<std::string> &names, const std::string &wanted)
 {
 	if (wanted.empty() && names.empty())
@@ -136,7 +134,7 @@ void expectSlots(const Object &object, const std::string &name, const std::vecto
 			<< ::testing::PrintToString(slots[i]);
 }
 
-/// eWidget's operations, in slot order, as a class overrides them: name of the operation to its class.
+/// eWidget's operations in slot order; `overrides` maps an operation to the class that overrides it.
 std::vector<std::string> widgetSlots(const std::string &destructor,
                                      const std::map<std::string, std::string> &overrides)
 {
@@ -232,7 +230,7 @@ TEST(Plugin, resolves_the_toolkit_from_its_host)
 		EXPECT_TRUE(needed.count(operation)) << operation;
 }
 
-/// Whatever the compiler, the linker and the sanitizers add of their own.
+/// Symbols that the compiler, the linker and the sanitizers add.
 bool isTheirs(const std::string &name)
 {
 	return std::regex_search(name, std::regex("^(_|\\$|\\.|DW\\.ref\\.|completed(\\.|$)|\\*\\.|"
@@ -261,7 +259,7 @@ TEST(Plugin, asks_nothing_of_the_system_but_this)
 	const std::regex variants("^(__isoc[0-9]+_)?(.*?)(64|_chk)?$");
 	const std::set<std::string> known = {"fopen", "fgets", "fclose", "fseek", "ftell", "remove", "system",
 	                                     "sscanf", "strstr", "strnlen", "dcgettext", "vasprintf", "free",
-	                                     // what compilers make of other things
+	                                     // compilers emit calls of these
 	                                     "memcpy", "memmove", "memset", "memcmp", "strlen", "strcmp",
 	                                     "abort"};
 	std::set<std::string> asked;
@@ -326,8 +324,8 @@ TEST(Host, list_box_base_appends_two_pure_operations)
 
 TEST(Signals, counted_object_keeps_the_order_of_its_virtual_operations)
 {
-	// In this program's own code: hosts of this kind may not use the class itself, and then have no table of it.
-	SigC::ObjectBase *volatile object = new SigC::ObjectBase; // out of the optimiser's sight
+	// Checked in this program, because a host may not use the class itself and then has no table of it.
+	SigC::ObjectBase *volatile object = new SigC::ObjectBase; // hidden from the optimiser
 	object->reference();
 	delete object;
 	expectSlots(Object(std::filesystem::read_symlink("/proc/self/exe")), "SigC::ObjectBase",

@@ -1,4 +1,4 @@
-// An entry as its list sees it while it is put in and taken out: this program is that list, and nothing else of a toolkit.
+// An entry while it is inserted and removed. This program implements the list and no other part of the toolkit.
 
 #include "toolkit.h"
 
@@ -20,11 +20,11 @@ struct Entry : eListBoxEntry
 
 TEST(Entry, is_complete_when_it_is_appended_and_still_is_when_it_is_removed)
 {
-	// No list is there: its two operations below touch none.
+	// Raw memory stands for the list: its two operations below do not touch it.
 	alignas(eListBoxBase) char place[sizeof(eListBoxBase)] = {};
 	eListBoxBase *const list = reinterpret_cast<eListBoxBase *>(place);
 	seen.clear();
-	// Longer than a string keeps within itself.
+	// Too long for a string's internal buffer.
 	const std::string help(100, 'h');
 	{
 		const Entry explained(list, help, 7);

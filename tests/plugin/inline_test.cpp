@@ -1,4 +1,4 @@
-// The pieces of the contract that live in its headers and are therefore part of the plugin.
+// The contract's inline functions, which are compiled into the plugin.
 
 #include "toolkit.h"
 
@@ -93,18 +93,18 @@ TEST(TextEntry, counts_an_absent_text_as_empty)
 	EXPECT_EQ(Text(nullptr, nullptr).getText(), "");
 }
 
-/// An entry to compare: a text, a key and whether it ignores keys.
+/// An entry to compare: its text, its key, and whether its list ignores keys.
 struct Ordered
 {
 	std::string text;
 	uintptr_t key = 0;
 	bool ignoresKeys = false;
 
-	/// Made with new, since neither entries nor the keys of a list are copied.
+	/// With new, because neither entries nor keys are copied.
 	std::unique_ptr<Text> made() const
 	{
 		auto entry = std::make_unique<Text>(nullptr, "", reinterpret_cast<void *>(key));
-		entry->setText(text); // with every byte
+		entry->setText(text); // copies every byte
 		if (ignoresKeys)
 			entry->ignoreKeys();
 		return entry;
@@ -128,7 +128,7 @@ class TextEntryOrder : public ::testing::TestWithParam<Order>
 {
 };
 
-/// Puts z before a, and no text before itself: no entry may ask a locale.
+/// Collates backwards, which entries must ignore.
 struct Backwards : std::collate<char>
 {
 	int do_compare(const char *a, const char *endOfA, const char *b, const char *endOfB) const override
@@ -148,34 +148,34 @@ TEST_P(TextEntryOrder, is_by_keys_and_then_by_bytes)
 	std::locale::global(before);
 }
 
-constexpr uintptr_t low = 8, high = 16, highest = ~uintptr_t{0}; // which has a sign where addresses have one
+constexpr uintptr_t low = 8, high = 16, highest = ~uintptr_t{0}; // negative if addresses were signed
 constexpr bool ignored = true;
 
 INSTANTIATE_TEST_SUITE_P(
 	Pairs, TextEntryOrder,
 	::testing::Values(
-		// Different keys: the addresses, whatever the texts are.
+		// Different keys: the addresses decide.
 		Order{{"z", low}, {"a", high}, true, false}, Order{{"a", low}, {"a", high}, true, false},
 		Order{{"", high}, {"a", highest}, true, false}, Order{{"z"}, {"a", low}, true, false},
 		Order{{"z"}, {"a", highest}, true, false},
-		// Equal keys, none among them: the texts.
+		// Equal or missing keys: the texts decide.
 		Order{{"abc"}, {"abd"}, true, false}, Order{{"abc", low}, {"abd", low}, true, false},
 		Order{{"ab"}, {"abc"}, true, false}, Order{{""}, {"a"}, true, false}, Order{{""}, {""}, false, false},
 		Order{{"abc", low}, {"abc", low}, false, false},
-		// Bytes: without sign, case, language or end.
+		// Bytes compare unsigned, with case, without a locale, NUL included.
 		Order{{"a\x7f"}, {"a\x80"}, true, false}, Order{{"z"}, {"\xc3\xa4"}, true, false},
 		Order{{"Z"}, {"a"}, true, false}, Order{{"B"}, {"a"}, true, false}, Order{{"A"}, {"a"}, true, false},
 		Order{{"10"}, {"9"}, true, false}, Order{{" b"}, {"a"}, true, false},
 		Order{{"\t"}, {" "}, true, false},
 		Order{{std::string("a\0b", 3)}, {std::string("a\0c", 3)}, true, false},
 		Order{{"a"}, {std::string("a\0", 2)}, true, false},
-		// Keys that are ignored: the texts, equal ones among them.
+		// Ignored keys: the texts decide, even if equal.
 		Order{{"a", high, ignored}, {"z", low, ignored}, true, false},
 		Order{{"a", high, ignored}, {"a", low, ignored}, false, false},
 		Order{{"", high, ignored}, {"", low, ignored}, false, false},
 		Order{{"a", low, ignored}, {"a", low, ignored}, false, false},
 		Order{{"a", 0, ignored}, {"a", low, ignored}, false, false},
-		// The entry that is asked decides by its own key type.
+		// The left operand's key type decides.
 		Order{{"z", low, ignored}, {"a", high}, false, false},
 		Order{{"a", low, ignored}, {"z", high}, true, false},
 		Order{{"a", high, ignored}, {"z", low}, true, true},
@@ -231,7 +231,7 @@ TEST(ListBox, emits_the_move_on_a_signal_of_its_own)
 
 TEST(MenuEntry, passes_on_its_own_choice_whatever_it_says)
 {
-	// Equal texts, and none; entries of a list and of none.
+	// Equal or empty texts, with and without a list.
 	for (const char *text : {"same", "", static_cast<const char *>(nullptr)})
 		for (const bool listed : {true, false}) {
 			eSetupWindow window("menu", 10, 400);
@@ -281,7 +281,7 @@ TEST(Signals, forget_a_listener_that_is_gone)
 		signal.emit();
 		EXPECT_EQ(listener.calls, 1);
 	}
-	signal.emit(); // calls nobody: the sanitizers would tell
+	signal.emit(); // calls no slot, or the sanitizers would report it
 }
 
 TEST(Signals, let_a_listener_outlive_the_signal)

@@ -1,4 +1,4 @@
-// What lies where in the plugin's windows and in the entries that its inline code makes.
+// Offsets in the plugin's windows and in the entries that its inline code makes.
 
 #include "meminfo.h"
 #include "ps.h"
@@ -16,7 +16,7 @@
 namespace
 {
 
-/// Names a private member: an explicit instantiation may.
+/// Names a private member, as an explicit instantiation may.
 template <class Member, Member member> struct Private
 {
 	friend std::ptrdiff_t offset(Member)
@@ -49,7 +49,7 @@ TEST(Layout, menu_and_memory_dialog_hold_nothing_of_their_own)
 	EXPECT_EQ(sizeof(eMemInfoDialog), sizeof(eWindow));
 }
 
-/// Where something lies on processors of 64 and of 32 bits.
+/// The offset with 64-bit and with 32-bit pointers.
 std::ptrdiff_t at(std::ptrdiff_t with64, std::ptrdiff_t with32)
 {
 	return sizeof(void *) == 8 ? with64 : with32;
@@ -78,7 +78,7 @@ TEST(Layout, a_rectangle_is_left_top_right_and_bottom)
 	EXPECT_EQ(eRect(10, 20, 13, 24).height(), 4);
 }
 
-/// The fields of classes, which are for those who derive.
+/// Makes protected fields accessible.
 template <class Class> struct Fields : Class
 {
 	template <class T, class Owner> static std::ptrdiff_t at(T Owner::*member)

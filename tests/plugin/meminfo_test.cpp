@@ -81,7 +81,7 @@ TEST(MemInfo, shows_this_computers_memory_without_a_root)
 	const std::string names = run.widget(2, "eLabel", 0)["text"];
 	const std::string values = run.widget(2, "eLabel", 1)["text"];
 	const std::string kernel = support::readFile("/proc/meminfo");
-	size_t pieces = 0; // of at most 29 characters, line ends included
+	size_t pieces = 0; // a piece is at most 29 characters, line end included
 	for (const std::string &line : support::lines(kernel))
 		pieces += (line.size() + 1 + 28) / 29;
 	EXPECT_EQ(support::lines(names).size(), pieces - 8);

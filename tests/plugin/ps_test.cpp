@@ -128,7 +128,7 @@ TEST(Ps, opens_empty_when_ps_is_missing_or_prints_nothing)
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
 	EXPECT_EQ(run.widget(1, list)["count"], 0);
 
-	// A search path without any command but sh: the shell says that it finds no ps.
+	// The search path has only sh, which reports that it finds no ps.
 	ReceiverFolder none;
 	run = runDesk(none.path(), "ok exit exit", {}, {{"PATH", none / "bin"}});
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
@@ -137,7 +137,7 @@ TEST(Ps, opens_empty_when_ps_is_missing_or_prints_nothing)
 	EXPECT_NE(run.outcome.err.find("ps"), std::string::npos) << "what the shell says is seen";
 }
 
-/// Something else is in the temporary file's place: the command cannot write, fopen fails.
+/// A folder has the temporary file's name: the command cannot write, and fopen fails.
 TEST(Ps, closes_a_stream_that_never_opened_and_removes_the_file_all_the_same)
 {
 	ReceiverFolder receiver;
@@ -179,7 +179,7 @@ TEST(Ps, draws_whatever_bytes_a_process_name_holds)
 	const DeskRun run =
 		runDesk(receiver.path(), "ok down pagedown exit exit", {"--pictures", pictures.path()});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-	// 1022 characters and a line end are two reads, as are 1023; 2000 are two, 5000 five.
+	// fgets reads 1022 characters and a line end in two pieces, also 1023; 2000 in two, 5000 in five.
 	EXPECT_EQ(run.widget(1, list)["count"], 3 + 2 + 2 + 2 + 5);
 	EXPECT_EQ(run.widget(1, list)["rows"][1], "8 a") << "up to the first NUL";
 	EXPECT_TRUE(support::exists(pictures / "03-pagedown.png"));
@@ -202,7 +202,6 @@ TEST(Ps, scrolls_through_ten_thousand_processes)
 	EXPECT_EQ(run.widget(4, list)["rows"][0], "21 sleep\n");
 }
 
-/// A process of the test's own.
 struct Sleeper : support::Child
 {
 	Sleeper() { start({"sleep", "600"}); }
@@ -210,7 +209,7 @@ struct Sleeper : support::Child
 
 constexpr int killed = 128 + SIGKILL;
 
-/// A ps that prints only the lines of these processes, from the real table.
+/// A ps that prints only the lines of `pids` from the real table.
 void onlyThese(const ReceiverFolder &receiver, const std::vector<pid_t> &pids)
 {
 	std::string wanted;
@@ -258,7 +257,7 @@ TEST(Ps, signals_nobody_with_a_root)
 	EXPECT_TRUE(sleeper.lives());
 }
 
-/// A viewer who goes to one row, and says yes to one question only.
+/// Selects one row, and answers yes only to the expected question.
 class CarefulViewer : public support::Viewer
 {
 public:
@@ -280,7 +279,7 @@ public:
 		return desk::Key::ok;
 	}
 
-	std::vector<std::string> questions; ///< that were asked
+	std::vector<std::string> questions;
 
 private:
 	desk::Key answer(const std::string &question)
@@ -295,8 +294,8 @@ private:
 	bool leaves = false;
 };
 
-/// Kills a process of the test's own in the list of all processes that it sees. The list is printed once,
-/// before, so that no process that starts or ends meanwhile can move another one into its line.
+/// Kills a process of the test's in the list of all processes of its namespace. The list is printed once, before, so
+/// that other processes cannot move a line.
 void killInRealList(const std::vector<std::string> &program)
 {
 	Sleeper sleeper, bystander;

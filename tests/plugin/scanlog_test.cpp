@@ -10,7 +10,7 @@ namespace scanlog_test
 {
 
 const char *const list = "eListBox<eListBoxEntryText>";
-const std::string keys = "down down ok "; // to the screen, which the third key opens
+const std::string keys = "down down ok "; // the third key opens the screen
 constexpr size_t opened = 3;
 
 TEST(ScanLog, lists_numbered_lines_with_the_list_in_focus)
@@ -195,7 +195,7 @@ TEST(ScanLog, does_not_mind_a_log_that_changes_while_it_is_shown)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
-	// The screen runs no command of its own: the log goes while the process screen is built.
+	// The scan log screen runs no command, so the process screen's ps deletes the log.
 	receiver.write("bin/ps", "#!/bin/sh\nrm -f '" + (receiver / "var/scaning.log") + "'\necho PID\n", true);
 	const DeskRun run = runDesk(receiver.path(), keys + "exit up up ok exit down down ok");
 	EXPECT_EQ(run.widget(opened, list)["count"], 1);

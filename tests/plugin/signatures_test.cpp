@@ -1,5 +1,5 @@
-// What the plugin takes for granted of a toolkit when it is compiled, ours or a vendor's: types that are in no
-// symbol's name, and so would not be missed when the plugin is loaded.
+// Types that the plugin's sources require of a toolkit, ours or a vendor's. No symbol's name contains these types, so
+// loading the plugin would not find a mismatch.
 
 #include "toolkit.h"
 
@@ -19,7 +19,7 @@ template <class Wanted, class Given> void expectType()
 template <class Object, class... Arguments> using Returns = void (Object::*)(Arguments...);
 template <class Object, class... Arguments> using ReturnsInt = int (Object::*)(Arguments...);
 
-/// Protected operations are for those who derive.
+/// Derived classes can name protected operations.
 struct Widget : eWidget
 {
 	static void expectTypes()
@@ -131,7 +131,7 @@ template <class Base, class Derived, class = void> constexpr bool isFixedBase = 
 template <class Base, class Derived> constexpr bool
 	isFixedBase<Base, Derived, std::void_t<decltype(static_cast<Derived *>(std::declval<Base *>()))>> = true;
 
-/// Nobody can go from a virtual base to what derives from it.
+/// No static_cast leads from a virtual base to a derived class.
 template <class Base, class... Derived> void expectVirtualBase()
 {
 	EXPECT_TRUE((std::is_convertible_v<Derived *, Base *> && ...)) << __PRETTY_FUNCTION__;

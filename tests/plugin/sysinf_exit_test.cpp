@@ -1,4 +1,4 @@
-// eSysInfDialog::exit() is an operation of the class that nothing on the screen leads to.
+// eSysInfDialog::exit(), which no key reaches.
 
 #include "sysinf.h"
 
@@ -16,7 +16,7 @@ struct PressesRed : desk::Peer
 	std::optional<desk::ToHost> receive() override { return desk::Press{desk::Key::red, false}; }
 };
 
-/// Names a private member: an explicit instantiation may.
+/// Names a private member, as an explicit instantiation may.
 template <class Member, Member member> struct Private
 {
 	friend eButton *okButton(eSysInfDialog &dialog, Member) { return dialog.*member; }

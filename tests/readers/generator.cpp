@@ -58,7 +58,7 @@ std::string Generator::item()
 std::string Generator::line()
 {
 	std::string line;
-	// Where a line is filled up, what follows the filling meets the edge.
+	// A filled line puts its last item at a buffer's edge.
 	if (below(3) == 0) {
 		for (std::size_t count = below(6); count; --count)
 			line += item();

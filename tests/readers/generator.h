@@ -7,9 +7,8 @@
 #include <utility>
 #include <vector>
 
-/// Makes files that are likely to hurt: words of one's own among blanks of every kind, numbers
-/// at the edges, NUL bytes, high bytes, and lines whose lengths lie around the edges given.
-/// The same seed gives the same files everywhere.
+/// Makes files that are likely to break a parser: given words among blanks of every kind, numbers at the limits, NUL
+/// bytes, high bytes, and line lengths around the given ones. A seed gives the same files on every computer.
 class Generator
 {
 public:

@@ -15,7 +15,7 @@ namespace meminfo_columns_test
 using namespace std::string_literals;
 using Strings = std::vector<std::string>;
 
-/// Eight pieces that are only counted.
+/// The reader skips the first eight pieces.
 const std::string counted = "a 1\na 2\na 3\na 4\na 5\na 6\na 7\na 8\n";
 
 MemInfoColumns parse(const std::string &bytes)
@@ -177,7 +177,7 @@ TEST(MemInfo, there_is_no_limit_on_the_rows)
 TEST(MemInfo, a_line_of_5000_characters_is_read_in_pieces)
 {
 	const MemInfoColumns columns = parse(std::string(5000, 'x') + "\n");
-	// 172 full pieces, the first eight of them only counted, and one of 12 characters.
+	// 172 full pieces, of which it skips eight, and one of 12 characters.
 	EXPECT_EQ(columns.names.size(), 164u * 30 + 13);
 	EXPECT_EQ(columns.names.substr(0, 30), std::string(29, 'x') + "\n");
 	EXPECT_EQ(columns.values.substr(0, 10), "0 KB\n0 KB\n");

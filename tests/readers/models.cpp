@@ -7,7 +7,7 @@
 namespace
 {
 
-/// Cuts a file as a line reader with a small buffer does.
+/// Cuts a file into pieces, as fgets with a small buffer does.
 class Pieces
 {
 public:
@@ -36,8 +36,7 @@ std::string untilNul(const std::string &piece)
 	return piece.substr(0, piece.find('\0'));
 }
 
-/// Takes words and numbers off the front of a text. What cannot be taken leaves its target
-/// as it was.
+/// Takes words and numbers off the front of a text. On failure it leaves the target unchanged.
 class Taker
 {
 public:
@@ -70,7 +69,7 @@ public:
 		std::uint64_t magnitude = 0;
 		if (!digits(10, magnitude))
 			return false;
-		// Saturates as a long, and then loses its upper half where it has one.
+		// Clamps to long, then truncates to int.
 		const std::uint64_t largest = std::numeric_limits<long>::max();
 		magnitude = std::min(magnitude, negative ? largest + 1 : largest);
 		target = static_cast<int>(static_cast<std::uint32_t>(negative ? 0 - magnitude : magnitude));
@@ -85,7 +84,7 @@ public:
 		bool any = false;
 		if (at + 1 < text.size() && text[at] == '0' && (text[at + 1] == 'x' || text[at + 1] == 'X')) {
 			at += 2;
-			any = true; // the prefix's own 0, when no digit follows
+			any = true; // a prefix without digits is the number 0
 		}
 		const bool some = digits(16, magnitude);
 		if (!some && !any)

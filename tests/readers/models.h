@@ -10,9 +10,8 @@
 #include <string>
 #include <vector>
 
-/// What each reader must return for a file of these bytes, worked out byte by byte without a
-/// call of the C library's reading, scanning or formatting. Texts are not translated. The
-/// character classes are those of the "C" locale, the numbers those of glibc with this processor's `long`.
+/// What each reader must return for these bytes, without libc's reading, scanning or formatting. Texts are not
+/// translated. Character classes are those of the "C" locale, numbers those of glibc with this processor's `long`.
 MemInfoColumns modelMemInfo(const std::string &bytes);
 MtdColumns modelMtd(const std::string &bytes);
 MountColumns modelMounts(const std::string &bytes);

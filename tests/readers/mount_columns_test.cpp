@@ -43,7 +43,7 @@ void expectColumns(const MountColumns &columns, const std::string &devices, cons
 	EXPECT_EQ(columns.rows, rows);
 }
 
-/// What `line` becomes, device and usage, of output in which nothing else is shown.
+/// Device and usage that `line` gives, as the only file system of an output.
 Strings row(const std::string &line)
 {
 	const MountColumns columns = parse("heading\n" + line);

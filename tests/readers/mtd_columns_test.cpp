@@ -26,7 +26,7 @@ std::string joined(const MtdColumns &columns)
 	       std::to_string(columns.rows);
 }
 
-/// What `line` becomes, one text a column, of a file in which nothing else is shown.
+/// The text of each column that `line` gives, as the only partition of a file.
 Strings row(const std::string &line)
 {
 	const MtdColumns columns = parse("heading\n" + line);

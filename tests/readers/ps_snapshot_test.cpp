@@ -329,7 +329,7 @@ TEST(TakePsSnapshot, the_real_command_lists_this_process)
 	writeFile(psFile, "left over\n0 from before\n");
 	const PsSnapshot snapshot = takePsSnapshot();
 	EXPECT_NE(snapshot.header.find("PID"), std::string::npos) << snapshot.header;
-	std::string name = support::readFile("/proc/self/comm"); // in an emulator, the emulator's
+	std::string name = support::readFile("/proc/self/comm"); // an emulator's name in an emulator
 	name.pop_back();
 	int seen = 0;
 	for (const PsEntry &row : snapshot.rows) {

@@ -41,7 +41,7 @@ template <class Contents> Strings lines(const Contents &contents)
 	return result;
 }
 
-/// `length` different characters, so that a shift by one shows; none makes a marker.
+/// `length` different characters, so that a shift by one shows; no marker is among them.
 std::string ruler(std::size_t length)
 {
 	std::string text;
@@ -50,7 +50,7 @@ std::string ruler(std::size_t length)
 	return text;
 }
 
-/// A marker line of `length` characters, the line end not counted.
+/// A marker line of `length` characters without its line end.
 std::string marker(std::size_t length)
 {
 	return "start at" + ruler(length).substr(8);
@@ -129,7 +129,7 @@ TEST(ScanLog, a_marker_line_of_46_characters_with_its_end_has_an_empty_second_pi
 TEST(ScanLog, a_shorter_marker_line_shows_what_a_longer_line_left_behind)
 {
 	const std::string longer = ruler(200);
-	// Line and end take the places 0 to 44, the terminator 45.
+	// Line and line end fill bytes 0 to 44, the terminator is byte 45.
 	const std::string line = marker(44) + "\n";
 	EXPECT_EQ(texts(parse(longer + "\n" + line)),
 	          Strings({"0 " + longer + "\n", "1 " + line.substr(1), "1 " + longer.substr(46, 46)}));
@@ -156,7 +156,7 @@ TEST(ScanLog, a_short_marker_line_shows_the_later_of_two_long_lines_up_to_its_en
 	const std::string longest = std::string(30, 'a') + ruler(170) + "\n";
 	const std::string shorter = std::string(30, 'b') + ruler(30) + "\n";
 	EXPECT_EQ(texts(parse(longest + shorter + "start at\n"))[3], "2 " + shorter.substr(46));
-	// A line that ends before 46 leaves the earlier one's text as it is.
+	// A line shorter than 46 leaves the earlier line's text there.
 	EXPECT_EQ(texts(parse(longest + "short\n" + "start at\n"))[3], "2 " + longest.substr(46, 46));
 	EXPECT_EQ(texts(parse(shorter + longest + "start at\n"))[3], "2 " + longest.substr(46, 46));
 }

@@ -17,7 +17,7 @@ struct Source
 	std::size_t at = 0;
 	bool failsFirst = false;
 	bool failsAtEnd = false;
-	std::string later = {}; ///< comes once the rest has been read
+	std::string later = {}; ///< appended after the rest was read
 };
 
 ssize_t readSource(void *cookie, char *buffer, size_t size)

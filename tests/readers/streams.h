@@ -12,32 +12,30 @@ struct StreamCloser
 };
 using Stream = std::unique_ptr<FILE, StreamCloser>;
 
-/// A stream that gives `bytes`, which must outlive it.
+/// A stream that reads `bytes`, which must outlive it.
 Stream streamOf(const std::string &bytes);
 Stream streamOf(std::string &&) = delete;
 
-/// A stream that gives `bytes` and then fails instead of ending. With `recovers`, the first
-/// reading fails and what follows works.
+/// A stream that reads `bytes` and then fails instead of ending. With `recovers`, only the first read fails.
 Stream failingStream(const std::string &bytes, bool recovers = false);
 
-/// A stream that gives `bytes`, and then `later`, which was not there before.
+/// A stream that reads `bytes`, and then `later`, which is appended once `bytes` were read.
 Stream growingStream(const std::string &bytes, const std::string &later);
 
-/// The contents of tests/fixtures/`name`; fails the test when it cannot be read. An expectation with numbers
-/// that do not fit into a `long` of 32 bits has a second file with `.long32` after its name: what such a C
-/// library makes of them.
+/// The contents of tests/fixtures/`name`; fails the test when it cannot be read. `name`.long32 has the expectation
+/// for a `long` of 32 bits where a number does not fit.
 std::string fixture(const std::string &name);
 
-/// What is expected where a `long` has 64 bits, or 32.
+/// Chooses by the size of `long`.
 template <class Expected> Expected byLong(Expected with64, Expected with32)
 {
 	return sizeof(long) == 8 ? with64 : with32;
 }
 
-/// Names, for fixture(), of what is to be read in tests/fixtures/`folder`: not the expectations.
+/// Names, for fixture(), of the inputs in tests/fixtures/`folder`, without the expectations.
 std::vector<std::string> fixturesIn(const std::string &folder);
 
-/// `text` for a failure message: printable, and cut where it is long.
+/// `text` for a failure message: printable, and cut if long.
 std::string shown(const std::string &text);
 
 #endif

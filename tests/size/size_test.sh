@@ -1,6 +1,6 @@
 #!/bin/sh
-# Holds the plugin, as a receiver would get it, to its limits. Arguments: the plugin, strip, size, the limits
-# of the stripped file and of its text, in bytes.
+# Checks the size of a receiver's plugin. Arguments: the plugin, strip, size, the limits of the stripped file and of
+# its text, in bytes.
 set -eu
 
 stripped=$(mktemp)
@@ -16,6 +16,6 @@ check()
 	[ "$2" -le "$3" ] || { echo "$1 is too large; ./bench spent tells what its bytes are"; status=1; }
 }
 check 'the stripped file' "$bytes" "$4"
-# All that is loaded and never written, tables for the loader included.
+# All loaded, read-only bytes, including the loader's tables.
 check 'its text' "$text" "$5"
 exit $status

@@ -15,7 +15,7 @@ std::string deskhostPath()
 
 Command deskhost()
 {
-#ifdef TEST_THROUGH // a program that runs in an emulator starts others by the computer itself
+#ifdef TEST_THROUGH // in an emulator, the computer itself starts other programs
 	return {deskhostPath(), "--through", TEST_THROUGH};
 #else
 	return {deskhostPath()};
@@ -115,7 +115,7 @@ DeskRun runDesk(const std::string &root, const std::string &keys, const Lines &o
 
 	DeskRun result;
 	result.outcome = run(command, environment);
-#ifdef TEST_THROUGH // is no sandbox, as the first line says
+#ifdef TEST_THROUGH // the first line says that --root is no sandbox
 	if (!root.empty())
 		result.outcome.err.erase(0, result.outcome.err.find('\n') + 1);
 #endif

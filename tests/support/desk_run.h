@@ -12,35 +12,35 @@ namespace support
 using Json = nlohmann::ordered_json;
 
 std::string deskhostPath();
-/// It, and through what it runs the plugin here.
+/// The desk host's command, with --through in an emulator.
 Command deskhost();
-std::string pluginHalfPath(); ///< the half of it that runs the plugin
+std::string pluginHalfPath(); ///< deskhost-plugin
 std::string pluginPath();
-std::string testPlugin(const std::string &name);   ///< one of tests/desk/plugins, as "result.so.0"
+std::string testPlugin(const std::string &name);   ///< a plugin of tests/desk/plugins, such as "result.so.0"
 std::string sourcePath(const std::string &inTree); ///< a file of the source tree
 std::string buildPath(const std::string &inTree);  ///< a file of the build tree
 
-/// The default skin with another "fontsize", written into `folder`; 0: without one. Returns its path.
+/// Writes the default skin with another "fontsize" into `folder`, for 0 without one. Returns its path.
 std::string skinWithFontSize(const TempFolder &folder, int fontSize);
 
-/// One run of the plugin in the desk host, with no screen but everything recorded.
+/// One run of the plugin in the desk host without a screen, fully recorded.
 ///
-/// A test that asks for what is not on the screen ends there, with a failure that names it.
+/// A test that asks for a missing window or widget fails and ends.
 struct DeskRun
 {
 	Outcome outcome;
-	Lines trace;            ///< its lines
-	std::vector<Json> dump; ///< the dump's lines
+	Lines trace;
+	std::vector<Json> dump;
 
-	/// The topmost window after the key number `index` (0: the start).
+	/// The topmost window after key `index` (0: the start).
 	const Json &window(size_t index) const;
-	/// The first widget of that class in that window.
+	/// The `nth` widget of class `type` in that window.
 	const Json &widget(size_t index, const std::string &type, size_t nth = 0) const;
-	/// The trace's lines from the first one that is `from` up to the first one after it that is `to`.
+	/// The trace from the first line `from` up to the next line `to`.
 	Lines traceBetween(const std::string &from, const std::string &to) const;
 };
 
-/// `root` empty: this computer. Further options as on the command line.
+/// An empty `root` means this computer. `options` as on the command line.
 DeskRun runDesk(const std::string &root, const std::string &keys, const Lines &options = {},
                 const Environment &environment = {});
 

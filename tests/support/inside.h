@@ -10,16 +10,16 @@
 namespace support
 {
 
-/// Who presses the keys of a run in the test's own program: those of a script, then those of next(), and then exit.
+/// Presses the keys of a script, then those of next(), and then exit, for a run in the test's own program.
 class Viewer : public desk::Peer
 {
 public:
 	explicit Viewer(const std::string &keys = "");
 
-	/// A frame has come that waits for a key.
+	/// Called for each frame that waits for a key.
 	virtual void look(const desk::Frame &) {}
 
-	/// The key after the script; nothing: exit from now on.
+	/// The next key after the script; nullopt: exit from now on.
 	virtual std::optional<desk::Key> next() { return std::nullopt; }
 
 	void send(const desk::ToViewer &message) override;
@@ -29,10 +29,10 @@ private:
 	std::deque<desk::Key> script;
 };
 
-/// One run of the plugin in the test's own program, which is then the plugin's half itself: see vexlo_host_test.
-/// Returns what plugin_exec returned. `draws`: the viewer looks at frames.
+/// Runs the plugin once in the test's own program, which is the plugin's half itself (vexlo_host_test). Returns the
+/// result of plugin_exec. With `draws`, the viewer receives frames.
 int runInside(Viewer &viewer, const std::string &plugin, bool draws = false);
-/// The same of the service menu.
+/// Runs the service menu.
 int runInside(const std::string &keys = "");
 
 } // namespace support

@@ -1,5 +1,5 @@
-// main() of all tests. Each has a /var/tmp of its own, empty at first, because the plugin's files there have fixed
-// names: a mount namespace is where what a test mounts is seen by it and its children only.
+// main() of all tests. Each test program has its own empty /var/tmp, because the plugin's files there have fixed
+// names. A mount namespace hides a test's mounts from other processes.
 
 #include "own_processes.h"
 #include "process.h"
@@ -40,7 +40,7 @@ void demand(bool done, const char *what)
 	std::exit(EXIT_FAILURE);
 }
 
-/// Not by a stream: a test may have its own fopen().
+/// Not a stream: a test may replace fopen().
 bool write(const char *path, const std::string &text)
 {
 	const int file = open(path, O_WRONLY | O_CLOEXEC);
@@ -49,7 +49,7 @@ bool write(const char *path, const std::string &text)
 	return written;
 }
 
-/// Runs the program anew. Returns only where that fails.
+/// Runs the program again inside namespaces. Returns only on failure.
 void beginInNamespaces(const support::Command &program)
 {
 	support::Command words = {"unshare", "--map-current-user", "--keep-caps", "--mount"};
@@ -62,7 +62,7 @@ void beginInNamespaces(const support::Command &program)
 	execvp(arguments[0], arguments.data());
 }
 
-/// As the superuser, or in a user namespace in which this user stays who he is.
+/// Enters namespaces as the superuser, or with a user namespace that keeps the user's id.
 void enterNamespaces(const support::Command &program)
 {
 	const int namespaces = CLONE_NEWNS | (ownProcesses ? CLONE_NEWPID : 0);
@@ -70,7 +70,8 @@ void enterNamespaces(const support::Command &program)
 		return;
 	const std::string user = std::to_string(geteuid()), group = std::to_string(getegid());
 	if (unshare(CLONE_NEWUSER | namespaces) != 0) {
-		// An emulator has threads, and a user namespace is for a process that has none: so it begins there.
+		// EINVAL: an emulator's threads. Only a single-threaded process can enter a user namespace, so start again
+		// there.
 		if (errno == EINVAL)
 			beginInNamespaces(program);
 		demand(false, "entering namespaces");
@@ -80,7 +81,7 @@ void enterNamespaces(const support::Command &program)
 	       "staying this user in a namespace");
 }
 
-/// What a user could do with the rights of his namespace, such as open what nobody may.
+/// Drops the capabilities of the user namespace, with which a user could open files that he must not.
 void dropRights()
 {
 	__user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
@@ -88,7 +89,7 @@ void dropRights()
 	demand(geteuid() == 0 || syscall(SYS_capset, &header, none) == 0, "dropping rights");
 }
 
-/// Goes on as the first process of the namespace; this one hands its status on.
+/// Goes on as the first process of the process namespace; the parent passes its status on.
 void enterProcesses()
 {
 	const pid_t first = fork();
@@ -99,7 +100,7 @@ void enterProcesses()
 		_exit(WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status));
 	}
 	prctl(PR_SET_PDEATHSIG, SIGKILL);
-	setsid(); // a process group reaches out of a namespace
+	setsid(); // signals to a process group cross namespaces
 	demand(mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr) == 0, "mounting /proc");
 }
 

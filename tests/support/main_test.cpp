@@ -1,4 +1,4 @@
-// Where main() lets tests run.
+// The namespaces that main() runs tests in.
 
 #include "own_processes.h"
 #include "process.h"
@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 const support::OwnProcesses ownProcesses;
 
-/// This program once more, with other tests.
+/// Runs this program again, with the tests of the filter `tests`.
 support::Command again(const std::string &tests)
 {
 	return support::runnable({fs::read_symlink("/proc/self/exe"), "--gtest_filter=" + tests});

@@ -4,9 +4,8 @@
 namespace support
 {
 
-/// For a program whose tests really kill: one object of this, outside of any function, and main() runs them in a
-/// process namespace of their own, so that no mistake, theirs or the plugin's, reaches another process of
-/// this computer.
+/// One global object makes main() run the program's tests in their own process namespace. For tests that really kill:
+/// no mistake reaches another process of this computer.
 struct OwnProcesses
 {
 	OwnProcesses();

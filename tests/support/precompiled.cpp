@@ -1,1 +1,1 @@
-// The header that all tests share is compiled for this file.
+// The tests' precompiled header is built with this file.

@@ -25,14 +25,14 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds patience(60); // a busy machine is no failure
+constexpr std::chrono::seconds patience(60); // long enough for a busy machine
 
 int statusOf(int waited)
 {
 	return WIFEXITED(waited) ? WEXITSTATUS(waited) : 128 + WTERMSIG(waited);
 }
 
-/// In a child: becomes that program.
+/// In a child: executes the program.
 [[noreturn]] void become(const Command &command, const Environment &environment)
 {
 	for (const auto &[name, value] : environment) {
@@ -50,7 +50,7 @@ int statusOf(int waited)
 	_exit(127);
 }
 
-/// In a child: opens `path` as the descriptor `to`.
+/// In a child: opens `path` as descriptor `to`.
 void redirect(const std::string &path, int flags, int to)
 {
 	const int file = ::open(path.c_str(), flags, 0644);
@@ -143,7 +143,7 @@ bool Child::lives() const
 
 void Child::signal(int number) const
 {
-	ASSERT_GT(id, 0) << "it was not started"; // and the signal would be for everybody
+	ASSERT_GT(id, 0) << "it was not started"; // kill(-1) would signal every process
 	kill(id, number);
 }
 

@@ -13,27 +13,26 @@ namespace support
 
 using Command = std::vector<std::string>;
 
-/// Added to the environment of this process; an empty value removes.
+/// Added to this process's environment; an empty value removes the variable.
 using Environment = std::map<std::string, std::string>;
 
-/// The command as this computer can execute it: where the tests run in an emulator, a program for their
-/// processor does as well.
+/// The command as this computer can execute it: with the emulator before a program of another processor.
 Command runnable(Command command);
 
-/// What a program did. `status` is its exit status, or 128 plus the signal that ended it.
+/// The result of a program. `status` is its exit status, or 128 plus the signal that ended it.
 struct Outcome
 {
 	int status = -1;
 	std::string out, err;
 };
 
-/// Runs a program to its end, without input.
+/// Runs a program to its end, without standard input.
 Outcome run(const Command &command, const Environment &environment = {});
 
-/// Looks again and again until it holds; false when that takes longer than any busy machine needs.
+/// Repeats until `holds` is true; returns false after a minute.
 bool eventually(const std::function<bool()> &holds);
 
-/// A program that runs beside the test. Killed with the object, and with the test.
+/// A program that runs beside the test. It is killed with the object, and when the test ends.
 class Child
 {
 public:
@@ -42,7 +41,7 @@ public:
 	Child(const Child &) = delete;
 	Child &operator=(const Child &) = delete;
 
-	/// line() reads what it writes to the descriptor `output`.
+	/// line() reads what the program writes to descriptor `output`.
 	void start(const Command &command, const Environment &environment = {}, int output = 1);
 	void end();
 
@@ -50,22 +49,21 @@ public:
 	bool lives() const;
 	void signal(int number) const;
 
-	/// Waits for its end; the status as in Outcome, -1 when it does not end.
+	/// Waits for the program's end. Returns the status as in Outcome, or -1 when it does not end.
 	int exitStatus();
 
-	/// Waits for the next line that it prints; "(nothing)" when it prints none.
+	/// Waits for the next line of output; "(nothing)" when none comes.
 	std::string line();
 
-	/// True when it prints something within this time.
 	bool printsWithin(int milliseconds) const;
 
-	/// Ticks of CPU that it has used so far.
+	/// CPU ticks used so far.
 	long cpu() const;
 
 private:
 	pid_t id = -1;
 	int out = -1;
-	std::string buffer; ///< read, and not yet asked for
+	std::string buffer; ///< read from the pipe, not yet returned by line()
 };
 
 } // namespace support

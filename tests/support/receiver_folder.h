@@ -6,7 +6,7 @@
 namespace support
 {
 
-/// A receiver's files. What is not set is missing there.
+/// A receiver's files and commands. Those not set are missing.
 class ReceiverFolder : public TempFolder
 {
 public:
@@ -15,7 +15,7 @@ public:
 	void meminfo(const std::string &content) const { write("proc/meminfo", content); }
 	void mtd(const std::string &content) const { write("proc/mtd", content); }
 	void scanLog(const std::string &content) const { write("var/scaning.log", content); }
-	/// What the commands print.
+	/// Sets a command's output.
 	void ps(const std::string &output) const { command("ps", output); }
 	void df(const std::string &output) const { command("df", output); }
 

@@ -1,7 +1,7 @@
 #ifndef VEXLO_TESTS_SUPPORT_H
 #define VEXLO_TESTS_SUPPORT_H
 
-// The kit of the tests that run the plugin in the desk host.
+// All that tests need to run the plugin in the desk host.
 
 #include "desk_run.h"
 #include "process.h"

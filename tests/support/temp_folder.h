@@ -9,7 +9,7 @@ namespace support
 
 using Lines = std::vector<std::string>;
 
-/// A folder that goes with everything in it.
+/// A folder, deleted with its contents by the destructor.
 class TempFolder
 {
 public:
@@ -21,20 +21,20 @@ public:
 	const std::string &path() const { return folder; }
 	std::string operator/(const std::string &name) const { return folder + '/' + name; }
 
-	/// Writes a file below the folder, making its folders; returns its path.
+	/// Writes a file below the folder, and creates its folders; returns its path.
 	std::string write(const std::string &name, const std::string &content, bool executable = false) const;
 
 private:
 	std::string folder;
 };
 
-/// The whole file; "" when there is none.
+/// The whole file; "" if it is missing.
 std::string readFile(const std::string &path);
 
-/// Fails the test when not all of it could be written.
+/// Fails the test when writing fails.
 void writeFile(const std::string &path, const std::string &content);
 
-/// Whether there is anything at `path`, be it a link that leads nowhere.
+/// Whether `path` exists, also as a dangling link.
 bool exists(const std::string &path);
 
 Lines lines(const std::string &text);
