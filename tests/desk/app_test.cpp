@@ -1,4 +1,4 @@
-// The desk host as a command: what it is given, what it answers, and what it leaves behind.
+// The desk host as a command: its arguments, exit status and output.
 
 #include "support.h"
 
@@ -28,7 +28,7 @@ Outcome deskhost(Lines options, const std::map<std::string, std::string> &enviro
 	return support::run(options, environment);
 }
 
-/// One line that names the thing, on standard error, and nothing on standard output.
+/// Expects one line on standard error that names `named`, and an empty standard output.
 void expectRefused(const Outcome &outcome, int status, const std::string &named)
 {
 	EXPECT_EQ(outcome.status, status);
@@ -493,7 +493,7 @@ TEST(App, does_not_take_the_language_of_the_desk)
 
 TEST(App, serves_only_the_receivers_own_files_from_the_root)
 {
-	// What the root lacks is missing, whatever this computer has.
+	// A file that the root lacks is missing, even where this computer has it.
 	ReceiverFolder receiver;
 	const DeskRun run = runDesk(receiver.path(), "2");
 	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
@@ -524,14 +524,14 @@ TEST(App, harms_nobody_with_a_root_however_the_plugin_calls)
 
 TEST(App, spends_nothing_on_lines_that_are_not_on_the_screen)
 {
-	// A hundred thousand mounts: what cannot be seen is not laid out, or this would take minutes.
+	// Laying out all 100,000 mounts would take minutes.
 	ReceiverFolder receiver;
 	receiver.df(support::repeat("/dev/x 1 2 3 4% /\n", 100000));
 	TempFolder pictures;
 	support::Command command = support::deskhost();
 	command.insert(command.end(), {"--screen", "none", "--root", receiver.path(), "--keys",
 	                               "4 up down left right exit exit", "--pictures", pictures.path()});
-	const Outcome outcome = support::run(command); // no dump, which would have all lines after each key
+	const Outcome outcome = support::run(command); // no dump: it would hold all lines after each key
 	EXPECT_EQ(outcome.status, 0) << outcome.err;
 	const std::filesystem::directory_iterator drawn(pictures.path());
 	EXPECT_EQ(std::distance(begin(drawn), end(drawn)), 8);

@@ -1,4 +1,4 @@
-// The pictures of the documentation are what the desk host draws: a change of either is seen by a person.
+// The desk host draws exactly the documentation's pictures: a person sees every change of either.
 
 #include "support.h"
 
@@ -35,8 +35,8 @@ Pixels readPng(const std::string &path)
 	return pixels;
 }
 
-/// The largest mean difference of a channel, 0 to 255, in any block of 16 x 16 pixels: a letter that has
-/// changed stands out, the last bit of an antialiased edge does not.
+/// The largest mean difference of a channel, 0 to 255, in any block of 16 x 16 pixels. A changed letter exceeds the
+/// limit, rounding in antialiased edges does not.
 double difference(const Pixels &a, const Pixels &b)
 {
 	constexpr int block = 16;
@@ -75,7 +75,7 @@ TEST(Pictures, are_those_of_the_documentation)
 	for (const fs::directory_entry &entry : fs::directory_iterator(drawn.path())) {
 		const std::string name = entry.path().filename();
 		const std::string reference = support::sourcePath("docs/pictures/" + name);
-		// A missing reference is no reason to make one: somebody must look at it first.
+		// Never make a missing reference: a person must look at it first.
 		ASSERT_TRUE(support::exists(reference)) << name << " is not in docs/pictures; see tools/pictures";
 		const Pixels now = readPng(entry.path()), then = readPng(reference);
 		ASSERT_EQ(now.width, then.width);
@@ -95,7 +95,7 @@ TEST(Pictures, are_those_of_the_documentation)
 	}
 	EXPECT_GE(compared, 10);
 
-	// The comparison sees what it is for: another entry is current, another letter is drawn.
+	// The comparison notices another current entry and another letter.
 	EXPECT_GT(difference(readPng(support::sourcePath("docs/pictures/menu.png")),
 	                     readPng(support::sourcePath("docs/pictures/menu-de.png"))),
 	          6);

@@ -137,7 +137,7 @@ TEST(Ps, opens_empty_when_ps_is_missing_or_prints_nothing)
 	EXPECT_NE(run.outcome.err.find("ps"), std::string::npos) << "what the shell says is seen";
 }
 
-/// A folder has the temporary file's name: the command cannot write, and fopen fails.
+/// The temporary file is a link into a missing folder: the command cannot write, and fopen fails.
 TEST(Ps, closes_a_stream_that_never_opened_and_removes_the_file_all_the_same)
 {
 	ReceiverFolder receiver;

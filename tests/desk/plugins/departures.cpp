@@ -1,5 +1,5 @@
-// A plugin whose entries leave their list in unusual ways: put back and then deleted, deleted by another
-// entry's end, taken out by the handler that hears of the move to them; and whose menu goes with such a move.
+// A plugin whose entries leave their list in unusual ways: deleted after they were put back, deleted by another
+// entry's destructor, removed in the handler of the move to them. One such move deletes the menu.
 #include "toolkit.h"
 
 namespace
@@ -7,7 +7,7 @@ namespace
 
 using Entry = eListBoxEntryText;
 
-/// Takes another entry with it.
+/// Deletes another entry when it is deleted.
 class Pair : public Entry
 {
 public:
@@ -44,7 +44,7 @@ private:
 	eListBox<Entry> *list;
 };
 
-int confirmed = 0; // choices that the menu heard of
+int confirmed = 0; // choices that the menu's slot received
 
 class Menu : public eSetupWindow
 {

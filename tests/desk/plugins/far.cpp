@@ -1,4 +1,4 @@
-// A plugin that asks a very long question, and puts its widgets farther away than numbers reach.
+// A plugin with a very long question and with widgets at extreme positions and sizes.
 #include "toolkit.h"
 
 #include <climits>

@@ -1,5 +1,5 @@
-// A plugin that destroys things while they are in use: a list from its own signal, the widget that has
-// the focus, a window from its own handler; and that keeps an entry longer than its list.
+// A plugin that destroys objects in use: a list in its own signal, the widget with the focus, a window in its own
+// handler. It also keeps an entry longer than its list.
 #include "toolkit.h"
 
 namespace
@@ -20,7 +20,7 @@ public:
 		frame = new eWidget(this);
 		inner = new eButton(frame, nullptr, 1, "eButton");
 		inner->selected.connect(SigC::slot(*this, &Page::deleteFrame));
-		inner->setShortcut("blue"); // not this window's own child: no short cut of it
+		inner->setShortcut("blue"); // not a child of this window, so its shortcut does nothing here
 		other = new eButton(this, nullptr, 1, "eButton");
 		add("red", &Page::deleteFrame);
 		add("green", &Page::destroyItself);
@@ -38,7 +38,7 @@ public:
 		}
 		delete list;
 		list = nullptr;
-		delete removed; // its list is gone, and it knows
+		delete removed; // its list is deleted, which the entry knows
 		removed = nullptr;
 	}
 
@@ -84,7 +84,7 @@ extern "C" __attribute__((visibility("default"))) int plugin_exec()
 	Page *page = new Page(&page);
 	eWindow stranger(1);
 	eButton *strange = new eButton(&stranger, nullptr, 1, "eButton");
-	page->setFocus(strange); // not its own: ignored
+	page->setFocus(strange); // not a descendant: ignored
 	page->show();
 	const int result = page->exec();
 	const bool destroyed = page == nullptr;

@@ -1,4 +1,4 @@
-// A plugin with ways to end badly: entries of a menu, each by its digit.
+// A plugin that fails in many ways. The digit of a menu entry chooses one:
 //
 //   1 a wild pointer   3 exit(0)    5 an exception that nobody catches   7 spins, whatever signals come
 //   2 abort            4 _exit(7)   6 a full stack                       8 says something, and leaves its folder
@@ -49,7 +49,7 @@ private:
 	__attribute__((noinline)) void wildPointer()
 	{
 		setText("about to crash");
-		// Not null, for which a sanitizer has its own end.
+		// Not null, which a sanitizer handles in its own way.
 		volatile uintptr_t nothing = 64;
 		*reinterpret_cast<volatile int *>(nothing) = 1;
 	}
@@ -94,7 +94,7 @@ private:
 			return;
 		}
 		close(ends[1]);
-		if (read(ends[0], &byte, 1) != 0) // the copy has come so far
+		if (read(ends[0], &byte, 1) != 0) // waits until the copy closes the pipe
 			std::abort();
 		close(ends[0]);
 	}

@@ -1,4 +1,4 @@
-// What a plugin can hardly mean; nothing of it is lost on the desk host.
+// A plugin with likely mistakes; the desk host reports them and goes on.
 #include "toolkit.h"
 
 namespace
@@ -20,7 +20,7 @@ public:
 		add<eButton>(220, eSize(160, 40), "third")->setShortcut("purple");
 		eLabel *decorated = new eLabel(this, 0, 0, "eFrame");
 		decorated->resize(eSize(10, 10));
-		new eLabel(this, 0, 0, nullptr); // of no size, and without a text
+		new eLabel(this, 0, 0, nullptr); // without size and text
 
 		auto *list = new eListBox<eListBoxEntryText>(this);
 		list->move(ePoint(200, 0));

@@ -1,4 +1,4 @@
-// A shared object that is no plugin.
+// A shared object without plugin_exec.
 extern "C" __attribute__((visibility("default"))) int something_else()
 {
 	return 0;

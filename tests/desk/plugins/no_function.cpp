@@ -1,4 +1,4 @@
-// A plugin whose entry is no function.
+// A plugin whose plugin_exec is not a function.
 extern "C" {
 __attribute__((visibility("default"))) int plugin_exec = 5;
 }

@@ -1,11 +1,11 @@
-// A plugin that changes its windows while they run: texts, places, what is shown, entries; and asks while
-// it asks.
+// A plugin that changes texts, positions, visibility and entries of running windows, and asks a question within a
+// question.
 #include "toolkit.h"
 
 namespace
 {
 
-/// A question that is not left without another one.
+/// A question that asks another one before it ends.
 class Doubt : public eMessageBox
 {
 public:
@@ -96,8 +96,8 @@ private:
 		label->setText(text.sprintf(format, answer));
 	}
 
-	/// Takes the current entry out; the next time it comes back, as the first one and the current one. Of a
-	/// renamed page, takes out whatever becomes the current one.
+	/// Removes the current entry; the next call appends it again as the current one. On a renamed page, removes all
+	/// entries one by one as each becomes the current one.
 	void turn()
 	{
 		if (renamed) {
@@ -111,7 +111,7 @@ private:
 		} else if (current) {
 			eListBoxEntryText *const entry = current;
 			list.remove(entry, false);
-			list.remove(entry, false); // it is in it no more: no error
+			list.remove(entry, false); // no longer in the list: no error
 			taken = entry;
 		}
 	}

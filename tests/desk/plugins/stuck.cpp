@@ -1,4 +1,4 @@
-// A plugin that opens its window again whenever the viewer leaves it.
+// A plugin that reopens its window whenever the viewer leaves it.
 #include "toolkit.h"
 
 extern "C" __attribute__((visibility("default"))) int plugin_exec()

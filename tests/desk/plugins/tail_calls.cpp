@@ -1,5 +1,5 @@
-// A plugin whose handlers end in a call of libc's: the compiler may make a jump of it, and the call then
-// returns to the host.
+// A plugin whose handlers end in a call of libc. The compiler may turn the call into a jump, which then returns to
+// the host.
 #include "toolkit.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// A plugin for a host that offers more than this one.
+// A plugin that needs a function which this host lacks.
 class eWidget;
 void eSomethingElse(eWidget *);
 

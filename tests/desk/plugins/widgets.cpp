@@ -1,4 +1,4 @@
-// A plugin that uses the toolkit in ways that the service menu does not.
+// A plugin that uses more of the toolkit than the service menu.
 #include "toolkit.h"
 
 #include <cstdlib>
@@ -34,7 +34,7 @@ public:
 		setFocus(list);
 	}
 
-	/// Takes the chosen entry out of the list; leaves by accepting, rejecting and accepting again.
+	/// Removes the chosen entry; leaves by accepting, rejecting and accepting again.
 	void chosen(eListBoxEntryText *entry)
 	{
 		if (entry) {
@@ -50,7 +50,7 @@ public:
 
 	void pressed()
 	{
-		// The button goes while its own signal runs, as in a page that rebuilds itself.
+		// The button is deleted in its own signal, as by a page that rebuilds itself.
 		eMessageBox box("sure?", "really", 8, 4, 0);
 		box.show();
 		const int answer = box.exec();
@@ -73,9 +73,9 @@ private:
 extern "C" __attribute__((visibility("default"))) int plugin_exec()
 {
 	Page page;
-	page.accept(); // nothing runs yet: no harm
+	page.accept(); // before any run: ignored
 	page.show();
 	page.show();
 	const int result = page.exec();
-	return result * 10 + 5; // shown when it is destroyed: no harm either
+	return result * 10 + 5; // destroyed while visible: allowed
 }

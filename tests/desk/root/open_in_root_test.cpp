@@ -1,4 +1,4 @@
-// A path in a folder that stands for /, by the kernel's own way and by the one for older kernels.
+// Paths in a folder that stands for /, with openat2() and with the fallback for older kernels.
 
 #include "open_in_root.h"
 
@@ -47,7 +47,7 @@ protected:
 
 	int opened(const std::string &path, int flags) { return GetParam()(folder, path.c_str(), flags); }
 
-	/// What is read there, or why it cannot be.
+	/// The content of `path`, or the error.
 	std::string content(const std::string &path, int flags = O_RDONLY)
 	{
 		const int file = opened(path, flags);

@@ -41,7 +41,7 @@ std::string loadMistake(const std::string &path)
 	return error;
 }
 
-// Perceived brightness as for the contrast of text on web pages; 4.5 : 1 is legible.
+// Relative luminance as in the contrast rules for web pages, where 4.5 : 1 is legible.
 double luminance(Color c)
 {
 	const auto linear = [](uint8_t value) {
@@ -83,7 +83,7 @@ TEST(StandardSkin, is_legible_from_a_sofa)
 	EXPECT_GT(contrast(skin.hintText, skin.helpBackground), 7);
 	EXPECT_GT(contrast(button.text, button.background->top), 4.5);
 	EXPECT_GT(contrast(button.focusedText, button.focused->bottom), 7);
-	// Current and focused differ from the rest by brightness alone.
+	// Current and focused entries differ from the others by brightness alone.
 	EXPECT_GT(contrast(list.current, back), 7);
 	EXPECT_GT(contrast(button.focused->bottom, button.background->top), 4.5);
 	EXPECT_GT(contrast(list.current, list.currentUnfocused), 1.5);

@@ -96,7 +96,7 @@ TEST(VisibleText, marks_separators_and_bidirectional_formatting_once_each)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
 	for (uint32_t c = 0x2066; c <= 0x2069; ++c)
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + mark + "b") << std::hex << c;
-	// Marks of direction only help, and end with their word.
+	// Direction marks are harmless and end with their word.
 	for (uint32_t c : {0x200Eu, 0x200Fu, 0x2027u, 0x202Fu})
 		EXPECT_EQ(visibleText("a" + utf8(c) + "b"), "a" + utf8(c) + "b") << std::hex << c;
 }
@@ -177,12 +177,12 @@ TEST(TextColumns, count_narrow_wide_and_combining_characters)
 	EXPECT_EQ(textColumns("żółć"), 4);
 	EXPECT_EQ(textColumns("e\xCC\x81"), 1);
 	EXPECT_EQ(textColumns("日本"), 4);
-	EXPECT_EQ(textColumns("\xE2\x80\x8D"), 0); // the joiner
+	EXPECT_EQ(textColumns("\xE2\x80\x8D"), 0); // zero width joiner
 	EXPECT_EQ(textColumns("عربي"), 4);
 	EXPECT_EQ(textColumns(visibleText("\x1b\xff\t")), 8);
 }
 
-/// Every line of `wrapped` fits.
+/// Expects that every line of `wrapped` fits.
 void expectFits(const std::string &wrapped, int width)
 {
 	size_t start = 0;

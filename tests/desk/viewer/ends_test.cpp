@@ -1,4 +1,4 @@
-// The plugin's half ends in whatever way: the viewer's half says how, and leaves nothing behind.
+// However the plugin's half ends, the viewer's half says how, and leaves nothing behind.
 
 #include "support.h"
 
@@ -22,7 +22,7 @@ DeskRun misbehaving(const std::string &keys, Lines options = {})
 	return runDesk("", keys, options);
 }
 
-/// With exit status 1, and these lines among what is said.
+/// Expects exit status 1 and these lines among the messages.
 void expectEnd(const DeskRun &run, const Lines &said)
 {
 	EXPECT_EQ(run.outcome.status, 1);
@@ -40,7 +40,7 @@ TEST(End, is_told_with_the_last_call_and_the_place_in_the_source)
 	                "It was dealing with key 2, eListBoxBase#1.selected(eListBoxEntry#2)",
 	                R"(Its last call: eSetupWindow#1.setText("about to abort"))"});
 	EXPECT_NE(run.outcome.err.find("abort() at misbehaves.cpp:"), std::string::npos) << run.outcome.err;
-#if !defined(__SANITIZE_ADDRESS__) // which has an end of its own
+#if !defined(__SANITIZE_ADDRESS__) // AddressSanitizer handles the crash itself
 	expectEnd(misbehaving("1"), {"It was ended by signal 11, Segmentation fault",
 	                             R"(Its last call: eSetupWindow#1.setText("about to crash"))"});
 	expectEnd(misbehaving("6"), {"It was ended by signal 11, Segmentation fault"});
@@ -117,14 +117,14 @@ TEST(Half, is_not_its_copy)
 class SessionEnd : public testing::Test
 {
 protected:
-	// A shell's background may ignore them.
+	// A shell may have set them to ignored for a background job.
 	SessionEnd()
 	{
 		for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
 			std::signal(signal, SIG_DFL);
 	}
 
-	/// Starts a plugin that spins, and waits until it does.
+	/// Starts a plugin that spins, and waits until it runs.
 	void startSpinning()
 	{
 		support::writeFile(folder / "trace", "");
@@ -171,7 +171,7 @@ TEST_F(SessionEnd, keeps_ignoring_what_was_ignored_when_it_started)
 	const support::ReceiverFolder receiver;
 	receiver.write("bin/ps", "#!/bin/sh\necho started >>\"$0.log\"; exec sleep 1000\n", true);
 	host.start({"sh", "-c", "trap '' HUP; exec \"$@\"", "sh", support::deskhostPath(), "--screen", "none",
-	            "--root", receiver.path(), "--through", "env", "--keys", "1"}); // the half is its child
+	            "--root", receiver.path(), "--through", "env", "--keys", "1"}); // env becomes the half
 	ASSERT_TRUE(support::eventually([&] { return support::exists(receiver / "bin/ps.log"); }));
 	half = childOf(host.pid());
 	ASSERT_GT(half, 0);
@@ -219,7 +219,7 @@ TEST(Through, a_command_that_stands_for_a_shell_elsewhere)
 {
 	const support::ReceiverFolder receiver;
 	receiver.ps("PID\n1 init\n");
-	// As ssh does: the words are given to a shell, which starts elsewhere and has an environment of its own.
+	// Like ssh: gives the words to a shell with another folder and environment.
 	const std::string elsewhere = receiver.write(
 		"elsewhere", "#!/bin/sh\ncd /\nshift\nexec env -i PATH=/usr/bin:/bin sh -c \"$*\"\n", true);
 	const DeskRun near = runDesk(receiver.path(), "ok exit exit");

@@ -6,19 +6,18 @@
 #include <optional>
 #include <string>
 
-/// What the viewer's half takes for the half of a plugin: a test's program, started by --through.
+/// Stands for the plugin's half in a test's program that --through starts.
 class FakeHalf
 {
 public:
-	/// Takes standard input and output as that half does, and says that a plugin is loaded.
+	/// Takes standard input and output as the plugin's half does, and reports a loaded plugin.
 	FakeHalf();
 
 	void note(const std::string &line);
-	/// Shows a frame.
 	void show(const desk::DisplayList &frame, bool waits = true);
-	/// The next key; of a click `clicked` says what it means. Nothing: the viewer's half has ended.
+	/// The next key. `clicked` answers a click with the keys that it means. nullopt: the viewer's half has ended.
 	std::optional<desk::Key> key(desk::Meaning (*clicked)(const desk::Click &) = nullptr);
-	/// The end of the run.
+	/// Reports the end of the run.
 	void returned(int result);
 
 private:

@@ -11,7 +11,7 @@ namespace notes_test
 
 using desk::NoteLog;
 
-/// The locale's character set, until the end of the scope.
+/// Sets the locale's character set for a scope.
 struct CharacterSet
 {
 	explicit CharacterSet(const char *locale) { std::setlocale(LC_CTYPE, locale); }

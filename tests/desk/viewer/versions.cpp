@@ -1,4 +1,4 @@
-// A plugin of which there are several versions, as while it is being written. Its red key deletes.
+// Several versions of one plugin, as its author would compile them. The red key deletes.
 #include "toolkit.h"
 
 #include <cstdio>

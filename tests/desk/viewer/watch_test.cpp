@@ -1,4 +1,4 @@
-// An author at work: the plugin is compiled anew while it is on the screen.
+// The plugin is compiled again while the screen shows it.
 
 #include "watch.h"
 
@@ -19,7 +19,7 @@ namespace watch_test
 using desk::Watch;
 using support::TempFolder;
 
-/// Waits as the loop does. False: nothing has changed within that time.
+/// Waits like the event loop. Returns false when no change came in time.
 bool changesWithin(Watch &watch, int milliseconds)
 {
 	for (int left = milliseconds; left > 0; left -= 50) {
@@ -111,7 +111,7 @@ TEST(Watch, says_why_it_cannot_watch)
 	EXPECT_NE(error.find("/no/such/folder/plugin.so.0"), std::string::npos) << error;
 }
 
-/// The desk host in a terminal, with a plugin that is compiled anew.
+/// The desk host with --watch in a terminal.
 class WatchedRun : public testing::Test
 {
 protected:

@@ -1,4 +1,4 @@
-// What crosses between the two halves: it comes back as it was, and nothing else is taken for it.
+// Messages between the halves: decoding restores what was encoded, and rejects anything else.
 
 #include "channel.h"
 #include "message.h"
@@ -37,7 +37,7 @@ DisplayList someFrame()
 	return frame;
 }
 
-/// All that a frame is, as what it draws.
+/// What a frame draws, as text lines.
 struct Drawn : Canvas
 {
 	std::string calls;

@@ -1,4 +1,4 @@
-// Message catalogues: what msgfmt makes is read, and anything else is one line that says why not.
+// Message catalogues: msgfmt's are read, any other file gives one line with the reason.
 
 #include "catalogue.h"
 
@@ -55,7 +55,7 @@ void expectClear(const std::string &error, const std::string &name)
 	EXPECT_EQ(error.find('\n'), std::string::npos) << error;
 }
 
-/// Why these bytes are refused.
+/// The error message for these bytes.
 std::string refusal(const std::string &bytes)
 {
 	std::string error;
@@ -70,7 +70,7 @@ void expectRefused(const std::string &bytes, const std::string &because)
 	EXPECT_NE(why.find(because), std::string::npos) << why;
 }
 
-/// A number of 32 bits, as it stands in a catalogue.
+/// Four bytes, little-endian.
 std::string word(unsigned number)
 {
 	std::string bytes;
@@ -79,7 +79,7 @@ std::string word(unsigned number)
 	return bytes;
 }
 
-/// A catalogue by hand: `count` texts that all lie at `at`, so many bytes long, behind its tables.
+/// A catalogue of `count` equal texts of `length` bytes at offset `at`; `texts` follow the tables.
 std::string byHand(unsigned count, unsigned length, unsigned at, const std::string &texts)
 {
 	std::string bytes = word(0x950412de) + word(0) + word(count) + word(28) + word(28) + word(0) + word(0);
@@ -163,7 +163,7 @@ TEST(Catalogue, harms_nobody_whatever_bytes_it_has)
 	int refused = 0;
 	for (int i = 0; i < 4000; ++i) {
 		std::string bytes = i % 2 ? little : big;
-		// Half of them in the tables, where a byte changes most.
+		// Half of the changes hit the tables, where they matter most.
 		const size_t range = i % 4 < 2 ? bytes.size() : std::min<size_t>(bytes.size(), 320);
 		for (unsigned changes = 1 + random() % 4; changes > 0; --changes)
 			bytes[random() % range] = static_cast<char>(random());
@@ -182,7 +182,7 @@ TEST(Catalogue, harms_nobody_whatever_bytes_it_has)
 		if (const char *format = catalogue->find("Kill %s pid?")) {
 			char question[100];
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral" // whatever format it has become
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // the format may have changed
 			snprintf(question, sizeof question, format, "123");
 #pragma GCC diagnostic pop
 		}
@@ -201,7 +201,7 @@ TEST(Catalogue, has_all_its_texts_in_its_file)
 	expectRefused(byHand(1, 0xffffffff, 36, text), "text number 1 is damaged");
 	expectRefused(byHand(1, 4, 0xffffffff, text), "text number 1 is damaged");
 	expectRefused(byHand(1, 37, 0xffffffff, text), "text number 1 is damaged");
-	for (const size_t place : {8u, 12u, 16u}) // the number of texts, and where the two tables are
+	for (const size_t place : {8u, 12u, 16u}) // offsets of the number of texts and of both tables
 		for (const unsigned number : {41u, 0x20000001u, 0x80000000u, 0xffffffffu})
 			expectRefused(byHand(1, 4, 36, text).replace(place, 4, word(number)), "it is cut off");
 }
@@ -209,7 +209,7 @@ TEST(Catalogue, has_all_its_texts_in_its_file)
 TEST(Catalogue, keeps_to_its_bounds)
 {
 	expectRefused(byHand(1, 4, 36, std::string(16 << 20, '\0')), "16 MiB");
-	// A million times the same long text: what it takes to look at that is not in the file's size.
+	// A million references to one long text: checking each would take time beyond the file's size.
 	expectRefused(byHand(1000000, 1000000, 8000028, std::string(1000000, 'x') + '\0'), "damaged");
 	std::string values;
 	for (int i = 0; i < 1000000; ++i)
@@ -286,13 +286,13 @@ TEST(Catalogue, is_a_file_that_can_be_read)
 		EXPECT_NE(error.find(reason), std::string::npos) << error;
 	}
 	if (geteuid() == 0)
-		return; // may read everything
+		return; // the superuser reads every file
 	chmod((place / "good.mo").c_str(), 0);
 	EXPECT_FALSE(Catalogue::load(place / "good.mo", error));
 	EXPECT_NE(error.find("Permission denied"), std::string::npos) << error;
 }
 
-// What the compiler makes of a rule, beside its text.
+// The text of a rule and the same rule compiled.
 #define RULE(...)                                                                                            \
 	{                                                                                                        \
 #__VA_ARGS__, []([[maybe_unused]] unsigned long n) -> unsigned long { return __VA_ARGS__; }          \
@@ -301,7 +301,7 @@ TEST(Catalogue, is_a_file_that_can_be_read)
 TEST(PluralRule, is_evaluated_as_the_compiler_does)
 {
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wparentheses" // as rules are written
+#pragma GCC diagnostic ignored "-Wparentheses" // rules rarely have parentheses
 	const struct
 	{
 		const char *text;
@@ -350,7 +350,7 @@ TEST(PluralRule, is_none_when_it_is_no_expression)
 	EXPECT_EQ(pluralForm(support::repeat("(", 400) + "n" + support::repeat(")", 400), 5), 5u);
 	for (const char *many : {"(", "!", "n?", "n+", "1"})
 		for (const int times : {450, 1000000}) {
-			// A long number is one, whatever it comes to.
+			// 450 digits are one number, whatever its value.
 			const bool value = many == std::string("1") && times == 450;
 			EXPECT_EQ(pluralForm(support::repeat(many, times), 5).has_value(), value) << many;
 		}

@@ -1,4 +1,4 @@
-// Commands and signals of a plugin: what they can do, and what is seen of them.
+// What commands and signals of a plugin can do, and what the trace shows of them.
 
 #include "reach.h"
 
@@ -20,7 +20,7 @@ bool has(const std::string &text, const std::string &part)
 	return text.find(part) != std::string::npos;
 }
 
-/// A process of this computer.
+/// A process of this computer, which must survive.
 class Bystander : public support::Child
 {
 public:

@@ -1,4 +1,4 @@
-// Today's memory summary in the older layout, and what the plugin's reader makes of it.
+// Today's memory summary in the older layout, and how the plugin reads it.
 
 #include "older_meminfo.h"
 
@@ -28,7 +28,7 @@ std::string older(const std::string &today)
 	return desk::olderMeminfo(streamOf(today).get());
 }
 
-/// A kernel's summary with these quantities in kB.
+/// A kernel's summary of these quantities, in kB.
 std::string summary(unsigned long long total, unsigned long long free, unsigned long long cached,
                     unsigned long long swap)
 {
@@ -117,7 +117,7 @@ TEST(OlderMeminfo, shows_fourteen_rows_whatever_the_size_of_the_memory)
 				ASSERT_EQ(names.size(), 14u) << text;
 				EXPECT_EQ(names.front(), "MemTotal:  ") << text;
 				EXPECT_EQ(names.back(), "SwapFree:  ") << text;
-				if (total < 2 * tebibyte) { // what the plugin's numbers hold
+				if (total < 2 * tebibyte) { // the largest that the plugin's numbers hold
 					EXPECT_EQ(support::lines(columns.values).front(), std::to_string(total) + " KB");
 				}
 			}

@@ -3,7 +3,7 @@
 
 #include "support.h"
 
-/// One run of the plugin that does `how` to `on` (see reaches_out.cpp).
+/// Runs the plugin once with REACH=`how` and ON=`on` (reaches_out.cpp).
 inline support::DeskRun reach(const std::string &how, const std::string &on,
                               std::vector<std::string> options = {})
 {

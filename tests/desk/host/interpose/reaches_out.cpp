@@ -1,5 +1,4 @@
-// A plugin that does by itself what others leave to commands, and worse. What it does is in the variable
-// REACH, a word each; what it acts on in ON.
+// A plugin that tries to reach out of its sandbox. REACH names the way, ON its target.
 #include "toolkit.h"
 
 #include <csignal>
@@ -28,7 +27,7 @@ void show(const char *what, FILE *stream)
 		eDebug("%s: empty", what);
 }
 
-const char *killed = ""; // by whoever finds the process id here
+const char *killed = ""; // the process to kill, for functions without arguments
 
 struct AtTheEnd
 {
@@ -39,7 +38,7 @@ struct AtTheEnd
 	}
 } atTheEnd;
 
-/// Reaches whenever it is painted.
+/// Kills while the host paints.
 class Painted : public eWindow
 {
 public:
@@ -55,7 +54,7 @@ private:
 	const char *whom;
 };
 
-/// Before anybody calls it.
+/// Runs before plugin_exec.
 struct AtTheStart
 {
 	AtTheStart()
@@ -66,7 +65,7 @@ struct AtTheStart
 	}
 } atTheStart;
 
-/// What nothing stands in the way of but the kernel.
+/// Ways that only the kernel can stop.
 void reachFarther(const char *how, const char *on)
 {
 	if (!strcmp(how, "thread"))

@@ -1,4 +1,4 @@
-// Without --root: this computer, made a receiver or as it is.
+// Without --root: this computer as a receiver, or with --as-is.
 
 #include "reach.h"
 

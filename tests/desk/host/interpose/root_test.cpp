@@ -1,5 +1,5 @@
-// With --root: nothing outside of the folder is read, written or removed through a served path, and /var/tmp is
-// the folder's own.
+// With --root, no served path reads, writes or removes anything outside of the folder, and /var/tmp is the folder's
+// own.
 
 #include "reach.h"
 
@@ -165,7 +165,7 @@ TEST(Root, has_a_var_tmp_of_its_own_for_calls_and_commands)
 	EXPECT_FALSE(exists("/var/tmp/three") || exists("/var/tmp/four"));
 }
 
-/// A folder below /var/tmp itself is hidden from its own commands by name, but not as the root.
+/// The sandbox covers /var/tmp and thus the path of such a root; its commands still see it as their root.
 TEST(Root, may_lie_below_var_tmp)
 {
 	ReceiverFolder receiver;
@@ -240,7 +240,7 @@ TEST(Root, has_a_temporary_var_tmp_where_it_cannot_be_written)
 {
 	ReceiverFolder receiver;
 	receiver.write("bin/ps", "#!/bin/sh\necho list\n", true);
-	// Read-only for this desk host.
+	// Read-only in this mount namespace.
 	const Command command = {"unshare",
 	                         "--map-root-user",
 	                         "--mount",

@@ -1,4 +1,4 @@
-// The look-up of texts that the desk host offers in libc's place, called as a plugin calls it.
+// The look-up of texts that the desk host exports in place of libc's, called as a plugin calls it.
 
 #include "caller.h"
 #include "support.h"
@@ -19,7 +19,7 @@ using support::TempFolder;
 namespace texts_test
 {
 
-/// A folder of catalogues, of which some languages are shown.
+/// A folder of catalogues; the host offers only some of their languages.
 class Shown : public ::testing::Test
 {
 protected:

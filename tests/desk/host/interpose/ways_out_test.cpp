@@ -1,5 +1,5 @@
-// A plugin and commands that want out of --root, by every way that is known: this computer's files and processes are
-// as they were before. As the superuser and as another user; where the kernel permits a sandbox and where it does not.
+// A plugin and its commands try to leave --root in every known way; this computer's files and processes must not
+// change. As the superuser and as another user, with and without the kernel's permission for a sandbox.
 
 #include "reach.h"
 
@@ -19,18 +19,18 @@ using support::Command;
 using support::readFile;
 using support::ReceiverFolder;
 
-const char outside[] = "/var/tmp/kept"; // this computer's
+const char outside[] = "/var/tmp/kept"; // on this computer, outside of the root
 
-/// Words before a command for which the kernel permits no sandbox.
+/// Prefix of a command for which the kernel permits no sandbox.
 const Command withoutSandbox = {"unshare", "--map-root-user", "sh", "-c",
                                 "echo 0 >/proc/sys/user/max_mnt_namespaces; exec \"$0\" \"$@\""};
 
 struct Way
 {
 	const char *name;
-	const char *how, *on; ///< see reaches_out.cpp; BYSTANDER is the number of a process
-	bool isKnown;         ///< kept in without a sandbox as well
-	std::string ps = "";  ///< the receiver's script
+	const char *how, *on; ///< see reaches_out.cpp; BYSTANDER becomes a process id
+	bool isKnown;         ///< stopped without a sandbox as well
+	std::string ps = "";  ///< the receiver's command ps
 };
 
 const std::vector<Way> ways = {
@@ -74,7 +74,7 @@ std::string replaced(std::string text, const std::string &number)
 class WaysOut : public testing::TestWithParam<bool>
 {
 protected:
-	/// Words before a command that make it another user's.
+	/// Prefix that runs a command as another user.
 	static Command asUser()
 	{
 		return GetParam() ? Command{"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}
@@ -91,7 +91,7 @@ protected:
 			GTEST_SKIP() << "another user may not enter the folder of this build; put it elsewhere";
 	}
 
-	/// Goes that way. `before`: words before the desk host's.
+	/// Tries one way. `before`: prefix of the desk host's command.
 	void go(const Way &way, const Command &before)
 	{
 		ReceiverFolder receiver;
@@ -101,7 +101,7 @@ protected:
 		const bool hadLog = support::exists("/var/scaning.log");
 
 		Command command = asUser();
-		const Command sleeper = {"setsid", "sleep", "1000"}; // a group of its own
+		const Command sleeper = {"setsid", "sleep", "1000"}; // its own process group
 		command.insert(command.end(), sleeper.begin(), sleeper.end());
 		support::Child bystander;
 		bystander.start(command);
@@ -125,7 +125,7 @@ protected:
 	}
 
 	support::Outcome outcome;
-	bool removed = false; ///< the receiver's log
+	bool removed = false; ///< whether the receiver's log was deleted
 };
 
 TEST_P(WaysOut, lead_nowhere)

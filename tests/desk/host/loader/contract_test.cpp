@@ -1,4 +1,4 @@
-// Plugins that were built against another contract than this host's, and say so.
+// Plugins with a note of another contract than this host's.
 
 #include "contract.h"
 
@@ -98,7 +98,7 @@ TEST(Contract, is_read_from_any_bytes)
 		EXPECT_EQ(differenceOfContract(folder.write("cut", whole.substr(0, size))).find("byte"),
 		          std::string::npos)
 			<< size;
-	std::vector<size_t> places(512); // the head of the file and of its parts
+	std::vector<size_t> places(512); // ELF header, program headers and their surroundings
 	std::iota(places.begin(), places.end(), 0);
 	for (size_t at = note; at < end; ++at)
 		places.push_back(at);

@@ -1,4 +1,4 @@
-// Only what has changed is painted, and the screen is the same as if all of it had been.
+// Painting only the changes gives the same screen as painting all of it.
 
 #include "desk.h"
 #include "files.h"
@@ -16,7 +16,7 @@ using desk::Rect;
 namespace painting_test
 {
 
-/// The first place where two canvases differ, nothing when they do not.
+/// The first pixel where two canvases differ; "" when they are equal.
 std::string difference(PixelCanvas &one, PixelCanvas &other)
 {
 	for (int y = 0; y < desk::screenHeight; ++y) {
@@ -25,13 +25,13 @@ std::string difference(PixelCanvas &one, PixelCanvas &other)
 		if (std::memcmp(row, same, 4 * desk::screenWidth) == 0)
 			continue;
 		for (int x = 0; x < desk::screenWidth; ++x)
-			if (std::memcmp(row + 4 * x, same + 4 * x, 3) != 0) // the fourth byte is nobody's
+			if (std::memcmp(row + 4 * x, same + 4 * x, 3) != 0) // the fourth byte is unused
 				return "at " + std::to_string(x) + ", " + std::to_string(y);
 	}
 	return "";
 }
 
-/// Presses keys, and looks at the frame before each.
+/// Presses keys, and checks the frame before each.
 class Painter : public support::Viewer
 {
 public:
@@ -56,7 +56,7 @@ private:
 	PixelCanvas painted;
 };
 
-/// What was painted before the first key and after each.
+/// The rectangles that were painted before the first key and after each.
 std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 {
 	support::ReceiverFolder receiver;

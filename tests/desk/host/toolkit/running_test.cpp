@@ -1,4 +1,4 @@
-// Windows that change while they run: what the contract promises beyond what the service menu uses.
+// Windows that change while they run, beyond what the service menu does.
 
 #include "support.h"
 
@@ -104,7 +104,7 @@ TEST(Running, asks_while_a_question_waits)
 
 TEST(Running, disposes_of_everything)
 {
-	// Under a sanitizer a leak or a second deletion ends this with another status.
+	// A sanitizer ends the run with another status on a leak or a second deletion.
 	running("down blue exit");
 	running("green yellow exit ok exit");
 }

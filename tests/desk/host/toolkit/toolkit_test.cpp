@@ -1,4 +1,4 @@
-// Plugins that do more than the service menu does, and more than they should.
+// Plugins that use more of the toolkit than the service menu, and plugins with mistakes.
 
 #include "support.h"
 
@@ -12,7 +12,7 @@ namespace toolkit_test
 TEST(Toolkit, survives_a_plugin_that_does_more_than_it_must)
 {
 	const Lines options = {"--plugin", testPlugin("widgets.so.0")};
-	// Down twice, delete the third entry; up from the first wraps; page and end; then leave.
+	// Down twice, delete the third entry; up wraps from the first; page and end; leave.
 	DeskRun run = runDesk("", "down down ok home up pageup pagedown end exit", options);
 	const char *list = "eListBox<eListBoxEntryText>";
 	EXPECT_EQ(run.widget(0, list)["rows"], Json({"one", "two", "three", "four", "five"}));
@@ -24,7 +24,7 @@ TEST(Toolkit, survives_a_plugin_that_does_more_than_it_must)
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned 5\n") << "the first end of a run is its end";
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 
-	// A question with one answer only, left; a label that is deleted while a signal runs.
+	// A question with one answer; a slot deletes its label while the signal runs.
 	run = runDesk("", "yellow exit right ok ok left exit", options);
 	ASSERT_EQ(run.dump[1]["windows"].size(), 2u);
 	EXPECT_EQ(run.window(1)["widgets"].size(), 2u) << "the question and its one answer";
@@ -53,7 +53,7 @@ TEST(Toolkit, draws_what_is_farther_away_than_numbers_reach)
 		runDesk("", "ok down", {"--plugin", testPlugin("far.so.0"), "--pictures", folder / "pictures"});
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned 4\n");
-	const Json &client = run.window(0)["client"]; // of the question
+	const Json &client = run.window(0)["client"]; // the question's client area
 	EXPECT_GE(client[1], 0);
 	EXPECT_LE(client[1].get<int>() + client[3].get<int>(), 576);
 	EXPECT_EQ(run.widget(0, "eLabel")["text"].get<std::string>().size(), 250000u);
@@ -75,7 +75,7 @@ TEST(Toolkit, survives_what_is_destroyed_while_it_is_in_use)
 		<< "the list has gone while it was left";
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 
-	// The focus goes to a widget two levels down, which is deleted with what it is in.
+	// A widget two levels down gets the focus, and is deleted with its parents.
 	run = runDesk("", "ok red down exit", options);
 	EXPECT_EQ(focused(run.window(1)), 0) << "it is deeper than the description goes";
 	EXPECT_EQ(focused(run.window(2)), 1);
@@ -91,8 +91,8 @@ TEST(Toolkit, survives_what_is_destroyed_while_it_is_in_use)
 
 TEST(Toolkit, knows_which_entries_are_left)
 {
-	// Leaves the list; "2" takes out the entry that it moves to, which then is not confirmed; "2" confirms what
-	// has moved up, "1" the first one; the last "2" deletes the menu while it moves.
+	// Leave the list. "2" moves to an entry that its handler removes, so it is not confirmed. "2" again confirms the
+	// entry that moved up, "1" the first one. The last "2" deletes the menu during the move.
 	const DeskRun run = runDesk("", "exit 2 2 1 2", {"--plugin", testPlugin("departures.so.0")});
 	const Json page = run.widget(0, "eListBox<eListBoxEntryText>");
 	EXPECT_EQ(page["rows"], Json({"pair", "partner", "current"}));
@@ -146,7 +146,7 @@ TEST(Toolkit, debugs_keys_and_calls_in_order_with_what_is_noted)
 	receiver.ps("  PID\n");
 	const DeskRun run = runDesk(receiver.path(), "down up ok exit exit", {"--debug", folder / "debug"});
 	Lines expected = run.trace;
-	// A debug line is there as it was noted, and a key where the loop waits for it.
+	// A debug line has its place in the order of calls, and a key follows the call that waits for it.
 	Lines debug = support::lines(support::readFile(folder / "debug"));
 	const auto at = [&](const std::string &line) {
 		return std::find(debug.begin(), debug.end(), line) - debug.begin();
@@ -155,7 +155,7 @@ TEST(Toolkit, debugs_keys_and_calls_in_order_with_what_is_noted)
 	EXPECT_LT(at("key ok"), at("eSetupWindow#1.hide()"));
 	EXPECT_LT(at("eSetupWindow#1.hide()"), at("key exit"));
 	EXPECT_EQ(std::count(debug.begin(), debug.end(), "key exit"), 2);
-	// A signal is there before what comes of it.
+	// A signal comes before the calls that it causes.
 	const auto after = [&](const std::string &line) { return debug.at(static_cast<size_t>(at(line)) + 1); };
 	EXPECT_EQ(after("key up"), "eListBoxBase#1.selchanged(eListBoxEntry#1)");
 	EXPECT_EQ(after("key ok"), "eListBoxBase#1.selected(eListBoxEntry#1)");

@@ -1,4 +1,4 @@
-// The console while it shows pictures.
+// The console in graphics mode.
 
 #include "console.h"
 

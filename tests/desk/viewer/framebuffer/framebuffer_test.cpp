@@ -1,4 +1,4 @@
-// The picture in the memory of a screen: every layout of its pixels, every size.
+// The picture in frame buffers of every pixel layout and size.
 
 #include "framebuffer.h"
 #include "framebuffer_screen.h"
@@ -25,7 +25,7 @@ struct Layout
 	const char *name;
 	int bits;
 	fb_bitfield red, green, blue;
-	uint32_t marked; ///< what red 0xFF, green 0x80, blue 0x40 is
+	uint32_t marked; ///< the pixel value of red 0xFF, green 0x80, blue 0x40
 };
 
 constexpr Layout layouts[] = {
@@ -40,7 +40,7 @@ constexpr Layout layouts[] = {
 	{"32 bits, 10 each", 32, {20, 10, 0}, {10, 10, 0}, {0, 10, 0}, 0x3FF80901},
 };
 
-/// Shows a frame of one colour with a corner of another.
+/// Shows a frame of one colour with a corner in another.
 void show(Framebuffer &framebuffer, const desk::Rect &changed = whole)
 {
 	desk::PixelCanvas canvas;
@@ -116,7 +116,7 @@ TEST(Framebuffer, becomes_smaller_on_a_smaller_screen)
 {
 	struct Size
 	{
-		int width, height, left, top, right, bottom; ///< of the picture
+		int width, height, left, top, right, bottom; ///< the picture's rectangle
 	};
 	for (const Size &size : {Size{640, 480, 20, 0, 619, 479}, Size{320, 400, 0, 72, 319, 327},
 	                         Size{800, 480, 100, 0, 699, 479}, Size{1, 1, 0, 0, 0, 0}}) {

@@ -22,7 +22,7 @@ namespace kernel
 namespace
 {
 
-/// The test's devices, by the inode of the file in the place of each.
+/// The test's devices, by the inode of the file that stands for each.
 std::map<ino_t, Screen *> screens;
 std::map<ino_t, Remote *> remotes;
 std::set<std::string> consoles; // their paths
@@ -43,7 +43,7 @@ template <class Device> Device *deviceOf(const std::map<ino_t, Device *> &device
 	return found == devices.end() ? nullptr : found->second;
 }
 
-/// Not one whose file has been replaced, which is what a console's hanging up is here.
+/// hangUp() replaces the file, so a descriptor of the old file is no console.
 bool isConsole(int file)
 {
 	char path[PATH_MAX];
@@ -245,7 +245,7 @@ std::string Console::keyboard() const
 
 } // namespace kernel
 
-/// In libc's place, for the desk host's code and for libevdev.
+/// Replaces libc's for the desk host's code and for libevdev.
 extern "C" int ioctl(int file, unsigned long request, ...) noexcept
 {
 	va_list arguments;

@@ -8,13 +8,12 @@
 #include <string>
 #include <vector>
 
-/// Devices that are not there. Their memory is a file, their events come through a FIFO; what a program
-/// asks the kernel about them by ioctl() is answered by this test program. What is not one of them is
-/// asked for real.
+/// Simulated devices. A file stands for a frame buffer's memory, a FIFO for a device's events. The test program's
+/// ioctl() answers for them, and calls the kernel for any other file.
 namespace kernel
 {
 
-/// A framebuffer of that size whose pixels have these fields; black pixels of 0xAB at first.
+/// A framebuffer of this size and pixel layout. Each byte is 0xAB at first.
 struct Screen
 {
 	Screen(const support::TempFolder &folder, int width, int height, int bits, fb_bitfield red,
@@ -23,19 +22,18 @@ struct Screen
 	Screen(const Screen &) = delete;
 	Screen &operator=(const Screen &) = delete;
 
-	/// The pixel's number, as a program on this computer reads it.
+	/// The pixel in this computer's byte order.
 	uint32_t pixel(int x, int y) const;
 	std::string memory() const;
-	/// Gives the file its size, after `mode` or `fixed` were changed.
+	/// Resizes the file after a change of `mode` or `fixed`.
 	void resize() const;
 
 	std::string path;
 	fb_var_screeninfo mode = {};
 	fb_fix_screeninfo fixed = {};
-	std::vector<uint16_t> table; ///< the red one that was set
+	std::vector<uint16_t> table; ///< the red colour map that was set
 };
 
-/// An input device with these keys.
 struct Remote
 {
 	Remote(const support::TempFolder &folder, std::vector<unsigned int> codes,
@@ -52,10 +50,10 @@ struct Remote
 
 	std::string path;
 	std::vector<unsigned int> codes;
-	int end; ///< of the FIFO, to write to
+	int end; ///< writing end of the FIFO
 };
 
-/// A console. Its modes are kept in its file, so that they are those of every process.
+/// A console. Its file holds its modes, which all processes share.
 struct Console
 {
 	explicit Console(const support::TempFolder &folder);
@@ -65,7 +63,7 @@ struct Console
 
 	std::string display() const;  ///< "text" or "graphics"
 	std::string keyboard() const; ///< "typing" or "off"
-	/// Who has it open gets nothing more from it; who opens it then does.
+	/// Hangs up: open descriptors fail from now on, and opening again works.
 	void hangUp() const;
 
 	std::string path;

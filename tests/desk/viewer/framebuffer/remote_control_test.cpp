@@ -1,4 +1,4 @@
-// Keys from an input device of the kernel.
+// Keys from an input device.
 
 #include "remote_control.h"
 
@@ -30,7 +30,7 @@ std::unique_ptr<RemoteControl> opened(const kernel::Remote &remote)
 	return control;
 }
 
-/// The next key; nothing: the device is gone.
+/// The next key; nullopt: the device is gone.
 std::optional<Key> wait(RemoteControl &control)
 {
 	for (;;) {

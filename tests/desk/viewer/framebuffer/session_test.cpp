@@ -1,4 +1,4 @@
-// The menu on a framebuffer, with a remote control: a session in the test's own program, whose devices they are.
+// The menu on a simulated framebuffer, with a simulated remote control.
 
 #include "session.h"
 
@@ -16,7 +16,7 @@ using support::TempFolder;
 namespace session_test
 {
 
-/// A session, which ends with this object.
+/// A session, ended by the destructor.
 class OnFramebuffer
 {
 public:
@@ -92,7 +92,7 @@ TEST(OnFramebuffer, a_question_is_answered_by_who_has_seen_it)
 
 	menu.remote.key(KEY_OK, 1);
 	ASSERT_TRUE(shows("kill pid"));
-	pause(); // longer than any keyboard
+	pause(); // longer than the delay before a keyboard repeats
 	for (int i = 0; i < 3; ++i) {
 		menu.remote.key(KEY_OK, 2);
 		pause();

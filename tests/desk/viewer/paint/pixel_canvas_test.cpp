@@ -34,7 +34,7 @@ Color at(PixelCanvas &canvas, int x, int y)
 	return {p[2], p[1], p[0]};
 }
 
-/// The smallest rectangle that holds every pixel that is not black.
+/// The bounding box of all pixels that are not black.
 Rect painted(PixelCanvas &canvas)
 {
 	static const unsigned char black[4 * screenWidth] = {};
@@ -83,7 +83,7 @@ TextStyle prose(Align align = Align::start)
 	return style;
 }
 
-/// The place of each upright stroke of a text made of blanks and "|": the brightest column of each.
+/// The x of each upright stroke in a text of blanks and "|": its brightest column.
 std::vector<int> strokes(PixelCanvas &canvas, int y)
 {
 	std::vector<int> found;
@@ -167,7 +167,7 @@ TEST(PixelCanvas, nests_clips_each_cut_by_the_one_around)
 	all = painted(canvas);
 	EXPECT_TRUE(all.x == 10 && all.y == 10 && all.w == 50 && all.h == 50) << all;
 	canvas.popClip();
-	canvas.popClip(); // one too many does no harm
+	canvas.popClip(); // an unmatched pop is harmless
 	canvas.fill({0, 0, 200, 200}, Fill::plain(blue));
 	EXPECT_EQ(at(canvas, 199, 199), blue);
 }
@@ -329,7 +329,7 @@ TEST(PixelCanvas, makes_a_text_narrower_that_is_to_be_seen_whole)
 
 TEST(PixelCanvas, loses_nothing_that_can_be_seen_of_a_long_line)
 {
-	// What is cut away before it is laid out must not change a pixel of what is seen.
+	// The canvas cuts a long line before layout, which must not change a visible pixel.
 	const std::string pieces[] = {"word ",        "iiii", "||||",     "e\xCC\x81\xCC\xA3",
 	                              "\xE2\x80\x8B", "日本", "a\xC2\xAD"};
 	for (const Face face : {Face::columns, Face::prose})
@@ -409,7 +409,7 @@ TEST(PixelCanvas, draws_the_same_whatever_the_machine_settings)
 {
 	PixelCanvas canvas;
 	canvas.text({0, 0, 300, 20}, "Text", columns());
-	// Grey levels only: no display's sub-pixels take part.
+	// Grey levels only, so no subpixel rendering.
 	for (int y = 0; y < 20; ++y)
 		for (int x = 0; x < 100; ++x) {
 			const Color c = at(canvas, x, y);

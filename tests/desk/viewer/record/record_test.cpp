@@ -1,4 +1,4 @@
-// What a run leaves behind: pictures, the dump, and the trace.
+// The recordings of a run: pictures, dump and trace.
 
 #include "support.h"
 

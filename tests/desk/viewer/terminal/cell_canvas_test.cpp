@@ -18,7 +18,7 @@ const Cell &cellAt(CellCanvas &canvas, int row, int column)
 	return canvas.at(row, column);
 }
 
-/// A row's characters; lines are '-', '|' and '+'. Without the blanks at its end.
+/// A row's characters without trailing blanks; lines become '-', '|' and '+'.
 std::string rowText(CellCanvas &canvas, int row)
 {
 	std::string text;
@@ -131,7 +131,7 @@ TEST(CellCanvas, text_is_cut_at_its_area_and_at_the_clip)
 	canvas.popClip();
 	canvas.text({0, 40, 400, 20}, "0123456789", style());
 	canvas.popClip();
-	canvas.popClip(); // one too many does no harm
+	canvas.popClip(); // an unmatched pop is harmless
 	canvas.text({0, 60, 400, 20}, "0123456789", style());
 	EXPECT_EQ(rowText(canvas, 0), "01234");
 	EXPECT_EQ(rowText(canvas, 1), "  2345");
@@ -156,7 +156,7 @@ TEST(CellCanvas, wide_characters_take_two_cells_and_are_never_split)
 	EXPECT_EQ(rowText(canvas, 2), "   z");
 
 	canvas.text({0, 60, 400, 20}, "\xE6\x97\xA5\xE6\x97\xA5", style());
-	canvas.fill({8, 60, 16, 20}, Fill::plain(blue)); // the halves in the middle
+	canvas.fill({8, 60, 16, 20}, Fill::plain(blue)); // covers half of both cells in the middle
 	EXPECT_EQ(rowText(canvas, 3), "");
 }
 
@@ -343,7 +343,7 @@ TEST(CellCanvas, text_stays_inside_of_its_window)
 			EXPECT_EQ(text[9], '|') << text;
 			EXPECT_EQ(text.back(), '|') << text;
 		}
-		EXPECT_GE(lines, 9); // those that are whole
+		EXPECT_GE(lines, 9); // lines that fit completely
 	}
 }
 
@@ -360,7 +360,7 @@ TEST(CellCanvas, a_colour_key_is_its_initial_on_its_colour)
 	EXPECT_EQ(rowText(canvas, 4), "          B");
 }
 
-/// What `rows` show, numbers of rows in the canvas.
+/// The texts of these canvas rows.
 std::vector<std::string> texts(CellCanvas &canvas, const std::vector<int> &rows)
 {
 	std::vector<std::string> shown;
@@ -369,7 +369,7 @@ std::vector<std::string> texts(CellCanvas &canvas, const std::vector<int> &rows)
 	return shown;
 }
 
-/// A window of 400 x 200 pixels, its client area's rows 10 to 19, with texts and room for a current entry.
+/// A window of 400 x 200 pixels whose client area covers rows 10 to 19, with texts and a current entry.
 void paintWindow(CellCanvas &canvas, const std::vector<int> &written, int current)
 {
 	backdrop(canvas);

@@ -1,4 +1,4 @@
-// A person in front of a terminal, the desk host in it and the plugin in that.
+// The desk host with the plugin in a terminal.
 
 #include "support.h"
 #include "tmux.h"
@@ -35,7 +35,7 @@ protected:
 		receiver.scanLog("first line\nsecond line\n");
 	}
 
-	/// Opens the menu.
+	/// Starts the desk host and waits for the menu.
 	void open(const Tmux &terminal, const std::string &options = {}) const
 	{
 		terminal.start(host("--root " + receiver.path() + " " + options));
@@ -137,7 +137,7 @@ TEST_F(HostInTerminal, a_process_is_killed_and_no_other)
 		return stat.empty() ? 'X' : stat[stat.rfind(')') + 2];
 	};
 
-	terminal.start(host("--as-is")); // on this computer
+	terminal.start(host("--as-is")); // shows this computer
 	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
 	terminal.press("Enter");
 	ASSERT_TRUE(terminal.shows(victim));
@@ -161,7 +161,7 @@ TEST_F(HostInTerminal, a_process_is_killed_and_no_other)
 	EXPECT_EQ(state(victim), 'S');
 	terminal.press("Enter");
 	ASSERT_TRUE(terminal.shows("Kill " + victim + " pid?"));
-	terminal.press("5");     // nothing; but the next Enter is no repeat
+	terminal.press("5");     // ignored, but the next Enter is no repeat
 	terminal.press("Enter"); // yes
 	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
 	for (int i = 0; i < 500 && state(victim) == 'S'; ++i)
@@ -191,7 +191,7 @@ TEST_F(HostInTerminal, a_question_is_not_answered_by_what_was_pressed_before_it_
 	terminal.press("Escape");
 	EXPECT_TRUE(terminal.losesSight(question));
 
-	terminal.send({'\r', '\033', 'O', 'C', '\r'}); // right, which is no
+	terminal.send({'\r', '\033', 'O', 'C', '\r'}); // right selects "No"
 	EXPECT_TRUE(terminal.shows(question));
 	std::this_thread::sleep_for(std::chrono::milliseconds(300));
 	EXPECT_TRUE(isAsked()) << "another key";
@@ -237,8 +237,8 @@ TEST_F(HostInTerminal, what_watching_comes_to_stands_over_the_picture)
 	ASSERT_TRUE(terminal.shows("Vexlo service menu"));
 	compile();
 	EXPECT_TRUE(terminal.shows("not pressed again, because it killed or deleted: ok"));
-	ASSERT_TRUE(terminal.shows("Delete /var/scaning.log ?")); // before it is seen, no key is taken
-	terminal.press("Down");                                   // which is a key as ever
+	ASSERT_TRUE(terminal.shows("Delete /var/scaning.log ?")); // no key is taken before the question is shown
+	terminal.press("Down");                                   // moves as usual
 	EXPECT_TRUE(terminal.losesSight("not pressed again"));
 }
 
@@ -256,7 +256,7 @@ TEST_F(HostInTerminal, commands_do_not_tear_the_screen)
 	EXPECT_EQ(terminal.screen().find("OUT OF ORDER"), std::string::npos);
 	terminal.press("q");
 	ASSERT_TRUE(terminal.shows("plugin_exec returned "));
-	EXPECT_TRUE(terminal.shows("OUT OF ORDER")); // kept until now
+	EXPECT_TRUE(terminal.shows("OUT OF ORDER")); // held until the terminal is restored
 }
 
 TEST_F(HostInTerminal, commands_reach_no_terminal)

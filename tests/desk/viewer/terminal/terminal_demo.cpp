@@ -1,5 +1,5 @@
-// A list on the desk host's terminal screen, in place of a plugin, with ways to end badly on the digits. What the keys
-// were is said afterwards.
+// A list on the desk host's terminal screen without a plugin. Digits make it crash in many ways. At its end it prints
+// the keys that it received.
 //
 //   1 a note                5 a wild pointer     8 the message box comes or goes
 //   2 1200 notes            6 abort              9 busy, without waiting for keys, until a signal comes
@@ -142,7 +142,7 @@ void misbehave(Key key, FakeHalf &viewer, State &state)
 			end(way);
 		break;
 	case Key::digit5: {
-		// Not null, for which a sanitizer has its own end.
+		// Not null, which a sanitizer handles in its own way.
 		volatile uintptr_t nothing = 64;
 		*reinterpret_cast<volatile int *>(nothing) = 1;
 		break;

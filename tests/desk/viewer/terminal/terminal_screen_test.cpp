@@ -40,7 +40,7 @@ std::string mode(const Tmux &terminal, const std::string &name)
 	return support::readFile(terminal.folder() + "/" + name);
 }
 
-/// Starts the demonstration, has it end in some way, and sees that the terminal is as before.
+/// Starts the demonstration, calls `end`, and expects the terminal in its former state.
 template <class End>
 void expectRestored(int status, const End &end, const std::string &also = "", const std::string &before = "")
 {
@@ -158,7 +158,7 @@ TEST(TerminalScreen, a_terminal_that_is_too_small_says_so_and_goes_on_when_it_is
 	terminal.start(demo);
 	ASSERT_TRUE(terminal.shows("The terminal is 60 x 20.\nThis screen needs 80 x 24.\n"));
 	EXPECT_EQ(terminal.screen().find("Demonstration"), std::string::npos);
-	terminal.press("Down"); // nobody can see what that would do
+	terminal.press("Down"); // ignored, because the picture is not visible
 	terminal.resize(80, 23);
 	ASSERT_TRUE(terminal.shows("The terminal is 80 x 23"));
 	terminal.resize(79, 24);
@@ -242,7 +242,7 @@ TEST(TerminalScreen, the_end_gives_the_terminal_back)
 	expectRestored(0, [](const Tmux &terminal, int) { terminal.press("q"); });
 }
 
-/// The half behind the screen ends in the middle; the viewer leaves what stands over the picture then.
+/// The plugin's half crashes; the viewer leaves the report over the picture.
 void expectCrash(const std::string &key, const std::string &says, const std::string &before = "")
 {
 	SCOPED_TRACE(key + before);
@@ -287,7 +287,7 @@ TEST(TerminalScreen, sighup_gives_the_terminal_back)
 	expectRestored(129, [](const Tmux &, int process) { kill(process, SIGHUP); });
 }
 
-#if !defined(__SANITIZE_ADDRESS__) // which has an end of its own
+#if !defined(__SANITIZE_ADDRESS__) // AddressSanitizer handles the crash itself
 TEST(TerminalScreen, a_crash_is_shown_and_gives_the_terminal_back)
 {
 	expectCrash("5", "It was ended by signal 11, Segmentation fault");
@@ -375,7 +375,7 @@ TEST(TerminalScreen, what_is_printed_beside_the_screen_is_shown_afterwards_and_n
 	terminal.press("4");
 	ASSERT_TRUE(terminal.shows("last key: 4"));
 	EXPECT_EQ(terminal.screen().find("printed"), std::string::npos);
-	terminal.press("Down"); // the command has not eaten the keys
+	terminal.press("Down"); // the command did not take keys
 	ASSERT_TRUE(terminal.shows("last key: down"));
 	terminal.press("q");
 	EXPECT_TRUE(
@@ -418,7 +418,7 @@ TEST(TerminalScreen, notes_are_bounded)
 {
 	Tmux terminal(90, 30);
 	const std::string file = terminal.folder() + "/notes";
-	// Everything that is written to the terminal, as the terminal gets it.
+	// Records all bytes written to the terminal.
 	terminal.start("script -qc '" + demo + "' " + file);
 	ASSERT_TRUE(terminal.shows("last key: none"));
 	terminal.press("2");
@@ -462,7 +462,7 @@ TEST(TerminalScreen, stopping_gives_the_terminal_back_until_the_program_goes_on)
 	}
 	terminal.press("C-z");
 	ASSERT_TRUE(terminal.shows("Stopped"));
-	terminal.resize(100, 32); // no signal reaches a stopped program; it looks when it goes on
+	terminal.resize(100, 32); // a stopped program gets no SIGWINCH; it asks for the size when it continues
 	terminal.enter("clear; fg");
 	ASSERT_TRUE(terminal.shows(std::string(5, ' ') + " Arrows j k move"));
 	terminal.press("q");
@@ -492,8 +492,8 @@ TEST(TerminalScreen, a_stop_by_another_signal_is_repaired)
 	Tmux terminal(90, 30);
 	const int process = terminal.start(demo);
 	ASSERT_TRUE(terminal.shows(helpLine));
-	kill(-process, SIGSTOP); // as the shell's "kill -STOP %1" does
-	// The program has had no chance to give the terminal back; Enter sends what is no line end now.
+	kill(-process, SIGSTOP); // like "kill -STOP %1" in the shell
+	// The program could not restore the terminal, so Enter sends no line end.
 	terminal.type("clear; echo in bet''ween");
 	terminal.press("C-j");
 	ASSERT_TRUE(terminal.shows("in between"));
@@ -575,7 +575,7 @@ TEST(TerminalScreen, colours_are_what_the_terminal_has)
 	{
 		const char *terminal;
 		Variables variables;
-		const char *current; ///< how the current entry is drawn
+		const char *current; ///< the escape sequence of the current entry
 		bool colours;
 	} cases[] = {
 		{"tmux-256color", {}, "48;5;26m", true},
@@ -625,7 +625,7 @@ TEST(TerminalScreen, waiting_for_keys_takes_no_time)
 	EXPECT_EQ(ticks(), before);
 }
 
-/// A terminal that nothing draws: what is written to it can be counted.
+/// A pseudo-terminal, to count the bytes written to it.
 class Line
 {
 public:
@@ -652,7 +652,7 @@ public:
 		}
 	}
 
-	/// What comes until `text` has come and then nothing more for a while.
+	/// Reads until `text` came and then a pause.
 	std::string readUntil(const std::string &text)
 	{
 		std::string got;
@@ -696,7 +696,7 @@ TEST(TerminalScreen, a_key_sends_only_what_changes)
 	Line line;
 	const std::string whole = line.readUntil("F9");
 	EXPECT_GT(whole.size(), 2000u);
-	line.type("j"); // the note of the key, two entries and the scroll bar
+	line.type("j"); // redraws the key's name, two entries and the scroll bar
 	const std::string change = line.readUntil("down");
 	EXPECT_NE(change.find("down"), std::string::npos);
 	EXPECT_LT(change.size(), 300u) << change;

@@ -38,7 +38,7 @@ Tmux::Tmux(int columns, int rows, const std::string &terminal,
 	for (const char *kept : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"})
 		if (const char *value = getenv(kept))
 			variables[kept] = value;
-	// Crashes are to end as they do without a sanitizer.
+	// Crashes must end as without a sanitizer.
 	variables["ASAN_OPTIONS"] += ":handle_segv=0:handle_abort=0:use_sigaltstack=0";
 	for (const auto &[variable, value] : environment)
 		variables[variable] = value;
@@ -53,7 +53,7 @@ Tmux::Tmux(int columns, int rows, const std::string &terminal,
 
 Tmux::~Tmux()
 {
-	// What a test has put into the background of its shell stays when the shell goes.
+	// Background jobs of a test survive its shell.
 	std::istringstream sessions(tmux({"list-panes", "-a", "-F", "#{pane_pid}"}));
 	tmux({"kill-server"});
 	for (std::string session; std::getline(sessions, session);)

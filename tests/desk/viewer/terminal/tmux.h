@@ -7,37 +7,37 @@
 #include <string>
 #include <vector>
 
-/// A terminal with a shell in it: a tmux server of its own, without anybody's settings.
+/// A shell in a terminal: a tmux server of its own, without the user's settings.
 class Tmux
 {
 public:
-	/// `terminal` is what TERM is in it; further variables on top, empty ones are not set.
+	/// `terminal` is the value of TERM. Empty variables are not set.
 	Tmux(int columns, int rows, const std::string &terminal = "tmux-256color",
 	     const std::map<std::string, std::string> &environment = {});
 	~Tmux();
 	Tmux(const Tmux &) = delete;
 	Tmux &operator=(const Tmux &) = delete;
 
-	void type(const std::string &text) const;  ///< as it is, without Enter
-	void enter(const std::string &line) const; ///< with Enter
+	void type(const std::string &text) const;  ///< without Enter
+	void enter(const std::string &line) const; ///< followed by Enter
 	void press(const std::string &key) const;  ///< by tmux's name, such as "PageUp"
 	void send(const std::vector<unsigned char> &bytes) const;
 	void resize(int columns, int rows) const;
-	void scribble(const std::string &text) const; ///< writes on the screen behind the program's back
+	void scribble(const std::string &text) const; ///< writes on the screen without the program's knowledge
 
-	std::string screen() const;         ///< the text, a line each
-	std::string colouredScreen() const; ///< with its escape sequences
+	std::string screen() const;
+	std::string colouredScreen() const; ///< with escape sequences
 	std::string state() const; ///< "alternate screen, cursor shown, keypad in application mode", each 0 or 1
 
-	/// Waits until the screen shows `text`, or does not; false when that takes too long.
+	/// Waits until the screen shows `text`, or no longer shows it; false after a minute.
 	bool shows(const std::string &text) const;
 	bool losesSight(const std::string &text) const;
 
-	/// Starts a command in the shell, on a clear screen, and returns its process id. When it has
-	/// ended, the shell's prompt shows "status=N".
+	/// Starts a command in the shell on a clear screen, and returns its process id. After its end the prompt shows
+	/// "status=N".
 	int start(const std::string &command) const;
 
-	const std::string &folder() const { return directory.path(); } ///< a temporary one, gone with this
+	const std::string &folder() const { return directory.path(); } ///< deleted with this object
 
 private:
 	std::string tmux(const std::vector<std::string> &arguments) const;

@@ -1,4 +1,4 @@
-// The menu in its window, with a mouse: a click does what the keys of the remote control do.
+// The menu in its window, operated by mouse: a click acts like keys of the remote control.
 
 #include "support.h"
 #include "window_on_display.h"
@@ -51,7 +51,7 @@ protected:
 		return all;
 	}
 
-	/// Clicks, and waits for what has been recorded since the last time: these keys.
+	/// Clicks, and expects these keys as the new records.
 	void clickAndExpect(int x, int y, const Keys &expected, int button = 1)
 	{
 		click(x, y, button);
@@ -77,7 +77,7 @@ protected:
 
 	support::ReceiverFolder receiver;
 	support::TempFolder folder;
-	size_t seen = 1; // the start
+	size_t seen = 1; // the record of the start
 };
 
 TEST_F(HostInWindow, opens_the_entry_that_is_clicked)
@@ -141,7 +141,7 @@ TEST_F(HostInWindow, presses_the_button_and_the_answer_that_are_clicked)
 	};
 	const auto [x, y] = middle("No");
 	const bool noIsFocused = question["widgets"][2]["focus"];
-	clickAndExpect(150, 500, {}); // what lies under a question is out of reach
+	clickAndExpect(150, 500, {}); // a widget under the question does not react
 	clickAndExpect(x, y, noIsFocused ? Keys{"ok"} : Keys{"right", "ok"});
 	EXPECT_EQ(title(), "Info");
 	EXPECT_TRUE(support::exists(receiver / "var/scaning.log"));
@@ -157,10 +157,10 @@ TEST_F(HostInWindow, asks_before_it_kills_whatever_mouse_and_keyboard_do_at_once
 	ASSERT_TRUE(eventually([&] { return dump().size() == 2; }));
 	const auto mouse = [&](Command words) {
 		const Command place = {"mousemove", "--window", std::to_string(window), "280", "321"};
-		words.insert(words.begin(), place.begin(), place.end()); // over a row, and there "Yes" comes to lie
+		words.insert(words.begin(), place.begin(), place.end()); // on a row, and on the later "Yes"
 		tool(words);
 	};
-	// How often "ok" has been pressed since the last time, when nothing more comes.
+	// Waits, then counts the new records of "ok".
 	const auto oks = [&] {
 		std::this_thread::sleep_for(std::chrono::milliseconds(700));
 		const std::vector<Json> all = dump();
@@ -214,7 +214,7 @@ TEST_F(HostInWindow, pages_where_the_scroll_bar_is_clicked)
 
 TEST_F(HostInWindow, ends_at_once_when_it_is_closed_under_many_keys)
 {
-	// Such scripts would go on for a long time.
+	// These keys would take very long.
 	start({"--keys", support::repeat("down ", 20000), "--plays", "1000000"});
 	askToClose();
 	EXPECT_EQ(program.line(), "plugin_exec returned -1: the viewer left the menu");
@@ -281,7 +281,7 @@ TEST_F(HostInWindow, says_that_somebody_has_destroyed_it)
 	EXPECT_EQ(program.exitStatus(), 1);
 }
 
-/// A display whose pixels nobody can draw.
+/// A display with a pixel format that the host cannot draw.
 class HostWithOtherColours : public WindowOnDisplay
 {
 };
@@ -312,7 +312,7 @@ TEST(HostWithAStaleDisplay, does_without_and_says_so)
 	EXPECT_NE(outcome.err.find("; this is --screen none\n"), outcome.err.npos) << outcome.err;
 }
 
-/// A display that is there and never answers.
+/// A display that accepts connections and never answers.
 struct SilentDisplay
 {
 	SilentDisplay()

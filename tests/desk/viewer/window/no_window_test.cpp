@@ -1,4 +1,4 @@
-// A desk host that is built without its window.
+// A desk host built without the window.
 
 #include "window_screen.h"
 

@@ -18,7 +18,7 @@ void WindowOnDisplay::openDisplay(const std::string &geometry)
 	ASSERT_NE(number, "(nothing)") << "no virtual display";
 	name = ":" + number;
 	view = XOpenDisplay(name.c_str());
-	XSetErrorHandler([](Display *, XErrorEvent *) { return 0; }); // a place not yet on the screen
+	XSetErrorHandler([](Display *, XErrorEvent *) { return 0; }); // pixel() before the window shows
 	ASSERT_TRUE(view);
 }
 
@@ -26,7 +26,7 @@ void WindowOnDisplay::openWindow(const Command &command, int output)
 {
 	program.start(command, onDisplay(name), output);
 	ASSERT_TRUE(eventually([&] { return (window = find()) != 0; }));
-	// There is no window manager that would do this.
+	// No window manager does this here.
 	XSetInputFocus(view, window, RevertToParent, CurrentTime);
 	XSync(view, False);
 }

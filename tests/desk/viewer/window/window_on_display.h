@@ -1,4 +1,4 @@
-// A display of its own for a test, with the window of a program on it.
+// A virtual display for a test, with a program's window on it.
 
 #ifndef VEXLO_TESTS_WINDOW_ON_DISPLAY_H
 #define VEXLO_TESTS_WINDOW_ON_DISPLAY_H
@@ -9,10 +9,10 @@
 
 #include <string>
 
-// Last: its macros are everyday words.
+// Last, because its macros are everyday words.
 #include <X11/Xlib.h>
 
-/// The test's own environment, without any display but this one; empty: none.
+/// An environment with only this display; empty: without any.
 support::Environment onDisplay(const std::string &name);
 
 class WindowOnDisplay : public testing::Test
@@ -22,24 +22,22 @@ protected:
 
 	/// Starts a display such as "1000x800x24".
 	void openDisplay(const std::string &geometry);
-	/// Starts a program there, whose output is read from this descriptor, and waits for its window.
+	/// Starts a program on the display, reads its output from descriptor `output`, and waits for its window.
 	void openWindow(const support::Command &command, int output = 1);
 	void closeAll();
 
-	/// The colour that can be seen at a place of the window.
+	/// The colour shown at a point of the window.
 	unsigned long pixel(int x, int y) const;
-	/// The window's size, its place.
 	XWindowAttributes geometry() const;
-	/// What the window is called.
 	std::string caption() const;
 
 	/// Presses keys of the keyboard, by X's names.
 	void press(const support::Command &keys) const;
-	/// Presses a button of the mouse at a place of the window; 1 left, 3 right, 4 and 5 the wheel.
+	/// Clicks at a point of the window; 1 left, 3 right, 4 and 5 the wheel.
 	void click(int x, int y, int button = 1) const;
-	/// Has xdotool do something else.
+	/// Runs xdotool.
 	void tool(const support::Command &words) const;
-	/// What a window manager sends when its close button is pressed.
+	/// Sends what a window manager sends for its close button.
 	void askToClose() const;
 
 	support::Child server, program;

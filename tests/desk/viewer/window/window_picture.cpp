@@ -1,5 +1,4 @@
-// window_picture FILE: writes what the display shows of the one window on it as a PNG. The display must have 24 bits
-// a pixel.
+// window_picture FILE: saves the only window on the display as a PNG. The display must have 24 bits a pixel.
 
 #include <cairo.h>
 
@@ -11,7 +10,7 @@
 namespace
 {
 
-/// The window that can be seen; 0 when there is none.
+/// The visible window; 0 without one.
 Window visibleWindow(Display *display)
 {
 	Window root = 0, parent = 0, *children = nullptr, found = 0;

@@ -1,7 +1,6 @@
-// Shows a green picture with a red corner in deskhost's window, and prints the name of every key that arrives on
-// standard error. After "red" it has a blue picture, which it shows after "green". It prints where it is clicked, and
-// says that a click means "up ok". It has two notes to look back at. Two times "exit" end it.
-// `window_probe busy` asks for no key.
+// Shows a green picture with a red corner in deskhost's window. Prints the name of every key and the position of
+// every click on standard error; a click means "up ok". "red" paints a blue picture, "green" shows it. Writes two
+// notes. Two exits in a row end it. `window_probe busy` never waits for a key.
 
 #include "fake_half.h"
 

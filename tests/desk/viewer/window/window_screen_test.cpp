@@ -19,13 +19,13 @@ using support::Command;
 using support::eventually;
 using Strings = support::Command;
 
-/// The desk host's window, with the probe in place of a plugin.
+/// The desk host's window with the probe in place of the plugin's half.
 class WindowScreen : public WindowOnDisplay
 {
 protected:
 	void SetUp() override { open("1000x800x24"); }
 
-	// A display of other pixels shows other values for the same colours.
+	// Other pixel formats show slightly different values of green.
 	void open(const std::string &geometry, unsigned long shownGreen = green, bool busy = false)
 	{
 		closeAll();
@@ -38,7 +38,7 @@ protected:
 		ASSERT_TRUE(eventually([&] { return pixel(place.width / 2, place.height / 2) == shownGreen; }));
 	}
 
-	/// The next line of the probe's.
+	/// The probe's next line.
 	std::string said()
 	{
 		std::string line;
@@ -64,7 +64,7 @@ protected:
 
 	static constexpr unsigned long green = 0x00FF00, red = 0xFF0000, blue = 0x0000FF, black = 0;
 
-	support::TempFolder folder; // in which the probe runs
+	support::TempFolder folder; // the probe's working folder
 };
 
 TEST_F(WindowScreen, turns_the_keyboard_into_the_remote_control)
@@ -108,7 +108,7 @@ TEST_F(WindowScreen, shows_what_is_presented_and_only_that)
 	EXPECT_EQ(pixel(99, 99), red);
 	EXPECT_EQ(pixel(100, 100), green);
 	EXPECT_EQ(pixel(719, 575), green);
-	pressAndExpect("F1", "red"); // has painted, not presented
+	pressAndExpect("F1", "red"); // painted, not yet shown
 	XResizeWindow(view, window, 720, 700);
 	EXPECT_TRUE(eventually([&] { return pixel(360, 2) == black && pixel(360, 300) == green; }));
 	XResizeWindow(view, window, 720, 672);
@@ -118,7 +118,7 @@ TEST_F(WindowScreen, shows_what_is_presented_and_only_that)
 
 TEST_F(WindowScreen, scales_its_frame_into_the_middle)
 {
-	XResizeWindow(view, window, 360, 500); // half the size: 360 x 336 with the keys, 82 rows free above
+	XResizeWindow(view, window, 360, 500); // half the size: 360 x 336 with the keys, 82 free rows above
 	EXPECT_TRUE(eventually([&] { return pixel(180, 50) == black && pixel(180, 250) == green; }));
 	EXPECT_EQ(pixel(180, 80), black);
 	EXPECT_EQ(pixel(180, 84), green);
@@ -144,7 +144,7 @@ TEST_F(WindowScreen, opens_at_a_size_that_suits_the_display)
 		int width, height;
 	} sizes[] = {
 		{"1280x800x24", 720, 672},
-		{"640x480x24", 462, 432}, // smoothly smaller: it is seen whole, with room for a title bar
+		{"640x480x24", 462, 432}, // scaled so that the whole window and a title bar fit
 		{"3840x2160x24", 3 * 720, 3 * 672},
 	};
 	for (const auto &size : sizes) {
@@ -181,7 +181,7 @@ TEST_F(WindowScreen, asks_the_window_manager_to_fill_the_display)
 TEST_F(WindowScreen, turns_a_click_into_the_keys_that_it_means)
 {
 	clickAndExpect(300, 200, 1, "click 300 200");
-	EXPECT_EQ(said(), "up"); // what the probe says that it means
+	EXPECT_EQ(said(), "up"); // the keys that the probe gives for a click
 	EXPECT_EQ(said(), "ok");
 	clickAndExpect(719, 575, 1, "click 719 575");
 }
@@ -191,7 +191,7 @@ TEST_F(WindowScreen, turns_the_wheel_into_up_and_down_and_the_right_button_into_
 	clickAndExpect(300, 200, 4, "up");
 	clickAndExpect(300, 200, 5, "down");
 	clickAndExpect(300, 200, 3, "exit");
-	click(300, 200, 2); // the middle button means nothing
+	click(300, 200, 2); // the middle button has no function
 	pressAndExpect("Down", "down");
 }
 
@@ -221,13 +221,13 @@ TEST_F(WindowScreen, saves_the_picture_under_the_next_free_name)
 	press({"F12"});
 	const auto saved = [&](const char *file) { return support::exists(folder / file); };
 	EXPECT_TRUE(eventually([&] { return saved("deskhost-1.png"); }));
-	// Its name is shown over the picture, until the next key.
+	// The file's name lies over the picture until the next key.
 	EXPECT_TRUE(eventually([&] { return pixel(700, 560) != green; }));
 	pressAndExpect("Down", "down");
 	EXPECT_TRUE(eventually([&] { return pixel(700, 560) == green; }));
 	click(660, 576 + 68);
 	EXPECT_TRUE(eventually([&] { return saved("deskhost-2.png"); }));
-	pressAndExpect("Down", "down"); // all of it is written
+	pressAndExpect("Down", "down"); // the file is complete
 
 	cairo_surface_t *picture = cairo_image_surface_create_from_png((folder / "deskhost-2.png").c_str());
 	ASSERT_EQ(cairo_surface_status(picture), CAIRO_STATUS_SUCCESS);
@@ -239,7 +239,7 @@ TEST_F(WindowScreen, saves_the_picture_under_the_next_free_name)
 		return static_cast<unsigned long>(p[2] << 16 | p[1] << 8 | p[0]);
 	};
 	EXPECT_EQ(at(50, 50), red);
-	EXPECT_EQ(at(700, 560), green); // nothing that lies over it
+	EXPECT_EQ(at(700, 560), green); // without the file's name over it
 	cairo_surface_destroy(picture);
 }
 
@@ -252,7 +252,7 @@ TEST_F(WindowScreen, shows_the_last_notes_until_any_key)
 		return false;
 	};
 	const auto lies = [&] { return pixel(400, 300) != green; };
-	const auto hasNotes = [&] { // four rows of the one, one of the other, one that was printed
+	const auto hasNotes = [&] { // four rows of one note, one of the other, one printed line
 		for (int row = 0; row < 6; ++row)
 			if (!hasText(row))
 				return false;
@@ -269,7 +269,7 @@ TEST_F(WindowScreen, shows_the_last_notes_until_any_key)
 	EXPECT_TRUE(eventually(lies));
 	click(300, 200);
 	EXPECT_TRUE(eventually([&] { return !lies(); }));
-	pressAndExpect("Down", "down"); // none of these was a key of the remote control or a click
+	pressAndExpect("Down", "down"); // nothing above sent a key or a click
 	EXPECT_FALSE(support::exists(folder / "deskhost-1.png"));
 }
 
@@ -300,7 +300,7 @@ TEST_F(WindowScreen, repairs_itself_while_its_program_is_busy)
 
 TEST_F(WindowScreen, ends_in_order_when_its_display_goes)
 {
-	// More than once: it may be drawing, asking or sleeping.
+	// Repeated, because the program may be drawing, asking or sleeping.
 	for (int i = 0; i < 6; ++i) {
 		XCloseDisplay(std::exchange(view, nullptr));
 		server.signal(SIGKILL);
@@ -328,7 +328,7 @@ TEST_F(WindowScreen, repairs_itself_when_it_is_uncovered)
 
 TEST_F(WindowScreen, uses_no_cpu_while_it_is_idle)
 {
-	// Until what the opening brings has passed.
+	// Until the opening is complete.
 	std::this_thread::sleep_for(std::chrono::seconds(1));
 	const long before = program.cpu();
 	std::this_thread::sleep_for(std::chrono::seconds(3));
@@ -338,7 +338,7 @@ TEST_F(WindowScreen, uses_no_cpu_while_it_is_idle)
 
 TEST_F(WindowScreen, has_no_more_keys_once_it_is_closed)
 {
-	// More than once: ending at once after a wait has its races.
+	// Repeated to find races.
 	for (int i = 0; i < 10; ++i) {
 		askToClose();
 		EXPECT_EQ(said(), "exit");
