@@ -1,6 +1,6 @@
 #!/bin/bash
-# Builds the example plugins outside of the tree, against what the packages install and nothing else, and runs
-# its tests; then sees that they can fail. Arguments: the source folder, the folder with the packages.
+# Builds and tests the example plugins outside of the tree, with nothing but the installed packages; then checks that
+# the tests can fail. Arguments: the source folder, the folder with the packages.
 set -euo pipefail
 
 place=$(mktemp -d)
@@ -38,7 +38,7 @@ size=$(stat -c %s "$place/build/network.so.0")
 exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }')
 [[ $exported == plugin_exec ]] || { echo "the example exports $exported"; exit 1; }
 
-# What deskhost-new makes is a plugin whose test passes.
+# deskhost-new makes a plugin whose test passes.
 (
 	cd "$place"
 	step deskhost-new hello
@@ -52,7 +52,7 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 		deskhost-new "$name" 2>"$place/log" && { echo "deskhost-new makes '$name'"; exit 1; }
 		[[ $(wc -l <"$place/log") == 1 ]] || { cat "$place/log"; exit 1; }
 	done
-	# A plugin that the host would refuse is refused when it is built, also where no warning ends that.
+	# The build refuses a plugin that the host would refuse, even where warnings are no errors.
 	cp -R hello wrong
 	sed -i 's/hello.cpp/wrong.cpp/; /^vexlo_add_cat/d' wrong/CMakeLists.txt
 	rm -r wrong/build
@@ -64,7 +64,7 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 		cmake --build wrong/build >"$place/log" 2>&1 && { echo "it is built after $change"; exit 1; }
 		grep -q 'exports no plugin_exec' "$place/log" || { cat "$place/log"; exit 1; }
 	done
-	# So are a slot that does not fit its signal, and a format that does not fit its values.
+	# It also refuses a slot that does not fit its signal, and a format that does not fit its values.
 	sed 's/void greet();/void greet(int);/; s/::greet()/::greet(int)/' hello/hello.cpp >wrong/wrong.cpp
 	cmake --build wrong/build --target hello >"$place/log" 2>&1 && { echo 'it is built with a wrong slot'; exit 1; }
 	[[ $(grep -c 'error:' "$place/log") == 1 ]] && grep -q 'does not take what the signal passes' "$place/log" ||
@@ -73,7 +73,7 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 		hello/hello.cpp | sed 's/^\tgreeting->setText(translated("Good.*//' >wrong/wrong.cpp
 	cmake --build wrong/build --target hello >"$place/log" 2>&1 && { echo 'it is built with a wrong format'; exit 1; }
 	grep -q 'error: format' "$place/log" || { cat "$place/log"; exit 1; }
-	# What no receiver's compiler or signal library takes is refused with STRICT, and only with it.
+	# Only with STRICT, it refuses what no receiver's compiler or signal library accepts.
 	printf '#include <string_view>\nstd::string_view newer;\n' | cat - hello/hello.cpp >wrong/wrong.cpp
 	step cmake --build wrong/build --target hello
 	cmake --build wrong/build --target hello_strict >"$place/log" 2>&1 && { echo 'STRICT takes C++17'; exit 1; }
@@ -95,7 +95,7 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 	step cmake -S strict -B strict/build -G Ninja
 	step cmake --build strict/build --target favourites
 	cmake --build strict/build --target favourites_strict >"$place/log" 2>&1 && { echo 'STRICT takes any slot'; exit 1; }
-	# Texts without a translation are listed, and the catalogue gets them.
+	# It lists untranslated texts, and adds them to the catalogue.
 	sed -i 's/translated("greet")/translated("say hello")/' hello/hello.cpp
 	cmake --build hello/build >"$place/log" 2>&1
 	grep -q 'hello/po/de.po: not translated: "say hello"$' "$place/log" || { cat "$place/log"; exit 1; }
@@ -109,7 +109,7 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 	grep -A 1 'msgid "say hello"' hello/po/de.po | grep -q 'msgstr ""' || { cat hello/po/de.po; exit 1; }
 	sed -i 's/translated("say hello")/translated("greet")/' hello/hello.cpp
 	step cmake --build hello/build --target hello_update_po
-	# Of a catalogue in any character set becomes one in UTF-8; formats that do not fit are an error.
+	# Catalogues become UTF-8 from any character set; formats that do not fit are errors.
 	iconv -f UTF-8 -t ISO-8859-1 hello/po/de.po | sed 's/charset=UTF-8/charset=ISO-8859-1/' >hello/po/latin.po
 	mv hello/po/latin.po hello/po/de.po
 	step cmake --build hello/build
@@ -118,16 +118,16 @@ exported=$(nm -D --defined-only "$place/build/network.so.0" | awk '{ print $3 }'
 	grep -q 'Bitte die gr\\u00fcne Taste' hello/dump || { cat "$place/log" hello/dump; exit 1; }
 )
 
-# An interface more is a change that its tests see.
+# An example's tests notice a renamed interface.
 sed -i 's/^2: eth0/2: lan0/' "$place/network/tests/receiver/bin/ip"
 if ctest --test-dir "$place/build" >"$place/log" 2>&1; then
 	echo "the example's tests pass whatever the receiver prints"
 	exit 1
 fi
 
-# A difference is shown widget by widget, and what was written or printed is compared as well.
+# golden-test shows differences widget by widget, and compares written files and standard error as well.
 echo 'said before' >"$place/favourites/tests/receiver/said"
-differs() # WHAT COMMAND...: changes a copy of the test, and sees that golden-test says so in a line with WHAT
+differs() # WHAT COMMAND...: changes a copy of the test; golden-test must then print a line with WHAT
 {
 	local what=$1
 	shift

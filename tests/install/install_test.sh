@@ -1,6 +1,6 @@
 #!/bin/bash
-# Installs into a folder and runs what is there; makes the receiver's archive and looks into it.
-# Arguments: cmake, the build folder.
+# Installs into a folder and runs the programs there; checks the receiver's archive. Arguments: cmake, the build
+# folder.
 set -euo pipefail
 
 place=$(mktemp -d)
@@ -20,7 +20,7 @@ grep -q '"title":"Vexlo service menu"' "$place/dump" && fail "the installed cata
 grep -q '/dev/root' "$place/dump" || fail "the installed sample has no commands"
 [[ -s $place/pictures/02-exit.png ]] || fail "the installed skin draws nothing"
 version=$("$place/usr/bin/deskhost" --version)
-# The manual and the manual page have the options that the program has.
+# The manual and the manual page list exactly the program's options.
 options=$("$place/usr/bin/deskhost" --help | grep -o '^ *\(-h,\)\?--[a-z-]*' | grep -o -- '--.*')
 in_manual=$(grep '^| `--' "$place/usr/share/doc/deskhost/deskhost.md" | cut -d '|' -f 2 | grep -o '`--[a-z-]*' | tr -d '`')
 [[ $(sort <<<"$options") == "$(sort <<<"$in_manual"$'\n--help\n--version')" ]] ||
@@ -39,14 +39,14 @@ find "$place/usr/share/doc" -name '*.md' | while IFS= read -r page; do
 	done
 done
 
-# What is only in a source tree is said to be there.
+# Documents that name files of the source tree must say so.
 find "$place/usr/share/doc" -name '*.md' | while IFS= read -r page; do
 	! grep -qE '\./(run|test|bench)\b|`(tools|tests|desk|src|samples|cmake|receiver)/' "$page" ||
 		grep -qiE 'those of the source tree|in a source tree' "$page" || fail "${page##*/} names what is not installed"
 done
 [[ $("$place/usr/bin/check-host" --help) != *tools/* ]] || fail 'check-host names what is not installed'
 
-# completed WORD...: the last one, as bash does.
+# completed WORD...: completes the last word as bash does.
 completed()
 {
 	bash -c '. "$0"; COMP_WORDS=("$@") COMP_CWORD=$(($# - 1)); _deskhost; printf "%s\n" "${COMPREPLY[@]}"' \

@@ -1,7 +1,7 @@
 #!/bin/bash
-# Runs every command of docs/plugins.md, in order, as its reader would, outside of the tree: with what is installed
-# into a folder of one's own, or, on a system that has nothing of it, with the packages. Arguments: the source folder,
-# and the build folder or a folder with the packages.
+# Runs every command of docs/plugins.md in order, outside of the tree: with an installation in a folder, or, on a
+# system without one, with the packages. Arguments: the source folder, and the build folder or a folder with the
+# packages.
 set -euo pipefail
 
 source=$(realpath "$1") from=$(realpath "$2")
@@ -12,7 +12,7 @@ trap 'rm -rf "$HOME"' EXIT
 awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/docs/plugins.md" >"$HOME/commands"
 [[ $(wc -l <"$HOME/commands") -gt 50 ]] || { echo "the manual has lost its commands"; exit 1; }
 if [[ -e $from/CMakeCache.txt ]]; then
-	# The manual names build/release.
+	# The commands name build/release.
 	mkdir -p "$HOME/tree/build"
 	ln -s "$from" "$HOME/tree/build/release"
 	cd "$HOME/tree"
@@ -23,7 +23,7 @@ else
 	sed -i '/^cmake --install /d; s/ CMAKE_PREFIX_PATH=.*//' "$HOME/commands"
 fi
 
-# Nobody presses keys here: a screen without any; --watch, which wants a real one, gets a terminal, and an end.
+# No person presses keys: run without a screen. --watch needs a real screen, so it gets a terminal and a time limit.
 mkdir "$HOME/bin"
 cat >"$HOME/bin/deskhost" <<END
 #!/bin/bash
@@ -40,16 +40,16 @@ chmod +x "$HOME/bin/deskhost"
 sed -i 's#^export PATH="$HOME/vexlo/bin:#export PATH="$HOME/bin:$HOME/vexlo/bin:#' "$HOME/commands"
 grep -q 'HOME/bin:' "$HOME/commands" || { echo "the manual no longer sets the PATH as expected"; exit 1; }
 
-# What has been printed is seen even when the test is ended for taking too long.
+# tee shows the output even when ctest ends a test that takes too long.
 bash -euo pipefail -x "$HOME/commands" 2>&1 </dev/null | tee "$HOME/output" || {
 	echo "a command of docs/plugins.md fails"
 	exit 1
 }
-# What the manual shows of the trace is what there is.
+# The trace has the lines that the manual shows.
 grep -A 2 '^    eLabel#1 = ' "$source/docs/plugins.md" | sed -n 's/^    //p' | while read -r line; do
 	grep -qxF "$line" "$HOME/hello/trace" || { echo "the trace has no line $line"; exit 1; }
 done
-# The recipe for the time is one.
+# The manual's way to set the time works.
 cat >"$HOME/clock.cpp" <<'END'
 #include <toolkit.h>
 #include <ctime>
@@ -68,7 +68,7 @@ mapfile -t options <"$HOME/hello/tests/greeting/options"
 said=$("$HOME/bin/deskhost" --plugin "$HOME/clock.so.0" --screen none "${options[@]}" 2>&1)
 [[ $said == *'Jan 31 '*2030* ]] ||
 	{ echo 'the recipe for the time shows another time'; exit 1; }
-# So are the recipes for a crash: each names the line.
+# The manual's ways to find a crash name the line.
 cat >"$HOME/twice.cpp" <<'END'
 #include <toolkit.h>
 extern "C" int plugin_exec()
@@ -82,7 +82,7 @@ extern "C" int plugin_exec()
 END
 asan=$(sed -n 's/^asan="\(.*\)"$/\1/p' "$HOME/commands")
 asan=${asan/'$(g++ -print-file-name=libasan.so)'/$(g++ -print-file-name=libasan.so)}
-crash() # OPTION...: of the compiler or the desk host, and what is said
+crash() # WHAT OPTIONS [THROUGH]: compiler options and --through; the report has WHAT and the line
 {
 	g++ -std=c++17 -g -fPIC -shared "${flags[@]}" $2 "$HOME/twice.cpp" -o "$HOME/twice.so.0"
 	said=$("$HOME/bin/deskhost" --plugin "$HOME/twice.so.0" --screen none ${3:+--through "$3"} 2>&1) || :

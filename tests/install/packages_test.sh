@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the Debian packages, looks into them, and leaves them for the tests that install them.
-# Arguments: cpack, the source folder, the build folder, the folder for the packages.
+# Makes the Debian packages, checks them, and keeps them for the tests that install them. Arguments: cpack, the source
+# folder, the build folder, the folder for the packages.
 set -euo pipefail
 
 source=$2 build=$3 packages=$4
@@ -15,7 +15,7 @@ mkdir "$packages"
 "$1" --config "$build/CPackConfig.cmake" -B "$packages" >"$packages/log" 2>&1 || { cat "$packages/log"; exit 1; }
 rm -rf "$packages/_CPack_Packages"
 
-# has PACKAGE FILE...: these and, of what is in libraries' folders, nothing outside of this computer's kind.
+# has PACKAGE FILE...: the package contains these files.
 has()
 {
 	local package=$1 file
@@ -52,7 +52,7 @@ version=$(dpkg-deb --field "$packages"/vexlomenu_*.deb Version)
 newest=$(grep -m 1 '^## [0-9]' "$source/CHANGELOG.md")
 [[ $version == "${newest#\#\# }-1" ]] || fail "the packages are $version, the changelog's newest is $newest"
 
-# Version 1.0.0 was one package with all of it: they take its place.
+# Version 1.0.0 was one package; the new packages replace it.
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 for package in vexlomenu deskhost; do
@@ -66,7 +66,7 @@ touch "$place/root/var/lib/dpkg/status"
 superuser=()
 ((EUID == 0)) || superuser=(unshare --map-root-user)
 PATH=$PATH:/usr/sbin:/sbin
-install() # PACKAGE...: as apt does, but for what they depend on
+install() # PACKAGE...: unpacks them as apt does, without dependencies
 {
 	"${superuser[@]}" dpkg --root="$place/root" --log="$place/dpkg.log" --force-depends --force-script-chrootless \
 		--auto-deconfigure --install "$@" >"$place/log" 2>&1 || { cat "$place/log"; exit 1; }
@@ -76,6 +76,6 @@ install "$packages"/*.deb
 [[ $(dpkg --root="$place/root" --search /usr/bin/deskhost) == 'deskhost: /usr/bin/deskhost' ]] ||
 	fail "the package deskhost does not take over what is its own"
 
-# These packages close no request to package them: they are not for Debian's own archive.
+# The packages are not meant for Debian's archive, so they close no bug.
 lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs "$packages"/*.deb
 echo 'three packages without a fault'

@@ -19,9 +19,9 @@ namespace
 
 constexpr std::chrono::seconds patience(150); // a busy machine is no failure
 constexpr int width = 720, height = 576;
-constexpr int screenLeft = 40, screenTop = 12; // of the picture, on a screen of 800 x 600
+constexpr int screenLeft = 40, screenTop = 12; // of the picture on a screen of 800 x 600
 
-/// What QEMU calls the keys of a keyboard that stands for the remote control.
+/// QEMU's name of the keyboard key that stands for a key of the remote control.
 std::string keyOnBoard(const std::string &key)
 {
 	static const std::map<std::string, std::string> names = {
@@ -115,7 +115,7 @@ support::Json Box::nextScreen()
 	return support::Json::parse(line(dump, dumpText));
 }
 
-/// A command of QEMU's, carried out when this returns.
+/// Runs a QMP command to its end.
 void Box::command(const std::string &name, const support::Json &arguments)
 {
 	send(monitor, support::Json({{"execute", name}, {"arguments", arguments}, {"id", ++commands}}).dump());
@@ -133,7 +133,7 @@ void Box::type(const std::string &key)
 
 support::Json Box::press(const std::string &key)
 {
-	if (asks) // before, the key that led to a question is a repeat
+	if (asks) // sooner, the box takes it for a repeat of the previous key
 		std::this_thread::sleep_for(std::chrono::seconds(1));
 	type(keyOnBoard(key));
 	support::Json screen = nextScreen();
@@ -144,7 +144,7 @@ support::Json Box::press(const std::string &key)
 
 std::string Box::shell(const std::string &words)
 {
-	// The mark is put together there, so that it is not mistaken for an echo.
+	// The shell joins the end mark, so an echo of the command does not contain it.
 	send(console, words + "; echo; echo END-O''F-IT");
 	std::string output;
 	for (std::string next = line(consoleOut, consoleText); next != "END-OF-IT";

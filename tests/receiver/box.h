@@ -7,17 +7,17 @@
 #include <string>
 #include <vector>
 
-/// A picture of 720 x 576 pixels in 16 bits each: 5 red, 6 green, 5 blue.
+/// 720 x 576 pixels of 16 bits: 5 red, 6 green, 5 blue.
 struct Picture
 {
 	std::vector<uint16_t> pixels;
 	bool operator==(const Picture &other) const { return pixels == other.pixels; }
 };
 
-/// What a PNG looks like in 16 bits.
+/// The same picture in 16-bit pixels.
 Picture inSixteenBits(const std::string &png);
 
-/// The virtual receiver, booted without a display and ended with the object.
+/// The virtual receiver without a display; the destructor ends it.
 class Box
 {
 public:
@@ -26,29 +26,29 @@ public:
 	Box(const Box &) = delete;
 	Box &operator=(const Box &) = delete;
 
-	/// Waits for the menu; what is on the screen.
+	/// Waits for the menu, and returns the screen's description.
 	support::Json started() { return nextScreen(); }
 
-	/// Presses a key of the remote control and waits for what is on the screen then.
+	/// Presses a key of the remote control, and returns the next description of the screen.
 	support::Json press(const std::string &key);
 
-	/// Presses a key that nobody may be waiting for, by QEMU's name of it.
+	/// Presses a key by QEMU's name, without waiting.
 	void type(const std::string &key);
 
-	/// What a command prints there, run by root.
+	/// Runs a command as root, and returns its output.
 	std::string shell(const std::string &words);
 
-	/// The middle of the screen, as QEMU sees it.
+	/// The middle of QEMU's screen, which has the picture.
 	Picture screen();
 
-	/// Presses the power key; true when the box has switched itself off.
+	/// Presses the power key; returns whether the box switches itself off.
 	bool switchesOff();
 
 private:
 	support::Json nextScreen();
 	void command(const std::string &name, const support::Json &arguments);
 	void send(int pipe, const std::string &line);
-	/// The next line of a pipe without its end; fails the test when none comes.
+	/// The next line of a pipe without its line end; fails the test when none comes.
 	std::string line(int pipe, std::string &buffer);
 
 	support::TempFolder folder;

@@ -1,4 +1,4 @@
-// The menu on a box that is there: its own processes, flash, mounts and files, its own screen.
+// The menu on the virtual receiver: its own processes, flash, mounts, files and screen.
 
 #include "box.h"
 
@@ -24,10 +24,10 @@ bool shows(const Json &screen, const std::string &text)
 	return screen.dump().find(text) != std::string::npos;
 }
 
-/// A folder for commands in the place of the box's own, until it is unmounted again.
+/// Mounts a writable folder of commands over the box's own.
 const char ownCommands[] = "mount -t tmpfs none /usr/bin && /bin/busybox --install -s /usr/bin";
 
-/// Keeps what a command prints for the menu, so that the desk host can be shown the same.
+/// Saves a command's output for the menu, to give the desk host the same.
 std::string kept(const std::string &command)
 {
 	return "rm /usr/bin/" + command + "; echo '#!/bin/sh' >/usr/bin/" + command + "; echo 'busybox " +
@@ -35,7 +35,7 @@ std::string kept(const std::string &command)
 	       command;
 }
 
-/// One run on the box, with what was on its screen after each key.
+/// One run on the box with the screen after each key.
 struct Session
 {
 	Box &box;
@@ -70,7 +70,7 @@ protected:
 	}
 	static void TearDownTestSuite() { delete box; }
 
-	/// Opens all screens, in a fresh menu, and leaves it; each must be there.
+	/// Opens and leaves each screen of a fresh menu.
 	void allScreensOpen(const std::string &when)
 	{
 		const char *dialogs[] = {"ePsDialog", "eMemInfoDialog", "eScanLogDialog", "eSysInfDialog"};
@@ -101,7 +101,6 @@ TEST_F(OnTheBoard, shows_and_does_what_the_desk_shows)
 
 	Session session{*box, "", {start}, {box->screen()}};
 
-	// A service is killed.
 	EXPECT_EQ(window(session.press("ok"))["class"], "ePsDialog");
 	const std::string processes = box->shell("cat /tmp/ps");
 	receiver.ps(processes);
@@ -120,17 +119,14 @@ TEST_F(OnTheBoard, shows_and_does_what_the_desk_shows)
 	EXPECT_EQ(box->shell("test -d /proc/" + id + " || echo gone"), "gone\n");
 	EXPECT_EQ(box->shell("busybox ps").find("epgd"), std::string::npos);
 
-	// The memory summary.
 	EXPECT_EQ(window(session.press({"down", "ok"}))["class"], "eMemInfoDialog");
 
-	// The scan log is deleted.
 	EXPECT_TRUE(shows(session.press({"exit", "down", "ok"}), "tuner A start at 474000 kHz"));
 	session.press({"down", "pagedown", "red"});
 	EXPECT_EQ(box->shell("test -e /var/scaning.log && echo there"), "there\n");
 	session.press("ok");
 	EXPECT_EQ(box->shell("test -e /var/scaning.log || echo gone"), "gone\n");
 
-	// Flash and mounts.
 	while (window(session.dump.back())["class"] != "eVexloMenu")
 		session.press("exit");
 	const Json &flash = session.press({"down", "ok"});
@@ -148,7 +144,7 @@ TEST_F(OnTheBoard, shows_and_does_what_the_desk_shows)
 		EXPECT_TRUE(shows(flash, field)) << field;
 	session.press("exit");
 
-	// The same keys on the same files make the same windows and pictures on the desk.
+	// The desk host draws the same windows and pictures from the same keys and files.
 	support::TempFolder drawn;
 	const support::DeskRun desk =
 		support::runDesk(receiver.path(), session.keys, {"--pictures", drawn.path()});
@@ -167,7 +163,7 @@ TEST_F(OnTheBoard, shows_and_does_what_the_desk_shows)
 		EXPECT_EQ(differing, 0u) << pictures[i];
 	}
 	box->press("exit");
-	box->started(); // init starts the menu again
+	box->started(); // init restarts the menu
 	box->shell("umount /proc/meminfo; umount /usr/bin");
 }
 
@@ -185,7 +181,7 @@ TEST_F(OnTheBoard, opens_all_screens_on_read_only_flash)
 	           "mount --bind /config/var /var; mount -o remount,ro /config");
 	EXPECT_EQ(box->shell("echo x 2>/dev/null >/var/x || echo readonly"), "readonly\n");
 	allScreensOpen("flash is read-only");
-	// The log cannot be deleted, and stays.
+	// The log is on read-only flash, so deleting it fails.
 	box->press("down");
 	box->press("down");
 	EXPECT_TRUE(shows(box->press("ok"), "a log on flash"));
@@ -235,7 +231,7 @@ TEST_F(OnTheBoard, runs_another_plugin)
 {
 	box->shell("sed 's,--screen,--plugin /opt/menu/network.so.0 &,' /usr/sbin/menu >/tmp/network; "
 	           "chmod +x /tmp/network; mount --bind /tmp/network /usr/sbin/menu");
-	box->press("exit"); // init starts the other one in the menu's place
+	box->press("exit"); // init then starts the other plugin
 	const Json network = box->started();
 	EXPECT_EQ(window(network)["title"], "Network");
 	EXPECT_FALSE(shows(network, "192.168.7.1/24"));
@@ -251,13 +247,13 @@ TEST_F(OnTheBoard, runs_another_plugin)
 TEST_F(OnTheBoard, gives_the_console_back_whatever_ends_the_menu)
 {
 	box->shell("echo '#!/bin/sh' >/tmp/idle; echo 'exec sleep 1000' >>/tmp/idle; chmod +x /tmp/idle");
-	const char print[] = "printf '\\n\\n%30s' text >/dev/tty1"; // where screen() looks
+	const char print[] = "printf '\\n\\n%30s' text >/dev/tty1"; // prints where screen() looks
 	for (const std::string end : {"kill -TERM $(pidof deskhost)", "kill -9 $(pidof deskhost)"}) {
 		const Picture menu = box->screen();
 		box->shell(print);
 		EXPECT_EQ(box->screen(), menu) << "the console draws over the menu";
 
-		// Instead of another menu, init then starts a program that leaves the console as it is.
+		// init now starts a program that does not use the console instead of the menu.
 		box->shell("mount --bind /tmp/idle /usr/sbin/menu; " + end);
 		ASSERT_TRUE(support::eventually([&] { return !(box->screen() == menu); })) << end;
 		box->shell("until pidof sleep >/tmp/pid; do usleep 1000; done");
@@ -282,7 +278,7 @@ TEST_F(OnTheBoard, sleeps_while_no_key_comes)
 	EXPECT_EQ(box->shell(time), before);
 }
 
-// The last one: afterwards there is no box.
+// Must be last: it ends the box.
 TEST_F(OnTheBoard, switches_off_by_the_power_key)
 {
 	EXPECT_TRUE(box->switchesOff());

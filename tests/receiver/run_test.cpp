@@ -1,4 +1,4 @@
-// receiver/run, among stand-ins for the tools that make the box and for QEMU.
+// receiver/run with stand-ins for QEMU and for the tools that make the box.
 
 #include "support.h"
 

@@ -1,11 +1,11 @@
 #!/bin/sh
-# Builds the plugin as a receiver's vendor does, without the desk host. Arguments: cmake, the sources' root, a
-# C++ compiler, and what to see:
-#     signals    our contract on a 1.2 signal library: nothing of 3.0 is needed, and the plugin is small
-#     toolkit    a vendor's toolkit.h and nothing of src/toolkit; further argument: his front end
+# Builds the plugin without the desk host, as a receiver's vendor does. Arguments: cmake, the source folder, a C++
+# compiler, and one of these checks:
+#     signals    our contract on a 1.2 signal library: the plugin needs nothing of 3.0 and is small
+#     toolkit    a vendor's toolkit.h without src/toolkit; further argument: his front end
 #     desk       the desk host on a 1.2 signal library; further arguments: that library, and the usual desk
-#                host, which must make the same of the same keys
-#     mistakes   what cannot be built is refused when configuring, in one clear message
+#                host, which must record the same for the same keys
+#     mistakes   configuring fails with one clear message for wrong options
 set -eu
 cmake=$1 sources=$2 compiler=$3 what=$4
 build=$(mktemp -d)
@@ -41,7 +41,7 @@ refuses() # WORDS, then options
 {
 	words=$1
 	shift
-	if configure -U 'VEXLO_*' "$@"; then # what is known of the compiler stays known
+	if configure -U 'VEXLO_*' "$@"; then # keeps cached checks of the compiler
 		echo "configuring says nothing of: $words"
 		exit 1
 	fi
@@ -78,7 +78,7 @@ desk)
 	press "$6" "$keys" "$build/there"
 	[ "$(wc -l <"$build/here")" -gt 100 ] || { echo "hardly anything happened"; exit 1; }
 	cmp "$build/here" "$build/there"
-	# What is installed is on the same library.
+	# The installed package names the same signal library.
 	"$cmake" --install "$build" --component dev --prefix "$build/usr" >"$build.log"
 	flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$build/usr" -name vexlo-toolkit.pc)") pkg-config --cflags vexlo-toolkit)
 	"$compiler" -std=c++17 -fPIC -shared $flags "$sources"/examples/network/*.cpp -o "$build/network.so.0"
@@ -94,7 +94,7 @@ mistakes)
 		"-DVEXLO_SIGC1_INCLUDE=$(pkg-config --variable=includedir sigc++-3.0)/sigc++-3.0"
 	echo '!<arch>' >"$build.a"
 	refuses 'is no shared library' "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=$build.a"
-	# Relative names are from where cmake is called, not from the build's folder.
+	# Relative paths start from the working folder of cmake, not from the build folder.
 	cd "$(dirname "$build")"
 	refuses "$build.a is no shared library" "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=${build##*/}.a"
 	rm "$build.a"

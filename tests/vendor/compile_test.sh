@@ -1,8 +1,7 @@
 #!/bin/sh
-# Compiles every source and every header of the plugin alone against a vendor's toolkit, as the C++98 that they
-# are written in; all of them as each newer C++ that the compiler knows; and every header of our own contract
-# alone, as C++11, with nothing but its own folder and the signal library on the include path.
-# Arguments: a C++ compiler, the sources' root.
+# Compiles each source and header of the plugin alone against a vendor's toolkit, as C++98; all together as each newer
+# C++ that the compiler knows; and each header of our contract alone, as C++11, with only its own folder and the
+# signal library on the include path. Arguments: a C++ compiler, the source folder.
 set -eu
 cd "$2"
 
@@ -20,7 +19,7 @@ compile() # STANDARD, FILE, then options
 	count=$((count + 1))
 }
 knows() { "$compiler" "-std=$1" -fsyntax-only -x c++ /dev/null 2>/dev/null; }
-include() # FILE...: as the content of one source
+include() # FILE...: prints a source that includes them
 {
 	for file in "$@"; do
 		echo "#include \"$PWD/$file\""
@@ -57,7 +56,7 @@ for file in src/toolkit/*.h; do
 	include "$file"
 	compile c++11 "$alone" -Isrc/toolkit -DVEXLO_SIGC1=2
 done
-# 1.0 has the same under another name.
+# 1.0 has the same headers under another name.
 mkdir "$alone.1.0" "$alone.1.0/sigc++"
 printf '#include <sigc++/object_slot.h>\n#include <sigc++/signal.h>\n' >"$alone.1.0/sigc++/signal_system.h"
 include src/toolkit/toolkit.h

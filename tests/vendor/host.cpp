@@ -1,27 +1,27 @@
-// A made-up vendor's front end without a screen: implements gui/gui.h, loads a plugin, presses a script of
-// keys and writes every call that the plugin makes, in the form of the desk host's trace.
+// A made-up vendor's front end without a screen. It implements gui/gui.h, loads a plugin, presses the keys of a
+// script, and writes the plugin's calls in the format of the desk host's trace.
 //
 //     vendor_host PLUGIN ROOT SCRIPT
 //
-// ROOT stands for the receiver's files, ROOT/bin is searched for commands; kills are only reported. Among the keys
-// of the script stand the conditions, each from its place on:
+// ROOT has the receiver's files, and commands in ROOT/bin; kills are only reported. SCRIPT has keys and conditions. A
+// condition holds from its place on:
 //
-//     files=NAME  ROOT/NAME stands for the receiver's files
-//     fontsize=N  the skin's; 0: it has none
-//     lost=N      by how much a client area is lower than asked for
-//     answer=N    what every message box returns at once
+//     files=NAME  the receiver's files are in ROOT/NAME
+//     fontsize=N  of the skin; 0: the skin has none
+//     lost=N      pixels by which a client area is lower than requested
+//     answer=N    every message box returns N at once
 //     left=N      what exec() returns for a window that the viewer leaves
-//     log=PATH    what ff_scan is set to
+//     log=PATH    the value of ff_scan
 //     format=0    eString::sprintf does nothing
-//     texts=no    dcgettext returns null; another word: each text is found, and gets this in front
+//     texts=no    dcgettext returns null; for another word, the text with this word before it
 //     open=no     no file opens
-//     read=N      a file gives N bytes, and then an error
-//     close=N     what fclose returns of a stream
-//     kill=N      what system returns of a kill
-//     verbose=1   look-ups, connections, where windows lie, what entries hold, whether the plugin
-//                 leaves the process as it was: its descriptors, environment, mask, folder, locale and ff_scan
-//     trace       nothing before this is written
-//     again       the plugin is run once more
+//     read=N      a file gives N bytes and then an error
+//     close=N     fclose returns N
+//     kill=N      system returns N for a kill
+//     verbose=1   also traces look-ups, connections, positions of windows and contents of entries, and checks
+//                 that the plugin leaves descriptors, environment, umask, folder, locale and ff_scan unchanged
+//     trace       the trace begins here
+//     again       runs the plugin once more
 
 #include "gui/gui.h"
 
@@ -121,7 +121,7 @@ std::string printed(const char *format, va_list values)
 	return text;
 }
 
-/// The receiver's files; the temporary ones are this computer's.
+/// Maps a path to the receiver's files, but temporary files to this computer's.
 std::string served(const std::string &path)
 {
 	if (path.compare(0, 9, "/var/tmp/") == 0)
@@ -134,7 +134,7 @@ const char *&logPath()
 	return *static_cast<const char **>(dlsym(plugin, "ff_scan"));
 }
 
-/// What a plugin must leave as it was.
+/// The state of the process that a plugin must not change.
 std::string process()
 {
 	std::ostringstream state;
@@ -156,7 +156,7 @@ std::string process()
 	return state.str();
 }
 
-std::string processBefore; // when the run began
+std::string processBefore; // at the begin of the run
 
 void compareProcess()
 {
@@ -170,7 +170,7 @@ void connected()
 		line("a slot is connected");
 }
 
-/// Takes the conditions that the script has come to.
+/// Applies the conditions at the head of the script.
 void takeConditions()
 {
 	for (; !script.empty(); script.pop_front()) {
@@ -202,7 +202,7 @@ std::string nextKey()
 	return key;
 }
 
-/// A file that breaks off in an error.
+/// A file that fails in the middle.
 struct Broken
 {
 	FILE *behind;
@@ -238,7 +238,7 @@ struct Broken
 	}
 };
 
-/// Mutes what a constructor does for itself: made before the members are.
+/// Mutes the calls of a base class's constructor; evaluated before it runs.
 template <class T> T quietly(T value)
 {
 	++muted;
@@ -247,7 +247,7 @@ template <class T> T quietly(T value)
 
 } // namespace
 
-// What the plugin calls of libc comes here: it is linked so.
+// The linker redirects the plugin's libc calls to these functions.
 extern "C" {
 
 FILE *__wrap_fopen(const char *path, const char *mode)
@@ -401,7 +401,7 @@ void eWidget::cmove(const ePoint &position)
 void eWidget::cresize(const eSize &size)
 {
 	call(this, "cresize" + pair(size.width, size.height));
-	// Not from 0 on, and not what was asked for.
+	// Differs from the desk host's: another origin, another size than requested.
 	inner = eRect(ePoint(11, 33), eSize(size.width, size.height - number("lost", 0)));
 }
 
@@ -451,7 +451,7 @@ void eWidget::reject()
 
 void eWidget::setFocus(eWidget *child)
 {
-	nameOf(this); // numbered before the child
+	nameOf(this); // numbers the window before the child
 	call(this, "setFocus(" + nameOf(child) + ")");
 	focus = child;
 }
@@ -462,7 +462,7 @@ void eWidget::setShortcut(const eString &key)
 	shortcut = key;
 }
 
-/// The keys: presses one on the window that runs.
+/// Sends keys to the running window.
 struct Remote
 {
 	static void press(eWidget &window, const std::string &key)
@@ -479,7 +479,7 @@ struct Remote
 			pressButton(*button, key);
 	}
 
-	/// What the entries of a window's lists hold.
+	/// Prints the entries of a window's lists.
 	static void printEntries(eWidget &window)
 	{
 		for (Child child = window.children.begin(); child != window.children.end(); ++child)
@@ -507,7 +507,7 @@ private:
 		     decimal(entry.keytype) + " " + decimal(entry.align) + " " + decimal(entry.precolour));
 	}
 
-	/// The widget of that kind that has the focus, or else may have it.
+	/// The focused widget if it is a T; without focus, the first T.
 	template <class T> static T *focused(eWidget &window)
 	{
 		if (window.focus)
@@ -561,7 +561,7 @@ private:
 	}
 };
 
-// It is seen where an object lies: AddressSanitizer is not to move what is on the stack.
+// AddressSanitizer must leave objects on the stack, because the trace tells where they are.
 extern "C" const char *__asan_default_options();
 extern "C" const char *__asan_default_options()
 {
@@ -666,7 +666,7 @@ eListBoxBase::eListBoxBase(eWidget *of, const eWidget *description, int takefocu
 eListBoxBase::~eListBoxBase()
 {
 	++muted;
-	// Each takes itself out. Its key goes first: this host is one that frees them.
+	// An entry's destructor removes it from the list. Its key is freed first: this host frees keys.
 	for (; !lines.empty(); delete lines.front())
 		Remote::freeKey(*lines.front());
 	--muted;
@@ -726,7 +726,7 @@ eSetupWindow::eSetupWindow(const char *title, int rows, int width)
 eSetupWindow::~eSetupWindow()
 {
 	traceEnd("eSetupWindow");
-	// Its list is a member: it goes before the window does, and is nobody's to delete.
+	// Its list is a member, destroyed before the window's other children.
 }
 int eSetupWindow::eventHandler(const eWidgetEvent &)
 {
@@ -754,7 +754,7 @@ int main(int count, char **words)
 	SigC::connecting = connected;
 	int (*entry)();
 	const void *const symbol = dlsym(plugin, "plugin_exec");
-	std::memcpy(&entry, &symbol, sizeof entry); // C++98 has no cast from an object's address
+	std::memcpy(&entry, &symbol, sizeof entry); // C++98 cannot cast an object pointer to a function pointer
 	do {
 		takeConditions();
 		numbers.clear();

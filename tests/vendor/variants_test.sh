@@ -1,6 +1,6 @@
 #!/bin/sh
-# Compiles the plugin's screens against a vendor's toolkit that differs in what the contract leaves open: each
-# must compile as it is, or with the change that docs/porting.md gives. Arguments: a C++ compiler, the sources' root.
+# Compiles the plugin's screens against toolkits that differ in what the contract leaves open. Each must compile
+# unchanged, or with the change that docs/porting.md gives. Arguments: a C++ compiler, the source folder.
 set -eu
 cd "$2"
 compiler=$1
@@ -8,7 +8,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 fails=0
-try() # WHAT, where a change is made (gui, toolkit or src), sed expression, and so on in pairs
+try() # WHAT, then pairs of the place of a change (gui, toolkit or src) and a sed expression
 {
 	what=$1
 	shift
@@ -52,7 +52,7 @@ try 'a help that must be given' gui 's/const char \*label = 0, void \*key = 0,/c
 	gui 's/^	                  const eString &help = eString())/	                  const eString \&help)/' \
 	src/widgets.cpp 's/new eString(key))/new eString(key), eString())/'
 
-# What the document says of them is there.
+# The document contains these changes.
 for words in '&eSysInfDialog::exit' 'OurKey::of(entry)' 'new eString(key), eString()'; do
 	grep -qF -- "$words" docs/porting.md || { echo "docs/porting.md has no: $words"; fails=1; }
 done

@@ -1,5 +1,4 @@
-// The plugin's sources in a vendor's environment (his headers, signal library and front end) make the
-// same calls as in the desk host.
+// The plugin built for a vendor's headers, signal library and front end makes the same calls as in the desk host.
 
 #include "support.h"
 
@@ -14,13 +13,13 @@ using namespace support;
 namespace
 {
 
-/// Runs the plugin in the vendor's host, which says what scripts are made of; standard output is its trace.
+/// Runs the plugin in the vendor's host (host.cpp describes scripts); standard output is the trace.
 Outcome runVendor(const ReceiverFolder &receiver, const std::string &script)
 {
 	return support::run({VENDOR_HOST, VENDOR_PLUGIN, receiver.path(), script});
 }
 
-/// The same with the objects numbered as they appear, however the trace names them.
+/// Numbers the objects of a trace in order of appearance, because hosts number them differently.
 Lines numbered(const Lines &trace)
 {
 	std::map<std::string, std::string> numbers;
@@ -51,8 +50,8 @@ Lines numbered(const Lines &trace)
 	return result;
 }
 
-/// A receiver with two others in folders of its own: `there`, where all is different, and `nowhere`, which has next to
-/// nothing. They have what readers stumble over: lines that are empty, that hold no number, that end at a NUL.
+/// A receiver and two more in its folders: `there`, where everything differs, and `nowhere`, which has almost
+/// nothing. Their files contain difficult lines: empty, without a number, or ending at a NUL.
 struct ThreeReceivers : ReceiverFolder
 {
 	ThreeReceivers()
@@ -78,7 +77,7 @@ struct ThreeReceivers : ReceiverFolder
 	}
 };
 
-/// Names the first line that differs, and leaves the whole in the build folder.
+/// Names the first line that differs, and writes all lines to the build folder.
 void expectSame(const Lines &lines, const Lines &expected, const std::string &file)
 {
 	const auto [line, wanted] = std::mismatch(lines.begin(), lines.end(), expected.begin(), expected.end());
@@ -95,7 +94,7 @@ void expectSame(const Lines &lines, const Lines &expected, const std::string &fi
 				  << (wanted == expected.end() ? "(the end)" : *wanted) << "\nwritten in full: " << path;
 }
 
-/// A receiver with something to see on every screen.
+/// A receiver with data for every screen.
 class Vendor : public ::testing::Test
 {
 protected:
@@ -149,8 +148,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Script{"all", "ok exit down ok exit down ok exit down ok exit exit"}),
 	[](const auto &script) { return script.param.name; });
 
-/// What the plugin does in the vendor's environment, call for call, look-ups and all. The first line of a file in
-/// plays is the script, the others are the trace.
+/// The calls of the plugin in the vendor's host, including look-ups. The first line of a file in plays is the script,
+/// the rest is the expected trace.
 class VendorPlay : public ::testing::TestWithParam<const char *>
 {
 };
@@ -173,7 +172,7 @@ INSTANTIATE_TEST_SUITE_P(All, VendorPlay,
                                            "broken", "marked", "silent"),
                          [](const auto &play) { return std::string(play.param); });
 
-/// What a vendor's questions and windows may return.
+/// Results that a vendor's message boxes and windows may return.
 const int results[] = {4,  8,  -1,  0,   1,   2,   3,       5,          6,          7,   9,
                        12, 16, 64,  72,  76,  77,  127,     128,        255,        256, -2,
                        -4, -8, -76, 260, 264, 512, 1000000, 2147483647, -2147483647};
@@ -181,7 +180,7 @@ const int results[] = {4,  8,  -1,  0,   1,   2,   3,       5,          6,      
 class VendorResult : public Vendor, public ::testing::WithParamInterface<int>
 {
 protected:
-	/// The only question of a script, from its box to the box's end, with the objects numbered by themselves.
+	/// The calls from the creation to the destruction of a script's only message box, with renumbered objects.
 	Lines question(const std::string &script)
 	{
 		Lines lines;
@@ -241,7 +240,7 @@ TEST_P(VendorResult, of_the_menu_is_the_plugins_and_of_a_screen_is_nobodys)
 
 INSTANTIATE_TEST_SUITE_P(OfHosts, VendorResult, ::testing::ValuesIn(results));
 
-/// The conditions of a run, as a script has them.
+/// Named conditions for a script.
 struct Conditions
 {
 	const char *name, *words;
@@ -258,13 +257,13 @@ const Conditions conditions[] = {
 	{"nowhere", "files=nowhere fontsize=0 lost=450 texts=no left=-1 log=/nowhere.log"},
 };
 
-/// Every screen twice, every question twice.
+/// Opens every screen and every question twice.
 const std::string allScreens = "ok ok exit down ok right ok exit ok ok ok "    // the processes
 							   "down ok exit ok exit "                         // the memory
 							   "down ok red exit red right ok exit ok red ok " // the log
 							   "down ok green ok exit ";                       // the system
 
-/// From every condition to every other one.
+/// A pair of conditions: of the first run and of the second.
 class VendorAgain : public ::testing::TestWithParam<std::pair<Conditions, Conditions>>
 {
 protected:
@@ -290,7 +289,7 @@ TEST_P(VendorAgain, a_run_is_that_of_a_fresh_process)
 	           "plays/again");
 }
 
-/// What is between the menu's hiding and its showing, with the objects of each screen numbered by themselves.
+/// The calls between hiding and showing the menu, one list for each screen, with renumbered objects.
 std::vector<Lines> openings(const Lines &trace)
 {
 	std::vector<Lines> result;

@@ -1,4 +1,4 @@
-// What a vendor puts in the place of the contract's headers: his own, and the names that differ.
+// Replaces the contract's headers by the vendor's, and defines the names that differ.
 #ifndef VENDOR_TOOLKIT_H
 #define VENDOR_TOOLKIT_H
 

@@ -6,7 +6,7 @@
 namespace SigC
 {
 
-/// The slots of a signal. Counted: it outlives a signal that ends while it emits.
+/// The slots of a signal. Counted, because a slot may destroy the signal that emits.
 struct SignalNode
 {
 	SignalNode() : owners(1) {}
@@ -169,7 +169,7 @@ Connection SignalBase::add(SlotNode *slot)
 
 void SignalBase::emitAll(const void *argument)
 {
-	SignalNode *const signal = node; // this may go
+	SignalNode *const signal = node; // a slot may destroy `this`
 	++signal->owners;
 	const std::size_t count = signal->slots.size();
 	for (std::size_t at = 0; at < count && at < signal->slots.size(); ++at) {

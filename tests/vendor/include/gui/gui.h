@@ -1,6 +1,6 @@
-// The toolkit of a made-up vendor, for the tests: the classes, virtual operations and signatures that
-// the plugin requires, and nothing else like the desk host's: other members, other sizes, other
-// accessors, no marks of visibility, no format attributes.
+// The toolkit of a made-up vendor for the tests. It has the classes, virtual operations and signatures that the
+// plugin requires, and otherwise differs from the desk host's: other members, sizes and accessors, no visibility or
+// format attributes.
 #ifndef VENDOR_GUI_H
 #define VENDOR_GUI_H
 
@@ -67,7 +67,7 @@ private:
 
 class eWidget : virtual public SigC::Object
 {
-	// First, so that what follows stands at no offset of the desk host's.
+	// Gives all members other offsets than in the desk host.
 	char tag[24];
 	std::list<eWidget *> children;
 
@@ -105,7 +105,7 @@ protected:
 	void traceEnd(const char *type);
 	void close(int result);
 
-	eRect inner; ///< the client area: for those who derive
+	eRect inner; ///< the client area, for derived classes
 	eWidget *parent, *focus;
 	eString shortcut;
 	bool canFocus, visible, ended, traced;

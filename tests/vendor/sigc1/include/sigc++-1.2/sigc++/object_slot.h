@@ -1,7 +1,6 @@
-// A signal library with the interface of libsigc++ 1.2, as strict as a real one: a slot is connected
-// to signals of exactly its own type, emit is not const, nothing but void is returned, and what the
-// plugin does not use is not there. It connects and emits for real. Objects and slots are here, signals in
-// signal.h.
+// A signal library with the interface of libsigc++ 1.2, as strict as a real one: a signal accepts only slots of
+// exactly its type, emit is not const, slots return void. It has only what the plugin uses, and really connects and
+// emits. Signals are in signal.h.
 #ifndef SIGC1_OBJECT_SLOT_H
 #define SIGC1_OBJECT_SLOT_H
 
@@ -15,7 +14,7 @@ namespace SigC
 
 class SlotNode;
 
-/// A counted object; its end is the end of the slots that lead to it.
+/// A counted object. Its destructor disconnects the slots that lead to it.
 class ObjectBase
 {
 public:
@@ -32,7 +31,7 @@ private:
 	friend class SlotNode;
 	mutable int owners;
 	bool managed;
-	SlotNode *slots; ///< those that lead here, linked
+	SlotNode *slots; ///< linked list of the slots that lead here
 };
 
 class Object : public virtual ObjectBase
@@ -42,8 +41,8 @@ public:
 	~Object();
 };
 
-/// One call into an object, shared by the slots that are copies of each other and the signals that
-/// they are connected to. Which operation it is and what it takes only `call` knows.
+/// A call of an object's operation, shared by copies of a slot and the signals connected to it. Only `call` knows the
+/// types of the operation and its argument.
 class SlotNode
 {
 public:
@@ -66,11 +65,11 @@ private:
 
 	friend class ObjectBase;
 	int owners;
-	ObjectBase *target; ///< null: gone
+	ObjectBase *target; ///< null: destroyed
 	SlotNode *next;
 };
 
-/// What slots and signals have in common, whatever they pass.
+/// The base of slots and signals of all types.
 class SlotBase
 {
 protected:

@@ -9,7 +9,7 @@ namespace SigC
 
 struct SignalNode;
 
-/// For tests: told of every connection, unless it is null.
+/// For tests: called at every connection unless null.
 extern void (*connecting)();
 
 class Connection
@@ -33,7 +33,7 @@ protected:
 	~SignalBase();
 	Connection add(SlotNode *slot);
 
-	/// Calls the slots that were connected when it began and still lead somewhere.
+	/// Calls the slots connected before the call, if they still lead to an object.
 	void emitAll(const void *argument);
 
 private:

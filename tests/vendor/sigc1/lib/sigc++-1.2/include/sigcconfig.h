@@ -1,4 +1,4 @@
-// Real installations keep what configuring found out apart from the other headers.
+// Real installations keep this configured header apart from the others.
 #ifndef SIGCCONFIG_H
 #define SIGCCONFIG_H
 #define SIGC_MAJOR_VERSION 1
