@@ -79,24 +79,17 @@ double statusLine(const char *name)
 
 void prepare(const Stage &stage, const Watcher &watcher)
 {
-	std::string error;
 	desk::Desk &desk = desk::Desk::get();
-	std::optional<desk::Skin> skin = desk::Skin::load(stage.skin, error);
-	if (!skin)
-		fail(error);
+	desk.setSkin(desk::Skin::load(stage.skin));
 	log = stage.log;
-	desk.setSkin(std::move(*skin));
 	viewer = std::make_unique<WatchedViewer>(watcher, stage.paints);
 	desk.setViewer(viewer.get(), stage.paints);
 }
 
 void run(const std::string &path)
 {
-	std::string error;
 	desk::Desk &desk = desk::Desk::get();
-	const std::unique_ptr<desk::Plugin> plugin = desk::Plugin::load(path, error);
-	if (!plugin)
-		fail(error);
+	const std::unique_ptr<desk::Plugin> plugin = desk::Plugin::load(path);
 	void *const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
 	if (!log.empty())
 		*static_cast<const char **>(dlsym(handle, "ff_scan")) = log.c_str();

@@ -23,10 +23,10 @@ struct Stage
 	bool paints = false;
 };
 
-/// Sets the stage for the runs that follow. `watcher` must outlive them. Ends the program on failure.
+/// Sets the stage for the runs that follow. `watcher` must outlive them. Throws a desk::Error on failure.
 void prepare(const Stage &stage, const Watcher &watcher);
 
-/// Loads the plugin at `path`, runs it once and unloads it. Ends the program on failure.
+/// Loads the plugin at `path`, runs it once and unloads it. Throws a desk::Error on failure.
 void run(const std::string &path);
 
 /// The seconds since some point in time, by a clock that never goes back.

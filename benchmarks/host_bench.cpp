@@ -6,6 +6,7 @@
 //                          key LINES, text CHARACTERS
 
 #include "bench_host.h"
+#include "desk_error.h"
 #include "elistbox.h"
 #include "pixel_canvas.h"
 #include "table.h"
@@ -411,7 +412,7 @@ int usage()
 } // namespace
 
 int main(int argc, char **argv)
-{
+try {
 	const std::vector<std::string> arguments(argv + 1, argv + argc);
 	const std::string word = arguments.empty() ? "" : arguments[0];
 	if (word == "table" && arguments.size() == 1) {
@@ -445,4 +446,7 @@ int main(int argc, char **argv)
 		return 0;
 	}
 	return usage();
+} catch (const desk::Error &error) {
+	std::fprintf(stderr, "host_bench: %s\n", error.line.c_str());
+	return error.status;
 }

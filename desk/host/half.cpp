@@ -1,6 +1,7 @@
 #include "half.h"
 
 #include "desk.h"
+#include "desk_error.h"
 #include "files.h"
 #include "language.h"
 #include "last_words.h"
@@ -18,24 +19,20 @@ namespace desk
 namespace
 {
 
-constexpr int statusNotLoaded = 1;
-constexpr int statusBadArguments = 2;
-
-/// False, with one line in `error`, when something of it cannot be had.
-bool prepare(const Start &start, Peer &viewer, std::string &error)
+void prepare(const Start &start, Peer &viewer)
 {
-	std::optional<Skin> skin = Skin::parse(start.skin, "skin", error);
-	if (!skin)
-		return false;
+	Skin skin = Skin::parse(start.skin, "skin");
 	if (start.rowHeight > 0)
-		skin->setValue("fontsize", start.rowHeight);
-	Desk::get().setSkin(std::move(*skin));
+		skin.setValue("fontsize", start.rowHeight);
+	Desk::get().setSkin(std::move(skin));
 	Desk::get().setViewer(&viewer, start.draws, start.describes);
 	Desk::get().onExit = sayExit;
-	if (!start.lang.empty() && !setLanguage(start.lang, start.catalogue, error))
-		return false;
-	if (!start.root.empty() && !Files::get().setRoot(start.root, start.served, start.contained, error))
-		return false;
+	if (!start.lang.empty())
+		setLanguage(start.lang, start.catalogue);
+	if (!start.root.empty())
+		Files::get().setRoot(start.root, start.served, start.contained);
+	else if (!start.asIs)
+		Files::get().makeReceiver();
 	if (start.traces)
 		Trace::get().start(
 			[&viewer](const std::string &line) {
@@ -46,24 +43,17 @@ bool prepare(const Start &start, Peer &viewer, std::string &error)
 			});
 	else
 		Trace::get().startRemembering();
-	return true;
 }
 
 } // namespace
 
 int runHalf(Peer &viewer)
-{
-	std::string error;
+try {
 	const std::optional<ToHost> first = viewer.receive();
 	const Start *start = first ? std::get_if<Start>(&*first) : nullptr;
 	if (!start)
 		return statusBadArguments;
-	if (!prepare(*start, viewer, error)) {
-		viewer.send(Failed{statusBadArguments, error});
-		return statusBadArguments;
-	}
-	if (start->root.empty() && !start->asIs)
-		Files::get().makeReceiver();
+	prepare(*start, viewer);
 
 	std::error_code failed;
 	const std::filesystem::path folder = std::filesystem::current_path(failed);
@@ -71,11 +61,7 @@ int runHalf(Peer &viewer)
 	while (const std::optional<ToHost> message = viewer.receive()) {
 		if (std::holds_alternative<Load>(*message)) {
 			std::filesystem::current_path(folder, failed); // the last run may have left it
-			plugin = Plugin::load(start->plugin, error);
-			if (!plugin) {
-				viewer.send(Failed{statusNotLoaded, error});
-				return statusNotLoaded;
-			}
+			plugin = Plugin::load(start->plugin);
 			viewer.send(Loaded());
 		} else if (const Run *run = std::get_if<Run>(&*message); run && plugin) {
 			keepConsole(run->console);
@@ -90,6 +76,9 @@ int runHalf(Peer &viewer)
 	Trace::get().stop();
 	Desk::get().setViewer(nullptr);
 	return 0;
+} catch (const Error &error) {
+	viewer.send(Failed{error.status, error.line});
+	return error.status;
 }
 
 } // namespace desk

@@ -26,13 +26,13 @@ std::string ownCatalogues()
 
 } // namespace
 
-bool setLanguage(const std::string &lang, const std::string &catalogue, std::string &error)
+void setLanguage(const std::string &lang, const std::string &catalogue)
 {
 	const size_t colon = std::min(catalogue.find(':'), catalogue.size());
 	const std::string folder = colon < catalogue.size() ? catalogue.substr(colon + 1) : ownCatalogues();
 	Desk::get().word = [](const char *id) { return Texts::get().word(id); };
-	return Texts::get().setLanguage(lang, folder, catalogue.substr(0, colon), error) &&
-	       Texts::get().setWords(ownCatalogues(), error);
+	Texts::get().setLanguage(lang, folder, catalogue.substr(0, colon));
+	Texts::get().setWords(ownCatalogues());
 }
 
 } // namespace desk

@@ -1,7 +1,10 @@
 #include "key.h"
 
+#include "desk_error.h"
+
 #include <algorithm>
 #include <cstddef>
+#include <string>
 
 namespace desk
 {
@@ -65,7 +68,7 @@ std::optional<Key> keyOfLetter(char letter)
 	return letter >= '0' && letter <= '9' ? keyNamed({&letter, 1}) : std::nullopt;
 }
 
-std::optional<std::vector<Key>> parseKeyScript(std::string_view script, std::string &error)
+std::vector<Key> parseKeyScript(std::string_view script)
 {
 	std::vector<Key> keys;
 	for (size_t at = script.find_first_not_of(whiteSpace); at != script.npos;
@@ -74,10 +77,10 @@ std::optional<std::vector<Key>> parseKeyScript(std::string_view script, std::str
 		const std::string_view name = script.substr(at, end - at);
 		const auto key = keyNamed(name);
 		if (!key) {
-			error = "unknown key " + quoted(name) + "; the keys are";
+			std::string line = "unknown key " + quoted(name) + "; the keys are";
 			for (const char *known : names)
-				error.append(" ").append(known);
-			return std::nullopt;
+				line.append(" ").append(known);
+			throw Error(line);
 		}
 		keys.push_back(*key);
 		at = end;

@@ -2,7 +2,6 @@
 #define DESK_REMOTE_KEY_H
 
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -56,9 +55,9 @@ std::optional<Key> colourNamed(std::string_view name);
 /// The key that a letter or a digit of a keyboard stands for, nothing when there is none.
 std::optional<Key> keyOfLetter(char letter);
 
-/// Reads a key script: names separated by blanks (any white space). On an unknown name returns
-/// nothing and leaves one line in `error` that names it and lists the keys there are.
-std::optional<std::vector<Key>> parseKeyScript(std::string_view script, std::string &error);
+/// Reads a key script: names separated by blanks (any white space). Throws an Error that names an unknown one and
+/// lists the keys there are.
+std::vector<Key> parseKeyScript(std::string_view script);
 
 } // namespace desk
 

@@ -1,5 +1,6 @@
 #include "skin.h"
 
+#include "desk_error.h"
 #include "visible_text.h"
 
 #include <toml++/toml.h>
@@ -24,13 +25,6 @@ namespace
 constexpr size_t mostBytes = 1 << 20; // no skin is as long; a device that never ends is
 constexpr int mostDots = 4000;        // each may lead one table deeper, and the parser calls itself for each
 constexpr int mostFontSize = 200, mostRadius = 100, mostPadding = 200;
-
-// The first thing that is wrong with a skin, and where.
-struct Mistake
-{
-	toml::source_index line = 0; // 0: unknown
-	std::string text;
-};
 
 std::optional<Color> hexColor(std::string_view text)
 {
@@ -59,9 +53,16 @@ std::string quoted(std::string_view text)
 	return "\"" + shortened(text) + "\"";
 }
 
-[[noreturn]] void fail(const toml::node &where, std::string text)
+/// What follows the name of the skin.
+std::string mistake(const toml::source_region &where, std::string_view text)
 {
-	throw Mistake{where.source().begin.line, std::move(text)};
+	const toml::source_index line = where.begin.line; // 0: unknown
+	return (line ? ", line " + std::to_string(line) : std::string()) + ": " + std::string(text);
+}
+
+[[noreturn]] void fail(const toml::node &where, const std::string &text)
+{
+	throw Error(mistake(where.source(), text));
 }
 
 const toml::table &tableOf(const toml::node &node, std::string_view name)
@@ -101,7 +102,7 @@ using Entries = std::vector<Entry>;
 
 } // namespace
 
-/// Reads the tables of one skin file; the first mistake ends it as an exception.
+/// Reads the tables of one skin file; the first mistake ends it, with an Error that lacks the name of the file.
 class SkinReader
 {
 public:
@@ -270,47 +271,42 @@ private:
 	std::map<std::string, Color> palette;
 };
 
-std::optional<Skin> Skin::parse(std::string_view text, const std::string &name, std::string &error)
+Skin Skin::parse(std::string_view text, const std::string &name)
 {
-	Mistake mistake;
-	if (std::count(text.begin(), text.end(), '.') > mostDots)
-		mistake.text = "it has more than " + std::to_string(mostDots) + " dots; no skin is as deep";
-	else
-		try {
+	std::string wrong;
+	try {
+		if (std::count(text.begin(), text.end(), '.') <= mostDots)
 			return SkinReader().read(toml::parse(text));
-		} catch (const toml::parse_error &e) {
-			mistake = {e.source().begin.line, std::string(e.description())};
-		} catch (Mistake &found) {
-			mistake = std::move(found);
-		}
+		wrong = ": it has more than " + std::to_string(mostDots) + " dots; no skin is as deep";
+	} catch (const toml::parse_error &error) {
+		wrong = mistake(error.source(), error.description());
+	} catch (const Error &error) {
+		wrong = error.line;
+	}
 	// Both the name and what is quoted from the file may hold any bytes: one line it stays.
-	error = visibleText("skin \"" + name + "\"" +
-	                    (mistake.line ? ", line " + std::to_string(mistake.line) : std::string()) + ": " +
-	                    mistake.text);
-	return std::nullopt;
+	throw Error(visibleText("skin \"" + name + "\"" + wrong));
 }
 
-std::optional<Skin> Skin::load(const std::string &path, std::string &error)
+Skin Skin::load(const std::string &path)
 {
-	const auto failed = [&](const std::string &why) {
-		error = visibleText("cannot read the skin \"" + path + "\": " + why);
-		return std::nullopt;
+	const auto failure = [&](const std::string &why) {
+		return Error(visibleText("cannot read the skin \"" + path + "\": " + why));
 	};
 	if (struct stat status; stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode))
-		return failed("it is a pipe; name a TOML file");
+		throw failure("it is a pipe; name a TOML file");
 	const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(path.c_str(), "rb"), fclose);
 	if (!file)
-		return failed(strerror(errno));
+		throw failure(strerror(errno));
 	std::string text;
 	char piece[4096];
 	while (const size_t length = fread(piece, 1, sizeof piece, file.get())) {
 		text.append(piece, length);
 		if (text.size() > mostBytes)
-			return failed("it is larger than 1 MiB, which no skin is; name a TOML file");
+			throw failure("it is larger than 1 MiB, which no skin is; name a TOML file");
 	}
 	if (ferror(file.get()))
-		return failed(errno == EISDIR ? "it is a folder; name a TOML file" : strerror(errno));
-	return parse(text, path, error);
+		throw failure(errno == EISDIR ? "it is a folder; name a TOML file" : strerror(errno));
+	return parse(text, path);
 }
 
 std::optional<int> Skin::value(const std::string &name) const

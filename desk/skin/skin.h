@@ -30,12 +30,11 @@ struct Decoration
 class Skin
 {
 public:
-	/// Reads a skin file. On failure returns nothing and leaves one line in `error` that names the
-	/// file, the place and what is wrong with it.
-	static std::optional<Skin> load(const std::string &path, std::string &error);
+	/// Reads a skin file. Throws an Error that names the file, the place and what is wrong with it.
+	static Skin load(const std::string &path);
 
 	/// The same from a text in memory; `name` stands for the file in errors. Takes any bytes.
-	static std::optional<Skin> parse(std::string_view text, const std::string &name, std::string &error);
+	static Skin parse(std::string_view text, const std::string &name);
 
 	/// An integer of the table [values], such as "fontsize"; nothing when the skin has none.
 	std::optional<int> value(const std::string &name) const;

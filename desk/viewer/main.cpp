@@ -1,3 +1,4 @@
+#include "desk_error.h"
 #include "framebuffer_screen.h"
 #include "note_log.h"
 #include "options.h"
@@ -193,35 +194,30 @@ std::unique_ptr<Screen> openScreen(const Options &options, std::string &error)
 	return std::make_unique<Screen>();
 }
 
-int runApp(int argc, char **argv)
+int run(int argc, char **argv)
 {
 	occupyStandardStreams();
 	std::set_new_handler(endWithoutMemory);
 	// Only what characters are is the desk's: numbers and messages are the same everywhere.
 	std::setlocale(LC_CTYPE, "");
 
-	int status = 0;
-	std::optional<Options> options = readArguments(argc, argv, status);
+	std::optional<Options> options = readArguments(argc, argv);
 	if (!options)
-		return status;
+		return 0;
 	if (options->catalogue.empty())
 		options->catalogue = pluginName(options->plugin);
-	std::string error;
-	std::optional<Skin> skin = Skin::load(options->skin, error);
-	if (!skin)
-		return fail(statusBadArguments, error);
 	Stage stage;
+	stage.skin = Skin::load(options->skin);
 	if (options->screen.empty())
 		options->screen = likelyScreen(stage.note);
 	const bool inTerminal = options->screen == "terminal";
 	if (options->watch && options->screen == "none")
-		return fail(statusBadArguments,
-		            "--watch needs a screen to press keys on: a window, a terminal or a framebuffer");
+		throw Error("--watch needs a screen to press keys on: a window, a terminal or a framebuffer");
 	Recorder recorder;
 	stage.draws = options->screen != "none";
 	if (((stage.draws && !inTerminal) || !options->pictures.empty()) && !PixelCanvas::canDrawText())
-		return fail(statusNotToItsEnd,
-		            "there is no font to draw with; install one, such as fonts-dejavu-core");
+		throw Error("there is no font to draw with; install one, such as fonts-dejavu-core",
+		            statusNotToItsEnd);
 	if (!options->lang.empty() && inTerminal && !localeIsUtf8())
 		stage.note +=
 			"deskhost: letters that the locale's character set lacks are shown as question marks; set "
@@ -230,7 +226,6 @@ int runApp(int argc, char **argv)
 	std::ostringstream text;
 	text << std::ifstream(options->skin, std::ios::binary).rdbuf();
 	stage.skinText = text.str();
-	stage.skin = std::move(*skin);
 	stage.half = halfFor(*options);
 	stage.rowHeight = inTerminal ? terminalRowHeight : 0;
 	stage.holdsErrorsBack = inTerminal && isatty(STDERR_FILENO);
@@ -244,6 +239,8 @@ int runApp(int argc, char **argv)
 } // namespace desk
 
 int main(int argc, char **argv)
-{
-	return desk::runApp(argc, argv);
+try {
+	return desk::run(argc, argv);
+} catch (const desk::Error &error) {
+	return desk::fail(error.status, error.line);
 }

@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include "desk_error.h"
 #include "visible_text.h"
 
 #include <CLI/CLI.hpp>
@@ -34,7 +35,7 @@ std::string besideProgram(std::initializer_list<const char *> places)
 	return (folder / *places.begin()).lexically_normal();
 }
 
-std::optional<Options> readArguments(int argc, char **argv, int &status)
+std::optional<Options> readArguments(int argc, char **argv)
 {
 	Options options;
 	std::string script;
@@ -133,30 +134,20 @@ std::optional<Options> readArguments(int argc, char **argv, int &status)
 	try {
 		cli.parse(argc, argv);
 	} catch (const CLI::ParseError &problem) {
-		if (problem.get_exit_code() == 0) {
-			cli.exit(problem);
-			status = std::cout.flush() ? 0 : fail(statusBadArguments, "cannot write to standard output");
-			return std::nullopt;
-		}
-		status = fail(statusBadArguments, std::string(problem.what()) + "; see deskhost --help");
+		if (problem.get_exit_code() != 0)
+			throw Error(std::string(problem.what()) + "; see deskhost --help");
+		cli.exit(problem);
+		if (!std::cout.flush())
+			throw Error("cannot write to standard output");
 		return std::nullopt;
 	}
 
 	for (const std::string &path : options.served) {
 		const fs::path whole(path);
-		if (whole.is_absolute() && whole.has_filename() && whole == whole.lexically_normal())
-			continue;
-		status = fail(statusBadArguments,
-		              "cannot serve '" + path + "': name a file by its whole path, such as /etc/hostname");
-		return std::nullopt;
+		if (!whole.is_absolute() || !whole.has_filename() || whole != whole.lexically_normal())
+			throw Error("cannot serve '" + path + "': name a file by its whole path, such as /etc/hostname");
 	}
-	std::string error;
-	std::optional<std::vector<Key>> keys = parseKeyScript(script, error);
-	if (!keys) {
-		status = fail(statusBadArguments, error);
-		return std::nullopt;
-	}
-	options.keys = std::move(*keys);
+	options.keys = parseKeyScript(script);
 	return options;
 }
 

@@ -11,9 +11,6 @@
 namespace desk
 {
 
-constexpr int statusNotToItsEnd = 1;
-constexpr int statusBadArguments = 2;
-
 /// What the command line asks for.
 struct Options
 {
@@ -33,9 +30,9 @@ struct Options
 	int plays = 1;
 };
 
-/// Reads the command line. Nothing: there is nothing to run, and `status` is the exit status; what is to be
-/// said has been.
-std::optional<Options> readArguments(int argc, char **argv, int &status);
+/// Reads the command line. Nothing: it asked for help or the version, which has been printed. Throws an Error when it
+/// cannot be understood.
+std::optional<Options> readArguments(int argc, char **argv);
 
 /// Says on standard error why there is no more to do; returns `status`.
 int fail(int status, const std::string &message);

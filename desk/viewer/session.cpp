@@ -1,5 +1,6 @@
 #include "session.h"
 
+#include "desk_error.h"
 #include "pixel_canvas.h"
 #include "sandbox.h"
 #include "visible_text.h"

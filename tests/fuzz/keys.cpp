@@ -1,9 +1,11 @@
 // Key scripts: a script of known keys gives its keys, any other one clear line.
 
+#include "desk_error.h"
 #include "key.h"
 #include "target.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <sstream>
 
@@ -20,7 +22,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
 	const std::string script = fuzz::text(data, size);
 	std::string error;
-	const auto keys = desk::parseKeyScript(script, error);
+	std::optional<std::vector<desk::Key>> keys;
+	try {
+		keys = desk::parseKeyScript(script);
+	} catch (const desk::Error &wrong) {
+		error = wrong.line;
+	}
 
 	std::istringstream words(script);
 	std::vector<std::string> names;
@@ -35,7 +42,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 		              "the error quotes what a terminal may obey");
 		return 0;
 	}
-	fuzz::require(error.empty(), "there is an error although the script was taken");
 	fuzz::require(keys->size() == names.size(), "the number of keys differs");
 	for (std::size_t i = 0; i < names.size(); ++i)
 		fuzz::require(names[i] == desk::keyName((*keys)[i]), "a key differs from its name");

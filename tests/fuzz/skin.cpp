@@ -1,9 +1,11 @@
 // Skin files: any bytes give a usable skin or one clear line.
 
 #include "skin.h"
+#include "desk_error.h"
 #include "target.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace
 {
@@ -27,14 +29,14 @@ void requireUsable(const desk::Decoration &decoration)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-	std::string error;
-	const auto skin = desk::Skin::parse(fuzz::text(data, size), "fuzzed\n.toml", error);
-	if (!skin) {
-		fuzz::require(!error.empty() && isOneCleanLine(error), "the error is no clean line");
-		fuzz::require(error.find("fuzzed") != std::string::npos, "the error does not name the file");
+	std::optional<desk::Skin> skin;
+	try {
+		skin = desk::Skin::parse(fuzz::text(data, size), "fuzzed\n.toml");
+	} catch (const desk::Error &error) {
+		fuzz::require(!error.line.empty() && isOneCleanLine(error.line), "the error is no clean line");
+		fuzz::require(error.line.find("fuzzed") != std::string::npos, "the error does not name the file");
 		return 0;
 	}
-	fuzz::require(error.empty(), "there is an error although the skin was taken");
 	if (const auto fontSize = skin->value("fontsize"))
 		fuzz::require(*fontSize >= 1 && *fontSize <= 200, "the font size is out of bounds");
 	const int radius = skin->window.radius;

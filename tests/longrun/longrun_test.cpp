@@ -171,8 +171,7 @@ TEST_P(Openings, leave_the_process_as_it_was)
 {
 	adoptOrphans();
 	const SmallReceiver receiver;
-	std::string error;
-	ASSERT_TRUE(Files::get().setRoot(receiver.path(), desk::Start().served, false, error)) << error;
+	Files::get().setRoot(receiver.path(), desk::Start().served, false);
 
 	Viewer menu(openings, support::repeat("down ", GetParam().number));
 	Viewer *const viewer = &menu;
@@ -216,9 +215,7 @@ TEST(Loading, leaves_nothing_of_the_plugin_behind)
 	desk.setViewer(&viewer);
 	std::optional<Resources> first;
 	for (int load = 1; load <= loads; ++load) {
-		std::string error;
-		std::unique_ptr<Plugin> plugin = Plugin::load(support::pluginPath(), error);
-		ASSERT_TRUE(plugin) << error;
+		std::unique_ptr<Plugin> plugin = Plugin::load(support::pluginPath());
 		ASSERT_TRUE(isMapped());
 		desk.beginRun();
 		ASSERT_EQ(plugin->exec(), -1);

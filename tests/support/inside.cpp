@@ -6,18 +6,13 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 namespace support
 {
 
 Viewer::Viewer(const std::string &keys)
 {
-	std::string error;
-	const auto parsed = desk::parseKeyScript(keys, error);
-	if (!parsed)
-		throw std::runtime_error(error);
-	script.assign(parsed->begin(), parsed->end());
+	const std::vector<desk::Key> parsed = desk::parseKeyScript(keys);
+	script.assign(parsed.begin(), parsed.end());
 }
 
 void Viewer::send(const desk::ToViewer &message)
@@ -39,10 +34,7 @@ std::optional<desk::ToHost> Viewer::receive()
 
 int runInside(Viewer &viewer, const std::string &path, bool draws)
 {
-	std::string error;
-	const auto plugin = desk::Plugin::load(path, error);
-	if (!plugin)
-		throw std::runtime_error(error);
+	const auto plugin = desk::Plugin::load(path);
 	desk::Desk &desk = desk::Desk::get();
 	desk.setViewer(&viewer, draws);
 	desk.beginRun();

@@ -1,5 +1,6 @@
 #include "catalogue.h"
 
+#include "desk_error.h"
 #include "plural_rule.h"
 
 #include <fcntl.h>
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -90,16 +92,15 @@ std::string_view valueIn(std::string_view header, std::string_view name, const c
 
 } // namespace
 
-std::optional<Catalogue> Catalogue::load(const std::string &path, std::string &error)
+Catalogue Catalogue::load(const std::string &path)
 {
-	const auto failed = [&](const std::string &why) {
-		error = "cannot read the message catalogue '" + path + "': " + why;
-		return std::nullopt;
+	const auto failure = [&](const std::string &why) {
+		return Error("cannot read the message catalogue '" + path + "': " + why);
 	};
 	// By no stream: those are the plugin's. A pipe is not waited for.
 	const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
 	if (file < 0)
-		return failed(std::strerror(errno));
+		throw failure(std::strerror(errno));
 	struct stat status;
 	std::string bytes;
 	ssize_t length = -1;
@@ -110,22 +111,19 @@ std::optional<Catalogue> Catalogue::load(const std::string &path, std::string &e
 	const int reason = errno;
 	::close(file);
 	if (!isFile)
-		return failed("it is no file; put one that msgfmt made there");
+		throw failure("it is no file; put one that msgfmt made there");
 	if (length < 0)
-		return failed(std::strerror(reason));
-	return parse(bytes, path, error);
+		throw failure(std::strerror(reason));
+	return parse(bytes, path);
 }
 
-std::optional<Catalogue> Catalogue::parse(const std::string &bytes, const std::string &path,
-                                          std::string &error)
+Catalogue Catalogue::parse(const std::string &bytes, const std::string &path)
 {
 	Catalogue catalogue;
 	catalogue.bytes.assign(bytes.begin(), bytes.end());
-	const std::string wrong = catalogue.read();
-	if (wrong.empty())
-		return catalogue;
-	error = "cannot use the message catalogue '" + path + "': " + wrong;
-	return std::nullopt;
+	if (const std::string wrong = catalogue.read(); !wrong.empty())
+		throw Error("cannot use the message catalogue '" + path + "': " + wrong);
+	return catalogue;
 }
 
 std::string Catalogue::read()

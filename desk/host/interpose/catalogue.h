@@ -1,7 +1,6 @@
 #ifndef DESK_INTERPOSE_CATALOGUE_H
 #define DESK_INTERPOSE_CATALOGUE_H
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,12 +16,11 @@ namespace desk
 class Catalogue
 {
 public:
-	/// Reads the file. On failure returns nothing and leaves one line in `error`.
-	static std::optional<Catalogue> load(const std::string &path, std::string &error);
+	/// Reads the file, or throws an Error.
+	static Catalogue load(const std::string &path);
 
 	/// Takes the bytes of such a file; `path` is what an error calls it.
-	static std::optional<Catalogue> parse(const std::string &bytes, const std::string &path,
-	                                      std::string &error);
+	static Catalogue parse(const std::string &bytes, const std::string &path);
 
 	Catalogue(Catalogue &&) = default;
 	Catalogue &operator=(Catalogue &&) = default;

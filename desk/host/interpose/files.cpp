@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "desk.h"
+#include "desk_error.h"
 #include "libc.h"
 #include "older_meminfo.h"
 #include "open_in_root.h"
@@ -131,25 +132,19 @@ Files &Files::get()
 	return files;
 }
 
-bool Files::setRoot(const std::string &from, const std::vector<std::string> &files, bool contained,
-                    std::string &error)
+void Files::setRoot(const std::string &from, const std::vector<std::string> &files, bool contained)
 {
 	folder = from;
 	served = files;
-	if (contained) {
-		Commands::get().takeFrom(folder, -1);
-		return true;
-	}
+	if (contained)
+		return Commands::get().takeFrom(folder, -1);
 	root = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-	if (root < 0) {
-		error = "cannot use '" + folder + "' as the receiver's files: " + std::strerror(errno) +
-		        "; name a readable folder with --root";
-		return false;
-	}
+	if (root < 0)
+		throw Error("cannot use '" + folder + "' as the receiver's files: " + std::strerror(errno) +
+		            "; name a readable folder with --root");
 	mountVarTmp(root);
 	// Through this process's descriptor, because a PATH cannot name a folder with a colon.
 	Commands::get().takeFrom("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(root), root);
-	return true;
 }
 
 void Files::makeReceiver()

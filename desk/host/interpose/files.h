@@ -16,9 +16,8 @@ public:
 	static Files &get();
 
 	/// Serves these files from `folder`; commands are then those of `folder`/bin. `contained`: they stand at their own
-	/// paths by links into it. On failure returns false and leaves one line in `error`.
-	bool setRoot(const std::string &folder, const std::vector<std::string> &served, bool contained,
-	             std::string &error);
+	/// paths by links into it. Throws an Error when it cannot be used.
+	void setRoot(const std::string &folder, const std::vector<std::string> &served, bool contained);
 
 	/// Makes a receiver of this computer, for a plugin that expects an older kernel and BusyBox: its
 	/// memory in the older layout, and BusyBox's ps, df and kill where BusyBox is installed.

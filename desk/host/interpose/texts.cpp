@@ -1,6 +1,7 @@
 #include "texts.h"
 
 #include "desk.h"
+#include "desk_error.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -28,13 +29,12 @@ Texts &Texts::get()
 	return texts;
 }
 
-bool Texts::setLanguage(const std::string &lang, const std::string &in, const std::string &domain,
-                        std::string &error)
+void Texts::setLanguage(const std::string &lang, const std::string &in, const std::string &domain)
 {
 	const std::string territory = lang.substr(0, lang.find_first_of(".@"));
 	const std::string language = territory.substr(0, territory.find('_'));
 	if (language == "en") // the language of the texts themselves
-		return true;
+		return;
 	const auto isThere = [&](const std::string &name) {
 		std::error_code failed;
 		return fs::exists(fileOf(in, name, domain), failed);
@@ -46,26 +46,23 @@ bool Texts::setLanguage(const std::string &lang, const std::string &in, const st
 		for (const fs::directory_entry &entry : fs::directory_iterator(in, failed))
 			if (const std::string name = entry.path().filename(); isThere(name))
 				known.insert(name);
-		error = "there is no message catalogue '" + domain + "' for '" + lang + "' in '" +
-		        fs::path(in).lexically_normal().string() + "'; --lang knows:";
+		std::string line = "there is no message catalogue '" + domain + "' for '" + lang + "' in '" +
+		                   fs::path(in).lexically_normal().string() + "'; --lang knows:";
 		for (const std::string &name : known)
-			error += ' ' + name;
-		error += "; --catalogue names another folder";
-		return false;
+			line += ' ' + name;
+		throw Error(line + "; --catalogue names another folder");
 	}
 	const std::string modifier = lang.substr(std::min(lang.find('@'), lang.size()));
 	languages = {lang, territory + modifier, language + modifier, territory, language};
 	current = domain;
 	std::error_code failed;
 	folder = fs::absolute(in, failed); // the plugin may go elsewhere
-	loaded[{folder, current}] = load(folder, current, error);
-	return error.empty();
+	loaded[{folder, current}] = load(folder, current);
 }
 
-bool Texts::setWords(const std::string &from, std::string &error)
+void Texts::setWords(const std::string &from)
 {
-	words = load(from, "vexlomenu", error);
-	return error.empty();
+	words = load(from, "vexlomenu");
 }
 
 const char *Texts::word(const char *id) const
@@ -76,20 +73,15 @@ const char *Texts::word(const char *id) const
 	return id;
 }
 
-std::vector<Catalogue> Texts::load(const std::string &from, const std::string &domain,
-                                   std::string &error) const
+std::vector<Catalogue> Texts::load(const std::string &from, const std::string &domain) const
 {
 	std::vector<Catalogue> catalogues;
 	std::set<std::string> seen;
 	for (const std::string &language : languages) {
 		const fs::path path = fileOf(from, language, domain);
 		std::error_code failed;
-		if (!seen.insert(language).second || !fs::exists(path, failed))
-			continue;
-		std::optional<Catalogue> catalogue = Catalogue::load(path, error);
-		if (!catalogue)
-			return {};
-		catalogues.push_back(std::move(*catalogue));
+		if (seen.insert(language).second && fs::exists(path, failed))
+			catalogues.push_back(Catalogue::load(path));
 	}
 	return catalogues;
 }
@@ -102,12 +94,14 @@ const std::vector<Catalogue> &Texts::cataloguesOf(const char *domain)
 	if (known != loaded.end())
 		return known->second;
 	const int before = errno;
-	std::string error;
-	const auto added = loaded.emplace(std::make_pair(from, name), load(from, name, error)).first;
-	if (!error.empty())
-		Desk::get().note("deskhost: " + error);
+	std::vector<Catalogue> &added = loaded[{from, name}];
+	try {
+		added = load(from, name);
+	} catch (const Error &error) { // the plugin asks, and goes on without
+		Desk::get().note("deskhost: " + error.line);
+	}
 	errno = before;
-	return added->second;
+	return added;
 }
 
 const char *Texts::find(const char *domain, const char *id)

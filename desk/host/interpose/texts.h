@@ -19,12 +19,11 @@ public:
 	static Texts &get();
 
 	/// Takes the texts of `domain` from `folder`/LANG/LC_MESSAGES/`domain`.mo. "de_AT.UTF-8" may do with "de";
-	/// English needs no catalogue. On failure returns false and leaves one line in `error`.
-	bool setLanguage(const std::string &lang, const std::string &folder, const std::string &domain,
-	                 std::string &error);
+	/// English needs no catalogue. Throws an Error when there is none, or none that can be used.
+	void setLanguage(const std::string &lang, const std::string &folder, const std::string &domain);
 
 	/// Takes the host's own words from there as well, of its own domain. A language that is not there leaves them in English.
-	bool setWords(const std::string &folder, std::string &error);
+	void setWords(const std::string &folder);
 	/// One of them, or `id` itself. Whatever the plugin's catalogues say.
 	const char *word(const char *id) const;
 
@@ -43,8 +42,7 @@ public:
 private:
 	const std::vector<Catalogue> &cataloguesOf(const char *domain);
 	std::string folderOf(const std::string &domain) const;
-	std::vector<Catalogue> load(const std::string &folder, const std::string &domain,
-	                            std::string &error) const;
+	std::vector<Catalogue> load(const std::string &folder, const std::string &domain) const;
 
 	std::vector<std::string> languages; ///< names of folders, the one that says most first
 	std::string current;                ///< the domain that null means

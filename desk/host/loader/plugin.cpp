@@ -2,6 +2,7 @@
 
 #include "caller.h"
 #include "contract.h"
+#include "desk_error.h"
 
 #include <dlfcn.h>
 #include <elf.h>
@@ -20,10 +21,10 @@ namespace
 
 namespace fs = std::filesystem;
 
-std::string failure(const std::string &path, std::string reason, const char *advice)
+Error failure(const std::string &path, std::string reason, const char *advice)
 {
 	std::replace(reason.begin(), reason.end(), '\n', ' ');
-	return "cannot load the plugin '" + path + "': " + reason + "; " + advice;
+	return Error("cannot load the plugin '" + path + "': " + reason + "; " + advice, statusNotToItsEnd);
 }
 
 /// The loader's reason with the symbol that it names as C++ writes it.
@@ -51,15 +52,14 @@ const char *adviceFor(const std::string &reason)
 	return "name a plugin built for this computer with --plugin";
 }
 
-bool isFile(const std::string &path, std::string &error)
+void requireFile(const std::string &path)
 {
 	std::error_code failed;
 	const fs::file_status status = fs::status(path, failed);
 	if (!fs::exists(status))
-		error = failure(path, "there is no such file", "build it, or name another one with --plugin");
-	else if (!fs::is_regular_file(status))
-		error = failure(path, "it is no file", "name the plugin itself with --plugin");
-	return fs::is_regular_file(status);
+		throw failure(path, "there is no such file", "build it, or name another one with --plugin");
+	if (!fs::is_regular_file(status))
+		throw failure(path, "it is no file", "name the plugin itself with --plugin");
 }
 
 bool isFunction(const void *symbol)
@@ -73,22 +73,17 @@ bool isFunction(const void *symbol)
 
 } // namespace
 
-std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error)
+std::unique_ptr<Plugin> Plugin::load(const std::string &path)
 {
-	if (!isFile(path, error))
-		return nullptr;
+	requireFile(path);
 	// A bare name would be searched for among the system's libraries.
 	const std::string place = path.find('/') == std::string::npos ? "./" + path : path;
-	if (isCutOff(place)) {
-		error = failure(path, "the file is not complete", "build it again, or copy all of it");
-		return nullptr;
-	}
+	if (isCutOff(place))
+		throw failure(path, "the file is not complete", "build it again, or copy all of it");
 	// Before anything of it runs: what it would do with other classes has no bounds.
-	if (const std::string difference = differenceOfContract(place); !difference.empty()) {
-		error = failure(path, "it was built against another contract: " + difference,
-		                "build it against this host's headers");
-		return nullptr;
-	}
+	if (const std::string difference = differenceOfContract(place); !difference.empty())
+		throw failure(path, "it was built against another contract: " + difference,
+		              "build it against this host's headers");
 	const PluginRuns constructors;
 	void *handle = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
 	if (!handle) {
@@ -96,16 +91,14 @@ std::unique_ptr<Plugin> Plugin::load(const std::string &path, std::string &error
 		std::string reason = said ? said : "the loader does not say why";
 		if (reason.rfind(place + ": ", 0) == 0)
 			reason.erase(0, place.size() + 2);
-		error = failure(path, inClear(reason), adviceFor(reason));
-		return nullptr;
+		throw failure(path, inClear(reason), adviceFor(reason));
 	}
 	void *symbol = dlsym(handle, "plugin_exec");
 	if (!symbol || !isFunction(symbol)) {
-		error = symbol ? failure(path, "its plugin_exec is no function", "make it one: int plugin_exec()")
-		               : failure(path, "it has no plugin_exec",
-		                         "name a plugin of this host's kind with --plugin");
 		dlclose(handle);
-		return nullptr;
+		throw symbol
+			? failure(path, "its plugin_exec is no function", "make it one: int plugin_exec()")
+			: failure(path, "it has no plugin_exec", "name a plugin of this host's kind with --plugin");
 	}
 	return std::unique_ptr<Plugin>(new Plugin(handle, reinterpret_cast<int (*)()>(symbol)));
 }

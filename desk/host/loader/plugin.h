@@ -11,9 +11,8 @@ namespace desk
 class Plugin
 {
 public:
-	/// Null when `path` cannot be loaded or has no plugin_exec; `error` then says why and what to do,
-	/// in one line.
-	static std::unique_ptr<Plugin> load(const std::string &path, std::string &error);
+	/// Throws an Error when `path` cannot be loaded or has no plugin_exec.
+	static std::unique_ptr<Plugin> load(const std::string &path);
 
 	/// Unloads it.
 	~Plugin();

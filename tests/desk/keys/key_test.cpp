@@ -1,5 +1,7 @@
 #include "key.h"
 
+#include "error_of.h"
+
 #include <gtest/gtest.h>
 #include <set>
 
@@ -11,19 +13,7 @@ using Keys = std::vector<Key>;
 
 std::string mistakeIn(std::string_view script)
 {
-	std::string error;
-	EXPECT_FALSE(parseKeyScript(script, error)) << script;
-	EXPECT_EQ(error.find('\n'), error.npos) << error;
-	return error;
-}
-
-Keys keysOf(std::string_view script)
-{
-	std::string error;
-	const auto keys = parseKeyScript(script, error);
-	EXPECT_TRUE(keys) << error;
-	EXPECT_EQ(error, "");
-	return keys.value_or(Keys());
+	return support::errorOf([&] { parseKeyScript(script); });
 }
 
 TEST(RemoteKeys, have_the_names_that_scripts_use)
@@ -50,15 +40,15 @@ TEST(RemoteKeys, have_no_other_names)
 
 TEST(KeyScripts, are_names_between_any_white_space)
 {
-	EXPECT_EQ(keysOf("down ok exit"), (Keys{Key::down, Key::ok, Key::exit}));
-	EXPECT_EQ(keysOf("  down\n\tok \r\n exit\v\f"), (Keys{Key::down, Key::ok, Key::exit}));
-	EXPECT_EQ(keysOf("7"), Keys{Key::digit7});
+	EXPECT_EQ(parseKeyScript("down ok exit"), (Keys{Key::down, Key::ok, Key::exit}));
+	EXPECT_EQ(parseKeyScript("  down\n\tok \r\n exit\v\f"), (Keys{Key::down, Key::ok, Key::exit}));
+	EXPECT_EQ(parseKeyScript("7"), Keys{Key::digit7});
 }
 
 TEST(KeyScripts, may_be_empty)
 {
-	EXPECT_EQ(keysOf(""), Keys{});
-	EXPECT_EQ(keysOf(" \n\t "), Keys{});
+	EXPECT_EQ(parseKeyScript(""), Keys{});
+	EXPECT_EQ(parseKeyScript(" \n\t "), Keys{});
 }
 
 TEST(KeyScripts, may_be_long)
@@ -66,7 +56,7 @@ TEST(KeyScripts, may_be_long)
 	std::string script;
 	for (int i = 0; i < 100000; ++i)
 		script += "down ";
-	EXPECT_EQ(keysOf(script).size(), 100000u);
+	EXPECT_EQ(parseKeyScript(script).size(), 100000u);
 }
 
 TEST(KeyScripts, name_the_unknown_key_and_list_the_known_ones)

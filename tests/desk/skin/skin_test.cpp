@@ -1,5 +1,6 @@
 #include "skin.h"
 
+#include "error_of.h"
 #include "temp_folder.h"
 
 #include <cmath>
@@ -19,26 +20,17 @@ const std::string standard = DESK_SKINS "/default.toml";
 
 Skin skinOf(const std::string &text)
 {
-	std::string error;
-	const auto skin = Skin::parse(text, "test.toml", error);
-	EXPECT_TRUE(skin) << error;
-	return skin.value_or(Skin());
+	return Skin::parse(text, "test.toml");
 }
 
 std::string mistakeIn(const std::string &text)
 {
-	std::string error;
-	EXPECT_FALSE(Skin::parse(text, "test.toml", error)) << text;
-	EXPECT_EQ(error.find('\n'), error.npos) << error;
-	return error;
+	return support::errorOf([&] { skinOf(text); });
 }
 
 std::string loadMistake(const std::string &path)
 {
-	std::string error;
-	EXPECT_FALSE(Skin::load(path, error)) << path;
-	EXPECT_EQ(error.find('\n'), error.npos) << error;
-	return error;
+	return support::errorOf([&] { Skin::load(path); });
 }
 
 // Relative luminance as in the contrast rules for web pages, where 4.5 : 1 is legible.
@@ -59,15 +51,13 @@ double contrast(Color a, Color b)
 
 TEST(StandardSkin, has_what_the_plugin_asks_for)
 {
-	std::string error;
-	const auto skin = Skin::load(standard, error);
-	ASSERT_TRUE(skin) << error;
-	EXPECT_EQ(skin->value("fontsize"), 20);
-	EXPECT_EQ(skin->value("fontSize"), std::nullopt);
-	EXPECT_TRUE(skin->decoration("eButton").background);
-	EXPECT_TRUE(skin->decoration("eButton").focused);
-	EXPECT_FALSE(skin->decoration("eLabel").background);
-	EXPECT_GT(skin->decoration("eListBox").padding, 0);
+	const Skin skin = Skin::load(standard);
+	EXPECT_EQ(skin.value("fontsize"), 20);
+	EXPECT_EQ(skin.value("fontSize"), std::nullopt);
+	EXPECT_TRUE(skin.decoration("eButton").background);
+	EXPECT_TRUE(skin.decoration("eButton").focused);
+	EXPECT_FALSE(skin.decoration("eLabel").background);
+	EXPECT_GT(skin.decoration("eListBox").padding, 0);
 }
 
 TEST(StandardSkin, is_legible_from_a_sofa)
@@ -216,7 +206,6 @@ TEST(Skins, never_crash_on_any_bytes)
 	std::mt19937 random(3);
 	std::uniform_int_distribution<int> byte(0, 255), count(1, 8), kind(0, 2);
 	std::uniform_int_distribution<size_t> place(0, good.size() - 1);
-	std::string error;
 	for (int i = 0; i < 3000; ++i) {
 		std::string text = good;
 		for (int n = count(random); n > 0; --n) {
@@ -235,11 +224,13 @@ TEST(Skins, never_crash_on_any_bytes)
 			if (text.empty())
 				text = "x";
 		}
-		error.clear();
-		const bool read = Skin::parse(text, "test.toml", error).has_value();
-		ASSERT_EQ(read, error.empty());
-		ASSERT_EQ(error.find('\n'), error.npos) << error;
-		ASSERT_LT(error.size(), 1000u);
+		try {
+			skinOf(text);
+		} catch (const Error &error) {
+			ASSERT_FALSE(error.line.empty());
+			ASSERT_EQ(error.line.find('\n'), std::string::npos) << error.line;
+			ASSERT_LT(error.line.size(), 1000u);
+		}
 	}
 	mistakeIn(std::string(100000, '['));
 	mistakeIn("a = " + std::string(100000, '['));

@@ -2,6 +2,7 @@
 
 #include "catalogue.h"
 
+#include "error_of.h"
 #include "plural_rule.h"
 #include "support.h"
 
@@ -40,13 +41,9 @@ std::string german(const support::Command &options = {})
 	return made(support::readFile(support::sourcePath("po/de.po")), options);
 }
 
-std::optional<Catalogue> parsed(const std::string &bytes)
+Catalogue parsed(const std::string &bytes)
 {
-	std::string error;
-	std::optional<Catalogue> catalogue = Catalogue::parse(bytes, "some.mo", error);
-	EXPECT_TRUE(catalogue) << error;
-	EXPECT_EQ(error, "");
-	return catalogue;
+	return Catalogue::parse(bytes, "some.mo");
 }
 
 void expectClear(const std::string &error, const std::string &name)
@@ -58,8 +55,7 @@ void expectClear(const std::string &error, const std::string &name)
 /// The error message for these bytes.
 std::string refusal(const std::string &bytes)
 {
-	std::string error;
-	EXPECT_FALSE(Catalogue::parse(bytes, "some.mo", error));
+	const std::string error = support::errorOf([&] { parsed(bytes); });
 	expectClear(error, "some.mo");
 	return error;
 }
@@ -92,13 +88,12 @@ TEST(Catalogue, gives_the_translation_or_nothing)
 {
 	for (const char *order : {"little", "big"})
 		for (const char *table : {"--no-hash", "--alignment=8"}) {
-			const auto catalogue = parsed(german({"--endianness=" + std::string(order), table}));
-			ASSERT_TRUE(catalogue);
-			EXPECT_STREQ(catalogue->find("process info"), "Prozess-Info");
-			EXPECT_STREQ(catalogue->find("Warning"), "Warnung");
-			EXPECT_EQ(std::string(catalogue->find("")).rfind("Project-Id-Version:", 0), 0u) << "its header";
-			EXPECT_EQ(catalogue->find("Prozess-Info"), nullptr);
-			EXPECT_EQ(catalogue->find("process inf"), nullptr);
+			const Catalogue catalogue = parsed(german({"--endianness=" + std::string(order), table}));
+			EXPECT_STREQ(catalogue.find("process info"), "Prozess-Info");
+			EXPECT_STREQ(catalogue.find("Warning"), "Warnung");
+			EXPECT_EQ(std::string(catalogue.find("")).rfind("Project-Id-Version:", 0), 0u) << "its header";
+			EXPECT_EQ(catalogue.find("Prozess-Info"), nullptr);
+			EXPECT_EQ(catalogue.find("process inf"), nullptr);
 		}
 }
 
@@ -108,29 +103,28 @@ TEST(Catalogue, needs_no_order_and_no_header)
 	const std::string bytes = word(0x950412de) + word(0x10000) + word(2) + word(28) + word(44) + word(0) +
 	                          word(60) + word(1) + word(60) + word(1) + word(62) + word(1) + word(64) +
 	                          word(1) + word(66) + std::string("b\0a\0002\0001\0", 8);
-	const auto catalogue = parsed(bytes);
-	ASSERT_TRUE(catalogue);
-	EXPECT_STREQ(catalogue->find("a"), "1");
-	EXPECT_STREQ(catalogue->find("b"), "2");
-	EXPECT_EQ(catalogue->find(""), nullptr);
-	EXPECT_TRUE(parsed(byHand(0, 0, 0, ""))) << "one that translates nothing";
+	const Catalogue catalogue = parsed(bytes);
+	EXPECT_STREQ(catalogue.find("a"), "1");
+	EXPECT_STREQ(catalogue.find("b"), "2");
+	EXPECT_EQ(catalogue.find(""), nullptr);
+	EXPECT_NO_THROW(parsed(byHand(0, 0, 0, ""))) << "one that translates nothing";
 }
 
 TEST(Catalogue, gives_the_form_that_a_number_takes)
 {
-	const auto catalogue = parsed(made("msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n"
-	                                   "\"Plural-Forms: nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : "
-	                                   "n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);\\n\"\n"
-	                                   "msgid \"%d file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"%d plik\"\n"
-	                                   "msgstr[1] \"%d pliki\"\nmsgstr[2] \"no number\"\n"
-	                                   "msgctxt \"menu\"\nmsgid \"%d row\"\nmsgstr \"%d rząd\"\n"));
-	ASSERT_TRUE(catalogue);
-	EXPECT_STREQ(catalogue->find("%d file", 1), "%d plik");
-	EXPECT_STREQ(catalogue->find("%d file", 23), "%d pliki");
-	EXPECT_STREQ(catalogue->find("%d file", 12), "no number") << "a form may leave a value out";
-	EXPECT_STREQ(catalogue->find("%d file"), "%d plik");
-	EXPECT_STREQ(catalogue->find("menu\4%d row", 5), "%d rząd") << "it has one form only";
-	EXPECT_EQ(catalogue->find("%d files", 2), nullptr);
+	const Catalogue catalogue =
+		parsed(made("msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n"
+	                "\"Plural-Forms: nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : "
+	                "n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);\\n\"\n"
+	                "msgid \"%d file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"%d plik\"\n"
+	                "msgstr[1] \"%d pliki\"\nmsgstr[2] \"no number\"\n"
+	                "msgctxt \"menu\"\nmsgid \"%d row\"\nmsgstr \"%d rząd\"\n"));
+	EXPECT_STREQ(catalogue.find("%d file", 1), "%d plik");
+	EXPECT_STREQ(catalogue.find("%d file", 23), "%d pliki");
+	EXPECT_STREQ(catalogue.find("%d file", 12), "no number") << "a form may leave a value out";
+	EXPECT_STREQ(catalogue.find("%d file"), "%d plik");
+	EXPECT_STREQ(catalogue.find("menu\4%d row", 5), "%d rząd") << "it has one form only";
+	EXPECT_EQ(catalogue.find("%d files", 2), nullptr);
 }
 
 TEST(Catalogue, counts_as_english_does_without_a_rule)
@@ -140,11 +134,10 @@ TEST(Catalogue, counts_as_english_does_without_a_rule)
 			std::string(header) + "%s" +
 			"msgid \"one\"\nmsgid_plural \"more\"\nmsgstr[0] \"eins\"\nmsgstr[1] \"mehr\"\n";
 		messages.replace(messages.find("%s"), 2, rule);
-		const auto catalogue = parsed(made(messages));
-		ASSERT_TRUE(catalogue);
-		EXPECT_STREQ(catalogue->find("one", 0), "mehr");
-		EXPECT_STREQ(catalogue->find("one", 1), "eins");
-		EXPECT_STREQ(catalogue->find("one", 2), "mehr");
+		const Catalogue catalogue = parsed(made(messages));
+		EXPECT_STREQ(catalogue.find("one", 0), "mehr");
+		EXPECT_STREQ(catalogue.find("one", 1), "eins");
+		EXPECT_STREQ(catalogue.find("one", 2), "mehr");
 	}
 }
 
@@ -167,11 +160,12 @@ TEST(Catalogue, harms_nobody_whatever_bytes_it_has)
 		const size_t range = i % 4 < 2 ? bytes.size() : std::min<size_t>(bytes.size(), 320);
 		for (unsigned changes = 1 + random() % 4; changes > 0; --changes)
 			bytes[random() % range] = static_cast<char>(random());
-		std::string error;
-		const auto catalogue = Catalogue::parse(bytes, "some.mo", error);
-		if (!catalogue) {
+		std::optional<Catalogue> catalogue;
+		try {
+			catalogue = parsed(bytes);
+		} catch (const desk::Error &error) {
 			++refused;
-			expectClear(error, "some.mo");
+			expectClear(error.line, "some.mo");
 			continue;
 		}
 		for (const std::string &id : ids)
@@ -194,7 +188,7 @@ TEST(Catalogue, harms_nobody_whatever_bytes_it_has)
 TEST(Catalogue, has_all_its_texts_in_its_file)
 {
 	const std::string text("text\0", 5);
-	EXPECT_TRUE(parsed(byHand(1, 4, 36, text)));
+	EXPECT_NO_THROW(parsed(byHand(1, 4, 36, text)));
 	expectRefused(byHand(1, 4, 37, text), "text number 1 is damaged");
 	expectRefused(byHand(1, 3, 36, text), "text number 1 is damaged");
 	expectRefused(byHand(1, 5, 36, text), "text number 1 is damaged");
@@ -214,7 +208,7 @@ TEST(Catalogue, keeps_to_its_bounds)
 	std::string values;
 	for (int i = 0; i < 1000000; ++i)
 		values += "%d";
-	EXPECT_TRUE(parsed(byHand(1, static_cast<unsigned>(values.size()), 36, values + '\0')));
+	EXPECT_NO_THROW(parsed(byHand(1, static_cast<unsigned>(values.size()), 36, values + '\0')));
 }
 
 TEST(Catalogue, is_of_a_kind_that_is_known)
@@ -233,11 +227,11 @@ TEST(Catalogue, is_in_utf_8)
 		            "\\n\"\nmsgid \"a\"\nmsgstr \"b\"\n");
 	};
 	for (const char *same : {"utf-8", "UTF-8", "US-ASCII"})
-		EXPECT_TRUE(parsed(withCharset(same))) << same;
+		EXPECT_NO_THROW(parsed(withCharset(same))) << same;
 	std::string latin = withCharset("UTF-8");
 	latin.replace(latin.find("UTF-8"), 5, "CP850");
 	expectRefused(latin, "its character set is CP850; make it UTF-8");
-	EXPECT_TRUE(parsed(made("msgid \"a\"\nmsgstr \"b\"\n"))) << "none is said";
+	EXPECT_NO_THROW(parsed(made("msgid \"a\"\nmsgstr \"b\"\n"))) << "none is said";
 }
 
 TEST(Catalogue, formats_no_value_that_the_text_lacks)
@@ -256,7 +250,7 @@ TEST(Catalogue, formats_no_value_that_the_text_lacks)
 	                                                         {"%d, 5 % more", "%d, 5 % more"},
 	                                                         {"plain", "%s"}};
 	for (const auto &[id, translation] : fitting)
-		EXPECT_TRUE(parsed(with(id, translation))) << translation;
+		EXPECT_NO_THROW(parsed(with(id, translation))) << translation;
 	const std::pair<const char *, const char *> others[] = {
 		{"%d rows", "%s"}, {"%d rows", "%ld"}, {"%d rows", "%n"},       {"%s", "%s %s"}, {"%s", "%2$s"},
 		{"%s", "%11$"},    {"%s", "%*s"},      {"%d rows %s", "%s %d"}, {"%s", "%1$n"},  {"%d", "% n"},
@@ -271,8 +265,7 @@ TEST(Catalogue, formats_no_value_that_the_text_lacks)
 TEST(Catalogue, is_a_file_that_can_be_read)
 {
 	TempFolder place;
-	std::string error;
-	EXPECT_TRUE(Catalogue::load(place.write("good.mo", german()), error)) << error;
+	EXPECT_NO_THROW(Catalogue::load(place.write("good.mo", german())));
 
 	ASSERT_EQ(mkfifo((place / "pipe").c_str(), 0600), 0);
 	const std::pair<std::string, const char *> others[] = {{place / "pipe", "it is no file"},
@@ -281,14 +274,15 @@ TEST(Catalogue, is_a_file_that_can_be_read)
 	                                                       {place / "missing", "No such file"},
 	                                                       {place.write("empty.mo", ""), "it is none"}};
 	for (const auto &[path, reason] : others) {
-		EXPECT_FALSE(Catalogue::load(path, error)) << path;
+		SCOPED_TRACE(path);
+		const std::string error = support::errorOf([path = path] { Catalogue::load(path); });
 		expectClear(error, path);
 		EXPECT_NE(error.find(reason), std::string::npos) << error;
 	}
 	if (geteuid() == 0)
 		return; // the superuser reads every file
 	chmod((place / "good.mo").c_str(), 0);
-	EXPECT_FALSE(Catalogue::load(place / "good.mo", error));
+	const std::string error = support::errorOf([&] { Catalogue::load(place / "good.mo"); });
 	EXPECT_NE(error.find("Permission denied"), std::string::npos) << error;
 }
 

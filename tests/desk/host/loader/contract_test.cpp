@@ -3,6 +3,7 @@
 #include "contract.h"
 
 #include "econtract.h"
+#include "error_of.h"
 #include "plugin.h"
 #include "support.h"
 
@@ -30,10 +31,7 @@ std::string contractPlugin(const std::string &name)
 TEST(Contract, is_the_same_for_a_plugin_of_this_host)
 {
 	EXPECT_EQ(differenceOfContract(contractPlugin("same")), "");
-	std::string error;
-	const auto plugin = Plugin::load(contractPlugin("same"), error);
-	ASSERT_TRUE(plugin) << error;
-	EXPECT_EQ(plugin->exec(), 4711);
+	EXPECT_EQ(Plugin::load(contractPlugin("same"))->exec(), 4711);
 }
 
 TEST(Contract, is_told_apart_by_a_virtual_operation)
@@ -66,18 +64,16 @@ TEST(Contract, is_told_apart_by_its_classes)
 
 TEST(Contract, keeps_a_plugin_of_another_one_from_running)
 {
-	std::string error;
-	EXPECT_FALSE(Plugin::load(contractPlugin("operation_more"), error));
-	EXPECT_EQ(error, "cannot load the plugin '" + contractPlugin("operation_more") +
-	                     "': it was built against another contract: eWidget has 1 virtual operation more "
-	                     "than here; build it against this host's headers");
+	EXPECT_EQ(support::errorOf([] { Plugin::load(contractPlugin("operation_more")); }),
+	          "cannot load the plugin '" + contractPlugin("operation_more") +
+	              "': it was built against another contract: eWidget has 1 virtual operation more "
+	              "than here; build it against this host's headers");
 }
 
 TEST(Contract, is_not_asked_for)
 {
 	EXPECT_EQ(differenceOfContract(support::testPlugin("result.so.0")), "") << "a plugin without the note";
-	std::string error;
-	EXPECT_TRUE(Plugin::load(support::testPlugin("result.so.0"), error)) << error;
+	EXPECT_NO_THROW(Plugin::load(support::testPlugin("result.so.0")));
 	TempFolder folder;
 	EXPECT_EQ(differenceOfContract(folder.path() + "/nothing"), "");
 	EXPECT_EQ(differenceOfContract(folder.write("text", "#!/bin/sh\n")), "");
@@ -115,14 +111,14 @@ TEST(PluginFile, that_is_cut_off_anywhere_is_not_loaded)
 {
 	const TempFolder folder;
 	const std::string whole = support::readFile(support::pluginPath());
-	std::string error;
 	EXPECT_FALSE(desk::isCutOff(support::pluginPath()));
 	EXPECT_FALSE(desk::isCutOff(folder.write("text", "#!/bin/sh\n"))) << "the loader says what it is";
 	for (size_t part = 0; part < 150; ++part) {
 		const size_t size = whole.size() * part / 150;
 		const std::string path = folder.write("cut.so.0", whole.substr(0, size));
 		EXPECT_TRUE(size < sizeof(ElfW(Ehdr)) || desk::isCutOff(path)) << size;
-		EXPECT_FALSE(Plugin::load(path, error)) << size;
+		SCOPED_TRACE(size);
+		const std::string error = support::errorOf([&] { Plugin::load(path); });
 		EXPECT_EQ(error.rfind("cannot load the plugin '" + path + "': ", 0), 0u) << error;
 	}
 	EXPECT_TRUE(desk::isCutOff(folder.write("cut.so.0", whole.substr(0, whole.size() - 1))));

@@ -64,11 +64,8 @@ std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 	receiver.df(support::repeat("/dev/root 7.8M 3.1M 4.7M 40% /\n", 5));
 	receiver.meminfo(support::repeat("MemTotal: 61888 kB\n", 12));
 	receiver.scanLog(support::repeat("transponder\n", 40));
-	std::string error;
-	EXPECT_TRUE(desk::Files::get().setRoot(receiver.path(), desk::Start().served, false, error)) << error;
-	auto skin = desk::Skin::load(support::sourcePath("desk/skins/default.toml"), error);
-	EXPECT_TRUE(skin) << error;
-	Desk::get().setSkin(std::move(*skin));
+	desk::Files::get().setRoot(receiver.path(), desk::Start().served, false);
+	Desk::get().setSkin(desk::Skin::load(support::sourcePath("desk/skins/default.toml")));
 	std::vector<Rect> changes;
 	Painter viewer(keys, changes);
 	support::runInside(viewer, plugin, true);

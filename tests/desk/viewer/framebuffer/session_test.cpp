@@ -27,11 +27,10 @@ public:
 		options.root = receiver.path();
 		options.keys = {desk::Key::ok};
 		options.dump = folder / "dump";
-		std::string error;
 		desk::Stage stage;
 		stage.half = support::pluginHalfPath();
 		stage.skinText = support::readFile(support::sourcePath("desk/skins/default.toml"));
-		stage.skin = *desk::Skin::parse(stage.skinText, "skin", error);
+		stage.skin = desk::Skin::parse(stage.skinText, "skin");
 		stage.draws = true;
 		stage.openScreen = [this](std::string &why) {
 			return desk::makeFramebufferScreen({screen.path, remote.path, console.path}, why);
