@@ -87,8 +87,8 @@ bool has(const fs::path &folder, const fs::path &file)
 	return false;
 }
 
-/// Whether what is recorded would overwrite something else that is written or read.
-bool overwrites(const Options &options, std::string &error)
+/// What is recorded overwrites nothing else that is written or read.
+void refuseToOverwrite(const Options &options)
 {
 	struct File
 	{
@@ -107,37 +107,35 @@ bool overwrites(const Options &options, std::string &error)
 		if (output.path.empty())
 			continue;
 		for (size_t other = 0; other < recorded; ++other)
-			if (!outputs[other].path.empty() && isSameFile(output.path, outputs[other].path)) {
-				error = std::string(outputs[other].name) + " and " + output.name +
-				        " would overwrite each other in '" + output.path + "'; give each a file of its own";
-				return true;
-			}
+			if (!outputs[other].path.empty() && isSameFile(output.path, outputs[other].path))
+				throw Error(std::string(outputs[other].name) + " and " + output.name +
+				            " would overwrite each other in '" + output.path +
+				            "'; give each a file of its own");
 		const char *what = isCatalogue(output.path) ? "a message catalogue" : nullptr;
 		for (const File &input : inputs)
 			if (isSameFile(output.path, input.path))
 				what = input.name;
 		if (has(root, output.path))
 			what = "a file of the --root folder";
-		if (what) {
-			error = std::string(output.name) + " would overwrite " + what + ", '" + output.path +
-			        "'; name another file";
-			return true;
-		}
+		if (what)
+			throw Error(std::string(output.name) + " would overwrite " + what + ", '" + output.path +
+			            "'; name another file");
 	}
-	return false;
 }
 
-/// Opens what is to be recorded, once there is something; false with one line in `error`.
-bool openRecordings(const Options &options, Recorder &recorder, std::string &error)
+/// Opens what is to be recorded, once there is something.
+void openRecordings(const Options &options, Recorder &recorder)
 {
-	const bool opened = !overwrites(options, error) &&
-	                    (options.pictures.empty() || recorder.openPictures(options.pictures, error)) &&
-	                    (options.dump.empty() || recorder.openDump(options.dump, error)) &&
-	                    (options.trace.empty() || recorder.openTrace(options.trace, error)) &&
-	                    (options.debug.empty() || NoteLog::get().open(options.debug, error));
-	if (opened)
-		recorder.begin();
-	return opened;
+	refuseToOverwrite(options);
+	if (!options.pictures.empty())
+		recorder.openPictures(options.pictures);
+	if (!options.dump.empty())
+		recorder.openDump(options.dump);
+	if (!options.trace.empty())
+		recorder.openTrace(options.trace);
+	if (!options.debug.empty())
+		NoteLog::get().open(options.debug);
+	recorder.begin();
 }
 
 bool displayIsNamed()
@@ -154,14 +152,15 @@ bool displayIsNamed()
 std::string likelyScreen(std::string &note)
 {
 	std::string otherwise = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
-	std::string why;
 	if (!displayIsNamed())
 		return otherwise;
-	if (displayAnswers(why))
+	try {
+		awaitDisplay();
 		return "window";
-	// It was named long ago, as in a terminal that has outlived it.
-	note = "deskhost: " + why + "; this is --screen " + otherwise;
-	return otherwise;
+	} catch (const Error &error) { // it was named long ago, as in a terminal that has outlived it
+		note = "deskhost: " + error.line + "; this is --screen " + otherwise;
+		return otherwise;
+	}
 }
 
 /// What the plugin is called: "vexlomenu" for ".../vexlomenu.so.0".
@@ -182,19 +181,19 @@ std::string halfFor(const Options &options)
 	return options.through.empty() || isHere ? own : beside;
 }
 
-std::unique_ptr<Screen> openScreen(const Options &options, std::string &error)
+std::unique_ptr<Screen> openScreen(const Options &options)
 {
 	const std::string &name = options.screen;
 	if (name == "window")
-		return makeWindowScreen(pluginName(options.plugin), error);
+		return makeWindowScreen(pluginName(options.plugin));
 	if (name == "terminal")
-		return makeTerminalScreen(error);
+		return makeTerminalScreen();
 	if (name == "framebuffer")
-		return makeFramebufferScreen(options.devices, error);
+		return makeFramebufferScreen(options.devices);
 	return std::make_unique<Screen>();
 }
 
-int run(int argc, char **argv)
+void run(int argc, char **argv)
 {
 	occupyStandardStreams();
 	std::set_new_handler(endWithoutMemory);
@@ -203,7 +202,7 @@ int run(int argc, char **argv)
 
 	std::optional<Options> options = readArguments(argc, argv);
 	if (!options)
-		return 0;
+		return;
 	if (options->catalogue.empty())
 		options->catalogue = pluginName(options->plugin);
 	Stage stage;
@@ -229,9 +228,9 @@ int run(int argc, char **argv)
 	stage.half = halfFor(*options);
 	stage.rowHeight = inTerminal ? terminalRowHeight : 0;
 	stage.holdsErrorsBack = inTerminal && isatty(STDERR_FILENO);
-	stage.openScreen = [&options](std::string &why) { return openScreen(*options, why); };
-	stage.openRecordings = [&](std::string &why) { return openRecordings(*options, recorder, why); };
-	return Session(*options, std::move(stage), recorder).run();
+	stage.openScreen = [&] { return openScreen(*options); };
+	stage.openRecordings = [&] { openRecordings(*options, recorder); };
+	Session(*options, std::move(stage), recorder).run();
 }
 
 } // namespace
@@ -240,7 +239,10 @@ int run(int argc, char **argv)
 
 int main(int argc, char **argv)
 try {
-	return desk::run(argc, argv);
+	desk::run(argc, argv);
+	return 0;
 } catch (const desk::Error &error) {
-	return desk::fail(error.status, error.line);
+	if (!error.line.empty())
+		std::fprintf(stderr, "deskhost: %s\n", desk::localText(error.line).c_str());
+	return error.status;
 }

@@ -1,5 +1,6 @@
 #include "note_log.h"
 
+#include "desk_error.h"
 #include "visible_text.h"
 
 #include <algorithm>
@@ -15,19 +16,16 @@ NoteLog &NoteLog::get()
 	return log;
 }
 
-bool NoteLog::open(const std::string &path, std::string &error)
+void NoteLog::open(const std::string &path)
 {
 	file = std::fopen(path.c_str(), "we");
-	if (!file) {
-		error = "cannot write debug lines to '" + path + "': " + std::strerror(errno) +
-		        "; name a file that can be written";
-		return false;
-	}
+	if (!file)
+		throw Error("cannot write debug lines to '" + path + "': " + std::strerror(errno) +
+		            "; name a file that can be written");
 	std::setvbuf(file, nullptr, _IOLBF, BUFSIZ); // for somebody who watches it grow
 	whole = true;
 	for (const std::string &line : lines)
 		std::fputs((line + '\n').c_str(), file);
-	return true;
 }
 
 bool NoteLog::close()

@@ -21,9 +21,9 @@ public:
 
 	static NoteLog &get();
 
-	/// Writes the lines to `path` as well: those so far, and from now on each at once. On failure returns false and leaves one
-	/// line in `error`.
-	bool open(const std::string &path, std::string &error);
+	/// Writes the lines to `path` as well: those so far, and from now on each at once. Throws an Error when it cannot
+	/// be written.
+	void open(const std::string &path);
 
 	/// Ends it, and forgets the lines. False when not everything could be written.
 	bool close();

@@ -1,11 +1,9 @@
 #include "options.h"
 
 #include "desk_error.h"
-#include "visible_text.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
 #include <filesystem>
 #include <iostream>
 
@@ -15,12 +13,6 @@ namespace desk
 {
 
 namespace fs = std::filesystem;
-
-int fail(int status, const std::string &message)
-{
-	std::fprintf(stderr, "deskhost: %s\n", localText(message).c_str());
-	return status;
-}
 
 std::string besideProgram(std::initializer_list<const char *> places)
 {

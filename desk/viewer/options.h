@@ -34,9 +34,6 @@ struct Options
 /// cannot be understood.
 std::optional<Options> readArguments(int argc, char **argv);
 
-/// Says on standard error why there is no more to do; returns `status`.
-int fail(int status, const std::string &message);
-
 /// The first of these places, relative to the program, that exists; the first one when none does.
 std::string besideProgram(std::initializer_list<const char *> places);
 

@@ -1,5 +1,6 @@
 #include "other_half.h"
 
+#include "desk_error.h"
 #include "signals.h"
 
 #include <fcntl.h>
@@ -16,17 +17,17 @@ namespace desk
 {
 
 std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, std::vector<std::string> words,
-                                            const std::string &through, int errors, std::string &error)
+                                            const std::string &through, int errors)
 {
-	const auto failed = [&](const std::string &why) {
-		error = "cannot start the half that runs the plugin, '" + program + "': " + why;
-		return nullptr;
+	const auto failure = [&](const std::string &why) {
+		return Error("cannot start the half that runs the plugin, '" + program + "': " + why,
+		             statusNotToItsEnd);
 	};
 	if (through.empty() && access(program.c_str(), X_OK) != 0)
-		return failed(std::strerror(errno) + std::string("; install deskhost anew"));
+		throw failure(std::strerror(errno) + std::string("; install deskhost anew"));
 	int ends[2];
 	if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
-		return failed(std::strerror(errno));
+		throw failure(std::strerror(errno));
 	const bool inSandbox = !words.empty();
 	if (through.empty())
 		words.push_back(program);
@@ -54,7 +55,7 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, std::vec
 	close(ends[1]);
 	if (child < 0) {
 		close(ends[0]);
-		return failed(std::strerror(errno));
+		throw failure(std::strerror(errno));
 	}
 	fcntl(ends[0], F_SETFL, O_NONBLOCK);
 	return std::unique_ptr<OtherHalf>(new OtherHalf(child, ends[0], inSandbox));

@@ -19,9 +19,9 @@ class OtherHalf
 {
 public:
 	/// Starts `program`, by the words `sandbox` and the shell's command `through` where there are any. What it writes to standard error goes to
-	/// `errors`. On failure returns null and leaves one line in `error`.
+	/// `errors`. Throws an Error when it cannot be started.
 	static std::unique_ptr<OtherHalf> start(const std::string &program, std::vector<std::string> sandbox,
-	                                        const std::string &through, int errors, std::string &error);
+	                                        const std::string &through, int errors);
 	~OtherHalf();
 	OtherHalf(const OtherHalf &) = delete;
 	OtherHalf &operator=(const OtherHalf &) = delete;

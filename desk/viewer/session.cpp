@@ -1,6 +1,5 @@
 #include "session.h"
 
-#include "desk_error.h"
 #include "pixel_canvas.h"
 #include "sandbox.h"
 #include "visible_text.h"
@@ -55,39 +54,35 @@ Session::Session(const Options &given, Stage of, Recorder &records)
 	  plays(given.plays)
 {}
 
-int Session::run()
+void Session::run()
 {
 	if (stage.holdsErrorsBack)
 		NoteLog::get().holdBack([this](const std::string &line) { held.add(line); });
-	std::string error;
-	if (pipe2(errors, O_CLOEXEC | O_NONBLOCK) != 0)
-		finish(statusNotToItsEnd, std::string("cannot start: ") + std::strerror(errno));
-	else if (options.watch && !(watch = Watch::start(options.plugin, error)))
-		finish(statusNotToItsEnd, error);
-	else
+	try {
+		if (pipe2(errors, O_CLOEXEC | O_NONBLOCK) != 0)
+			throw Error(std::string("cannot start: ") + std::strerror(errno), statusNotToItsEnd);
+		if (options.watch)
+			watch = Watch::start(options.plugin);
 		startHalf();
-	while (state != State::over) {
-		pressNext();
-		if (state != State::over)
+		while (state != State::over) {
+			pressNext();
 			wait();
+		}
+	} catch (const Error &error) {
+		failure = error;
 	}
-	return close();
+	close();
 }
 
 // The other half.
 
-bool Session::startHalf()
+void Session::startHalf()
 {
-	std::string error;
 	Start start;
 	start.served.insert(start.served.end(), options.served.begin(), options.served.end());
 	const std::vector<std::string> sandbox = sandboxFor(start.served);
 	fcntl(errors[1], F_SETFL, 0); // who writes there waits
-	half = OtherHalf::start(stage.half, sandbox, options.through, errors[1], error);
-	if (!half) {
-		finish(statusNotToItsEnd, error);
-		return false;
-	}
+	half = OtherHalf::start(stage.half, sandbox, options.through, errors[1]);
 	start.plugin = options.plugin;
 	start.contained = !sandbox.empty();
 	start.root = start.contained ? Sandbox::receiver : options.root;
@@ -103,7 +98,6 @@ bool Session::startHalf()
 	half->send(Load());
 	state = State::busy;
 	busySince = Clock::now();
-	return true;
 }
 
 /// The words before the half's own that keep it in; none: there is no receiver, or nothing keeps it in.
@@ -138,7 +132,7 @@ std::vector<std::string> Session::sandboxFor(const std::vector<std::string> &ser
 
 void Session::listen()
 {
-	while (half && state != State::over) {
+	while (half) {
 		std::optional<ToViewer> message = half->next();
 		if (!message)
 			break;
@@ -148,34 +142,26 @@ void Session::listen()
 		giveUp("what comes from its half are no messages, or one is larger than 64 MB");
 }
 
-bool Session::openScreen()
+void Session::openScreen()
 {
-	std::string error;
 	if (screen)
-		return true;
-	screen = stage.openScreen(error);
-	if (!screen) {
-		finish(statusBadArguments, error);
-		return false;
-	}
+		return;
+	screen = stage.openScreen();
 	if (!stage.note.empty())
 		NoteLog::get().add(stage.note);
-	return true;
 }
 
 /// After the screen: a plugin or a screen that is not there leaves what was recorded last.
-bool Session::openRecordings()
+void Session::openRecordings()
 {
-	std::string error;
-	if (!std::exchange(isRecording, true) && !stage.openRecordings(error))
-		finish(statusBadArguments, error);
-	return state != State::over;
+	if (!std::exchange(isRecording, true))
+		stage.openRecordings();
 }
 
 void Session::handle(Loaded &)
 {
-	if (!openScreen() || !openRecordings())
-		return;
+	openScreen();
+	openRecordings();
 	hidePanel();
 	if (!afterLoading.empty())
 		say(std::exchange(afterLoading, {}));
@@ -187,8 +173,7 @@ void Session::handle(Loaded &)
 void Session::handle(Failed &message)
 {
 	if (!screen || !watch) {
-		status = message.status;
-		why = message.why;
+		failure.emplace(message.why, message.status);
 		return letHalfEnd();
 	}
 	say("deskhost: " + message.why);
@@ -247,8 +232,8 @@ void Session::handle(Said &)
 
 void Session::handle(Call &message)
 {
-	if (!openScreen() || !openRecordings())
-		return;
+	openScreen();
+	openRecordings();
 	if (!message.aside)
 		recorder.call(message.line);
 	if (!options.debug.empty() && message.line.rfind("eDebug(", 0) != 0) // whose text comes as a note
@@ -276,7 +261,7 @@ void Session::handle(Returned &message)
 	leaving = false;
 	exits = 0;
 	if (!screen->lost().empty())
-		return finish(statusNotToItsEnd, screen->lost());
+		throw Error(screen->lost(), statusNotToItsEnd);
 	if (--plays > 0 && !screen->closed()) {
 		script.assign(options.keys.begin(), options.keys.end());
 		half->send(Load());
@@ -301,10 +286,10 @@ void Session::lookForEnd()
 		if (half->isSilent() && whyEnded.empty())
 			whyEnded = "it went on without a way to here";
 		if (screen && screen->closed())
-			return finish(statusNotToItsEnd, !screen->lost().empty()
-			                                     ? screen->lost()
-			                                     : "the window was closed while the plugin or a "
-			                                       "command was busy; ended without waiting for it");
+			throw Error(!screen->lost().empty() ? screen->lost()
+			                                    : "the window was closed while the plugin or a "
+			                                      "command was busy; ended without waiting for it",
+			            statusNotToItsEnd);
 	}
 	if (half && half->isSilent() && !half->ending() && !deadline && state != State::finishing)
 		deadline = Clock::now() + patienceWithTheEnd; // it has closed its end, and may become another program
@@ -313,11 +298,12 @@ void Session::lookForEnd()
 	const int how = *half->ending();
 	half.reset();
 	deadline.reset();
-	if (state == State::finishing && (how == 0 || !why.empty()))
+	if (state == State::finishing && (how == 0 || failure))
 		state = State::over;
 	else if (state == State::finishing)
-		finish(statusNotToItsEnd, "the half that ran the plugin did not end well: " +
-		                              reportOf(std::nullopt, how, options.plugin).lines.front());
+		throw Error("the half that ran the plugin did not end well: " +
+		                reportOf(std::nullopt, how, options.plugin).lines.front(),
+		            statusNotToItsEnd);
 	else {
 		CrashReport report = reportOf(crash, how, options.plugin);
 		if (!whyEnded.empty())
@@ -342,7 +328,7 @@ void Session::reportEnd(const CrashReport &report)
 	typed.clear();
 	nextRecord.reset();
 	if (!screen || !screen->hasKeys())
-		return finish(statusNotToItsEnd);
+		throw Error("", statusNotToItsEnd);
 	std::vector<std::string> lines = report.lines;
 	lines.push_back("A key starts it anew, exit leaves.");
 	showPanel("The plugin has not run to its end", lines);
@@ -484,14 +470,14 @@ void Session::decide()
 	while (state == State::gone) {
 		const std::optional<Input> input = fromScreen();
 		if (screen->closed() || (!input && !screen->hasKeys()))
-			return finish(statusNotToItsEnd, screen->lost());
+			throw Error(screen->lost(), statusNotToItsEnd);
 		if (!input)
 			return;
 		if (std::holds_alternative<SavePicture>(input->what))
 			savePicture();
 		const Key *key = std::get_if<Key>(&input->what);
 		if (key && *key == Key::exit)
-			return finish(statusNotToItsEnd);
+			throw Error("", statusNotToItsEnd);
 		if (key && crashed)
 			startAgain(false);
 		else if (!crashed && !std::holds_alternative<SavePicture>(input->what))
@@ -538,11 +524,12 @@ void Session::savePicture()
 	while (fs::exists(path, failed));
 	PixelCanvas canvas;
 	picture.draw(canvas, wholeScreen);
-	std::string error;
-	if (canvas.writePng(path, error))
+	try {
+		canvas.writePng(path);
 		say("deskhost: saved " + path.filename().string() + " in " + path.parent_path().string());
-	else
-		say("deskhost: " + error + "; start deskhost in a folder that can be written");
+	} catch (const Error &error) {
+		say("deskhost: " + error.line + "; start deskhost in a folder that can be written");
+	}
 }
 
 // The screen.
@@ -626,14 +613,13 @@ void Session::wait()
 		readErrors();
 	if (watch && ends[3].revents)
 		watch->readEvents();
-	if (screen && state != State::over)
+	if (screen)
 		screen->readInput();
-	if (state != State::over && state != State::finishing && watch && watch->changed() && screen)
+	if (state != State::finishing && watch && watch->changed() && screen)
 		startAgain(true);
 	watchBusy();
 	decide();
-	if (state != State::over)
-		lookForEnd();
+	lookForEnd();
 }
 
 /// Milliseconds until something is to be done although nothing has come; -1: never.
@@ -685,15 +671,8 @@ void Session::handleSignals()
 	}
 }
 
-void Session::finish(int exitStatus, const std::string &reason)
-{
-	status = exitStatus;
-	why = reason;
-	state = State::over;
-}
-
-/// Gives everything back, says what is to be said, and returns the exit status.
-int Session::close()
+/// Gives everything back. Throws what ended the session, or else what went wrong without ending it.
+void Session::close()
 {
 	half.reset();
 	readErrors();
@@ -705,8 +684,7 @@ int Session::close()
 		writeAll(STDERR_FILENO, returned.data(), returned.size());
 		returned.clear();
 	}
-	std::string unwritten;
-	const bool recorded = recorder.close(unwritten);
+	const std::string unwritten = recorder.close();
 	const bool noted = NoteLog::get().close();
 	if (endingSignal)
 		endBy(endingSignal);
@@ -714,21 +692,17 @@ int Session::close()
 	errno = 0;
 	const bool printed = std::fputs(returned.c_str(), stdout) != EOF && std::fflush(stdout) == 0;
 	const std::string whyNot = std::strerror(errno);
-	if (!why.empty())
-		return fail(status, why);
-	if (status != 0)
-		return status;
+	if (failure)
+		throw *failure;
 	if (options.strict && notices > 0)
-		return fail(statusNotToItsEnd,
-		            "what was noticed about the plugin is an error with --strict; see above");
-	if (!recorded)
-		return fail(statusBadArguments, unwritten);
+		throw Error("what was noticed about the plugin is an error with --strict; see above",
+		            statusNotToItsEnd);
+	if (!unwritten.empty())
+		throw Error(unwritten);
 	if (!noted)
-		return fail(statusBadArguments,
-		            "cannot write all debug lines to '" + options.debug + "'; is the disk full?");
+		throw Error("cannot write all debug lines to '" + options.debug + "'; is the disk full?");
 	if (!printed)
-		return fail(statusBadArguments, "cannot write to standard output: " + whyNot);
-	return 0;
+		throw Error("cannot write to standard output: " + whyNot);
 }
 
 } // namespace desk

@@ -2,6 +2,7 @@
 #define DESK_VIEWER_SESSION_H
 
 #include "crash_report.h"
+#include "desk_error.h"
 #include "held_output.h"
 #include "note_log.h"
 #include "options.h"
@@ -33,8 +34,8 @@ struct Stage
 	bool draws = false;           ///< the screen shows something
 	bool holdsErrorsBack = false; ///< what is written to standard error would tear the screen
 	std::string note;             ///< for the person, first of all
-	std::function<std::unique_ptr<Screen>(std::string &error)> openScreen;
-	std::function<bool(std::string &error)> openRecordings; ///< once the plugin's code runs
+	std::function<std::unique_ptr<Screen>()> openScreen;
+	std::function<void()> openRecordings; ///< once the plugin's code runs
 };
 
 /// A person and a plugin: one loop that waits for keys, for what the plugin's half says, for its end, for signals and
@@ -44,8 +45,8 @@ class Session
 public:
 	Session(const Options &options, Stage stage, Recorder &recorder);
 
-	/// Returns the exit status; what is to be said has been.
-	int run();
+	/// Throws an Error when the plugin has not run to its end, or not everything could be written.
+	void run();
 
 private:
 	using Clock = std::chrono::steady_clock;
@@ -61,11 +62,11 @@ private:
 	};
 
 	// The other half.
-	bool startHalf();
+	void startHalf();
 	std::vector<std::string> sandboxFor(const std::vector<std::string> &served);
 	void listen();
-	bool openScreen();
-	bool openRecordings();
+	void openScreen();
+	void openRecordings();
 	void handle(Loaded &);
 	void handle(Failed &message);
 	void handle(Frame &message);
@@ -102,8 +103,7 @@ private:
 	int patience() const;
 	void readErrors();
 	void handleSignals();
-	void finish(int exitStatus, const std::string &why = {});
-	int close();
+	void close();
 
 	const Options &options;
 	const Stage stage;
@@ -146,9 +146,8 @@ private:
 
 	int notices = 0; ///< of mistakes in the plugin
 	int plays;
-	std::string returned; ///< what is to be printed in the end
-	int status = 0;
-	std::string why; ///< the status is not 0
+	std::string returned;         ///< what is to be printed in the end
+	std::optional<Error> failure; ///< what ends it
 	int endingSignal = 0;
 };
 

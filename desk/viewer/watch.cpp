@@ -1,5 +1,7 @@
 #include "watch.h"
 
+#include "desk_error.h"
+
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -21,16 +23,14 @@ constexpr int mostLinks = 40;                          // as the kernel follows
 
 } // namespace
 
-std::unique_ptr<Watch> Watch::start(const std::string &path, std::string &error)
+std::unique_ptr<Watch> Watch::start(const std::string &path)
 {
 	const std::filesystem::path file = std::filesystem::absolute(path);
 	const int notices = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
-	if (notices < 0 || inotify_add_watch(notices, file.parent_path().c_str(), IN_CLOSE_WRITE) < 0) {
-		error = "cannot watch '" + path + "': " + std::strerror(errno) + "; leave out --watch";
-		close(notices);
-		return nullptr;
-	}
 	std::unique_ptr<Watch> watch(new Watch(file, notices));
+	if (notices < 0 || inotify_add_watch(notices, file.parent_path().c_str(), IN_CLOSE_WRITE) < 0)
+		throw Error("cannot watch '" + path + "': " + std::strerror(errno) + "; leave out --watch",
+		            statusNotToItsEnd);
 	watch->follow();
 	return watch;
 }

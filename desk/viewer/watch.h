@@ -19,8 +19,8 @@ namespace desk
 class Watch
 {
 public:
-	/// Null when it cannot be done; `error` then says why in one line.
-	static std::unique_ptr<Watch> start(const std::string &path, std::string &error);
+	/// Throws an Error when it cannot be done.
+	static std::unique_ptr<Watch> start(const std::string &path);
 	~Watch();
 	Watch(const Watch &) = delete;
 	Watch &operator=(const Watch &) = delete;

@@ -1,5 +1,6 @@
 #include "console.h"
 
+#include "desk_error.h"
 #include "visible_text.h"
 
 #include <fcntl.h>
@@ -29,11 +30,10 @@ bool setModes(int console, long display, long keyboard)
 
 } // namespace
 
-std::unique_ptr<Console> Console::take(const std::string &device, std::string &error)
+std::unique_ptr<Console> Console::take(const std::string &device)
 {
-	const auto failed = [&](const std::string &why) {
-		error = visibleText("cannot take the console \"" + device + "\": " + why);
-		return nullptr;
+	const auto failure = [&](const std::string &why) {
+		return Error(visibleText("cannot take the console \"" + device + "\": " + why));
 	};
 	std::unique_ptr<Console> taken(new Console);
 	taken->modes.name = device;
@@ -44,7 +44,7 @@ std::unique_ptr<Console> Console::take(const std::string &device, std::string &e
 	} else {
 		taken->file = ::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
 		if (taken->file < 0 && (errno == EACCES || errno == EPERM))
-			return failed("Permission denied; start deskhost from the console itself, or as root");
+			throw failure("Permission denied; start deskhost from the console itself, or as root");
 		if (taken->file < 0 || !isConsole(taken->file))
 			return nullptr;
 	}
@@ -52,7 +52,7 @@ std::unique_ptr<Console> Console::take(const std::string &device, std::string &e
 	ioctl(taken->file, KDGETMODE, &display);
 	ioctl(taken->file, KDGKBMODE, &keyboard);
 	if (ioctl(taken->file, KDSETMODE, KD_GRAPHICS) != 0)
-		return failed(strerror(errno));
+		throw failure(strerror(errno));
 	taken->isTaken = true;
 	taken->modes.display = display;
 	taken->modes.keyboard = keyboard;

@@ -14,9 +14,9 @@ namespace desk
 class Console
 {
 public:
-	/// Takes the console that standard input is, or else `device`. On failure leaves one line in
-	/// `error`. Null without an error: this computer has no console to take.
-	static std::unique_ptr<Console> take(const std::string &device, std::string &error);
+	/// Takes the console that standard input is, or else `device`; throws an Error when it cannot. Null: this
+	/// computer has no console to take.
+	static std::unique_ptr<Console> take(const std::string &device);
 	~Console();
 	Console(const Console &) = delete;
 	Console &operator=(const Console &) = delete;

@@ -1,5 +1,6 @@
 #include "framebuffer.h"
 
+#include "desk_error.h"
 #include "device_folder.h"
 #include "visible_text.h"
 
@@ -45,35 +46,32 @@ void setStraightTables(int device, const fb_var_screeninfo &mode)
 
 } // namespace
 
-std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path, std::string &error)
+std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path)
 {
-	int file = -1;
-	const auto failed = [&](const std::string &why) {
-		error = visibleText("cannot use the framebuffer \"" + path + "\": " + why);
-		if (file >= 0)
-			close(file);
-		return nullptr;
+	const auto failure = [&](const std::string &why) {
+		return Error(visibleText("cannot use the framebuffer \"" + path + "\": " + why));
 	};
-	file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
+	const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
 	if (file < 0)
-		return failed(errno == EACCES
+		throw failure(errno == EACCES
 		                  ? "Permission denied; join the group \"video\", or run deskhost as root"
 		                  : strerror(errno) + std::string("; name the screen's device with --framebuffer"));
+	std::unique_ptr<Framebuffer> opened(new Framebuffer(file));
 	fb_var_screeninfo mode = {};
 	fb_fix_screeninfo memory = {};
 	if (ioctl(file, FBIOGET_VSCREENINFO, &mode) != 0 || ioctl(file, FBIOGET_FSCREENINFO, &memory) != 0)
-		return failed("it is no framebuffer; name the screen's device with --framebuffer");
-	std::string unusable;
-	const auto layout = PixelLayout::of(mode, unusable);
-	if (layout && memory.type != FB_TYPE_PACKED_PIXELS)
+		throw failure("it is no framebuffer; name the screen's device with --framebuffer");
+	std::string unusable = PixelLayout::whyNot(mode);
+	if (unusable.empty() && memory.type != FB_TYPE_PACKED_PIXELS)
 		unusable = "its pixels are kept in planes";
 	if (!unusable.empty())
-		return failed(unusable +
+		throw failure(unusable +
 		              "; set a mode of 16, 24 or 32 bits (fbset -depth 16, or video= for the kernel)");
+	opened->layout = PixelLayout(mode);
 
 	// The memory starts somewhere in its first page, and the visible part somewhere in the memory.
 	const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-	const size_t pixelBytes = static_cast<size_t>(layout->bytes());
+	const size_t pixelBytes = static_cast<size_t>(opened->layout.bytes());
 	const size_t line = memory.line_length ? memory.line_length : mode.xres_virtual * pixelBytes;
 	const size_t first = memory.smem_start % page;
 	const size_t start = mode.yoffset * line + mode.xoffset * pixelBytes;
@@ -81,15 +79,15 @@ std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path, std::str
 	if (mode.xres < 1 || mode.yres < 1 || mode.xres > most || mode.yres > most ||
 	    line < mode.xres * pixelBytes ||
 	    start + (mode.yres - 1) * line + mode.xres * pixelBytes > memory.smem_len)
-		return failed("its mode of " + std::to_string(mode.xres) + " x " + std::to_string(mode.yres) +
+		throw failure("its mode of " + std::to_string(mode.xres) + " x " + std::to_string(mode.yres) +
 		              " pixels does not fit into its memory; set another one");
 	const size_t size = first + memory.smem_len;
 	void *mapped = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
 	if (mapped == MAP_FAILED)
-		return failed(std::string("its memory cannot be mapped: ") + strerror(errno));
+		throw failure(std::string("its memory cannot be mapped: ") + strerror(errno));
 
-	std::unique_ptr<Framebuffer> opened(
-		new Framebuffer(file, static_cast<unsigned char *>(mapped), size, *layout));
+	opened->mapping = static_cast<unsigned char *>(mapped);
+	opened->mappingSize = size;
 	opened->visible = opened->mapping + first + start;
 	opened->lineLength = static_cast<int>(line);
 	opened->width = static_cast<int>(mode.xres);
@@ -98,13 +96,10 @@ std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path, std::str
 	return opened;
 }
 
-Framebuffer::Framebuffer(int file, unsigned char *memory, size_t mapped, const PixelLayout &how)
-	: device(file), mapping(memory), mappingSize(mapped), layout(how)
-{}
-
 Framebuffer::~Framebuffer()
 {
-	munmap(mapping, mappingSize);
+	if (mapping)
+		munmap(mapping, mappingSize);
 	close(device);
 }
 
@@ -160,15 +155,13 @@ void Framebuffer::write(const unsigned char *pixels, int stride, const Rect &par
 	}
 }
 
-std::string findFramebuffer(const std::string &folder, std::string &error)
+std::string findFramebuffer(const std::string &folder)
 {
 	const std::vector<std::string> found = numberedDevices(folder, "fb");
-	if (!found.empty())
-		return found.front();
-	error = "there is no framebuffer (" + folder +
-	        "/fb0); load the driver of the screen, or name its device "
-	        "with --framebuffer";
-	return {};
+	if (found.empty())
+		throw Error("there is no framebuffer (" + folder +
+		            "/fb0); load the driver of the screen, or name its device with --framebuffer");
+	return found.front();
 }
 
 } // namespace desk

@@ -15,8 +15,8 @@ namespace desk
 class Framebuffer
 {
 public:
-	/// Opens the device, and changes nothing yet. On failure returns null and leaves one line in `error`.
-	static std::unique_ptr<Framebuffer> open(const std::string &device, std::string &error);
+	/// Opens the device, and changes nothing yet. Throws an Error when it cannot be used.
+	static std::unique_ptr<Framebuffer> open(const std::string &device);
 	~Framebuffer();
 	Framebuffer(const Framebuffer &) = delete;
 	Framebuffer &operator=(const Framebuffer &) = delete;
@@ -30,13 +30,13 @@ public:
 	void show(const unsigned char *pixels, int stride, const Rect &changed);
 
 private:
-	Framebuffer(int file, unsigned char *memory, size_t mapped, const PixelLayout &layout);
+	explicit Framebuffer(int file) : device(file) {}
 
 	void write(const unsigned char *pixels, int stride, const Rect &part, int left, int top);
 
-	int device;
-	unsigned char *mapping;
-	size_t mappingSize;
+	const int device;
+	unsigned char *mapping = nullptr;
+	size_t mappingSize = 0;
 	unsigned char *visible = nullptr; ///< the screen's first pixel
 	int lineLength = 0;               ///< bytes from one row to the next
 	int width = 0, height = 0;
@@ -44,8 +44,8 @@ private:
 	std::vector<unsigned char> row; ///< converted; the device's memory is slow to write in small pieces
 };
 
-/// The first framebuffer in that folder. Empty when there is none; `error` then says so in one line.
-std::string findFramebuffer(const std::string &folder, std::string &error);
+/// The first framebuffer in that folder. Throws an Error when there is none.
+std::string findFramebuffer(const std::string &folder);
 
 } // namespace desk
 

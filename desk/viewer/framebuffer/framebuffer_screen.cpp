@@ -16,28 +16,18 @@ namespace
 class FramebufferScreen : public Screen
 {
 public:
-	/// False with one line in `error` when something is missing.
-	bool open(FramebufferDevices devices, std::string &error)
+	explicit FramebufferScreen(FramebufferDevices devices)
 	{
 		if (devices.framebuffer.empty())
-			devices.framebuffer = findFramebuffer("/dev", error);
-		if (devices.framebuffer.empty())
-			return false;
+			devices.framebuffer = findFramebuffer("/dev");
 		if (devices.remote.empty())
-			devices.remote = findRemoteControl("/dev/input", error);
-		if (devices.remote.empty())
-			return false;
+			devices.remote = findRemoteControl("/dev/input");
 		remoteName = devices.remote;
-		remote = RemoteControl::open(devices.remote, error);
-		memory = remote ? Framebuffer::open(devices.framebuffer, error) : nullptr;
-		if (!memory)
-			return false;
+		remote = RemoteControl::open(devices.remote);
+		memory = Framebuffer::open(devices.framebuffer);
 		// Last, so that nothing is changed when something else is wrong.
-		taken = Console::take(devices.console, error);
-		if (!error.empty())
-			return false;
+		taken = Console::take(devices.console);
 		memory->blacken();
-		return true;
 	}
 
 	Canvas *canvas() override { return &painted; }
@@ -75,12 +65,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<Screen> makeFramebufferScreen(const FramebufferDevices &devices, std::string &error)
+std::unique_ptr<Screen> makeFramebufferScreen(const FramebufferDevices &devices)
 {
-	auto screen = std::make_unique<FramebufferScreen>();
-	if (!screen->open(devices, error))
-		return nullptr;
-	return screen;
+	return std::make_unique<FramebufferScreen>(devices);
 }
 
 } // namespace desk

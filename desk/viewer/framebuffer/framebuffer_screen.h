@@ -14,9 +14,9 @@ struct FramebufferDevices
 	std::string console = "/dev/tty0"; ///< the one in front, if standard input is none
 };
 
-/// The screen of a Linux console or a receiver, without any window system. On failure returns null
-/// and leaves one line in `error`.
-std::unique_ptr<Screen> makeFramebufferScreen(const FramebufferDevices &devices, std::string &error);
+/// The screen of a Linux console or a receiver, without any window system. Throws an Error when
+/// something of it is missing.
+std::unique_ptr<Screen> makeFramebufferScreen(const FramebufferDevices &devices);
 
 } // namespace desk
 

@@ -28,29 +28,29 @@ bool fits(const fb_bitfield &field, uint32_t bits)
 
 } // namespace
 
-std::optional<PixelLayout> PixelLayout::of(const fb_var_screeninfo &mode, std::string &error)
+std::string PixelLayout::whyNot(const fb_var_screeninfo &mode)
 {
 	const uint32_t bits = mode.bits_per_pixel;
-	if (bits <= 8 || mode.grayscale != 0) {
-		error = bits <= 8 ? "it has a palette of " + std::to_string(bits) + " bits a pixel"
-		                  : "it has no red, green and blue channels";
-		return std::nullopt;
-	}
+	if (bits <= 8)
+		return "it has a palette of " + std::to_string(bits) + " bits a pixel";
+	if (mode.grayscale != 0)
+		return "it has no red, green and blue channels";
 	if ((bits != 16 && bits != 24 && bits != 32) || mode.nonstd != 0 || !fits(mode.red, bits) ||
-	    !fits(mode.green, bits) || !fits(mode.blue, bits)) {
-		error = "its pixels of " + std::to_string(bits) + " bits are laid out in an unknown way";
-		return std::nullopt;
-	}
-	PixelLayout layout;
-	layout.pixelBytes = static_cast<int>(bits / 8);
-	const bool transparency = mode.transp.length > 0 && fits(mode.transp, bits);
+	    !fits(mode.green, bits) || !fits(mode.blue, bits))
+		return "its pixels of " + std::to_string(bits) + " bits are laid out in an unknown way";
+	return "";
+}
+
+PixelLayout::PixelLayout(const fb_var_screeninfo &mode)
+	: pixelBytes(static_cast<int>(mode.bits_per_pixel / 8))
+{
+	const bool transparency = mode.transp.length > 0 && fits(mode.transp, mode.bits_per_pixel);
 	const uint32_t opaque = transparency ? ones(mode.transp.length) << mode.transp.offset : 0;
 	for (uint32_t value = 0; value < 256; ++value) {
-		layout.red[value] = placed(value, mode.red) | opaque;
-		layout.green[value] = placed(value, mode.green);
-		layout.blue[value] = placed(value, mode.blue);
+		red[value] = placed(value, mode.red) | opaque;
+		green[value] = placed(value, mode.green);
+		blue[value] = placed(value, mode.blue);
 	}
-	return layout;
 }
 
 void PixelLayout::convert(const uint32_t *from, int count, unsigned char *to) const

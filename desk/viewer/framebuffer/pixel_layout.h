@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 
 struct fb_var_screeninfo;
@@ -15,9 +14,12 @@ namespace desk
 class PixelLayout
 {
 public:
-	/// The layout of a mode that the kernel reports. Nothing for a layout that cannot be drawn in, a palette for
-	/// example; `error` then says in a few words what it is.
-	static std::optional<PixelLayout> of(const fb_var_screeninfo &mode, std::string &error);
+	PixelLayout() = default;
+	/// The layout of a mode that the kernel reports.
+	explicit PixelLayout(const fb_var_screeninfo &mode);
+
+	/// In a few words, why a mode has a layout that cannot be drawn in, a palette for example; empty: it can.
+	static std::string whyNot(const fb_var_screeninfo &mode);
 
 	int bytes() const { return pixelBytes; }
 

@@ -1,5 +1,6 @@
 #include "remote_control.h"
 
+#include "desk_error.h"
 #include "device_folder.h"
 #include "visible_text.h"
 
@@ -128,23 +129,25 @@ struct InputDevice
 
 constexpr char noRights[] = "Permission denied; join the group \"input\", or run deskhost as root";
 
+Error cannotUse(const std::string &path, const std::string &why)
+{
+	return Error(visibleText("cannot use the remote control \"" + path + "\": " + why));
+}
+
 } // namespace
 
-std::unique_ptr<RemoteControl> RemoteControl::open(const std::string &path, std::string &error)
+std::unique_ptr<RemoteControl> RemoteControl::open(const std::string &path)
 {
-	const auto failed = [&](const std::string &why) {
-		error = visibleText("cannot use the remote control \"" + path + "\": " + why);
-		return nullptr;
-	};
 	InputDevice input(path);
 	if (input.file < 0 && input.error == EACCES)
-		return failed(noRights);
+		throw cannotUse(path, noRights);
 	if (input.file < 0)
-		return failed(strerror(input.error) + std::string("; is it plugged in? --remote names its device"));
+		throw cannotUse(path,
+		                strerror(input.error) + std::string("; is it plugged in? --remote names its device"));
 	if (!input.device)
-		return failed("it is no input device; name one of /dev/input with --remote");
+		throw cannotUse(path, "it is no input device; name one of /dev/input with --remote");
 	if (!input.navigates())
-		return failed("it lacks the keys up, down, ok or exit; name another device with --remote");
+		throw cannotUse(path, "it lacks the keys up, down, ok or exit; name another device with --remote");
 	std::unique_ptr<RemoteControl> opened(new RemoteControl(input.file, input.device));
 	input.file = -1;
 	input.device = nullptr;
@@ -212,7 +215,7 @@ void RemoteControl::readInput()
 	}
 }
 
-std::string findRemoteControl(const std::string &folder, std::string &error)
+std::string findRemoteControl(const std::string &folder)
 {
 	std::string keyboard, refused;
 	for (const std::string &path : numberedDevices(folder, "event")) {
@@ -224,11 +227,12 @@ std::string findRemoteControl(const std::string &folder, std::string &error)
 		if (keyboard.empty() && input.navigates())
 			keyboard = path;
 	}
-	if (keyboard.empty())
-		error = !refused.empty() ? "cannot use the remote control \"" + refused + "\": " + noRights
-		                         : "there is no remote control and no keyboard in " + folder +
-		                               "; plug one in, or name its device with --remote";
-	return keyboard;
+	if (!keyboard.empty())
+		return keyboard;
+	if (!refused.empty())
+		throw cannotUse(refused, noRights);
+	throw Error("there is no remote control and no keyboard in " + folder +
+	            "; plug one in, or name its device with --remote");
 }
 
 } // namespace desk

@@ -17,8 +17,8 @@ namespace desk
 class RemoteControl
 {
 public:
-	/// On failure returns null and leaves one line in `error`.
-	static std::unique_ptr<RemoteControl> open(const std::string &device, std::string &error);
+	/// Throws an Error when it cannot be used.
+	static std::unique_ptr<RemoteControl> open(const std::string &device);
 	~RemoteControl();
 	RemoteControl(const RemoteControl &) = delete;
 	RemoteControl &operator=(const RemoteControl &) = delete;
@@ -51,8 +51,8 @@ private:
 };
 
 /// The device in that folder that is most like a remote control: one with an OK key before a keyboard.
-/// Empty when there is none; `error` then says so in one line.
-std::string findRemoteControl(const std::string &folder, std::string &error);
+/// Throws an Error when there is none.
+std::string findRemoteControl(const std::string &folder);
 
 } // namespace desk
 

@@ -1,5 +1,6 @@
 #include "pixel_canvas.h"
 
+#include "desk_error.h"
 #include "typesetter.h"
 #include "visible_text.h"
 
@@ -287,25 +288,24 @@ int PixelCanvas::stride() const
 	return cairo_image_surface_get_stride(s->surface);
 }
 
-bool PixelCanvas::writePng(const std::string &path, std::string &error)
+void PixelCanvas::writePng(const std::string &path)
 {
-	const auto failed = [&](int reason) {
-		error = visibleText("cannot write \"" + path + "\": " + strerror(reason));
-		return false;
+	const auto failure = [&](int reason) {
+		return Error(visibleText("cannot write \"" + path + "\": " + strerror(reason)));
 	};
 	FILE *file = fopen(path.c_str(), "wb");
 	if (!file)
-		return failed(errno);
+		throw failure(errno);
 	errno = 0;
 	const cairo_status_t status = cairo_surface_write_to_png_stream(s->surface, writeTo, file);
 	int reason = status == CAIRO_STATUS_SUCCESS ? 0 : errno ? errno : EIO;
 	if (fclose(file) != 0 && !reason)
 		reason = errno;
 	if (reason == 0)
-		return true;
+		return;
 	if (struct stat written; lstat(path.c_str(), &written) == 0 && S_ISREG(written.st_mode))
 		unlink(path.c_str()); // rather none than a part of one
-	return failed(reason);
+	throw failure(reason);
 }
 
 } // namespace desk

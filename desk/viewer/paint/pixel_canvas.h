@@ -31,8 +31,8 @@ public:
 	/// Whether there is a font that has letters; without one a text is a row of boxes.
 	static bool canDrawText();
 
-	/// Writes a PNG. False when the file cannot be written; `error` then says why, in one line.
-	bool writePng(const std::string &path, std::string &error);
+	/// Writes a PNG. Throws an Error when the file cannot be written.
+	void writePng(const std::string &path);
 
 private:
 	/// Draws the part of a window's shadow that is in `part`.

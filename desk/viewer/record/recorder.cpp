@@ -1,5 +1,6 @@
 #include "recorder.h"
 
+#include "desk_error.h"
 #include "key.h"
 #include "pixel_canvas.h"
 
@@ -38,39 +39,35 @@ Recorder::~Recorder()
 			std::fclose(file);
 }
 
-bool Recorder::openPictures(const std::string &folder, std::string &error)
+void Recorder::openPictures(const std::string &folder)
 {
 	std::error_code failed;
 	fs::create_directories(folder, failed);
 	const bool exists = fs::is_directory(folder, failed);
 	if (!exists || access(folder.c_str(), W_OK | X_OK) != 0) {
 		const char *why = exists ? std::strerror(errno) : "it is no folder and cannot be made one";
-		error =
-			"cannot write pictures to '" + folder + "': " + why + "; name a writable folder with --pictures";
-		return false;
+		throw Error("cannot write pictures to '" + folder + "': " + why +
+		            "; name a writable folder with --pictures");
 	}
 	pictures = folder;
-	return true;
 }
 
-bool Recorder::openDump(const std::string &file, std::string &error)
+void Recorder::openDump(const std::string &file)
 {
 	dump = std::fopen(file.c_str(), "ae");
 	dumpPath = file;
 	if (!dump)
-		error = "cannot write the dump to '" + file + "': " + std::strerror(errno) +
-		        "; name another file with --dump";
-	return dump != nullptr;
+		throw Error("cannot write the dump to '" + file + "': " + std::strerror(errno) +
+		            "; name another file with --dump");
 }
 
-bool Recorder::openTrace(const std::string &file, std::string &error)
+void Recorder::openTrace(const std::string &file)
 {
 	trace = std::fopen(file.c_str(), "ae");
 	tracePath = file;
 	if (!trace)
-		error = "cannot write the trace to '" + file + "': " + std::strerror(errno) +
-		        "; name another file with --trace";
-	return trace != nullptr;
+		throw Error("cannot write the trace to '" + file + "': " + std::strerror(errno) +
+		            "; name another file with --trace");
 }
 
 void Recorder::begin()
@@ -108,9 +105,12 @@ void Recorder::record(const std::string &after, const std::string &windows, cons
 		fs::remove(path, failed); // it may be a link
 		PixelCanvas canvas;
 		picture.draw(canvas, wholeScreen);
-		std::string error;
-		if (!canvas.writePng(path, error) && failure.empty())
-			failure = error;
+		try {
+			canvas.writePng(path);
+		} catch (const Error &error) {
+			if (failure.empty())
+				failure = error.line;
+		}
 	}
 	++number;
 }
@@ -121,7 +121,7 @@ void Recorder::call(const std::string &line)
 		write(trace, line, "all of the trace", tracePath);
 }
 
-bool Recorder::close(std::string &error)
+std::string Recorder::close()
 {
 	for (FILE *file : {dump, trace})
 		if (file && std::fclose(file) != 0 && failure.empty())
@@ -129,8 +129,7 @@ bool Recorder::close(std::string &error)
 			          " to '" + (file == dump ? dumpPath : tracePath) + "': " + std::strerror(errno);
 	dump = trace = nullptr;
 	pictures.clear();
-	error = failure;
-	return failure.empty();
+	return failure;
 }
 
 } // namespace desk

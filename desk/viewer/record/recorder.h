@@ -20,10 +20,10 @@ public:
 	~Recorder();
 
 	/// Writes pictures into `folder`, which is made when it does not exist, or descriptions or calls to `file`, which keeps
-	/// what it has until begin(). On failure they return false and leave one line in `error`.
-	bool openPictures(const std::string &folder, std::string &error);
-	bool openDump(const std::string &file, std::string &error);
-	bool openTrace(const std::string &file, std::string &error);
+	/// what it has until begin(). They throw an Error when they cannot.
+	void openPictures(const std::string &folder);
+	void openDump(const std::string &file);
+	void openTrace(const std::string &file);
 
 	/// Empties the files, once all is open.
 	void begin();
@@ -33,8 +33,8 @@ public:
 	/// Records a call, at once: a trace is read above all when the plugin has crashed.
 	void call(const std::string &line);
 
-	/// Ends the recording. False when not everything could be written; `error` then says what.
-	bool close(std::string &error);
+	/// Ends the recording. Returns what could not be written first, in one line; empty: everything has been.
+	std::string close();
 
 private:
 	void write(FILE *file, const std::string &line, const char *what, const std::string &path);

@@ -1,6 +1,7 @@
 #include "terminal_screen.h"
 
 #include "cell_canvas.h"
+#include "desk_error.h"
 #include "note_log.h"
 #include "signals.h"
 #include "terminal_colours.h"
@@ -178,7 +179,7 @@ bool isInForeground()
 class TerminalScreen : public Screen
 {
 public:
-	static std::unique_ptr<Screen> open(std::string &error);
+	static std::unique_ptr<Screen> open();
 	~TerminalScreen() override;
 
 	Canvas *canvas() override { return &cells; }
@@ -216,30 +217,29 @@ private:
 	bool away = false; ///< has been stopped, and given the terminal back
 };
 
-std::unique_ptr<Screen> TerminalScreen::open(std::string &error)
+std::unique_ptr<Screen> TerminalScreen::open()
 {
-	const auto refuse = [&](const std::string &why) {
-		error = "cannot use the terminal: " + why + ", or use --screen none";
-		return nullptr;
+	const auto failure = [](const std::string &why) {
+		return Error("cannot use the terminal: " + why + ", or use --screen none");
 	};
 	if (!isatty(STDIN_FILENO))
-		return refuse("standard input is not one; start it from a terminal");
+		throw failure("standard input is not one; start it from a terminal");
 	if (!isatty(STDOUT_FILENO))
-		return refuse("standard output is not one; leave out the redirection");
+		throw failure("standard output is not one; leave out the redirection");
 	const char *name = getenv("TERM");
 	if (!name || !*name)
-		return refuse("TERM is not set; set it to the terminal's name");
+		throw failure("TERM is not set; set it to the terminal's name");
 	const std::string shown = "TERM=" + visibleText(name);
 	int status = 0;
 	if (setupterm(name, STDOUT_FILENO, &status) != OK)
-		return refuse(status < 0 ? "there are no terminal descriptions here; install ncurses-base"
+		throw failure(status < 0 ? "there are no terminal descriptions here; install ncurses-base"
 		                         : shown + " is not known here; set TERM to what the terminal is");
 	if (described("cup").empty())
-		return refuse(shown + " cannot move the cursor; set TERM to what the terminal is");
+		throw failure(shown + " cannot move the cursor; set TERM to what the terminal is");
 
 	std::unique_ptr<TerminalScreen> screen(new TerminalScreen);
 	if (!screen->start(name))
-		return refuse(shown + " does not work; set TERM to what the terminal is");
+		throw failure(shown + " does not work; set TERM to what the terminal is");
 	return screen;
 }
 
@@ -533,9 +533,9 @@ bool TerminalScreen::skipSequence()
 
 } // namespace
 
-std::unique_ptr<Screen> makeTerminalScreen(std::string &error)
+std::unique_ptr<Screen> makeTerminalScreen()
 {
-	return TerminalScreen::open(error);
+	return TerminalScreen::open();
 }
 
 } // namespace desk

@@ -9,8 +9,8 @@ namespace desk
 /// The height in pixels that a row of text must have on a terminal.
 constexpr int terminalRowHeight = 20;
 
-/// The terminal on standard input and output. On failure returns null and leaves one line in `error`.
-std::unique_ptr<Screen> makeTerminalScreen(std::string &error);
+/// The terminal on standard input and output. Throws an Error when it cannot be used.
+std::unique_ptr<Screen> makeTerminalScreen();
 
 } // namespace desk
 

@@ -2,19 +2,19 @@
 
 #include "window_screen.h"
 
+#include "desk_error.h"
+
 namespace desk
 {
 
-std::unique_ptr<Screen> makeWindowScreen(const std::string &, std::string &error)
+std::unique_ptr<Screen> makeWindowScreen(const std::string &)
 {
-	error = "this desk host is built without a window; use --screen terminal, framebuffer or none";
-	return nullptr;
+	throw Error("this desk host is built without a window; use --screen terminal, framebuffer or none");
 }
 
-bool displayAnswers(std::string &error)
+void awaitDisplay()
 {
-	error = "there is a display, but this desk host is built without a window";
-	return false;
+	throw Error("there is a display, but this desk host is built without a window");
 }
 
 } // namespace desk

@@ -1,5 +1,6 @@
 #include "window_screen.h"
 
+#include "desk_error.h"
 #include "note_log.h"
 #include "pixel_canvas.h"
 #include "visible_text.h"
@@ -69,20 +70,23 @@ double suitableScale()
 	return scale >= 1 ? std::floor(scale) : std::max(scale, 0.25);
 }
 
-// Connects SDL to the display. False on failure, with one line in `error`.
-bool startVideo(std::string &error)
+// `remedy`: what would do besides.
+Error noWindow(const std::string &why, const std::string &remedy = "")
+{
+	return Error(visibleText("cannot open a window: " + why + "; " + remedy +
+	                         "use --screen terminal or --screen none"));
+}
+constexpr char setDisplay[] = "set DISPLAY or ";
+
+// Connects SDL to the display.
+void startVideo()
 {
 	const std::string x11 = variable("DISPLAY"), wayland = variable("WAYLAND_DISPLAY");
-	const auto failed = [&](const std::string &why) {
-		error = visibleText("cannot open a window: " + why +
-		                    "; set DISPLAY or use --screen terminal or --screen none");
-		return false;
-	};
 	// Asked without a display, some of SDL's drivers take the machine's console, others complain by
 	// themselves. Whoever names a driver gets that one.
 	if (variable("SDL_VIDEODRIVER").empty()) {
 		if (x11.empty() && wayland.empty())
-			return failed("there is no display");
+			throw noWindow("there is no display", setDisplay);
 		SDL_SetHint(SDL_HINT_VIDEODRIVER, wayland.empty() ? "x11" : x11.empty() ? "wayland" : "x11,wayland");
 	}
 	SDL_SetMainReady();
@@ -93,11 +97,10 @@ bool startVideo(std::string &error)
 	SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
 	SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1"); // the click that gives the focus is one as well
 	if (SDL_Init(SDL_INIT_VIDEO) != 0)
-		return failed("display \"" + (x11.empty() ? wayland : x11) + "\": " + SDL_GetError());
+		throw noWindow("display \"" + (x11.empty() ? wayland : x11) + "\": " + SDL_GetError(), setDisplay);
 	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
 	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
 		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
-	return true;
 }
 
 // Whether the display has pixels that SDL can draw.
@@ -116,8 +119,7 @@ public:
 	WindowScreen(const WindowScreen &) = delete;
 	WindowScreen &operator=(const WindowScreen &) = delete;
 
-	/// False on failure, with one line in `error`.
-	bool open(const std::string &title, std::string &error);
+	void open(const std::string &title);
 
 	Canvas *canvas() override { return &painted; }
 	void present(const Rect &changed) override;
@@ -177,15 +179,12 @@ WindowScreen::~WindowScreen()
 	static_cast<void>(window.release());
 }
 
-bool WindowScreen::open(const std::string &title, std::string &error)
+void WindowScreen::open(const std::string &title)
 {
-	if (!displayAnswers(error) || !startVideo(error))
-		return false;
-	if (!create(title)) {
-		error = visibleText(std::string("cannot open a window: ") + SDL_GetError() +
-		                    "; use --screen terminal or --screen none");
-		return false;
-	}
+	awaitDisplay();
+	startVideo();
+	if (!create(title))
+		throw noWindow(SDL_GetError());
 	if (display) {
 		// Without these Xlib ends the program.
 		XSetIOErrorHandler([](Display *) { return 0; });
@@ -194,7 +193,6 @@ bool WindowScreen::open(const std::string &title, std::string &error)
 		XSetIOErrorExitHandler(
 			display, [](Display *, void *) { displayIsGone = true; }, nullptr);
 	}
-	return true;
 }
 
 bool WindowScreen::create(const std::string &title)
@@ -447,28 +445,32 @@ void WindowScreen::draw()
 
 } // namespace
 
-bool displayAnswers(std::string &error)
+void awaitDisplay()
 {
 	static bool answered = false;
 	if (answered)
-		return true;
+		return;
 	// Asked by another process, because a display that is there can be silent for ever.
 	int ends[2];
 	if (pipe2(ends, O_CLOEXEC) != 0)
-		return true;
+		return;
 	const pid_t asking = fork();
 	if (asking == 0) {
 		::close(ends[0]);
-		std::string why;
-		if (startVideo(why) && !takesPictures())
-			why = visibleText(std::string("cannot open a window: ") + SDL_GetError() +
-			                  "; use --screen terminal or --screen none");
-		const ssize_t written = write(ends[1], why.data(), why.size());
+		std::string line;
+		try {
+			startVideo();
+			if (!takesPictures())
+				throw noWindow(SDL_GetError());
+		} catch (const Error &error) {
+			line = error.line;
+		}
+		const ssize_t written = write(ends[1], line.data(), line.size());
 		_exit(written < 0 ? 1 : 0);
 	}
 	::close(ends[1]);
 	pollfd answer = {ends[0], POLLIN, 0};
-	error.clear();
+	std::string line;
 	int ready = -1;
 	do
 		ready = poll(&answer, 1, displayPatience);
@@ -476,22 +478,21 @@ bool displayAnswers(std::string &error)
 	if (ready > 0) {
 		char text[1000];
 		for (ssize_t length; (length = read(ends[0], text, sizeof text)) > 0;)
-			error.append(text, static_cast<size_t>(length));
+			line.append(text, static_cast<size_t>(length));
 	} else
-		error = "cannot open a window: the display does not answer; set DISPLAY or use --screen terminal or "
-				"--screen none";
+		line = noWindow("the display does not answer", setDisplay).line;
 	::close(ends[0]);
 	kill(asking, SIGKILL);
 	waitpid(asking, nullptr, 0);
-	answered = error.empty();
-	return answered;
+	if (!line.empty())
+		throw Error(line);
+	answered = true;
 }
 
-std::unique_ptr<Screen> makeWindowScreen(const std::string &title, std::string &error)
+std::unique_ptr<Screen> makeWindowScreen(const std::string &title)
 {
 	auto screen = std::make_unique<WindowScreen>();
-	if (!screen->open(title, error))
-		return nullptr;
+	screen->open(title);
 	return screen;
 }
 

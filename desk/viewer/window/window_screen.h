@@ -6,13 +6,13 @@
 namespace desk
 {
 
-/// A window on the display that the environment names; `title` is what it shows, in any bytes. On failure
-/// returns null and leaves one line in `error`.
-std::unique_ptr<Screen> makeWindowScreen(const std::string &title, std::string &error);
+/// A window on the display that the environment names; `title` is what it shows, in any bytes. Throws an Error
+/// when there can be none.
+std::unique_ptr<Screen> makeWindowScreen(const std::string &title);
 
-/// Whether the display that the environment names is there: it may have gone since. Otherwise one line in `error`
-/// says what is wrong. To be called before there is a window.
-bool displayAnswers(std::string &error);
+/// Waits until the display that the environment names answers; throws an Error when it does not, because it may have
+/// gone since. To be called before there is a window.
+void awaitDisplay();
 
 } // namespace desk
 

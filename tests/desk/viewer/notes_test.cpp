@@ -1,3 +1,4 @@
+#include "error_of.h"
 #include "note_log.h"
 #include "temp_folder.h"
 
@@ -117,9 +118,8 @@ TEST(Notes, go_to_a_file_as_well_line_by_line)
 {
 	const support::TempFolder folder;
 	const std::string path = folder / "notes";
-	std::string error;
 	NoteLog log;
-	ASSERT_TRUE(log.open(path, error));
+	log.open(path);
 	testing::internal::CaptureStderr();
 	log.add("one");
 	log.addToFile("only there");
@@ -129,11 +129,11 @@ TEST(Notes, go_to_a_file_as_well_line_by_line)
 	EXPECT_EQ(support::readFile(path), "one\nonly there\n");
 	EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\ntwo\n");
 
-	EXPECT_FALSE(log.open("/nonexistent/notes", error));
-	EXPECT_EQ(error, "cannot write debug lines to '/nonexistent/notes': No such file or directory; "
-	                 "name a file that can be written");
+	EXPECT_EQ(support::errorOf([&] { log.open("/nonexistent/notes"); }),
+	          "cannot write debug lines to '/nonexistent/notes': No such file or directory; "
+	          "name a file that can be written");
 	testing::internal::CaptureStderr();
-	ASSERT_TRUE(log.open("/dev/full", error));
+	log.open("/dev/full");
 	log.add("three");
 	EXPECT_FALSE(log.close());
 	testing::internal::GetCapturedStderr();

@@ -2,6 +2,7 @@
 
 #include "watch.h"
 
+#include "error_of.h"
 #include "support.h"
 #include "tmux.h"
 
@@ -36,9 +37,7 @@ TEST(Watch, tells_when_the_file_is_written_or_replaced)
 {
 	TempFolder folder;
 	const std::string file = folder.write("plugin.so.0", "one");
-	std::string error;
-	const auto watch = Watch::start(file, error);
-	ASSERT_TRUE(watch) << error;
+	const auto watch = Watch::start(file);
 	EXPECT_FALSE(watch->changed());
 	EXPECT_EQ(watch->patience(), -1);
 
@@ -63,9 +62,7 @@ TEST(Watch, tells_when_a_link_or_a_folder_leads_to_another_file)
 	folder.write("build/plugin.so.0.2", "two");
 	fs::create_symlink("plugin.so.0.1", link);
 	fs::create_symlink("build", folder / "current");
-	std::string error;
-	const auto watch = Watch::start(folder / "current/plugin.so.0", error);
-	ASSERT_TRUE(watch) << error;
+	const auto watch = Watch::start(folder / "current/plugin.so.0");
 	EXPECT_FALSE(changesWithin(*watch, 500));
 
 	folder.write("build/plugin.so.0.1", "one again");
@@ -93,8 +90,7 @@ TEST(Watch, does_not_mind_other_files_nor_tell_of_one_change_twice)
 {
 	TempFolder folder;
 	const std::string file = folder.write("plugin.so.0", "one");
-	std::string error;
-	const auto watch = Watch::start(file, error);
+	const auto watch = Watch::start(file);
 	folder.write("plugin.so", "another");
 	folder.write("plugin.so.01", "another");
 	EXPECT_FALSE(changesWithin(*watch, 700));
@@ -106,8 +102,7 @@ TEST(Watch, does_not_mind_other_files_nor_tell_of_one_change_twice)
 
 TEST(Watch, says_why_it_cannot_watch)
 {
-	std::string error;
-	EXPECT_FALSE(Watch::start("/no/such/folder/plugin.so.0", error));
+	const std::string error = support::errorOf([] { Watch::start("/no/such/folder/plugin.so.0"); });
 	EXPECT_NE(error.find("/no/such/folder/plugin.so.0"), std::string::npos) << error;
 }
 

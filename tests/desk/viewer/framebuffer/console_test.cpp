@@ -13,9 +13,8 @@ namespace console_test
 
 std::unique_ptr<desk::Console> taken(const kernel::Console &console)
 {
-	std::string error;
-	auto held = desk::Console::take(console.path, error);
-	EXPECT_TRUE(held) << error;
+	auto held = desk::Console::take(console.path);
+	EXPECT_TRUE(held);
 	return held;
 }
 
@@ -45,11 +44,8 @@ TEST(Console, is_given_back_although_it_has_hung_up)
 TEST(Console, is_no_matter_where_there_is_none)
 {
 	TempFolder folder;
-	std::string error;
-	EXPECT_FALSE(desk::Console::take(folder / "missing", error));
-	EXPECT_EQ(error, "");
-	EXPECT_FALSE(desk::Console::take(folder.write("file", "text"), error));
-	EXPECT_EQ(error, "");
+	EXPECT_FALSE(desk::Console::take(folder / "missing"));
+	EXPECT_FALSE(desk::Console::take(folder.write("file", "text")));
 }
 
 } // namespace console_test

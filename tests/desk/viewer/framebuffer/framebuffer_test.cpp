@@ -1,5 +1,6 @@
 // The picture in frame buffers of every pixel layout and size.
 
+#include "error_of.h"
 #include "framebuffer.h"
 #include "framebuffer_screen.h"
 #include "kernel.h"
@@ -51,20 +52,15 @@ void show(Framebuffer &framebuffer, const desk::Rect &changed = whole)
 
 std::unique_ptr<Framebuffer> opened(const kernel::Screen &screen)
 {
-	std::string error;
-	auto framebuffer = Framebuffer::open(screen.path, error);
-	EXPECT_TRUE(framebuffer) << error;
-	if (framebuffer)
-		framebuffer->blacken();
+	auto framebuffer = Framebuffer::open(screen.path);
+	framebuffer->blacken();
 	return framebuffer;
 }
 
 std::string refusal(const std::string &device)
 {
-	std::string error;
-	EXPECT_FALSE(Framebuffer::open(device, error));
+	const std::string error = support::errorOf([&] { Framebuffer::open(device); });
 	EXPECT_NE(error.find(device), error.npos) << error;
-	EXPECT_EQ(error.find('\n'), error.npos) << error;
 	return error;
 }
 
@@ -73,8 +69,8 @@ TEST(Framebuffer, draws_in_whatever_way_the_pixels_are_kept)
 	for (const Layout &layout : layouts) {
 		TempFolder folder;
 		const kernel::Screen screen(folder, 720, 576, layout.bits, layout.red, layout.green, layout.blue);
+		SCOPED_TRACE(layout.name);
 		const auto framebuffer = opened(screen);
-		ASSERT_TRUE(framebuffer) << layout.name;
 		show(*framebuffer);
 		EXPECT_EQ(screen.pixel(100, 100), layout.marked) << layout.name;
 		EXPECT_EQ(screen.pixel(719, 575), layout.marked) << layout.name;
@@ -231,12 +227,11 @@ TEST(Framebuffer, says_what_is_wrong_with_a_device)
 TEST(Framebuffer, is_found)
 {
 	TempFolder folder;
-	std::string error;
-	EXPECT_EQ(desk::findFramebuffer(folder.path(), error), "");
-	EXPECT_NE(error.find("there is no framebuffer"), error.npos) << error;
+	const auto find = [&] { return desk::findFramebuffer(folder.path()); };
+	EXPECT_NE(support::errorOf(find).find("there is no framebuffer"), std::string::npos);
 	for (const char *name : {"fb10", "fb2", "fbx", "fb", "tty0"})
 		folder.write(name, "");
-	EXPECT_EQ(desk::findFramebuffer(folder.path(), error), folder / "fb2");
+	EXPECT_EQ(find(), folder / "fb2");
 }
 
 TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
@@ -245,9 +240,7 @@ TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
 	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
 	kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
 	const kernel::Console console(folder);
-	std::string error;
-	const auto made = desk::makeFramebufferScreen({screen.path, remote.path, console.path}, error);
-	ASSERT_TRUE(made) << error;
+	const auto made = desk::makeFramebufferScreen({screen.path, remote.path, console.path});
 	EXPECT_EQ(console.display(), "graphics");
 	EXPECT_EQ(screen.pixel(100, 100), 0u);
 	made->canvas()->fill(whole, desk::Fill::plain({1, 2, 3}));
@@ -277,14 +270,15 @@ TEST(FramebufferScreen, leaves_everything_alone_when_something_is_missing)
 	TempFolder folder;
 	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
 	const kernel::Console console(folder);
-	std::string error;
-	EXPECT_FALSE(desk::makeFramebufferScreen({screen.path, folder / "event0", console.path}, error));
-	EXPECT_NE(error.find("event0"), error.npos) << error;
+	const auto refusal = [](const desk::FramebufferDevices &devices) {
+		return support::errorOf([&] { desk::makeFramebufferScreen(devices); });
+	};
+	EXPECT_NE(refusal({screen.path, folder / "event0", console.path}).find("event0"), std::string::npos);
 	EXPECT_EQ(console.display(), "text");
 	EXPECT_EQ(screen.memory().find_first_not_of('\xAB'), std::string::npos);
 
 	const kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
-	EXPECT_FALSE(desk::makeFramebufferScreen({folder / "fb9", remote.path, console.path}, error));
+	EXPECT_NE(refusal({folder / "fb9", remote.path, console.path}).find("fb9"), std::string::npos);
 	EXPECT_EQ(console.display(), "text");
 }
 

@@ -2,6 +2,7 @@
 
 #include "remote_control.h"
 
+#include "error_of.h"
 #include "kernel.h"
 
 #include <gtest/gtest.h>
@@ -24,10 +25,7 @@ const std::vector<unsigned int> remoteKeys = {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT
 
 std::unique_ptr<RemoteControl> opened(const kernel::Remote &remote)
 {
-	std::string error;
-	auto control = RemoteControl::open(remote.path, error);
-	EXPECT_TRUE(control) << error;
-	return control;
+	return RemoteControl::open(remote.path);
 }
 
 /// The next key; nullopt: the device is gone.
@@ -45,10 +43,8 @@ std::optional<Key> wait(RemoteControl &control)
 
 std::string refusal(const std::string &device)
 {
-	std::string error;
-	EXPECT_FALSE(RemoteControl::open(device, error));
+	const std::string error = support::errorOf([&] { RemoteControl::open(device); });
 	EXPECT_NE(error.find(device), error.npos) << error;
-	EXPECT_EQ(error.find('\n'), error.npos) << error;
 	return error;
 }
 
@@ -201,15 +197,14 @@ TEST(RemoteControl, says_what_is_wrong_with_a_device)
 TEST(RemoteControl, is_found_before_a_keyboard)
 {
 	TempFolder folder;
-	std::string error;
-	EXPECT_EQ(desk::findRemoteControl(folder.path(), error), "");
-	EXPECT_NE(error.find("plug one in"), error.npos) << error;
+	const auto find = [&] { return desk::findRemoteControl(folder.path()); };
+	EXPECT_NE(support::errorOf(find).find("plug one in"), std::string::npos);
 	const kernel::Remote mouse(folder, {BTN_LEFT}, "event0");
-	EXPECT_EQ(desk::findRemoteControl(folder.path(), error), "");
+	EXPECT_NE(support::errorOf(find).find("plug one in"), std::string::npos);
 	const kernel::Remote second(folder, keyboard, "event10"), first(folder, keyboard, "event9");
-	EXPECT_EQ(desk::findRemoteControl(folder.path(), error), first.path);
+	EXPECT_EQ(find(), first.path);
 	const kernel::Remote remote(folder, remoteKeys, "event11");
-	EXPECT_EQ(desk::findRemoteControl(folder.path(), error), remote.path);
+	EXPECT_EQ(find(), remote.path);
 }
 
 } // namespace remote_control_test

@@ -32,10 +32,10 @@ public:
 		stage.skinText = support::readFile(support::sourcePath("desk/skins/default.toml"));
 		stage.skin = desk::Skin::parse(stage.skinText, "skin");
 		stage.draws = true;
-		stage.openScreen = [this](std::string &why) {
-			return desk::makeFramebufferScreen({screen.path, remote.path, console.path}, why);
+		stage.openScreen = [this] {
+			return desk::makeFramebufferScreen({screen.path, remote.path, console.path});
 		};
-		stage.openRecordings = [this](std::string &why) { return recorder.openDump(options.dump, why); };
+		stage.openRecordings = [this] { recorder.openDump(options.dump); };
 		running = std::thread([this, stage] { desk::Session(options, stage, recorder).run(); });
 	}
 	~OnFramebuffer()

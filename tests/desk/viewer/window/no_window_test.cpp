@@ -2,6 +2,8 @@
 
 #include "window_screen.h"
 
+#include "error_of.h"
+
 #include <gtest/gtest.h>
 
 namespace
@@ -9,11 +11,10 @@ namespace
 
 TEST(NoWindow, says_that_it_is_left_out_and_what_there_is)
 {
-	std::string error;
-	EXPECT_EQ(desk::makeWindowScreen("menu", error), nullptr);
-	EXPECT_EQ(error, "this desk host is built without a window; use --screen terminal, framebuffer or none");
-	EXPECT_FALSE(desk::displayAnswers(error));
-	EXPECT_EQ(error, "there is a display, but this desk host is built without a window");
+	EXPECT_EQ(support::errorOf([] { desk::makeWindowScreen("menu"); }),
+	          "this desk host is built without a window; use --screen terminal, framebuffer or none");
+	EXPECT_EQ(support::errorOf([] { desk::awaitDisplay(); }),
+	          "there is a display, but this desk host is built without a window");
 }
 
 } // namespace
