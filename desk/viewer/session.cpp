@@ -1,6 +1,7 @@
 #include "session.h"
 
 #include "pixel_canvas.h"
+#include "recordings.h"
 #include "sandbox.h"
 #include "visible_text.h"
 
@@ -49,9 +50,8 @@ std::string lineFor(int result)
 
 } // namespace
 
-Session::Session(const Options &given, Stage of, Recorder &records)
-	: options(given), stage(std::move(of)), recorder(records), script(given.keys.begin(), given.keys.end()),
-	  plays(given.plays)
+Session::Session(const Options &given, Stage of)
+	: options(given), stage(std::move(of)), script(given.keys.begin(), given.keys.end()), plays(given.plays)
 {}
 
 void Session::run()
@@ -151,11 +151,11 @@ void Session::openScreen()
 		NoteLog::get().add(stage.note);
 }
 
-/// After the screen: a plugin or a screen that is not there leaves what was recorded last.
+/// Once the plugin's code runs, and after the screen: without one of them what was recorded last is left.
 void Session::openRecordings()
 {
 	if (!std::exchange(isRecording, true))
-		stage.openRecordings();
+		desk::openRecordings(options, recorder);
 }
 
 void Session::handle(Loaded &)

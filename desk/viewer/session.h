@@ -35,7 +35,6 @@ struct Stage
 	bool holdsErrorsBack = false; ///< what is written to standard error would tear the screen
 	std::string note;             ///< for the person, first of all
 	std::function<std::unique_ptr<Screen>()> openScreen;
-	std::function<void()> openRecordings; ///< once the plugin's code runs
 };
 
 /// A person and a plugin: one loop that waits for keys, for what the plugin's half says, for its end, for signals and
@@ -43,7 +42,7 @@ struct Stage
 class Session
 {
 public:
-	Session(const Options &options, Stage stage, Recorder &recorder);
+	Session(const Options &options, Stage stage);
 
 	/// Throws an Error when the plugin has not run to its end, or not everything could be written.
 	void run();
@@ -107,7 +106,7 @@ private:
 
 	const Options &options;
 	const Stage stage;
-	Recorder &recorder;
+	Recorder recorder;
 	bool isRecording = false; ///< what is to be recorded is open
 	Signals signals;
 	HeldOutput held;

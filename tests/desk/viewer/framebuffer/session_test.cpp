@@ -35,8 +35,7 @@ public:
 		stage.openScreen = [this] {
 			return desk::makeFramebufferScreen({screen.path, remote.path, console.path});
 		};
-		stage.openRecordings = [this] { recorder.openDump(options.dump); };
-		running = std::thread([this, stage] { desk::Session(options, stage, recorder).run(); });
+		running = std::thread([this, stage] { desk::Session(options, stage).run(); });
 	}
 	~OnFramebuffer()
 	{
@@ -68,7 +67,6 @@ public:
 
 private:
 	desk::Options options;
-	desk::Recorder recorder;
 	std::thread running;
 };
 
