@@ -25,7 +25,8 @@ constexpr int mostLinks = 40;                          // as the kernel follows
 
 std::unique_ptr<Watch> Watch::start(const std::string &path)
 {
-	const std::filesystem::path file = std::filesystem::absolute(path);
+	std::error_code failed; // there may be no current folder; then there is nothing to watch, either
+	const std::filesystem::path file = std::filesystem::absolute(path, failed);
 	const int notices = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
 	std::unique_ptr<Watch> watch(new Watch(file, notices));
 	if (notices < 0 || inotify_add_watch(notices, file.parent_path().c_str(), IN_CLOSE_WRITE) < 0)

@@ -104,6 +104,15 @@ TEST(Watch, says_why_it_cannot_watch)
 {
 	const std::string error = support::errorOf([] { Watch::start("/no/such/folder/plugin.so.0"); });
 	EXPECT_NE(error.find("/no/such/folder/plugin.so.0"), std::string::npos) << error;
+
+	const TempFolder folder;
+	const support::Outcome outcome =
+		support::run({"sh", "-c",
+	                  "cd '" + folder.path() + "' && mkdir gone && cd gone && rmdir ../gone && exec '" +
+	                      support::deskhostPath() + "' --watch --screen framebuffer --plugin some.so.0"});
+	EXPECT_EQ(outcome.status, 1);
+	EXPECT_EQ(outcome.err,
+	          "deskhost: cannot watch 'some.so.0': No such file or directory; leave out --watch\n");
 }
 
 /// The desk host with --watch in a terminal.
