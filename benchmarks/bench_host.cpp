@@ -33,7 +33,7 @@ namespace fs = std::filesystem;
 	std::exit(2);
 }
 
-/// The viewer's half in this process: what is sent is encoded and decoded as between the two, and painted.
+/// The viewer's half in this process. It encodes and decodes each message as between two processes, and paints.
 class WatchedViewer : public desk::Peer
 {
 public:
@@ -63,8 +63,8 @@ private:
 	desk::PixelCanvas pixels;
 };
 
-std::unique_ptr<WatchedViewer> viewer; // the stage's
-std::string log;                       // the stage's
+std::unique_ptr<WatchedViewer> viewer;
+std::string log;
 
 double statusLine(const char *name)
 {

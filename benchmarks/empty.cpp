@@ -1,6 +1,6 @@
 #include <string>
 
-// As little C++ as a plugin can be made of, its standard library included.
+// A minimal plugin that still links the standard library.
 extern "C" __attribute__((visibility("default"))) int plugin_exec()
 {
 	static std::string text;

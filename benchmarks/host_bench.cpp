@@ -1,9 +1,8 @@
-// What the plugin costs inside a host: opening its screens, loading it, large logs, key presses.
+// The plugin's costs inside a host: opening screens, loading, large logs, key presses.
 //
 //   host_bench table       measures and prints lines of the table
-//   host_bench open ENTRY  opens the screen of a menu entry many times, for a look by other means
-//   host_bench count ...   does one thing under callgrind, instrumented only while it lasts: load, empty,
-//                          key LINES, text CHARACTERS
+//   host_bench open ENTRY  opens the screen of a menu entry many times, for other profilers
+//   host_bench count ...   runs one operation under callgrind: load, empty, key LINES, text CHARACTERS
 
 #include "bench_host.h"
 #include "desk_error.h"
@@ -36,24 +35,24 @@ using bench::row;
 using bench::text;
 using desk::Key;
 
-constexpr int turns = 101; // of what is measured by its median
+constexpr int turns = 101; // of each measurement; the median counts
 
 const bench::Stage plain = {BENCH_SKIN, "", false};
 
-/// Presses the keys that open the menu's entry `number`.
+/// The key that opens the menu's entry `number`.
 Key entryKey(int number)
 {
 	return static_cast<Key>(static_cast<int>(Key::digit0) + number);
 }
 
-/// What the opening of a screen took: seconds, of which those in commands; seconds of the processor's; and
-/// memory in bytes: before, when the screen is finished, at the peak between.
+/// Measurements of one opening. Times are in seconds: wall clock, of it in commands, CPU. Memory is in bytes: before,
+/// when the screen is complete, and the peak.
 struct Opening
 {
 	double seconds, commands, processor, before, finished, peak;
 };
 
-/// Opens the screen of a menu entry so many times, from the same menu. `between` is called before each.
+/// Opens the screen of a menu entry `times` times from one menu, calling `between` before each.
 std::vector<Opening> openScreen(
 	int entry, const bench::Stage &stage, int times = 1, const std::function<void()> &between = [] {})
 {
@@ -161,8 +160,8 @@ void measureFiles()
 	}
 }
 
-/// The whole screen with the scan log, over its size. The sizes take turns, so that each opening finds the
-/// processor's caches as the largest has left them, and not, as no viewer's opening does, full of the same log.
+/// The scan log's screen by size of the log. The sizes take turns: the largest has emptied the caches before each
+/// opening, as other work has before a viewer's opening.
 void measureLogs()
 {
 	constexpr int most = 1000000;
@@ -201,7 +200,7 @@ void measureLogs()
 	    text(finished / most, 0, " bytes"), text(peak / finished, 2), "<= 1.6", peak / finished <= 1.6);
 }
 
-/// What contract and screen require of each row, and no more: an entry, its text, and the line as its key.
+/// The minimum that contract and screen require of each row: an entry, its text, and the line as its key.
 void makeBareEntries(const char *path)
 {
 	std::deque<eListBoxEntryText *> entries;
@@ -227,7 +226,7 @@ void makeBareEntries(const char *path)
 	}
 }
 
-/// A large log from the plugin's loading to its end, against the bare making of its entries.
+/// A run with a large log, compared with making its bare entries.
 void measureLargeLogs()
 {
 	const struct
@@ -263,7 +262,7 @@ void measureLargeLogs()
 	}
 }
 
-/// From dlopen to the menu waiting for its first key, or to the empty object's entry having been called.
+/// Seconds from dlopen to the first wait for a key, or to the end of the empty object's entry point.
 double loadPlugin(bool counted = false)
 {
 	double ready = 0;
@@ -299,10 +298,10 @@ double loadEmpty(bool counted = false)
 	return took;
 }
 
-/// Presses "down" five times in a list of so many lines, instrumented.
+/// Presses "down" five times, instrumented, in a list of `lines` lines.
 void countKeys(int lines)
 {
-	// Rows so high that the smallest list fills its box as well.
+	// Tall rows, so that the smallest list fills its box as well.
 	const std::string skin = bench::temporaryFolder() + "/skin.toml";
 	std::ifstream from(BENCH_SKIN);
 	std::stringstream content;
@@ -325,7 +324,7 @@ void countKeys(int lines)
 	bench::run(BENCH_PLUGIN);
 }
 
-/// Draws a line of so many characters where 75 have room, instrumented.
+/// Draws a line of `characters` characters, instrumented, in a room for 75.
 void countText(int characters)
 {
 	std::string line;
@@ -337,13 +336,13 @@ void countText(int characters)
 	style.face = desk::Face::columns;
 	style.rowHeight = 20;
 	const desk::Rect room = {60, 60, 600, 20};
-	canvas.text(room, line, style); // the font is loaded
+	canvas.text(room, line, style); // loads the font
 	CALLGRIND_START_INSTRUMENTATION;
 	canvas.text(room, line, style);
 	CALLGRIND_STOP_INSTRUMENTATION;
 }
 
-/// Runs this program under callgrind; returns the instructions that it counted.
+/// Runs this program under callgrind, and returns the number of instructions.
 double instructions(const std::string &what)
 {
 	const std::string out = bench::temporaryFolder() + "/callgrind.out";
@@ -384,8 +383,8 @@ void measureKeys()
 	}
 }
 
-/// What can be seen of a line is laid out, however long it is: laid out whole, the first would take 13 times
-/// as much as its start and the second 10,000 times. What remains is the search for what can be seen.
+/// The canvas lays out only the visible part of a line. Complete layout would take 13 and 10,000 times as much as the
+/// visible part; the search for that part remains.
 void measureText()
 {
 	const double seen = instructions("text 80");

@@ -4,20 +4,19 @@
 #include <cstddef>
 #include <cstdio>
 
-// What the readers read, in the barest loops over the same libc calls that give the same result:
-// the baseline that the readers are held against. C in all but name.
+// The readers' baseline: minimal C loops over the same libc calls with the same result.
 
 struct PlainText
 {
-	char *bytes; ///< with a NUL at the end; null while empty; from malloc
+	char *bytes; ///< NUL-terminated, from malloc; null while empty
 	size_t length, capacity;
 };
 
 struct PlainRow
 {
 	char *text;   ///< from malloc
-	char *line;   ///< the scan log's: from malloc
-	char pid[12]; ///< the process list's
+	char *line;   ///< of the scan log, from malloc
+	char pid[12]; ///< of the process list
 };
 
 struct PlainRows

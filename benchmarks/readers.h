@@ -9,8 +9,8 @@
 namespace bench
 {
 
-/// One reader with its baseline. `read` and `readPlainly` read the stream and let go of the result;
-/// `same` compares what the two give.
+/// One reader and its baseline. `read` and `readPlainly` read the stream and free the result; `same` compares both
+/// results.
 struct Pair
 {
 	std::string name;
@@ -21,10 +21,9 @@ struct Pair
 	std::function<bool(FILE *)> same;
 };
 
-/// All of them.
 std::vector<Pair> pairs();
 
-/// A temporary file with this content, at its start; ends the program when there can be none.
+/// A temporary file with this content, at its start. Ends the program on failure.
 FILE *streamOf(const std::string &content);
 
 } // namespace bench

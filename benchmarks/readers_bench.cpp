@@ -1,5 +1,5 @@
-// Each reader, per line, against the barest loop of the same libc calls. The two take turns in random
-// order; the figure is the ratio of the medians.
+// Each reader per line, compared with a minimal loop of the same libc calls. Both take turns in random order; the
+// figure is the ratio of the medians.
 
 #include "readers.h"
 #include "table.h"
@@ -14,7 +14,7 @@ namespace
 
 constexpr double limit = 1.3;
 
-/// Keeps the time of every repetition, by the benchmark's name, in nanoseconds.
+/// Collects the time of each repetition in nanoseconds, by benchmark.
 class Times : public benchmark::BenchmarkReporter
 {
 public:

@@ -1,5 +1,4 @@
-// Compares a reader with its plain loop once, and runs one of the two, for who counts instructions from
-// outside.
+// Compares a reader with its plain loop once, and runs one of them while an outside tool counts instructions.
 
 #include "readers.h"
 

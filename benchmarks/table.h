@@ -9,7 +9,7 @@
 namespace bench
 {
 
-/// The middle one of an odd number of values, else the mean of the two in the middle; of none: 0.
+/// The median, the mean of the middle two for an even number of values; 0 for none.
 inline double median(std::vector<double> values)
 {
 	if (values.empty())
@@ -26,7 +26,7 @@ inline std::string text(double value, int decimals, const char *unit = "")
 	return buffer;
 }
 
-/// One line of the table, as ./bench takes it: columns between tabs. `limit` empty: for orientation.
+/// Prints one line of the table for ./bench, columns separated by tabs. Without `limit`, the figure is informative.
 inline void row(const std::string &figure, const std::string &measured, const std::string &baseline,
                 const std::string &result, const std::string &limit, bool held)
 {

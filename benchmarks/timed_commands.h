@@ -1,8 +1,7 @@
 #ifndef BENCH_TIMED_COMMANDS_H
 #define BENCH_TIMED_COMMANDS_H
 
-/// The time from fork() to the end of waitpid() since this was last called, in seconds: what the host's commands
-/// have taken.
+/// Seconds between fork() and the end of waitpid(), summed since the last call: the time of the host's commands.
 __attribute__((visibility("default"))) double takeCommandSeconds();
 
 #endif

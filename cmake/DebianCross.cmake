@@ -1,5 +1,5 @@
-# The rest of a tool chain file: Debian's cross compiler, the sysroot that tools/sysroot makes, and QEMU to run
-# what is built. `triple` and `emulator` are set.
+# Common part of the tool chain files: Debian's cross compiler, the sysroot of tools/sysroot, and QEMU to run the
+# programs. Needs `triple` and `emulator`.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_CXX_COMPILER ${triple}-g++)
 get_filename_component(CMAKE_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/sysroots/${CMAKE_SYSTEM_PROCESSOR} ABSOLUTE)

@@ -1,8 +1,8 @@
-# What goes where on a Debian system, and the archive of the plugin alone. The packages: see Packages.cmake.
+# Installs the files on a Debian system, and archives the plugin alone. Packages.cmake makes the packages.
 include(GNUInstallDirs)
 
-# The manual page of a command, made from what its --help says and the sections in docs/COMMAND.h2m, where there is
-# help2man to make it, and a build that is tested and released.
+# Makes a command's manual page from its --help and the sections in docs/COMMAND.h2m, in tested release builds where
+# help2man is installed.
 find_program(VEXLO_HELP2MAN help2man)
 function(vexlo_manual_page command component program summary)
   if(NOT (VEXLO_HELP2MAN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_TYPE STREQUAL "Release"))
@@ -33,7 +33,7 @@ install(DIRECTORY ${CMAKE_BINARY_DIR}/po/ DESTINATION ${CMAKE_INSTALL_DATADIR}/l
 install(FILES docs/porting.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vexlomenu COMPONENT plugin)
 
 if(VEXLO_DESK)
-  # deskhost looks for these by their places relative to its own: see desk/viewer.
+  # deskhost finds these files relative to its own path (desk/viewer).
   file(RELATIVE_PATH VEXLO_PLUGIN_FROM_BIN
        ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/vexlomenu/vexlomenu.so.0)
   set(VEXLO_HALF_DIR ${CMAKE_INSTALL_FULL_LIBEXECDIR}/deskhost)
@@ -58,8 +58,8 @@ if(VEXLO_DESK)
   install(FILES docs/deskhost.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/deskhost COMPONENT desk)
 endif()
 
-# For a receiver: the plugin alone, stripped, with its catalogues.
-# A tool chain file need not name the processor.
+# The plugin alone for a receiver: stripped, with its catalogues. CMAKE_SYSTEM_PROCESSOR may be empty, as a tool chain
+# file need not set it.
 set(archive_name vexlomenu ${PROJECT_VERSION} ${CMAKE_SYSTEM_PROCESSOR})
 list(JOIN archive_name "-" archive_name)
 set(archive ${CMAKE_BINARY_DIR}/${archive_name}.tar.gz)

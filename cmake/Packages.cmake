@@ -1,9 +1,9 @@
-# The Debian packages, made by `cpack`: vexlomenu, the plugin; deskhost, which runs it on a desk;
-# libvexlo-toolkit-dev, for the authors of other plugins. Each is a component of the installation.
+# Debian packages by `cpack`, one for each component of the installation: vexlomenu, the plugin; deskhost, which runs
+# it on a desk; libvexlo-toolkit-dev, for authors of other plugins.
 set(CPACK_PACKAGE_NAME vexlomenu)
 set(CPACK_PACKAGE_VENDOR "Vexlo service menu team")
 set(CPACK_PACKAGE_CONTACT "Vexlo service menu team <team@vexlomenu.invalid>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own, the first line of its description
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package uses the first line of its description
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_GENERATOR DEB)
@@ -26,7 +26,7 @@ It needs a host that loads it, such as the desk host of package deskhost.")
 set(CPACK_DEBIAN_DESK_PACKAGE_NAME deskhost)
 set(CPACK_DEBIAN_DESK_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "vexlomenu (= ${PROJECT_VERSION}-1), bubblewrap, busybox, fonts-dejavu-core, procps")
-# Until then one package had all of it.
+# Earlier versions were one package.
 set(CPACK_DEBIAN_DESK_PACKAGE_BREAKS "vexlomenu (<< 1.1.0)")
 set(CPACK_DEBIAN_DESK_PACKAGE_REPLACES "vexlomenu (<< 1.1.0)")
 set(CPACK_COMPONENT_DESK_DESCRIPTION "runs a television receiver's plugins on a desk computer
@@ -47,7 +47,7 @@ What a plugin requires of the front end that loads it, as C++ headers, with
 a CMake package, a pkg-config file, commands that begin and test a plugin,
 a reference in HTML and an example.")
 
-# A package's papers: its licence and its changes, the way Debian wants them.
+# Debian requires each package to have its licence and changelog.
 set(papers ${CMAKE_BINARY_DIR}/papers)
 execute_process(COMMAND date -u -d ${VEXLO_RELEASE_DATE} "+%a, %d %b %Y 12:00:00 +0000"
                 OUTPUT_VARIABLE VEXLO_CHANGELOG_DATE OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

@@ -1,10 +1,8 @@
-# What the plugin is compiled and linked with in a release build: it is made for size, because a
-# receiver keeps it in flash. Link to it PRIVATE; ./bench shows what the plugin costs. What this
-# compiler or linker does not know is left out.
+# Flags of the plugin's release build, which aims at size because a receiver keeps the plugin in flash. Unknown flags
+# are left out. Link to it PRIVATE; ./bench shows the plugin's size.
 include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)
 
-# A receiver's loader, C library and tools may be old.
 if(VEXLO_DESK)
   set(for_receiver OFF)
 else()
@@ -21,7 +19,7 @@ endif()
 option(VEXLO_PACK_RELOCATIONS
        "Pack the plugin's relative relocations, which a C library older than glibc 2.36 cannot load" ${pack})
 
-# Adds to `list` those of the flags that `check` (check_cxx_compiler_flag, check_linker_flag) takes.
+# Appends to `list` those flags that `check` (compiler_flag, linker_flag) accepts.
 function(vexlo_append_known check list)
   foreach(flag ${ARGN})
     string(MAKE_C_IDENTIFIER "VEXLO_TAKES${flag}" known)
@@ -36,13 +34,13 @@ macro(vexlo_compiler_flag flag known)
   check_cxx_compiler_flag(${flag} ${known})
 endmacro()
 macro(vexlo_linker_flag flag known)
-  # A linker only warns of a -z keyword that it does not know.
+  # A linker only warns of an unknown -z keyword.
   set(CMAKE_REQUIRED_LINK_OPTIONS -Wl,--fatal-warnings)
   check_linker_flag(CXX ${flag} ${known})
 endmacro()
 
-# No exception leaves or passes the plugin, and no object of it lives longer than a call: it needs
-# neither unwind tables nor the compiler's start files.
+# No exception passes through the plugin, and its objects live no longer than a call. So it needs neither unwind
+# tables nor start files.
 set(code_flags)
 vexlo_append_known(compiler_flag code_flags -Oz)
 if(NOT code_flags)
@@ -51,20 +49,18 @@ endif()
 list(APPEND code_flags -fno-exceptions)
 vexlo_append_known(compiler_flag code_flags
   -ffunction-sections -fdata-sections -fno-asynchronous-unwind-tables -fno-plt)
-# Nor does it ask a 64-bit ARM, when it is loaded, which instructions that has.
+# The runtime detection of 64-bit ARM instructions is not worth its size.
 vexlo_append_known(compiler_flag code_flags -mno-outline-atomics)
 set(link_flags -nostartfiles)
 vexlo_append_known(linker_flag link_flags
   -Wl,--gc-sections -Wl,--as-needed -Wl,--hash-style=${hash_style} -Wl,-O1 -Wl,-z,noseparate-code -Wl,-z,now)
 if(VEXLO_RECEIVER)
-  # Where flash counts: without a part that is read-only after loading, which would be padded to a page,
-  # and without an identifier of the build.
-  # What is written begins where it falls, not at the next page of the file.
+  # For flash: no RELRO segment, which is padded to a page, no build id, and data right behind the text, not at the
+  # next page of the file.
   vexlo_append_known(linker_flag link_flags -Wl,-z,norelro -Wl,--build-id=none -Wl,-z,common-page-size=64)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # Seen as a whole, the tables of dialogs of one shape fall together. The objects are fat, so that
-  # the readers also link into programs that are not made this way.
+  # Link-time optimisation merges identical virtual tables of dialogs. Fat objects also link into programs without it.
   vexlo_append_known(compiler_flag code_flags -fno-inline-small-functions -fno-caller-saves)
   check_cxx_compiler_flag("-flto -ffat-lto-objects" VEXLO_COMPILER_MAKES_LTO)
   check_linker_flag(CXX -flto VEXLO_LINKER_TAKES_LTO)
@@ -76,7 +72,7 @@ if(VEXLO_PACK_RELOCATIONS)
   vexlo_append_known(linker_flag link_flags -Wl,-z,pack-relative-relocs)
 endif()
 
-# For what goes into the plugin, and for the plugin itself.
+# vexlo_small_code is for objects of the plugin, vexlo_small for the plugin itself.
 add_library(vexlo_small_code INTERFACE)
 add_library(vexlo_small INTERFACE)
 target_link_libraries(vexlo_small INTERFACE vexlo_small_code)
@@ -84,7 +80,7 @@ if(NOT VEXLO_SANITIZE)
   target_compile_options(vexlo_small_code INTERFACE "$<$<CONFIG:Release>:${code_flags}>")
   target_link_options(vexlo_small INTERFACE "$<$<CONFIG:Release>:${code_flags};${link_flags}>")
 endif()
-# Where there is debug information it describes the host's classes in full, for tools/check-host to compare.
+# Debug information describes the host's classes in full, so that tools/check-host can compare them.
 set(type_flags)
 vexlo_append_known(compiler_flag type_flags -femit-class-debug-always -fstandalone-debug)
 target_compile_options(vexlo_small_code INTERFACE "$<$<CONFIG:Debug,RelWithDebInfo>:${type_flags}>")

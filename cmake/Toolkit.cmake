@@ -1,5 +1,5 @@
-# What the authors of other plugins install: the contract's headers, a CMake package and a pkg-config file
-# for them, the runner of golden tests, and the reference made from the headers' comments.
+# Installs what authors of other plugins need: the contract's headers with a CMake package and a pkg-config file, the
+# runner of golden tests, and a reference made from the headers' comments.
 include(CMakePackageConfigHelpers)
 
 set(VEXLO_TOOLKIT_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/vexlo-toolkit)
@@ -19,12 +19,12 @@ foreach(command IN ITEMS check-host golden-test)
 endforeach()
 install(PROGRAMS cmake/toolkit/check-entry cmake/toolkit/list-untranslated
         DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
-# A signal library as strict as those of receivers, to compile with.
+# A signal library as strict as a receiver's, for STRICT builds.
 install(DIRECTORY tests/vendor/sigc1/include/sigc++-1.2/sigc++ DESTINATION ${VEXLO_TOOLKIT_DATA}/strict COMPONENT dev)
 install(FILES tests/vendor/sigc1/lib/sigc++-1.2/include/sigcconfig.h DESTINATION ${VEXLO_TOOLKIT_DATA}/strict COMPONENT dev)
 install(FILES cmake/toolkit/plugin.map src/toolkit/econtract.cpp DESTINATION ${VEXLO_TOOLKIT_DATA} COMPONENT dev)
 
-# The signal library is the one that this is built on.
+# Plugins use the signal library of this build.
 set(VEXLO_PC_REQUIRES sigc++-3.0)
 if(VEXLO_SIGC1_INCLUDE)
   get_target_property(VEXLO_SIGC1_DEFINITION vexlo_toolkit INTERFACE_COMPILE_DEFINITIONS)
@@ -44,7 +44,7 @@ file(RELATIVE_PATH VEXLO_PC_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAK
 configure_file(cmake/vexlo-toolkit.pc.in vexlo-toolkit.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/vexlo-toolkit.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 
-# The reference, where there is Doxygen to make it, and a build that is tested and released.
+# The reference, in tested release builds where Doxygen is installed.
 find_program(VEXLO_DOXYGEN doxygen)
 if(VEXLO_DOXYGEN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_TYPE STREQUAL "Release")
   configure_file(docs/Doxyfile.in Doxyfile @ONLY)
@@ -59,7 +59,7 @@ if(VEXLO_DOXYGEN AND BUILD_TESTING AND NOT CMAKE_CROSSCOMPILING AND CMAKE_BUILD_
   install(DIRECTORY ${CMAKE_BINARY_DIR}/reference/html
           DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev COMPONENT dev)
 endif()
-# In folders as they are here, so that the links between them lead somewhere.
+# Keeps the folders, so that relative links work.
 install(FILES docs/plugins.md docs/porting.md docs/receiver.md docs/deskhost.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev/docs COMPONENT dev)
 install(FILES docs/pictures/receiver.png
@@ -67,7 +67,7 @@ install(FILES docs/pictures/receiver.png
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvexlo-toolkit-dev
         USE_SOURCE_PERMISSIONS COMPONENT dev)
 
-# The examples take this tree for installed, to be built and tested wherever the tree is.
+# Lets the examples use this tree like an installed toolkit, so that it builds and tests them.
 function(vexlo_add_examples)
   set(folder ${CMAKE_BINARY_DIR}/toolkit)
   file(MAKE_DIRECTORY ${folder})
@@ -82,7 +82,7 @@ function(vexlo_add_examples)
     INSTALL_DESTINATION ${folder} PATH_VARS VEXLO_TOOLKIT_INCLUDE_DIR VEXLO_TOOLKIT_DATA CMAKE_INSTALL_BINDIR)
   set(VexloToolkit_DIR ${folder})
   set(VEXLO_GOLDEN_TEST ${PROJECT_SOURCE_DIR}/cmake/toolkit/golden-test)
-  # A program that is built for another computer runs in its emulator.
+  # Programs for another computer run in its emulator.
   list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
   set(through)
   if(emulator)

@@ -1,5 +1,5 @@
-// Counts the instructions that an emulated processor executes: a plugin of QEMU's, which gets the name of a
-// file (count=NAME) and keeps the count in its first eight bytes. Who wants to know reads them at any time.
+// A QEMU plugin that counts executed instructions. Its argument count=NAME names a file whose first eight bytes hold
+// the count at any time.
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-// QEMU's interface for plugins in its version 1, as far as it is used here; Debian has no header of it.
+// The used part of QEMU's plugin interface, version 1; Debian packages no header of it.
 extern "C" {
 struct qemu_plugin_tb;
 using qemu_plugin_id_t = uint64_t;
@@ -26,7 +26,7 @@ int qemu_plugin_install(qemu_plugin_id_t id, const void *info, int count, char *
 namespace
 {
 
-constexpr int addToNumber = 0; // the one operation there is
+constexpr int addToNumber = 0; // the interface's only operation
 void *executed = nullptr;
 
 void translated(qemu_plugin_id_t, qemu_plugin_tb *block)
