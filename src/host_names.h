@@ -1,18 +1,18 @@
 #ifndef VEXLO_HOST_NAMES_H
 #define VEXLO_HOST_NAMES_H
 
-// The toolkit, ours or a vendor's, and the few things in which toolkits differ. A vendor's toolkit.h
-// defines the names that are not as in ours; docs/porting.md shows one.
+// Includes the toolkit, ours or a vendor's, and covers the few differences between toolkits. A vendor's toolkit.h
+// defines the names that differ from ours; docs/porting.md shows one.
 
 #include "toolkit.h"
 
-/// The height of a window's client area in pixels. `window` is the window that asks, so that a
-/// protected member serves as well.
+/// The height of a window's client area in pixels. `window` is the calling window itself, so a protected member works
+/// too.
 #ifndef VEXLO_CLIENT_HEIGHT
 #define VEXLO_CLIENT_HEIGHT(window) ((window).getClientRect().height())
 #endif
 
-/// The list box that a menu window holds, likewise.
+/// The list box of a menu window; may be protected too.
 #ifndef VEXLO_MENU_LIST
 #define VEXLO_MENU_LIST(menu) ((menu).list)
 #endif
@@ -22,7 +22,7 @@
 #define VEXLO_ENTRY_KEY(entry) ((entry).getKey())
 #endif
 
-/// What a message box returns for yes and for no.
+/// Results of a message box for yes and no.
 #ifndef VEXLO_ANSWER_YES
 #define VEXLO_ANSWER_YES 4
 #endif
@@ -30,7 +30,7 @@
 #define VEXLO_ANSWER_NO 8
 #endif
 
-/// The active skin, which toolkits hand out as a pointer or as a reference.
+/// The active skin: some toolkits return a pointer, others a reference.
 inline const eSkin &hostSkin(const eSkin *skin)
 {
 	return *skin;
@@ -40,7 +40,7 @@ inline const eSkin &hostSkin(const eSkin &skin)
 	return skin;
 }
 
-/// A format as eString::sprintf takes it: as writable characters, which it only reads.
+/// A format for eString::sprintf, which takes writable characters but only reads them.
 __attribute__((format_arg(1))) inline char *hostFormat(const char *format)
 {
 	return const_cast<char *>(format);

@@ -10,7 +10,7 @@ eMemInfoDialog::eMemInfoDialog() : eWindow(1)
 	const MemInfoColumns columns = readMemInfo();
 	const int clientHeight = VEXLO_CLIENT_HEIGHT(*this);
 
-	// As high as the whole client area although they start below its top: the window cuts off the rest.
+	// The columns begin below the top but are as high as the client area: the window cuts off the rest.
 	screen::addLabel(*this, columns.names.c_str(), ePoint(5, 5), eSize(150, clientHeight));
 	screen::addLabel(*this, columns.values.c_str(), ePoint(160, 5), eSize(100, clientHeight));
 }

@@ -35,7 +35,7 @@ void ePsDialog::selectedItem(eListBoxEntryText *entry)
 	}
 
 	const eString &pid = *static_cast<const eString *>(VEXLO_ENTRY_KEY(*entry));
-	eString question("none"); // what is left if a host cannot format the translation
+	eString question("none"); // remains if a host cannot format the translation
 	question.sprintf(hostFormat(translate("Kill %s pid?")), pid.c_str());
 
 	eMessageBox box(question, eString(translate("kill pid")), 76, 4, 0);
@@ -43,8 +43,7 @@ void ePsDialog::selectedItem(eListBoxEntryText *entry)
 	const int answer = box.exec();
 	box.hide();
 
-	// Only a refusal, or a box that was closed, spares the process: hosts differ in what they
-	// return for consent.
+	// Only "no" or a closed box spares the process, because hosts return different values for consent.
 	if (answer != -1 && answer != VEXLO_ANSWER_NO) {
 		killPid(pid);
 		accept();

@@ -3,14 +3,14 @@
 
 #include "host_names.h"
 
-/// The running processes, as they are when the screen opens; choosing one offers to kill it.
+/// The processes that run when the screen opens; choosing one offers to kill it.
 class ePsDialog : public eWindow
 {
 public:
 	ePsDialog();
 	~ePsDialog();
 
-	/// The viewer has chosen `entry`, or left the list without one (null).
+	/// The viewer chose `entry`, or left the list (null).
 	void selectedItem(eListBoxEntryText *entry);
 
 private:

@@ -20,14 +20,14 @@ eScanLogDialog::eScanLogDialog() : eWindow(1)
 
 	logList = screen::addList(*this, ePoint(5, 5), eSize(590, clientHeight - 60));
 
-	// A log can be large: what the list has taken over does not stay here as well.
+	// A log can be large: entries move to the list one by one.
 	ScanLogContents log = readScanLog(ff_scan);
 	for (; !log.entries.empty(); log.entries.pop_front()) {
 		const ScanLogEntry &entry = log.entries.front();
 		screen::addLine(logList, entry.text.c_str(), entry.line.c_str());
 	}
 
-	// As wide as the client area although it starts in its middle: the window cuts off the rest.
+	// Begins in the middle of the client area but is as wide as the area: the window cuts off the rest.
 	screen::addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));
 
 	deleteButton->selected.connect(SigC::slot(*this, &eScanLogDialog::dellog));
@@ -38,7 +38,7 @@ eScanLogDialog::~eScanLogDialog() {}
 
 void eScanLogDialog::dellog()
 {
-	// Translated as a whole, path and all.
+	// Translated together with the path.
 	eString whole;
 	whole.sprintf(hostFormat("Delete %s ?"), ff_scan);
 	const eString question(translate(whole.c_str()));

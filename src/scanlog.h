@@ -3,17 +3,17 @@
 
 #include "host_names.h"
 
-/// Where the receiver's channel scan leaves its log. The spelling is the receiver's.
+/// The log of the receiver's channel scan. The spelling is the receiver's.
 extern __attribute__((visibility("default"))) const char *ff_scan;
 
-/// The scan log as it is when the screen opens, and its deletion.
+/// The scan log, read when the screen opens; one can delete it.
 class eScanLogDialog : public eWindow
 {
 public:
 	eScanLogDialog();
 	~eScanLogDialog();
 
-	/// Asks, and on a plain yes removes the log and closes the screen.
+	/// Asks; after "yes" removes the log and closes the screen.
 	void dellog();
 
 private:

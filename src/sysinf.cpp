@@ -13,11 +13,11 @@ eSysInfDialog::eSysInfDialog() : eWindow(1)
 
 	okButton = screen::addButton(*this, VEXLO_CLIENT_HEIGHT(*this), "green");
 	screen::setText(*okButton, translate("OK"));
-	// The toolkit's accept() itself, named so that it may be one of several, and protected.
+	// A cast, because a toolkit may overload accept(). Named by this class, because accept() may be protected.
 	okButton->selected.connect(SigC::slot(*this, static_cast<void (eWidget::*)()>(&eSysInfDialog::accept)));
 
-	// The columns overlap a little, and the last of each table reaches past the client area, which cuts it
-	// off: each is as wide as what it may hold.
+	// Each column is as wide as its widest content, so columns overlap a little. The last column of each table
+	// extends past the client area, which cuts it off.
 	const MtdColumns partitions = readMtdColumns();
 	const int partitionsTop = fontSize + 5;
 	const int partitionsHeight = fontSize * partitions.rows; // heading included

@@ -3,14 +3,13 @@
 
 #include "host_names.h"
 
-/// Flash partitions above mounted file systems, as they are when the screen opens.
+/// Flash partitions above mounted file systems, read when the screen opens.
 class eSysInfDialog : public eWindow
 {
 public:
 	eSysInfDialog();
 	~eSysInfDialog();
 
-	/// Closes the screen.
 	void exit();
 
 private:

@@ -10,7 +10,7 @@ eVexloMenu::eVexloMenu() : eSetupWindow(translate("Vexlo service menu"), 10, 400
 {
 	cmove(ePoint(170, 145));
 
-	// Arguments of one call would be translated in any order: the label comes first.
+	// Separate statements: the order of evaluation of arguments is unspecified, and the label comes first.
 	const char *label = translate("process info");
 	addEntry(1, label, translate("show current processes in memory"), &eVexloMenu::processinfo);
 	label = translate("memory info");
@@ -28,7 +28,7 @@ void eVexloMenu::addEntry(int number, const char *label, const char *help, void 
 	eString numberedHelp;
 	numberedHelp.sprintf(hostFormat("(%d) %s"), number, help);
 
-	// Belongs to the list, and has connected itself to it.
+	// The list owns it.
 	eListBoxEntryMenu *entry = new eListBoxEntryMenu(&VEXLO_MENU_LIST(*this), label, numberedHelp);
 	entry->selected.connect(SigC::slot(*this, action));
 }
@@ -41,7 +41,7 @@ template <class Dialog> void eVexloMenu::open()
 	dialog.exec();
 	dialog.hide();
 	show();
-	// The dialog goes last, when the menu is back on the screen.
+	// Destroys the dialog last, when the menu is visible again.
 }
 
 void eVexloMenu::processinfo()

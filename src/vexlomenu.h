@@ -3,28 +3,27 @@
 
 #include "host_names.h"
 
-/// The "Vexlo service menu": four entries, each of which opens one screen about the receiver.
+/// The "Vexlo service menu": each of its four entries opens one screen about the receiver.
 class eVexloMenu : public eSetupWindow
 {
 public:
-	/// Builds the whole menu, hidden.
 	eVexloMenu();
 	~eVexloMenu();
 
-	// The menu actions. Each runs its screen until the viewer leaves it; the menu is hidden meanwhile.
+	// The menu's actions. Each runs its screen until the viewer leaves it, and hides the menu meanwhile.
 	void processinfo();
 	void meminfo();
 	void scanlog();
 	void sysinf();
 
 private:
-	/// `number` is shown in front of the help.
+	/// The help begins with `number`.
 	void addEntry(int number, const char *label, const char *help, void (eVexloMenu::*action)());
 	template <class Dialog> void open();
 };
 
-/// What the host calls after it has loaded the plugin, on its GUI thread: runs the menu until the
-/// viewer leaves it and returns what ended it. A host that passes an argument does no harm.
+/// The host calls it on its GUI thread after loading the plugin. Runs the menu until the viewer leaves it, and
+/// returns the result of exec(). An argument from the host does no harm.
 extern "C" __attribute__((visibility("default"))) int plugin_exec();
 
 #endif

@@ -17,7 +17,7 @@ void setText(eWidget &widget, const char *text)
 
 void frame(eWindow &window, const char *title, ePoint position, eSize size)
 {
-	setText(window, title); // the same in every language
+	setText(window, title); // not translated
 	window.cmove(position);
 	window.cresize(size);
 }

@@ -3,8 +3,8 @@
 
 #include "host_names.h"
 
-/// What every screen is made of, so that each says only what is its own. A namespace, because the
-/// members of a host's window would hide functions of their names.
+/// Parts that all screens share. A namespace, because members of a host's window would hide functions of the same
+/// name.
 namespace screen
 {
 
@@ -17,17 +17,17 @@ void frame(eWindow &window, const char *title, ePoint position, eSize size);
 /// A plain label in the client area of `window`, which owns it.
 void addLabel(eWindow &window, const char *text, ePoint position, eSize size);
 
-/// Shows `text`: here once, so that not every caller makes and destroys a string.
+/// Shows `text`. Saves callers the code for a temporary string, which counts in the plugin's size.
 void setText(eWidget &widget, const char *text);
 
-/// A button without a text yet, at the lower left of `window`, which owns it and whose client area is
-/// `clientHeight` high; `colour` is the key that presses it.
+/// A button without text, at the lower left of `window`, which owns it. The client area is `clientHeight` high; the
+/// key `colour` presses the button.
 eButton *addButton(eWindow &window, int clientHeight, const char *colour);
 
 /// A list of text lines in the client area of `window`, which owns it.
 eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize size);
 
-/// A line at the end of `list`, which owns it; its key is an eString of its own that holds `key`.
+/// Appends a line to `list`, which owns it. Its key is a new eString with the content of `key`.
 void addLine(eListBox<eListBoxEntryText> *list, const char *text, const char *key);
 
 } // namespace screen

@@ -7,8 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-/// Appends to `text` what printf would write; no limit on the length. Arguments must not
-/// point into `text`.
+/// Appends what printf would write, of any length. Arguments must not point into `text`.
 __attribute__((format(printf, 2, 3))) inline void appendFormatted(std::string &text, const char *format, ...)
 {
 	char *made = NULL;
@@ -22,8 +21,7 @@ __attribute__((format(printf, 2, 3))) inline void appendFormatted(std::string &t
 	free(made);
 }
 
-/// Appends `value` in decimal. For what has a number in every line: printf would take longer than
-/// all else of a line.
+/// Appends `value` in decimal. printf would take longer than everything else of a line.
 inline void appendNumber(std::string &text, int value)
 {
 	char digits[16];

@@ -5,8 +5,8 @@
 namespace
 {
 
-// A piece holds up to 29 characters: a whole line of a quantity, or a part of a line of the
-// summary table that older kernels print first. That table makes eight pieces.
+// A piece has up to 29 characters: a quantity's whole line, or a part of the table that older kernels print first,
+// which makes eight pieces.
 const int pieceLimit = 30;
 const int tablePieces = 8;
 
@@ -15,14 +15,14 @@ const int tablePieces = 8;
 MemInfoColumns parseMemInfo(FILE *stream)
 {
 	MemInfoColumns columns;
-	// Name and value outlive the piece: a piece without them shows those of the piece before.
+	// Name and value keep those of the previous piece when a piece has none.
 	char name[pieceLimit] = "";
 	int value = 0;
 	int pieces = 0;
 
 	char piece[pieceLimit];
 	while (fgets(piece, pieceLimit, stream)) {
-		// A blank piece gives EOF, and counts.
+		// A blank piece returns EOF, and counts.
 		if (sscanf(piece, "%s %d kB", name, &value) == 0)
 			continue;
 		if (pieces >= tablePieces) {

@@ -7,8 +7,8 @@
 namespace
 {
 
-// The format of a row is given as it is; beside the '-' its zeros do nothing. Around the function, because
-// older compilers take no such line in it.
+// The format of a row is given: its zeros have no effect beside '-'. Older compilers accept the pragma only outside
+// of the function.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"
 void addRow(MountColumns &columns, const char *device, const char *size, const char *used,
@@ -40,7 +40,7 @@ MountColumns parseMountColumns(FILE *stream)
 	static_cast<void>(heading);
 
 	while (fgets(line, lineLimit, stream)) {
-		// Each as large as a line, so that no word can be too long for its buffer.
+		// Each word's buffer has room for a whole line.
 		char words[6][lineSize];
 		for (int i = 0; i < 6; ++i)
 			words[i][0] = '\0';

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-/// What `df -h` says of the mounted file systems, as two columns of text. Each column has a
-/// heading and then a line for every line of the command's output.
+/// The mounted file systems from `df -h` as two columns of text. Each column has a heading, and one line for each
+/// line of the output.
 struct MountColumns
 {
 	std::string filesystem; ///< first word of each line: the device, padded to 35 characters
@@ -13,12 +13,12 @@ struct MountColumns
 	int rows;               ///< lines per column, and one to spare: at least 2
 };
 
-/// Runs `df -h` by way of /var/tmp/df.tmp and waits for it; the file is gone afterwards.
-/// Whatever goes wrong gives fewer lines, at the least the headings alone.
+/// Runs `df -h` by way of /var/tmp/df.tmp, waits, and removes the file. An error gives fewer lines, at least the
+/// headings.
 MountColumns readMountColumns();
 
-/// Reads `stream` (not null, left open) to its end or to a read error, its first line being
-/// a heading whatever it holds. Every other line makes a row.
+/// Reads `stream` (not null, left open) to its end or to a read error. The first line is a heading; every other line
+/// makes a row.
 MountColumns parseMountColumns(FILE *stream);
 
 #endif

@@ -30,7 +30,7 @@ MtdColumns parseMtdColumns(FILE *stream)
 		int number = 0;
 		unsigned size = 0;
 		unsigned erasesize = 0;
-		// As large as a line, so that no word can be too long for its buffer.
+		// Each word's buffer has room for a whole line.
 		char first[lineSize];
 		char second[lineSize];
 		char third[lineSize];

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <string>
 
-/// The kernel's list of flash partitions, a text per column. Each column has `rows` lines,
-/// a heading first, and every line ends with a newline.
+/// The kernel's list of flash partitions, one text for each column. Each column has `rows` lines, the first a
+/// heading; every line ends with a newline.
 struct MtdColumns
 {
 	std::string dev;       ///< "mtd%d:", the partition's number
@@ -15,11 +15,11 @@ struct MtdColumns
 	int rows;              ///< lines per column, heading included: at least 1
 };
 
-/// Reads /proc/mtd. A file that does not open gives the headings alone.
+/// Reads /proc/mtd. Without that file there are only the headings.
 MtdColumns readMtdColumns();
 
-/// Reads `stream` (not null, left open) to its end or to a read error, its first line being
-/// a heading whatever it holds. Every other line makes a row.
+/// Reads `stream` (not null, left open) to its end or to a read error. The first line is a heading; every other line
+/// makes a row.
 MtdColumns parseMtdColumns(FILE *stream);
 
 #endif

@@ -9,7 +9,7 @@
 PsSnapshot parsePsSnapshot(FILE *stream)
 {
 	PsSnapshot snapshot;
-	// Outlives the line: a line without a number belongs to the process above it.
+	// Declared outside the loop: a line without a number belongs to the process above it.
 	int pid = 0;
 	bool first = true;
 

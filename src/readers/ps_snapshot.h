@@ -9,27 +9,26 @@
 struct PsEntry
 {
 	std::string text; ///< the line that `ps` printed, line end included, translated
-	std::string pid;  ///< the number that the line begins with, else that of the row above; decimal
+	std::string pid;  ///< decimal number at the begin of the line, else that of the row above
 };
 
-/// The processes that ran when `ps` did, in the order in which `ps` listed them.
+/// The processes in the order of `ps`.
 struct PsSnapshot
 {
 	std::string header; ///< the first line of the output, line end included; empty without output
 	std::list<PsEntry> rows;
 };
 
-/// Runs `ps` by way of /var/tmp/ps.tmp and waits for it; the file is gone afterwards.
-/// Whatever goes wrong gives an empty header and no rows. A file that does not open is still
-/// closed, as a null stream: the host's fclose must bear that.
+/// Runs `ps` by way of /var/tmp/ps.tmp, waits, and removes the file. An error gives an empty header and no rows. Also
+/// closes a null stream when the file does not open: the host's fclose must accept that.
 PsSnapshot takePsSnapshot();
 
-/// Reads `stream` (not null, left open) to its end or to a read error. A line of more than
-/// 1022 characters makes several rows.
+/// Reads `stream` (not null, left open) to its end or to a read error. A line of more than 1022 characters makes
+/// several rows.
 PsSnapshot parsePsSnapshot(FILE *stream);
 
-/// Ends process `pid` by the shell's `kill -9` and waits for that command, whose success is
-/// not looked at. Asks nobody, and takes any text for a pid.
+/// Kills process `pid` with the shell's `kill -9`, and waits for the command. Ignores its result, does not ask, and
+/// accepts any text as pid.
 void killPid(const std::string &pid);
 
 #endif

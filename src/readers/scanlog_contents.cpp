@@ -10,8 +10,7 @@
 namespace
 {
 
-// What is shown of a line that marks the start of a scan: two pieces, which share the
-// character at 46.
+// A line that marks the start of a scan shows as two pieces, which share the character at 46.
 const std::size_t pieceLength = 46;
 const std::size_t firstPiece = 1;
 const std::size_t secondPiece = 46;
@@ -49,7 +48,7 @@ ScanLogContents parseScanLog(FILE *stream, const char *path)
 {
 	ScanLogContents contents;
 	contents.found = true;
-	// Cleared once only: the second piece of a short line shows what longer ones left behind.
+	// Not cleared between lines: the second piece of a short line shows the rest of a longer one.
 	char line[lineSize] = "";
 	for (int number = 0; fgets(line, lineLimit, stream); ++number) {
 		if (strstr(line, "start at")) {

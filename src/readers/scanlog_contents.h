@@ -12,26 +12,24 @@ struct ScanLogEntry
 	std::string line; ///< the whole line as read from the log, line end included
 };
 
-/// What the scan log held when it was read.
+/// The scan log when it was read.
 struct ScanLogContents
 {
-	/// In the order of the file; two for a line that says "start at". Taken from the front, they leave no memory
-	/// behind: a log can be large.
+	/// In the order of the file; two for a line with "start at". A list, because taking entries from its front frees
+	/// their memory: a log can be large.
 	std::list<ScanLogEntry> entries;
 	std::string summary; ///< the file's size in bytes, or that it was not found
 	bool found;          ///< whether the file opened
 };
 
-/// Size in bytes of the file behind `stream`, whose position stays; -1 where it has none.
+/// Size in bytes of the file behind `stream`, whose position stays; -1 if it has none.
 long filesize(FILE *stream);
 
-/// Reads the log at `path` (not null). A file that does not open gives no entries and a summary
-/// that says so.
+/// Reads the log at `path` (not null). Without that file there are no entries, and the summary says so.
 ScanLogContents readScanLog(const char *path);
 
-/// Reads `stream` (not null, left open) from its position to its end or to a read error.
-/// `path` (not null) is named in the summary. A line of more than 1022 characters counts as
-/// several.
+/// Reads `stream` (not null, left open) from its position to its end or to a read error. The summary names `path`
+/// (not null). A line of more than 1022 characters counts as several.
 ScanLogContents parseScanLog(FILE *stream, const char *path);
 
 #endif

@@ -3,8 +3,7 @@
 
 #include <cstdlib>
 
-/// Runs a command in the shell and waits for it. How it ended is not looked at: what counts is what
-/// it has left behind.
+/// Runs a command in the shell and waits for it. Ignores its status: only the files that it leaves count.
 inline void runInShell(const char *command)
 {
 	const int status = system(command);

@@ -1,4 +1,4 @@
 #include "econtract.h"
 
-// One a plugin; the linker collects sections of this name, and keeps them.
+// One for each plugin. The linker keeps sections of this name.
 __attribute__((section(".note.vexlo"), used, aligned(4))) static constexpr eContractNote note{};

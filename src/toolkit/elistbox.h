@@ -11,8 +11,8 @@ class eListBoxEntry;
 
 /// A scrolling list of entries, one of which is the current one.
 ///
-/// Ownership: the list box deletes the entries that are still in it when it is destroyed. Whether it
-/// disposes of their keys as well is the host's affair.
+/// Ownership: the list box deletes the entries that it holds when it is destroyed. The host decides whether it
+/// deletes their keys as well.
 class eListBoxBase : public eDecoWidget
 {
 public:
@@ -24,13 +24,12 @@ public:
 	/// Options of the host's; the plugin's lists all use 4.
 	void setFlags(int flags);
 
-	/// Adds an entry, at the end unless `atTop`; `makeCurrent` moves the selection to it, without a
-	/// report. Called while the entry is under construction: the list box only keeps the pointer. Null
-	/// is ignored.
+	/// Adds an entry, at the end unless `atTop`. `makeCurrent` moves the selection to it, without a report. An
+	/// entry's constructor may call it: the list box only keeps the pointer. Null is ignored.
 	void append(eListBoxEntry *entry, bool makeCurrent, bool atTop);
 
-	/// Takes an entry out, without deleting it; it belongs to the caller from then on. An entry that is
-	/// not in the list is no error. `fromDestruction` is the host's, false here.
+	/// Removes an entry without deleting it; from then on it belongs to the caller. An entry that is not in the list
+	/// is no error. `fromDestruction` is the host's, false here.
 	void remove(eListBoxEntry *entry, bool fromDestruction);
 
 	struct List;
@@ -45,8 +44,8 @@ protected:
 
 	/// The viewer confirms `entry`; null: the viewer leaves the list without one.
 	virtual void SendSelected(eListBoxEntry *entry) = 0;
-	/// The selection moves to `entry`, by a key or because the current entry was taken out; null when
-	/// that was the last one.
+	/// The selection moves to `entry`, by a key or because the current entry was removed; null when that was the last
+	/// one.
 	virtual void SendSelChanged(eListBoxEntry *entry) = 0;
 
 	List *list; ///< the host's, never null
@@ -54,11 +53,11 @@ protected:
 
 /// One line of a list box.
 ///
-/// Everything but the drawing is inline, and so part of the plugin.
+/// Everything except drawing is inline, and thus part of the plugin.
 class eListBoxEntry : public virtual SigC::Object
 {
 public:
-	/// `box` may be null; otherwise the entry goes to its end, and belongs to it.
+	/// Appends the entry to `box`, which then owns it, unless `box` is null.
 	explicit eListBoxEntry(eListBoxBase *box, const eString &help = eString(), int attribute = 0)
 		: listbox(box), helptext(help.empty() ? eString(" ") : help), attr(attribute)
 	{
@@ -74,23 +73,23 @@ public:
 			listbox->remove(this, false);
 	}
 
-	/// The order of entries; entries that know none have none.
+	/// The order of entries; by default there is none.
 	virtual bool operator<(const eListBoxEntry &) const { return false; }
 
-	/// Draws the entry into `area`: background and text colour of the current entry, then of the
-	/// others; `current` not 0: this is the current one.
+	/// Draws the entry into `area`: background and text colour of the current entry, then of the others. `current` is
+	/// not 0 for the current entry.
 	virtual void redraw(gPainter *target, const eRect &area, gColor currentBack, gColor currentText,
 	                    gColor back, gColor text, int current) = 0;
 
-	/// What the list's window shows to explain the entry; never empty.
+	/// The help that the list's window shows for the entry; never empty.
 	const eString &getHelpText() const { return helptext; }
 
 protected:
-	// The list box that disposes of an entry first sets this to null, so that it is not called back.
+	// A list box that deletes an entry sets this to null first, so that the entry does not call back.
 	friend class eListBoxBase;
 
 	eListBoxBase *listbox; ///< null: the entry is in no list
-	eString helptext;      ///< a blank where the entry was given none
+	eString helptext;      ///< a blank if the entry was given none
 	int attr;              ///< the host's; 3 for every text entry
 };
 
@@ -102,18 +101,17 @@ public:
 	enum
 	{
 		keyAddress = 0, ///< as addresses
-		keyIgnored = 1, ///< not at all: the texts decide
+		keyIgnored = 1, ///< ignored: the texts decide
 	};
 
-	/// `label` is copied; null counts as empty. `data` is the key, null for none: the entry does not look
-	/// behind it and does not release it. A host may release keys with their list box, and then takes
-	/// each for an eString made with `new`.
+	/// Copies `label`; null counts as empty. `data` is the key, null for none; the entry neither reads nor frees it.
+	/// A host may free keys with their list box, and then assumes an eString made with `new`.
 	explicit eListBoxEntryText(eListBoxBase *box, const char *label = nullptr, void *data = nullptr,
 	                           const eString &help = eString())
 		: eListBoxEntry(box, help, 3), text(label ? label : ""), key(data)
 	{}
 
-	/// By key address unless the key type says otherwise, then by the bytes of the text.
+	/// By the keys' addresses unless the key type says otherwise, then by the bytes of the text.
 	bool operator<(const eListBoxEntry &entry) const override
 	{
 		const eListBoxEntryText &other = static_cast<const eListBoxEntryText &>(entry);
@@ -130,7 +128,7 @@ public:
 	static int getEntryHeight();
 
 	const eString &getText() const { return text; } ///< what the entry shows
-	void *getKey() const { return key; }            ///< null: none; whose it is, see the constructor
+	void *getKey() const { return key; }            ///< null: none; for the owner, see the constructor
 	int getKeyType() const { return keytype; }      ///< keyAddress or keyIgnored
 
 protected:
@@ -145,7 +143,7 @@ protected:
 template <class T> class eListBox : public eListBoxBase
 {
 public:
-	/// As eListBoxBase, with what most lists have.
+	/// As eListBoxBase, with usual defaults.
 	explicit eListBox(eWidget *parent, const eWidget *description = nullptr, int takefocus = 1,
 	                  int entryHeight = eListBoxEntryText::getEntryHeight(),
 	                  const char *decoration = "eListBox")
@@ -162,11 +160,11 @@ protected:
 	void SendSelChanged(eListBoxEntry *entry) override { selchanged.emit(static_cast<T *>(entry)); }
 };
 
-/// A menu line, which signals by itself that it was chosen.
+/// A menu line with a signal of its own for being chosen.
 class eListBoxEntryMenu : public eListBoxEntryText
 {
 public:
-	/// As eListBoxEntryText, without a key; `box` null: the entry is in no list and nobody chooses it.
+	/// As eListBoxEntryText, without a key. With `box` null the entry is in no list and cannot be chosen.
 	eListBoxEntryMenu(eListBox<eListBoxEntryMenu> *box, const char *label, const eString &help = eString())
 		: eListBoxEntryText(box, label, nullptr, help)
 	{
@@ -174,7 +172,7 @@ public:
 			box->selected.connect(SigC::slot(*this, &eListBoxEntryMenu::chosen));
 	}
 
-	/// The list box reports a choice to all of its entries; only the one that was chosen passes it on.
+	/// The list box reports a choice to all its entries; only the chosen one passes it on.
 	void LBSelected(eListBoxEntry *entry)
 	{
 		if (entry == this)
@@ -185,7 +183,7 @@ public:
 	SigC::Signal0<void> selected;
 
 private:
-	// A slot of the 1.x library takes exactly the type that its signal passes.
+	// A slot of the 1.x library must take exactly the type that its signal passes.
 	void chosen(eListBoxEntryMenu *entry) { LBSelected(entry); }
 };
 
@@ -193,11 +191,11 @@ private:
 template <class T> class eListBoxWindow : public eWindow
 {
 public:
-	/// Hidden and of no size; whoever derives from it sets both.
+	/// Hidden and without a size; the derived class sets both.
 	explicit eListBoxWindow(int takefocus = 0) : eWindow(takefocus), list(this) {}
 	~eListBoxWindow() override = default;
 
-	eListBox<T> list; ///< a member, and yet a child of the window
+	eListBox<T> list; ///< a member, and also a child of the window
 };
 
 /// A menu: a window of `rows` list rows, `width` pixels wide, with the help of the current entry below.

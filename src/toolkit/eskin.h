@@ -5,8 +5,8 @@
 
 #pragma GCC visibility push(default)
 
-/// The active skin: the look of the host's screens, and a source of named integers. The host owns it;
-/// there is exactly one at a time.
+/// The active skin: the look of the host's screens, and named integers. The host owns it; there is exactly one at a
+/// time.
 class eSkin
 {
 public:

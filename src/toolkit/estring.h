@@ -12,10 +12,7 @@ class eString : public std::string
 public:
 	eString() = default;
 	/// Copies `text`, not null, up to its NUL.
-	eString(const char *text)
-	{
-		assign(text);
-	} // a call of the library's; its constructor is compiled in here
+	eString(const char *text) { assign(text); } // a library call; the base's constructor would be inlined
 	/// Copies `text`.
 	eString(const std::string &text) : std::string(text) {}
 	/// Takes `text` over.

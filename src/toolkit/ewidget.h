@@ -9,7 +9,7 @@
 
 class eWidget;
 class gPainter;      // the host's way to draw
-struct eWidgetEvent; // a key or another thing that happens to a widget; the host's
+struct eWidgetEvent; // a key or another event of a widget; the host's
 
 /// A colour, as an index into the skin's palette.
 struct gColor
@@ -22,9 +22,8 @@ struct gColor
 /// Ownership: a widget created with a parent belongs to it and is deleted with it. A widget without
 /// a parent is a top-level window and belongs to whoever created it.
 ///
-/// The virtual operations are in the order of the host's table; a derived class may override them
-/// but must not add to them or change their order. Access does not matter to that order. Operations
-/// that the plugin calls are not virtual.
+/// The virtual operations are in the order of the host's table. A derived class may override them, but must not add
+/// any or change their order. Access does not affect the order. Operations that the plugin calls are not virtual.
 class eWidget : public virtual SigC::Object
 {
 public:
@@ -46,10 +45,10 @@ protected:
 	virtual void setPalette();
 	/// Sees every event before eventHandler() does; not 0: the event goes no further.
 	virtual int eventFilter(const eWidgetEvent &event);
-	/// A key of the remote control goes down while the widget has the focus; not 0: the widget has used
-	/// it. By default it does not.
+	/// A key of the remote control goes down while the widget has the focus; not 0: the widget used it. By default it
+	/// does not.
 	virtual int keyDown(int key);
-	/// The same for a key that goes up.
+	/// A key goes up; as keyDown().
 	virtual int keyUp(int key);
 	/// The widget has just received the focus.
 	virtual void gotFocus();
@@ -57,12 +56,12 @@ protected:
 	virtual void lostFocus();
 	/// Sets `clientrect` after the widget's size has changed.
 	virtual void recalcClientRect();
-	/// Handles an event; not 0: the widget has used it. Keys come to the widget that has the focus
-	/// first and, when it does not use them, to its window.
+	/// Handles an event; not 0: the widget used it. A key goes to the widget with the focus first and, if not used,
+	/// to its window.
 	virtual int eventHandler(const eWidgetEvent &event);
-	/// Draws the widget; `area` is what must be drawn, in the widget's own pixels.
+	/// Draws the part `area` of the widget, in the widget's own pixels.
 	virtual void redrawWidget(gPainter *target, const eRect &area);
-	/// Draws what lies behind it.
+	/// Draws the background behind the widget.
 	virtual void eraseBackground(gPainter *target, const eRect &area);
 	/// Sets a property by name, as skins do; not 0: there is no such property.
 	virtual int setProperty(const eString &name, const eString &value);
@@ -77,41 +76,39 @@ public:
 	/// Sizes a window so that its client area has this size, in pixels.
 	void cresize(const eSize &size);
 
-	/// Places a child in its parent's client area, in pixels. It may reach beyond that area; what does is
-	/// not seen.
+	/// Places a child in its parent's client area, in pixels. The area cuts off what extends beyond it.
 	void move(const ePoint &position);
 	/// Sizes a child, in pixels.
 	void resize(const eSize &size);
 
-	/// Makes the widget visible; again, nothing happens. A window that is shown is above all others.
-	/// This does not start an exec().
+	/// Makes the widget visible, and a window the topmost one. Does nothing for a visible widget. Does not start an
+	/// exec().
 	void show();
-	/// Makes the widget invisible; again, nothing happens. This does not end an exec().
+	/// Makes the widget invisible. Does nothing for an invisible widget. Does not end an exec().
 	void hide();
 
-	/// Runs the window: returns when accept() or reject() is called or the viewer leaves it, with 0
-	/// for accepted and -1 for rejected. Runs nest; the innermost one has the keys.
+	/// Runs the window until accept() or reject() is called or the viewer leaves it. Returns 0 for accepted and -1
+	/// for rejected. Runs nest; keys go to the innermost one.
 	int exec();
 
-	/// Ends the running exec() as accepted. Once: what follows changes nothing. Without one, nothing
-	/// happens.
+	/// Ends the running exec() as accepted; later calls do not change that. Does nothing without a running exec().
 	void accept();
-	/// The same as rejected.
+	/// As accept(), but ends it as rejected.
 	void reject();
 
-	/// Gives the focus to `child`, one of this window's, also before the window runs. Null: the host
-	/// chooses the first child that can have it. The widget of another window is ignored.
+	/// Gives the focus to `child`, a descendant of this window; also allowed before exec(). Null: the host chooses
+	/// the first child that can have it. A widget of another window is ignored.
 	void setFocus(eWidget *child);
 
-	/// Binds a colour key ("red", "green", "yellow", "blue") to this widget, wherever in its window the
-	/// focus is. A name that is none of these binds nothing.
+	/// Binds a colour key ("red", "green", "yellow", "blue") to this widget, wherever in its window the focus is.
+	/// Other names bind nothing.
 	void setShortcut(const eString &key);
 
-	/// The area that children are placed in, in this widget's own pixels. For a window it is what
-	/// cresize() has set, inside the frame.
+	/// The area in which children are placed, in this widget's own pixels. For a window, cresize() sets its size,
+	/// inside the frame.
 	const eRect &getClientRect() const { return clientrect; }
 
-	/// What is the host's: see there.
+	/// Data of the host's.
 	struct State;
 
 protected:
@@ -127,7 +124,7 @@ public:
 	eDecoWidget(eWidget *parent, int takefocus, const char *deco);
 	~eDecoWidget() override;
 
-	/// Loads the decoration, again if it is loaded; due after anything it depends on has changed.
+	/// Loads the decoration, also again. To be called after a change of anything that it depends on.
 	void loadDeco();
 
 	struct Deco;
@@ -147,12 +144,12 @@ public:
 	eLabel(eWidget *parent, int flags, int takefocus, const char *deco);
 	~eLabel() override;
 
-	/// Shows the symbol of a colour key, named as in setShortcut(), in front of the text; of another
-	/// name, none. Binds nothing by itself.
+	/// Shows the symbol of a colour key, named as in setShortcut(), in front of the text; none for other names. Does
+	/// not bind the key.
 	void setShortcutPixmap(const eString &key);
 };
 
-/// Something to press: with OK while it has the focus, with its colour key at any time.
+/// A button: OK presses it while it has the focus, its colour key at any time.
 class eButton : public eLabel
 {
 public:

@@ -5,12 +5,12 @@
 
 #pragma GCC visibility push(default)
 
-/// A top-level window with a frame and a title, hidden until it is shown.
-/// By itself it ends its exec() as rejected when the viewer leaves it.
+/// A top-level window with a frame and a title, hidden until show(). Its exec() ends as rejected when the viewer
+/// leaves it.
 class eWindow : public eWidget
 {
 public:
-	/// `takefocus` 1: the window can have the focus when none of its children has.
+	/// `takefocus` 1: the window can have the focus when no child has it.
 	explicit eWindow(int takefocus = 0);
 	~eWindow() override;
 
@@ -34,10 +34,9 @@ public:
 		no = 8,
 	};
 
-	/// `text` is the question, `caption` the title; both are copied. `flags`: the answers offered and, by
-	/// higher bits, an icon. `preset`: the answer that has the focus first. `last` is the host's, 0 here.
-	/// exec() then returns the answer chosen, or -1 when the box is left without one, as it must be
-	/// when it offers none.
+	/// Copies `text`, the question, and `caption`, the title. `flags`: the offered answers and, in higher bits, an
+	/// icon. `preset`: the answer that has the focus first. `last` is the host's, 0 here. exec() returns the chosen
+	/// answer, or -1 when the viewer leaves the box, the only way out without answers.
 	eMessageBox(eString text, eString caption, int flags, int preset, int last);
 	~eMessageBox() override;
 };

@@ -29,8 +29,8 @@ struct eRect
 	/// From column `l` and row `t` up to, but without, column `r` and row `b`.
 	eRect(int l, int t, int r, int b) : left(l), top(t), right(r), bottom(b) {}
 
-	int width() const { return right - left; }  ///< in pixels; negative where the sides are swapped
-	int height() const { return bottom - top; } ///< likewise
+	int width() const { return right - left; }  ///< in pixels; negative when the sides are swapped
+	int height() const { return bottom - top; } ///< in pixels; negative when the sides are swapped
 
 	int left = 0;   ///< the first column
 	int top = 0;    ///< the first row

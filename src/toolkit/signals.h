@@ -1,9 +1,9 @@
 #ifndef VEXLO_SIGNALS_H
 #define VEXLO_SIGNALS_H
 
-// Signals and slots as the toolkit uses them: namespace SigC, the interface of libsigc++ 1.2, which
-// has SigC::ObjectBase and calls slots in the order of their connection. A receiver's host brings that library. Where there is none, as much of
-// the interface as the toolkit uses is made here from libsigc++ 3.0.
+// Signals and slots for the toolkit: namespace SigC with the interface of libsigc++ 1.2, which has SigC::ObjectBase
+// and calls slots in the order of connection. A receiver's host has that library. Elsewhere, libsigc++ 3.0 implements
+// as much of the interface as the toolkit uses.
 
 #ifdef VEXLO_SIGC1
 
@@ -14,7 +14,7 @@
 #include <sigc++/signal_system.h>
 #endif
 
-/// Whose signals and slots these are; two sides with different ones do not fit together.
+/// Identifies the signal layer; both sides must have the same.
 #define VEXLO_SIGNAL_LAYER "libsigc++ 1"
 
 #else
@@ -29,27 +29,27 @@
 namespace SigC
 {
 
-/// A counted object. Its virtual operations come first in the order that the 1.2 library has them.
+/// A counted object. Its virtual operations come first, in the order of the 1.2 library.
 class ObjectBase
 {
 public:
 	ObjectBase() = default;
-	/// A copy is an object of its own: nobody refers to it yet.
+	/// A copy has no owners yet.
 	ObjectBase(const ObjectBase &) {}
-	/// The owners of both stay who they are.
+	/// Both objects keep their owners.
 	ObjectBase &operator=(const ObjectBase &) { return *this; }
 
 	/// Counts one more owner.
 	virtual void reference() const { ++owners; }
 
-	/// Counts one owner less; a managed object that loses its last owner deletes itself.
+	/// Removes one owner; a managed object without owners deletes itself.
 	virtual void unreference() const
 	{
 		if (--owners == 0 && managed)
 			delete this;
 	}
 
-	/// Hands the object, created with `new`, to its owners: see unreference().
+	/// Hands an object made with `new` to its owners: see unreference().
 	virtual void set_manage() { managed = true; }
 
 	virtual ~ObjectBase() = default;
@@ -59,21 +59,21 @@ private:
 	bool managed = false;
 };
 
-/// What a slot can call into: destroying it ends every connection that leads to it.
+/// The base of objects with slots. Destroying it ends every connection to them.
 class Object : public virtual ObjectBase, public sigc::trackable
 {
 };
 
-/// Something to call, for as long as its object lives.
+/// A callable that becomes empty when its object is destroyed.
 template <class R> using Slot0 = sigc::slot<R()>;
 template <class R, class P1> using Slot1 = sigc::slot<R(P1)>;
 
-/// `connect` adds a slot, `emit` runs the slots in the order of their connection; destroying the
-/// signal ends its connections. `P`: what it passes.
+/// `connect` adds a slot, `emit` calls the slots in the order of connection. Destroying the signal ends its
+/// connections. `P`: the arguments.
 template <class R, class... P> class Signal : public sigc::signal<R(P...)>
 {
 public:
-	/// Adds a slot, and returns the connection, to end it.
+	/// Adds a slot, and returns its connection, which can end it.
 	template <class T> auto connect(const T &slot)
 	{
 		constexpr bool takes = std::is_invocable_v<const T &, P...>;

@@ -1,9 +1,9 @@
 #ifndef VEXLO_TOOLKIT_H
 #define VEXLO_TOOLKIT_H
 
-// What the plugin requires of the application that loads it. The plugin contains none of it but the
-// inline pieces: all else is undefined in it and comes from the host. Class tree, order of virtual
-// operations and signatures are therefore the host's, and must not be changed for convenience.
+// What the plugin requires of the application that loads it. The plugin contains only the inline functions;
+// everything else is undefined in it and comes from the host. So the host fixes the class tree, the order of virtual
+// operations and the signatures: do not change them for convenience.
 
 #include "edebug.h"
 #include "elistbox.h"

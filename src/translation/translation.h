@@ -5,10 +5,9 @@
 #include <cstddef>
 #include <libintl.h>
 
-/// The text that the message catalogue gives for `id`, or `id` itself when it has none. Every text is
-/// looked up, also the empty one, for which a catalogue answers with its own header.
-/// The domain is null: whichever the host has made current. Never null; the result
-/// belongs to the catalogue (or to the caller, when it is `id`).
+/// The catalogue's text for `id`, or `id` itself if it has none; never null. Looks up every text, also the empty one,
+/// for which a catalogue returns its header. The null domain is the one that the host has made current. The result
+/// belongs to the catalogue, or to the caller when it is `id`.
 __attribute__((format_arg(1))) inline const char *translate(const char *id)
 {
 	const char *text = dcgettext(NULL, id, LC_MESSAGES);
