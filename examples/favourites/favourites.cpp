@@ -1,5 +1,4 @@
-// An editor of a list that is kept in a file: an example of what plugins do with lists. See "Recipes" in
-// docs/plugins.md.
+// An editor of a list that it keeps in a file: shows what plugins do with lists. See "Recipes" in docs/plugins.md.
 
 #include <toolkit.h>
 
@@ -20,7 +19,7 @@ const char *translate(const char *text)
 	return dcgettext(nullptr, text, LC_MESSAGES);
 }
 
-// Writes a new file and puts it in the place of the old one: whatever goes wrong, one of them is whole.
+// Writes a new file and renames it to the old one's name, so that one of them survives any error.
 bool save(const std::vector<std::string> &names)
 {
 	FILE *file = std::fopen(newFile, "w");
@@ -50,13 +49,13 @@ std::vector<std::string> load()
 			names.push_back(name);
 			name.clear();
 		}
-	if (!name.empty()) // without an end
+	if (!name.empty()) // without its line end
 		names.push_back(name);
 	std::fclose(file);
 	return names;
 }
 
-/// Tells something, and closes with the next key, whichever that is.
+/// Shows a text; any key closes it.
 class Message : public eWindow
 {
 public:
@@ -108,9 +107,9 @@ private:
 
 	eLabel *typed;
 	eListBox<Entry> *names, *letters;
-	std::vector<Entry *> entries; // of `names`, in their order; they belong to it
+	std::vector<Entry *> entries; // of `names`, in their order; the list owns them
 	Entry *current = nullptr;     // of `names`
-	std::string word;             // what the letters have made
+	std::string word;             // the letters so far
 };
 
 Favourites::Favourites() : eWindow(1)
@@ -123,7 +122,7 @@ Favourites::Favourites() : eWindow(1)
 	names->selchanged.connect(SigC::slot(*this, &Favourites::moved));
 	for (const std::string &name : load())
 		entries.push_back(new Entry(names, name.c_str()));
-	current = entries.empty() ? nullptr : entries.front(); // nothing reports the first one
+	current = entries.empty() ? nullptr : entries.front(); // the list does not report its first entry
 
 	letters = list(ePoint(360, 50), eSize(225, 160));
 	letters->selected.connect(SigC::slot(*this, &Favourites::letterChosen));
@@ -167,7 +166,7 @@ void Favourites::type(const std::string &what)
 	typed->setText(word.empty() ? eString(translate("choose letters")) : eString(word));
 }
 
-// Null: the viewer leaves the list, and with it the window.
+// Null: the viewer leaves the list and the window.
 void Favourites::letterChosen(Entry *entry)
 {
 	if (entry && word.size() < 20)
@@ -185,8 +184,8 @@ void Favourites::add()
 	type("");
 }
 
-// An entry comes to the end of a list only. So it is taken out with all that will follow it, and they are put
-// back in their new order. Whatever is reported on the way, the entry is the current one again.
+// A list takes entries only at its ends, so this removes the entry and all that will follow it, and appends them in
+// the new order. Whatever the list reports meanwhile, the entry becomes the current one again.
 void Favourites::moveUp()
 {
 	Entry *const entry = current;
@@ -203,8 +202,8 @@ void Favourites::moveUp()
 	current = entry;
 }
 
-// Nothing is under way here that still needs the entry: this is a button's signal. `current` becomes the one that
-// is reported when it is taken out.
+// Deleting is safe here: this is a button's signal, and no list handler runs. The list reports the new `current` when
+// it removes the entry.
 void Favourites::removeCurrent()
 {
 	for (size_t i = 0; i < entries.size(); ++i)

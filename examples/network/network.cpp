@@ -1,5 +1,5 @@
-// A screen about the receiver's network: interfaces, link, addresses, the gateway; and a button that
-// asks and restarts the network. Written as an example of a plugin: see docs/plugins.md.
+// A screen about the receiver's network: interfaces, links, addresses, the gateway, and a button that restarts the
+// network after a question. An example of a plugin: see docs/plugins.md.
 
 #include "network_table.h"
 
@@ -13,7 +13,7 @@
 namespace
 {
 
-// The domain is null: the host has made the plugin's catalogue current.
+// A null domain: the host has made the plugin's catalogue the current one.
 __attribute__((format_arg(1))) const char *translate(const char *text)
 {
 	return dcgettext(nullptr, text, LC_MESSAGES);
@@ -48,7 +48,7 @@ private:
 	void restart();
 
 	const int row = eSkin::getActive()->queryValue("fontsize", 20);
-	// Children of the window, which deletes them.
+	// The window owns them.
 	eLabel *names, *links, *addresses, *gateway;
 };
 
@@ -63,7 +63,7 @@ NetworkWindow::NetworkWindow() : eWindow(1)
 	addresses = column(translate("address"), 245, 250);
 	gateway = label(ePoint(15, getClientRect().height() - row - 70), eSize(480, row));
 
-	// The first one has the focus: the one that does no harm.
+	// The first button has the focus: refreshing is harmless.
 	button("green", translate("refresh"), 15, &NetworkWindow::refresh);
 	button("red", translate("restart"), 190, &NetworkWindow::restart);
 
@@ -78,7 +78,7 @@ eLabel *NetworkWindow::label(ePoint position, eSize size)
 	return label;
 }
 
-// A column is one label, with a line for every address: so the rows of all columns line up.
+// A column is one label with a line for each address, so that the rows of all columns align.
 eLabel *NetworkWindow::column(const char *heading, int left, int width)
 {
 	label(ePoint(left, 10), eSize(width, row))->setText(heading);

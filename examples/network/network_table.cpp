@@ -23,7 +23,7 @@ std::vector<NetworkInterface> parseNetworkInterfaces(FILE *stream)
 		char name[32], flags[256], address[64];
 		if (sscanf(line, "%*d: %31[^:@ ]%*[^<]<%255[^>]>", name, flags) == 2)
 			interfaces.push_back({name, linkOf(flags), {}});
-		else if (!interfaces.empty() && // in this order: for "inet6" the second would find the address "6"
+		else if (!interfaces.empty() && // in this order: the second would find address "6" in an "inet6" line
 		         (sscanf(line, " inet6 %63s", address) == 1 || sscanf(line, " inet %63s", address) == 1))
 			interfaces.back().addresses.push_back(address);
 	}
@@ -47,8 +47,7 @@ std::string parseGateway(FILE *stream)
 	char line[256];
 	while (fgets(line, sizeof line, stream)) {
 		unsigned destination = 0, gateway = 0;
-		// Addresses stand there as the machine has them in memory: the first byte is the lowest or the
-		// highest of the number.
+		// The addresses are the machine's memory as a number: the first byte is the lowest or the highest one.
 		if (sscanf(line, "%*s %8x %8x", &destination, &gateway) != 2 || destination != 0 || gateway == 0)
 			continue;
 		unsigned char bytes[sizeof gateway];

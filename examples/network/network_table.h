@@ -17,20 +17,19 @@ struct NetworkInterface
 {
 	std::string name;
 	Link link;
-	std::vector<std::string> addresses; ///< with the length of the prefix: 192.168.1.20/24
+	std::vector<std::string> addresses; ///< with prefix length: 192.168.1.20/24
 };
 
-/// Runs `ip addr` by way of /var/tmp/network.tmp and waits for it; the file is gone afterwards. Empty when
-/// nothing could be read.
+/// Runs `ip addr` by way of /var/tmp/network.tmp, waits, and removes the file. Empty on errors.
 std::vector<NetworkInterface> readNetworkInterfaces();
 
-/// Reads `stream` (not null, left open), what `ip addr` prints. What is not understood is left out.
+/// Reads the output of `ip addr` from `stream` (not null, left open), and ignores what it does not understand.
 std::vector<NetworkInterface> parseNetworkInterfaces(FILE *stream);
 
 /// The address of the default gateway from /proc/net/route; empty without one.
 std::string readGateway();
 
-/// Reads `stream` (not null, left open), a routing table as the kernel prints it.
+/// Reads a kernel's routing table from `stream` (not null, left open).
 std::string parseGateway(FILE *stream);
 
 #endif
