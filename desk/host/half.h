@@ -6,8 +6,8 @@
 namespace desk
 {
 
-/// The plugin's half: loads and runs the plugin as the viewer's half says, until that has nothing more to say.
-/// Returns the exit status.
+/// The plugin's half: loads and runs the plugin as the viewer's half asks, until the connection ends. Returns the
+/// exit status.
 int runHalf(Peer &viewer);
 
 } // namespace desk

@@ -12,7 +12,7 @@ namespace desk
 namespace
 {
 
-/// Where the catalogues are that come with this program: in the build tree, or where it is installed.
+/// The folder of this program's own catalogues, in the build tree or installed.
 std::string ownCatalogues()
 {
 	namespace fs = std::filesystem;

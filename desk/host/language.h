@@ -6,8 +6,8 @@
 namespace desk
 {
 
-/// Shows the plugin's texts, and the host's own words, in `lang`. `catalogue` is DOMAIN[:FOLDER], the folder being by
-/// default the one that comes with this program. Throws an Error when there is none, or none that can be used.
+/// Shows the texts of the plugin and of the host in `lang`. `catalogue` is DOMAIN[:FOLDER], by default this program's
+/// folder. Throws an Error when there is no usable catalogue.
 void setLanguage(const std::string &lang, const std::string &catalogue);
 
 } // namespace desk

@@ -37,13 +37,13 @@ constexpr int mostPlaces = 64;
 
 int input = -1, output = -1;
 pid_t self = 0;
-char childrenName[64]; ///< the file that lists this process's children
+char childrenName[64]; ///< the file with the ids of this process's children
 char exceptionText[1000];
-std::string outOfMemory; ///< a whole message
+std::string outOfMemory; ///< an encoded message
 char consoleName[1000];
 long displayMode = 0, keyboardMode = 0;
 
-/// A Crash as wire/message.cpp encodes it, made without what a signal's handler must not do.
+/// Encodes a Crash as wire/message.cpp does, with async-signal-safe operations only.
 class Message
 {
 public:
@@ -104,13 +104,13 @@ void *placeOf(const void *context)
 #endif
 }
 
-/// The name of an object that is no more, and that a register leads to; null: there is none.
+/// The name of a deleted object to which a register points, or null.
 const char *goneIn(const void *context)
 {
 	const auto &registers = static_cast<const ucontext_t *>(context)->uc_mcontext;
 	uintptr_t words[sizeof registers / sizeof(uintptr_t)];
 	memcpy(words, &registers, sizeof words);
-	// First what a window has deleted: that is done twice more easily.
+	// Objects deleted by a window first: plugins often delete those again.
 	for (const bool byHost : {true, false})
 		for (const uintptr_t word : words)
 			if (const char *name = Trace::get().nameOfGone(word, byHost))
@@ -118,16 +118,16 @@ const char *goneIn(const void *context)
 	return nullptr;
 }
 
-/// `place`: where the signal came; null: the callers of this are all there is.
+/// `place`: where the signal occurred; null: start with this function's caller.
 void say(int signal, int status, void *place, const char *gone = nullptr)
 {
 	if (getpid() != self)
-		return;             // the plugin has forked: this is not its run
-	static Message message; // there may be no stack for it
+		return;             // a process forked by the plugin
+	static Message message; // the stack may be full
 	void *stack[mostPlaces];
 	const int depth = backtrace(stack, mostPlaces);
 	void **first = place ? std::find(stack, stack + depth, place) : stack + 1;
-	if (first == stack + depth) // what has crashed cannot be looked through
+	if (first == stack + depth) // the stack cannot be unwound to the place
 		*(first = stack) = place;
 	const auto end = first == stack && place && *stack == place ? stack + 1 : stack + depth;
 
@@ -142,7 +142,7 @@ void say(int signal, int status, void *place, const char *gone = nullptr)
 	message.longArray(2 * static_cast<size_t>(end - first));
 	for (void **at = first; at != end; ++at) {
 		Dl_info info = {};
-		// A caller's place is what comes after its call, which may be another function's.
+		// A return address may belong to the next function, so use the byte before it.
 		const char *address = static_cast<const char *>(*at) - (at == first && place ? 0 : 1);
 		const bool known = message.hasRoom() && dladdr(address, &info) != 0 && info.dli_fname;
 		message.text(known ? info.dli_fname : "", known ? strlen(info.dli_fname) : 0);
@@ -155,7 +155,7 @@ void say(int signal, int status, void *place, const char *gone = nullptr)
 void onFailure(int signal, siginfo_t *, void *context)
 {
 	say(signal, 0, placeOf(context), goneIn(context));
-	raise(signal); // whose default action is back
+	raise(signal); // SA_RESETHAND restored the default action
 }
 
 void onTerminate()
@@ -168,7 +168,7 @@ void onTerminate()
 			throw;
 		} catch (const std::exception &exception) {
 			said += std::string(": ") + exception.what();
-		} catch (...) { // there is nothing more to say of it
+		} catch (...) { // no text to report
 		}
 		exceptionText[said.copy(exceptionText, sizeof exceptionText - 1)] = '\0';
 	}
@@ -193,7 +193,7 @@ bool isViewerGone(int patience = 0)
 	return poll(&end, 1, patience) > 0 && (end.revents & (POLLHUP | POLLRDHUP | POLLERR)) != 0;
 }
 
-/// Each leads a session of its own, with all that it has started.
+/// Each command leads a session, so this kills its process group.
 void endCommands()
 {
 	const int children = openat(AT_FDCWD, childrenName, O_RDONLY | O_CLOEXEC);
@@ -211,7 +211,7 @@ void endWithoutViewer()
 {
 	endCommands();
 	if (consoleName[0]) {
-		// Not by open(), which would be the plugin's call, and traced.
+		// open() would count as the plugin's, and be traced.
 		const int console = openat(AT_FDCWD, consoleName, O_RDWR | O_NOCTTY | O_CLOEXEC);
 		ioctl(console, KDSKBMODE, keyboardMode);
 		ioctl(console, KDSETMODE, displayMode);
@@ -219,17 +219,17 @@ void endWithoutViewer()
 	syscall(SYS_exit_group, 1);
 }
 
-/// Something has come, or the other end has been closed.
+/// Input or hang-up of the connection.
 void onInput(int)
 {
 	if (PluginRuns::here() && isViewerGone())
 		endWithoutViewer();
 }
 
-/// The viewer's half has ended, or somebody wants this one to end.
+/// Sent when the viewer's half has ended, or by a user.
 void onTerm(int signal)
 {
-	// A console hangs up while the viewer's half is ending.
+	// The console may hang up shortly before the viewer's half has ended.
 	if (isViewerGone(signal == SIGHUP ? 100 : 0))
 		endWithoutViewer();
 	std::signal(signal, SIG_DFL);
@@ -263,10 +263,10 @@ void prepareLastWords(int in, int out)
 	outOfMemory = lengthOf(failed.size()) + failed;
 	std::set_new_handler(onWantOfMemory);
 	std::set_terminate(onTerminate);
-	Trace::get(); // is to be there to the very end
+	Trace::get(); // constructed now, so that it is destroyed after the exit handler ran
 	on_exit(onExit, nullptr);
 	void *nothing;
-	backtrace(&nothing, 1); // loads what it needs
+	backtrace(&nothing, 1); // loads libgcc, which allocates memory
 
 	static char reserve[65536]; // for a full stack
 	stack_t other = {};
@@ -281,13 +281,13 @@ void prepareLastWords(int in, int out)
 
 	action = {};
 	action.sa_handler = onInput;
-	action.sa_flags = SA_RESTART; // the plugin's reading knows nothing of signals
+	action.sa_flags = SA_RESTART; // the plugin does not expect EINTR
 	sigaction(SIGIO, &action, nullptr);
 	action.sa_handler = onTerm;
 	action.sa_flags = static_cast<int>(SA_RESTART | SA_NODEFER);
 	sigaction(SIGTERM, &action, nullptr);
 	struct sigaction given = {};
-	if (sigaction(SIGHUP, nullptr, &given) == 0 && given.sa_handler != SIG_IGN) // by nohup
+	if (sigaction(SIGHUP, nullptr, &given) == 0 && given.sa_handler != SIG_IGN) // as set by nohup
 		sigaction(SIGHUP, &action, nullptr);
 	fcntl(in, F_SETOWN, getpid());
 	fcntl(in, F_SETFL, fcntl(in, F_GETFL) | O_ASYNC);

@@ -6,15 +6,15 @@
 namespace desk
 {
 
-/// From now on this process tells the viewer's half, by a message to the descriptor `out`, why it ends in the middle of
-/// a run: by a signal of its own, an exception that nobody catches, exit(), or for want of memory. It ends by itself
-/// when nobody is at the other end of `in` any more, whatever the plugin is busy with.
+/// From now on, reports to the viewer's half, as a message to the descriptor `out`, why this process ends during a
+/// run: a signal, an uncaught exception, exit(), or lack of memory. Also ends this process when the other end of `in`
+/// is closed, whatever the plugin does.
 void prepareLastWords(int in, int out);
 
-/// What to give back when that half has been killed.
+/// The console to restore if the viewer's half is killed.
 void keepConsole(const ConsoleModes &console);
 
-/// Tells it of an exit in the middle.
+/// Reports an exit during a run.
 void sayExit(int status);
 
 } // namespace desk

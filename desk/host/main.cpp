@@ -8,8 +8,8 @@
 #include <clocale>
 #include <cstdio>
 
-// The messages go over standard input and output. They are moved away from where a plugin and its commands read
-// and write: what these print goes to standard error.
+// Moves the messages from standard input and output to other descriptors. The plugin and its commands then print to
+// standard error.
 int main()
 {
 	const int in = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
@@ -26,7 +26,7 @@ int main()
 		dup2(nothing, STDERR_FILENO);
 	dup2(STDERR_FILENO, STDOUT_FILENO);
 	close(nothing);
-	std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // a crash loses no line
+	std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // flushed at each line, so that a crash loses none
 
 	desk::prepareLastWords(in, out);
 	desk::PipePeer viewer(in, out);

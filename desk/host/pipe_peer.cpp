@@ -9,7 +9,7 @@ void PipePeer::send(const ToViewer &message)
 		return;
 	const std::lock_guard<std::recursive_mutex> alone(sending);
 	if (isSending)
-		return; // a signal's handler in the middle of another message
+		return; // called by a signal handler while another message is sent
 	isSending = true;
 	channel.put(encode(message));
 	channel.flush();

@@ -12,8 +12,8 @@
 namespace desk
 {
 
-/// The viewer's half at the other end of two descriptors. A copy of this process, which a plugin may make, does not
-/// reach it, and ends when it waits for it.
+/// The connection to the viewer's half over two descriptors. In a process forked by the plugin it sends nothing, and
+/// ends the process when that waits for a message.
 class PipePeer : public Peer
 {
 public:

@@ -6,8 +6,8 @@
 namespace desk
 {
 
-/// Exists while the plugin runs on this thread. What it calls of the program's functions is then the
-/// plugin's call, unless the trace is quiet: the host at work for itself.
+/// Exists while the plugin runs on this thread. Calls of the program's functions then count as the plugin's, unless
+/// the trace is quiet because the host works for itself.
 class PluginRuns
 {
 public:
@@ -26,7 +26,7 @@ private:
 	}
 };
 
-/// Whether a call of the program's functions is the plugin's.
+/// Whether the plugin makes the current call of a program's function.
 inline bool byPlugin()
 {
 	return PluginRuns::here() && !Trace::get().isQuiet();

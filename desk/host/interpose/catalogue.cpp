@@ -26,10 +26,10 @@ constexpr size_t mostBytes = 16 << 20;
 constexpr std::string_view littleEndian = "\xde\x12\x04\x95";
 constexpr std::string_view bigEndian = "\x95\x04\x12\xde";
 constexpr std::string_view conversions = "douxXeEfFgGaAcsCSpnm";
-constexpr size_t mostValues = 100; // of a format; more are not looked at
+constexpr size_t mostValues = 100; // of a format; ignores the rest
 
-/// The values that a format takes: each one's number and type. A sign of per cent in front of a blank begins
-/// none unless `blanks`: printf does take "% d", but many a text says "50 % more".
+/// The number and type of each value that a format takes. Unless `blanks`, a per cent sign before a blank takes none:
+/// printf accepts "% d", but many texts say "50 % more".
 std::set<std::pair<unsigned, std::string>> valuesOf(std::string_view format, bool blanks)
 {
 	std::set<std::pair<unsigned, std::string>> values;
@@ -52,7 +52,7 @@ std::set<std::pair<unsigned, std::string>> valuesOf(std::string_view format, boo
 			if (c == '*')
 				values.emplace(next++, "*");
 		std::string type(skip("hlqLjzZt"));
-		// One that is cut off, or numbered and unknown, is nothing that printf says how it takes.
+		// printf does not define one that is cut off, or numbered with an unknown conversion.
 		const char conversion = at == format.size() ? '\0' : format[at] == 'i' ? 'd' : format[at];
 		at = std::min(at + 1, format.size());
 		if (number || conversion == '\0' || conversions.find(conversion) != std::string_view::npos)
@@ -61,10 +61,10 @@ std::set<std::pair<unsigned, std::string>> valuesOf(std::string_view format, boo
 	return values;
 }
 
-/// Whether `translation` may be used wherever `id`, perhaps with its plural behind it, is.
+/// Whether `translation` takes the same values as `id`, which may include the plural.
 bool fits(std::string_view translation, std::string_view id)
 {
-	id.remove_prefix(id.find('\4') + 1); // a context in front of it; there may be none
+	id.remove_prefix(id.find('\4') + 1); // removes a context, if any
 	const auto of = [](std::string_view texts, bool blanks) {
 		std::set<std::pair<unsigned, std::string>> values;
 		for (size_t from = 0; from <= texts.size();) {
@@ -75,12 +75,12 @@ bool fits(std::string_view translation, std::string_view id)
 		return values;
 	};
 	if (of(id, false).empty())
-		return true; // no format
+		return true; // not a format
 	const auto given = of(id, true), taken = of(translation, true);
 	return std::includes(given.begin(), given.end(), taken.begin(), taken.end());
 }
 
-/// What stands behind `name` in a header, up to one of `ends`.
+/// The text after `name` in a header, up to one of `ends`.
 std::string_view valueIn(std::string_view header, std::string_view name, const char *ends)
 {
 	const size_t at = header.find(name);
@@ -97,7 +97,7 @@ Catalogue Catalogue::load(const std::string &path)
 	const auto failure = [&](const std::string &why) {
 		return Error("cannot read the message catalogue '" + path + "': " + why);
 	};
-	// By no stream: those are the plugin's. A pipe is not waited for.
+	// Not a stream: fopen counts as the plugin's. O_NONBLOCK, because a pipe would block.
 	const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
 	if (file < 0)
 		throw failure(std::strerror(errno));
@@ -136,7 +136,7 @@ std::string Catalogue::read()
 		return "it is larger than 16 MiB";
 	if (file.size() < 28)
 		return "it is cut off; make it anew with msgfmt";
-	// Positions are sums of numbers of 32 bits: they cannot overflow here.
+	// Offsets are sums of 32-bit numbers and cannot overflow here.
 	const auto byteAt = [&](std::uint64_t at) {
 		return static_cast<unsigned char>(file[static_cast<size_t>(at)]);
 	};
@@ -154,7 +154,7 @@ std::string Catalogue::read()
 	if (ids + 8 * count > file.size() || translations + 8 * count > file.size())
 		return "it is cut off; make it anew with msgfmt";
 
-	std::uint64_t total = 0; // more than the file has when texts share their bytes
+	std::uint64_t total = 0; // exceeds the file's size when texts share bytes
 	const auto textAt = [&](std::uint64_t entry) -> std::optional<std::string_view> {
 		const std::uint64_t length = number(entry), at = number(entry + 4);
 		if (at + length >= file.size() || byteAt(at + length) != 0 || (total += length) > mostBytes)
@@ -204,7 +204,7 @@ const char *Catalogue::find(const char *id, unsigned long n) const
 	for (unsigned long form = pluralForm(pluralRule, n).value_or(0); form > 0; --form) {
 		const size_t end = forms.find('\0');
 		if (end == std::string_view::npos)
-			return found->second.data(); // it has fewer
+			return found->second.data(); // too few forms
 		forms.remove_prefix(end + 1);
 	}
 	return forms.data();

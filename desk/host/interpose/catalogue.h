@@ -9,38 +9,37 @@
 namespace desk
 {
 
-/// The translations of one language and domain: a file that msgfmt has made, in UTF-8.
+/// The translations of one language and domain: a UTF-8 file made by msgfmt.
 ///
-/// It is checked as a whole when it is read, because it may come from anywhere: what is taken has no text
-/// that lies outside of it, or that formats values which its original does not have.
+/// Files may come from anywhere, so reading one checks all of it: every text lies within the file, and every format
+/// takes the values of its original.
 class Catalogue
 {
 public:
 	/// Reads the file, or throws an Error.
 	static Catalogue load(const std::string &path);
 
-	/// Takes the bytes of such a file; `path` is what an error calls it.
+	/// Parses the bytes of such a file; errors call it `path`.
 	static Catalogue parse(const std::string &bytes, const std::string &path);
 
 	Catalogue(Catalogue &&) = default;
 	Catalogue &operator=(Catalogue &&) = default;
 
-	/// The translation of `id`, of "" the catalogue's header; null when there is none. It belongs to the
-	/// catalogue.
+	/// The translation of `id` (the header for ""), or null. It belongs to the catalogue.
 	const char *find(const char *id) const;
 
-	/// The same in the form that is for `n` things.
+	/// The translation in the plural form for `n`.
 	const char *find(const char *id, unsigned long n) const;
 
 private:
 	Catalogue() = default;
 
-	/// Returns what is wrong, "" for nothing.
+	/// Returns the error, or "".
 	std::string read();
 	std::string readHeader();
 
-	std::vector<char> bytes; ///< the file, which the rest is a view of
-	/// Each with a NUL behind it. A text that has forms holds them one after another, with a NUL between two.
+	std::vector<char> bytes; ///< the file; texts refer to it
+	/// NUL-terminated. The forms of a text follow each other, with a NUL between them.
 	std::unordered_map<std::string_view, std::string_view> texts;
 	std::string_view pluralRule = "n != 1";
 };

@@ -34,7 +34,7 @@ using Words = std::vector<std::string_view>;
 const Words killing = {"kill", "killall", "killall5", "pkill", "skill"};
 const Words deleting = {"rm", "rmdir", "unlink"};
 
-/// What could be names of commands.
+/// Words that may be names of commands.
 Words wordsOf(const std::string &text)
 {
 	const auto inWord = [](unsigned char c) { return std::isalnum(c) || c == '_' || c == '-' || c == '.'; };
@@ -47,14 +47,14 @@ Words wordsOf(const std::string &text)
 	return words;
 }
 
-/// Whether it has one of these as a word, at whatever path.
+/// Whether the text contains one of these names, with or without a path.
 bool hasWord(const std::string &text, const Words &words)
 {
 	const Words all = wordsOf(text);
 	return std::find_first_of(all.begin(), all.end(), words.begin(), words.end()) != all.end();
 }
 
-/// A script's text; empty: it is none.
+/// A script's text; empty if the file is no script.
 std::string scriptAt(const std::string &path)
 {
 	const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -71,8 +71,8 @@ void report(const std::string &what)
 	Desk::get().note(what + " (reported only: with --root nobody is signalled)");
 }
 
-/// This process's environment. Without a PATH in it, a shell does not export the one that it is given:
-/// what the scripts in a root's bin run is then found as ever.
+/// This process's environment. Without PATH in it, a shell does not export the PATH that the prelude sets, so scripts
+/// in the root's bin still find the usual commands.
 std::vector<char *> environment(bool withPath)
 {
 	std::vector<char *> variables;
@@ -112,12 +112,12 @@ void Commands::takeFromBusybox()
 	                 "and ps may list this terminal's processes only");
 }
 
-/// Whether something in `bin` is a link to a program of this computer's.
+/// Whether `bin` has a link of this name to a file outside of the root.
 bool Commands::leadsOut(const std::string &name) const
 {
 	struct stat run = {}, meant = {};
 	if (::stat((bin + '/' + name).c_str(), &run) != 0 || !S_ISREG(run.st_mode))
-		return false; // nothing to run, such as ".." in a script
+		return false; // no command, such as ".." in a script
 	const int file = openInRoot(root, ("/bin/" + name).c_str(), O_PATH);
 	const bool isMeant =
 		file >= 0 && fstat(file, &meant) == 0 && meant.st_dev == run.st_dev && meant.st_ino == run.st_ino;
@@ -126,7 +126,7 @@ bool Commands::leadsOut(const std::string &name) const
 	return !isMeant;
 }
 
-/// Whether it is not to be run, because of a word of its own or of a script in `bin` that it runs.
+/// Whether not to run the command, because of a word in it or in a script of `bin` that it runs.
 bool Commands::refuses(const std::string &command) const
 {
 	if (hasWord(command, deleting) && !Desk::get().permits(command))
@@ -160,20 +160,20 @@ bool Commands::refuses(const std::string &command) const
 
 pid_t Commands::start(const char *command, int in, int out) const
 {
-	const int nothing = openat(AT_FDCWD, "/dev/null", O_RDWR | O_CLOEXEC); // open() would be the plugin's
+	const int nothing = openat(AT_FDCWD, "/dev/null", O_RDWR | O_CLOEXEC); // not the plugin's open()
 	const std::string text = prelude + command;
 	const std::vector<char *> variables = environment(!rooted);
 	const pid_t process = fork();
 	if (process == 0) {
-		prctl(PR_SET_PDEATHSIG, SIGKILL); // no command outlives the desk host
+		prctl(PR_SET_PDEATHSIG, SIGKILL); // commands end with the desk host
 		dup2(in < 0 ? nothing : in, STDIN_FILENO);
 		dup2(out < 0 ? STDERR_FILENO : out, STDOUT_FILENO);
-		if (!prelude.empty()) // else ps is this computer's, which lists the processes of its own terminal
-			setsid();         // what signals its own group signals nobody else, and none reaches the terminal
+		if (!prelude.empty()) // without a prelude, ps is this computer's and lists its terminal's processes
+			setsid();         // keeps a signal to its own group from others, and commands from the terminal
 		execle("/bin/sh", "sh", "-c", text.c_str(), static_cast<char *>(nullptr), variables.data());
 		_exit(notFound);
 	}
-	if (process < 0) // a screen that stays empty is to be understood
+	if (process < 0) // explains an empty screen
 		Desk::get().note("deskhost: cannot run '" + std::string(command) + "': " + std::strerror(errno));
 	::close(nothing);
 	return process;
@@ -195,7 +195,7 @@ int Commands::finish(pid_t process) const
 int Commands::run(const char *command)
 {
 	if (!command)
-		return 1; // there is a shell
+		return 1; // a shell exists
 	return refuses(command) ? 0 : finish(start(command, -1, -1));
 }
 

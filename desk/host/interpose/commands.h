@@ -11,45 +11,45 @@
 namespace desk
 {
 
-/// The receiver's commands and processes, as the plugin sees them.
+/// The receiver's commands and processes for the plugin.
 ///
-/// What a command prints and does not redirect goes to standard error; it reads nothing and, but for commands that
-/// are left as they are, has a session of its own. A child that it leaves behind is not waited for.
+/// A command's output goes to standard error unless it redirects it; its standard input is empty. It has a session of
+/// its own, except with --as-is. Children that it leaves behind are not waited for.
 class Commands
 {
 public:
 	static Commands &get();
 
-	/// Commands are those of the folder bin in `folder`, and none else; what kills is only reported. Where nothing else
-	/// contains them, its descriptor `uncontained` is not -1: then that goes for scripts in there as well, and links
-	/// that lead out of it are not run.
+	/// Takes commands only from the folder bin in `folder`, and only reports kills. Without a sandbox, `uncontained`
+	/// is a descriptor of the folder, else -1: then the check for kills includes scripts of bin, and links that lead
+	/// out of the folder are not run.
 	void takeFrom(const std::string &folder, int uncontained);
 
-	/// The commands ps, df and kill are BusyBox's, as on most receivers. Without BusyBox they stay
-	/// this computer's, and a note says so.
+	/// Takes ps, df and kill from BusyBox, as on most receivers. Without BusyBox this computer's commands remain, and
+	/// a note says so.
 	void takeFromBusybox();
 
-	/// Runs a command and returns its status, as system() does.
+	/// Like system().
 	int run(const char *command);
 
-	/// As popen() and pclose() do.
+	/// Like popen() and pclose().
 	FILE *open(const char *command, const char *type);
 	int close(FILE *stream);
 
-	/// As kill() does.
+	/// Like kill().
 	int signal(pid_t process, int number) const;
 
 private:
 	bool leadsOut(const std::string &name) const;
 	bool refuses(const std::string &command) const;
-	/// `in` and `out` -1: nothing, and standard error. Returns the process; -1, with a note: there is none.
+	/// `in` -1: /dev/null; `out` -1: standard error. Returns the process, or -1 after a note.
 	pid_t start(const char *command, int in, int out) const;
 	int finish(pid_t process) const;
 
 	bool rooted = false;
 	int root = -1; ///< see takeFrom()
 	std::string bin;
-	std::string prelude; ///< what the shell reads before each command
+	std::string prelude; ///< runs in the shell before each command
 	std::mutex changing; ///< a plugin may have threads
 	std::map<FILE *, pid_t> streams;
 };

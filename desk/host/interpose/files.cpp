@@ -26,7 +26,7 @@ namespace desk
 namespace
 {
 
-/// The flags of open() that fopen's `mode` stands for.
+/// The flags of open() for fopen's `mode`.
 int flagsOf(const char *mode)
 {
 	const bool both = std::strchr(mode, '+') != nullptr;
@@ -40,7 +40,6 @@ int flagsOf(const char *mode)
 	return flags;
 }
 
-/// After what may have failed.
 void closeKeepingErrno(int descriptor)
 {
 	const int reason = errno;
@@ -66,7 +65,7 @@ int removeInRoot(int root, const std::filesystem::path &path, bool foldersToo)
 	return result;
 }
 
-/// Enters a mount namespace; one that is not the superuser takes a user namespace with it, as who it is.
+/// Enters a mount namespace, unless as the superuser with a user namespace that keeps the user's id.
 bool enterMountNamespace()
 {
 	const std::string user = std::to_string(geteuid()), group = std::to_string(getegid());
@@ -84,8 +83,8 @@ bool enterMountNamespace()
 	       write("/proc/self/gid_map", group + ' ' + group + " 1");
 }
 
-/// Puts /var/tmp of the root, which is made where it is missing, at this computer's, for this process and its
-/// commands. Where the kernel forbids that, both keep to this computer's.
+/// Mounts the root's /var/tmp, made if missing, over this computer's for this process and its commands. If the kernel
+/// forbids that, they use this computer's.
 void mountVarTmp(int root)
 {
 	if (mkdirat(root, "var", 0777) != 0 && errno != EEXIST)
@@ -96,7 +95,7 @@ void mountVarTmp(int root)
 	}
 	const int folder = openInRoot(root, "/var/tmp", O_PATH | O_DIRECTORY);
 	struct stat meant = {}, there = {};
-	// By its name, because what is open lies in the namespace that is left; so the name is not trusted.
+	// The descriptor belongs to the old namespace, so mount by path, and check that it is the same folder.
 	std::error_code failed;
 	const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), failed);
 	if (folder >= 0 && fstat(folder, &meant) == 0 && enterMountNamespace() &&
@@ -106,7 +105,7 @@ void mountVarTmp(int root)
 	closeKeepingErrno(folder);
 }
 
-/// /proc/meminfo in its older layout, at its start; null when there is none.
+/// /proc/meminfo in its older layout as a stream; null without it.
 FILE *openOlderMeminfo()
 {
 	const Trace::Quiet converting;
@@ -143,7 +142,7 @@ void Files::setRoot(const std::string &from, const std::vector<std::string> &fil
 		throw Error("cannot use '" + folder + "' as the receiver's files: " + std::strerror(errno) +
 		            "; name a readable folder with --root");
 	mountVarTmp(root);
-	// Through this process's descriptor, because a PATH cannot name a folder with a colon.
+	// By descriptor, because a folder with a colon in its name cannot be in PATH.
 	Commands::get().takeFrom("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(root), root);
 }
 
@@ -165,7 +164,7 @@ std::optional<std::string> Files::ledTo(const char *path) const
 	return folder + normal(path).string();
 }
 
-/// Of a link that stands for a file of the root, that file.
+/// The root's file that a link stands for, else `path`.
 std::string Files::meant(const char *path) const
 {
 	std::error_code failed;
@@ -188,14 +187,14 @@ FILE *Files::open(const char *path, const char *mode) const
 		return openOlderMeminfo();
 	const bool isOurs = isServed(path);
 	FILE *stream = nullptr;
-	if (isOurs && isPipe(path)) // which would be waited for
+	if (isOurs && isPipe(path)) // would block
 		errno = ESPIPE;
 	else if (root < 0 || !isOurs)
 		stream = next<FILE *(const char *, const char *)>("fopen")(path, mode);
 	else if (const int file = openInRoot(root, path, flagsOf(mode)); file >= 0)
 		stream = fdopen(file, mode);
 	const int reason = errno;
-	if (!stream && *mode == 'r' && isOurs) // a screen that stays empty is to be understood
+	if (!stream && *mode == 'r' && isOurs) // explains an empty screen
 		Desk::get().note("deskhost: with --root, " + std::string(path) +
 		                 " is the one in that folder, which cannot be read: " +
 		                 (reason == ESPIPE ? "it is a pipe" : std::strerror(reason)));
@@ -222,7 +221,7 @@ int Files::rename(const char *from, const char *to) const
 	if (root < 0 || (!isServed(from) && !isServed(to)))
 		return next<int(const char *, const char *)>("rename")(from, to);
 	if (!isServed(from) || !isServed(to)) {
-		errno = EXDEV; // one of them is this computer's
+		errno = EXDEV; // one of the files is this computer's
 		return -1;
 	}
 	const std::filesystem::path old = normal(from), fresh = normal(to);

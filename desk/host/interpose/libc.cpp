@@ -1,5 +1,5 @@
-// The functions of libc that the program offers in libc's place. Host and libraries call them as well:
-// those calls are served in the same way, but only the plugin's are traced.
+// Replacements of libc's functions, which the program exports. Host and libraries call them as well; only the
+// plugin's calls are traced.
 
 #include "libc.h"
 
@@ -40,7 +40,7 @@ template <class... Args> void trace(const char *what, const Args &...args)
 		Trace::get().function(what, args...);
 }
 
-/// After the line of a call that names these files.
+/// Adds a debug line for each redirected file, after the line of the call.
 template <class... Paths> void tellLeads(const Paths *...paths)
 {
 	const auto tell = [](const char *path) {
@@ -66,7 +66,7 @@ void traceClosing(const FILE *stream, const char *what, int result)
 		                  std::to_string(result));
 }
 
-/// The last argument of open(), which is there when a file is made. Traces what is opened for writing.
+/// The mode argument of open(), which exists when open() creates a file. Traces opening for writing.
 mode_t modeFor(const char *path, int flags, va_list values)
 {
 	if ((flags & O_ACCMODE) != O_RDONLY)
@@ -74,7 +74,7 @@ mode_t modeFor(const char *path, int flags, va_list values)
 	return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE ? va_arg(values, mode_t) : 0;
 }
 
-/// Whether the caller may delete this: a plugin's own temporary files are no loss.
+/// Whether the caller may delete `path`: always for temporary files.
 bool mayDelete(const char *path)
 {
 	const std::string_view name = path ? path : "";
@@ -84,7 +84,7 @@ bool mayDelete(const char *path)
 	return desk::Desk::get().permits("remove " + std::string(name));
 }
 
-/// Whether texts of this domain are the plugin's. Libraries look up their own, by the name of their domain.
+/// Whether to translate texts of this domain. Libraries look up their own texts, by their domain's name.
 bool translates(const char *domain, int category = LC_MESSAGES)
 {
 	return category == LC_MESSAGES && Texts::get().translates() && (!domain || byPlugin());
@@ -104,14 +104,13 @@ FILE *fopen(const char *path, const char *mode)
 	return stream;
 }
 
-// What fopen is called where files may be larger than the machine's long.
+// The name of fopen for large files on 32-bit processors.
 __attribute__((alias("fopen"))) FILE *fopen64(const char *path, const char *mode);
 
 int fclose(FILE *stream)
 {
 	static const auto real = next<int(FILE *)>("fclose");
-	// Closing a stream that never opened is survived, as the receiver's library does, whatever the header
-	// promises the compiler.
+	// A null stream is harmless, as on the receiver. volatile, because the header declares the argument nonnull.
 	FILE *volatile given = stream;
 	const int result = given ? real(stream) : EOF;
 	traceClosing(given, "fclose", result);
@@ -153,7 +152,7 @@ int rmdir(const char *path) noexcept
 
 int open(const char *path, int flags, ...)
 {
-	static const auto real = next<int(const char *, int, ...)>("open"); // signal handlers call this as well
+	static const auto real = next<int(const char *, int, ...)>("open"); // cached for signal handlers
 	va_list values;
 	va_start(values, flags);
 	const mode_t mode = modeFor(path, flags, values);
@@ -161,7 +160,7 @@ int open(const char *path, int flags, ...)
 	return real(path, flags, mode);
 }
 
-// What open is called where files may be larger than the machine's long.
+// The name of open for large files on 32-bit processors.
 int open64(const char *path, int flags, ...)
 {
 	static const auto real = next<int(const char *, int, ...)>("open64");
@@ -197,7 +196,7 @@ void _exit(int status)
 	if (byPlugin() && desk::Desk::get().onExit)
 		desk::Desk::get().onExit(status);
 	next<void(int)>("_exit")(status);
-	std::abort(); // it has not come back
+	std::abort(); // not reached
 }
 
 __attribute__((alias("_exit"))) void _Exit(int status) noexcept;

@@ -6,8 +6,7 @@
 namespace desk
 {
 
-/// The function of that name behind this program's own: libc's, or that of a library in between, a
-/// sanitizer's for example.
+/// The next function of that name after this program's: libc's, or a library's in between such as a sanitizer's.
 template <class Function> Function *next(const char *name)
 {
 	return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));

@@ -27,14 +27,14 @@ Quantities read(FILE *meminfo)
 	for (Number value; fgets(line, sizeof line, meminfo);)
 		if (sscanf(line, "%63[^:]: %llu", name, &value) == 2)
 			quantities[name] = value;
-	// What has gone since, or is there on 32-bit kernels only.
+	// Quantities that kernels no longer have, or only on 32-bit processors.
 	quantities.emplace("MemShared", quantities["Shmem"]);
 	quantities.emplace("LowTotal", quantities["MemTotal"]);
 	quantities.emplace("LowFree", quantities["MemFree"]);
 	return quantities;
 }
 
-/// The table's lines. No figure is larger than `most`.
+/// The table's lines. `most` limits the figures.
 std::string table(Quantities quantities, Number most)
 {
 	const auto bytes = [&](const char *name, const char *without = nullptr) {
@@ -55,8 +55,8 @@ std::string olderMeminfo(FILE *meminfo)
 {
 	Quantities quantities = read(meminfo);
 	std::string text = table(quantities, std::numeric_limits<Number>::max());
-	// Who reads the table in pieces of 29 characters finds eight of them, as long as the line of the
-	// memory makes three. Beyond a terabyte it may not: then its figures end at twelve digits.
+	// The table must be eight pieces of 29 characters for a reader, of which the memory's line makes three. Beyond a
+	// terabyte that line may be longer, so limit figures to twelve digits.
 	constexpr size_t heading = 60, pieces = 3 * 29;
 	if (text.find('\n', heading) >= heading + pieces)
 		text = table(quantities, 999'999'999'999);

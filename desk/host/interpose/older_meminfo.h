@@ -7,8 +7,8 @@
 namespace desk
 {
 
-/// The kernel's memory summary in its older layout: a table of three lines in bytes, then fourteen
-/// quantities in kB. `meminfo` is this kernel's; what it lacks is 0.
+/// The kernel's memory summary in its older layout: a table of three lines in bytes, then fourteen quantities in kB.
+/// `meminfo` is this kernel's; quantities that it lacks become 0.
 std::string olderMeminfo(FILE *meminfo);
 
 } // namespace desk

@@ -6,10 +6,10 @@ namespace desk
 namespace
 {
 
-constexpr size_t longestRule = 1000; // those of real languages have 150 characters; each can be a nested call
+constexpr size_t longestRule = 1000; // real rules have 150 characters; each may nest a call
 
-/// Evaluates while it reads. All values are unsigned, and no part has an effect, so that what C would leave
-/// out may be evaluated as well.
+/// A recursive descent evaluator. Values are unsigned. It evaluates operands that C would skip, because they have no
+/// side effects.
 class Rule
 {
 	using N = unsigned long;
@@ -38,7 +38,7 @@ private:
 		return condition ? yes : no;
 	}
 
-	/// Operators that bind at least as closely as `level` says.
+	/// Evaluates binary operators of at least precedence `level`.
 	N binary(int level)
 	{
 		static const struct
@@ -111,7 +111,7 @@ private:
 
 	static bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-	std::string_view left; ///< not yet read
+	std::string_view left; ///< the rest of the rule
 	N number;
 	bool sound = true;
 };

@@ -7,8 +7,8 @@
 namespace desk
 {
 
-/// Which of a text's forms is for `n` things, from 0. `rule` is a C expression of n, as a catalogue's header
-/// gives it: "n != 1". Nothing where it is none.
+/// The index of a text's form for `n`. `rule` is a C expression of n from a catalogue's header: "n != 1". nullopt if
+/// it is invalid.
 std::optional<unsigned long> pluralForm(std::string_view rule, unsigned long n);
 
 } // namespace desk

@@ -33,7 +33,7 @@ void Texts::setLanguage(const std::string &lang, const std::string &in, const st
 {
 	const std::string territory = lang.substr(0, lang.find_first_of(".@"));
 	const std::string language = territory.substr(0, territory.find('_'));
-	if (language == "en") // the language of the texts themselves
+	if (language == "en") // the original texts are English
 		return;
 	const auto isThere = [&](const std::string &name) {
 		std::error_code failed;
@@ -56,7 +56,7 @@ void Texts::setLanguage(const std::string &lang, const std::string &in, const st
 	languages = {lang, territory + modifier, language + modifier, territory, language};
 	current = domain;
 	std::error_code failed;
-	folder = fs::absolute(in, failed); // the plugin may go elsewhere
+	folder = fs::absolute(in, failed); // the plugin may change the working folder
 	loaded[{folder, current}] = load(folder, current);
 }
 
@@ -97,7 +97,7 @@ const std::vector<Catalogue> &Texts::cataloguesOf(const char *domain)
 	std::vector<Catalogue> &added = loaded[{from, name}];
 	try {
 		added = load(from, name);
-	} catch (const Error &error) { // the plugin asks, and goes on without
+	} catch (const Error &error) { // the plugin goes on without translations
 		Desk::get().note("deskhost: " + error.line);
 	}
 	errno = before;

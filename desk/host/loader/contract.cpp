@@ -17,11 +17,11 @@ namespace
 
 #define TEXT(...) #__VA_ARGS__
 #define TEXT_OF(...) TEXT(__VA_ARGS__)
-/// Separated by commas.
+/// The class names, separated by commas.
 const char *const classNames = TEXT_OF(VEXLO_CONTRACT_CLASSES);
 
-/// An eShape of any class. A pointer to a virtual operation is its place in the table, in bytes, to which
-/// some computers add a constant.
+/// An eShape of any class. A pointer to a virtual operation is its offset in the table in bytes, plus a constant on
+/// some processors.
 struct __attribute__((packed)) Shape
 {
 	uint32_t size;
@@ -30,10 +30,10 @@ struct __attribute__((packed)) Shape
 };
 static_assert(sizeof(Shape) == sizeof(eShape<eWidget>), "pointers to members are of another kind here");
 
-/// Notes of one plugin are a few hundred bytes; what says it has more is no plugin.
+/// A plugin's notes have a few hundred bytes; a file with more is no plugin.
 constexpr size_t mostNotes = 65536;
 
-/// `size` bytes at `offset`; fewer where the file ends.
+/// Up to `size` bytes at `offset`.
 std::string readAt(std::ifstream &file, uint64_t offset, size_t size)
 {
 	std::string bytes(size, '\0');
@@ -52,7 +52,7 @@ template <class T> bool readAt(std::ifstream &file, uint64_t offset, T &value)
 	return bytes.size() == sizeof value;
 }
 
-/// Takes `size` bytes, padded to a multiple of four, off the front of `bytes`; fewer where they end.
+/// Removes up to `size` bytes, padded to a multiple of four, from the front of `bytes`.
 std::string take(std::string &bytes, size_t size)
 {
 	std::string taken = bytes.substr(0, size);
@@ -60,7 +60,7 @@ std::string take(std::string &bytes, size_t size)
 	return taken;
 }
 
-/// The contract in these notes; empty without one.
+/// The contract in these notes, or "".
 std::string contractIn(std::string notes)
 {
 	while (notes.size() >= sizeof(ElfW(Nhdr))) {
@@ -75,7 +75,7 @@ std::string contractIn(std::string notes)
 	return {};
 }
 
-/// False: it is no plugin for this computer.
+/// False for files that are no plugin for this computer.
 bool readHeader(std::ifstream &file, ElfW(Ehdr) & header)
 {
 	constexpr unsigned char ownClass = sizeof(void *) == 8 ? ELFCLASS64 : ELFCLASS32;
@@ -84,7 +84,7 @@ bool readHeader(std::ifstream &file, ElfW(Ehdr) & header)
 	       header.e_ident[EI_CLASS] == ownClass && header.e_ident[EI_DATA] == ownOrder;
 }
 
-/// The same of a plugin's file; empty as well when it is none for this computer: the loader says so.
+/// The contract in a plugin's file, or "", also for a file that the loader will refuse.
 std::string contractOf(const std::string &path)
 {
 	std::ifstream file(path, std::ios::binary);
@@ -94,7 +94,7 @@ std::string contractOf(const std::string &path)
 	ElfW(Phdr) part;
 	for (uint64_t i = 0; i < header.e_phnum && readAt(file, header.e_phoff + i * sizeof part, part); ++i) {
 		if (part.p_type != PT_NOTE || part.p_align > 4 || part.p_filesz > mostNotes)
-			continue; // notes that are padded in another way are in a segment of their own
+			continue; // notes with another alignment have a segment of their own
 		std::string contract = contractIn(readAt(file, part.p_offset, part.p_filesz));
 		if (!contract.empty())
 			return contract;
@@ -131,7 +131,7 @@ bool isCutOff(const std::string &path)
 		return false;
 	file.seekg(0, std::ios::end);
 	const auto size = static_cast<uint64_t>(file.tellg());
-	// Linkers write the table of sections last.
+	// Linkers write the section headers last.
 	if (header.e_shoff > size || header.e_shoff + uint64_t{header.e_shnum} * header.e_shentsize > size)
 		return true;
 	ElfW(Phdr) part;

@@ -6,12 +6,12 @@
 namespace desk
 {
 
-/// What the contract that the plugin in `file` was built against has other than this host's, in words that
-/// follow a colon. Empty when nothing differs, and when the file has no contract or is no plugin at all.
+/// How the contract of the plugin in `file` differs from this host's, as words to follow a colon. Empty when nothing
+/// differs, when the file has no contract, and when it is no plugin.
 std::string differenceOfContract(const std::string &file);
 
-/// Whether the plugin in `file` has less than its own tables tell of: to use what is missing would be the end. False
-/// for what is no plugin for this computer: the loader says so.
+/// Whether the file is shorter than its own tables say; using a missing part would crash. False for a file that is no
+/// plugin for this computer: the loader reports that.
 bool isCutOff(const std::string &file);
 
 } // namespace desk

@@ -27,7 +27,7 @@ Error failure(const std::string &path, std::string reason, const char *advice)
 	return Error("cannot load the plugin '" + path + "': " + reason + "; " + advice, statusNotToItsEnd);
 }
 
-/// The loader's reason with the symbol that it names as C++ writes it.
+/// The loader's error with C++ names demangled.
 std::string inClear(std::string reason)
 {
 	const std::string before = "undefined symbol: ";
@@ -68,7 +68,7 @@ bool isFunction(const void *symbol)
 	void *found = nullptr;
 	if (dladdr1(symbol, &info, &found, RTLD_DL_SYMENT) == 0 || !found)
 		return true;
-	return ELF32_ST_TYPE(static_cast<const ElfW(Sym) *>(found)->st_info) != STT_OBJECT; // ELF64's is the same
+	return ELF32_ST_TYPE(static_cast<const ElfW(Sym) *>(found)->st_info) != STT_OBJECT; // as for ELF64
 }
 
 } // namespace
@@ -76,11 +76,11 @@ bool isFunction(const void *symbol)
 std::unique_ptr<Plugin> Plugin::load(const std::string &path)
 {
 	requireFile(path);
-	// A bare name would be searched for among the system's libraries.
+	// dlopen would search for a name without a slash among the system's libraries.
 	const std::string place = path.find('/') == std::string::npos ? "./" + path : path;
 	if (isCutOff(place))
 		throw failure(path, "the file is not complete", "build it again, or copy all of it");
-	// Before anything of it runs: what it would do with other classes has no bounds.
+	// Checked before any of its code runs, because with other classes its behaviour is undefined.
 	if (const std::string difference = differenceOfContract(place); !difference.empty())
 		throw failure(path, "it was built against another contract: " + difference,
 		              "build it against this host's headers");

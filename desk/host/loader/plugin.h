@@ -7,19 +7,17 @@
 namespace desk
 {
 
-/// A plugin, loaded as a receiver loads it: all of its symbols resolved at once, from this program.
+/// A plugin, loaded as on a receiver: all its symbols are resolved at once, from this program.
 class Plugin
 {
 public:
 	/// Throws an Error when `path` cannot be loaded or has no plugin_exec.
 	static std::unique_ptr<Plugin> load(const std::string &path);
 
-	/// Unloads it.
 	~Plugin();
 	Plugin(const Plugin &) = delete;
 	Plugin &operator=(const Plugin &) = delete;
 
-	/// Calls plugin_exec and returns its result.
 	int exec();
 
 private:

@@ -6,11 +6,11 @@
 
 #include <string>
 
-/// What the host keeps of a decorated widget.
+/// The host's data of a decorated widget.
 struct eDecoWidget::Deco
 {
 	std::string name;                   ///< empty: none
-	const desk::Decoration *decoration; ///< the skin's, for as long as the skin is active
+	const desk::Decoration *decoration; ///< of the skin, valid while the skin is active
 };
 
 #endif

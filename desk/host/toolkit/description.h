@@ -8,7 +8,7 @@
 namespace desk
 {
 
-/// What is on the screen as a dump has it, in JSON: the visible windows from bottom to top, with their widgets.
+/// The visible windows from bottom to top with their widgets, in the dump's JSON.
 std::string describe(const Windows &windows);
 
 } // namespace desk

@@ -61,7 +61,7 @@ void Desk::endRun()
 		       "the window is still shown after plugin_exec has returned; hide() it, or end its life: \"" +
 		           State::of(*window).text + '"');
 	openWindows.forgetAll();
-	question = 0; // should an exception have left it
+	question = 0; // still set after an exception
 	showFrame(false);
 }
 
@@ -100,11 +100,11 @@ Key Desk::nextKey()
 	for (;;) {
 		const std::optional<ToHost> message = viewer ? viewer->receive() : std::nullopt;
 		if (!message)
-			std::_Exit(1); // nobody is left to leave the plugin
+			std::_Exit(1); // without a viewer nobody can leave the plugin
 		if (const Click *click = std::get_if<Click>(&*message)) {
 			Meaning meaning{openWindows.keysAt(click->x, click->y)};
 			if (meaning.keys != openWindows.keysAt(click->upX, click->upY))
-				meaning.keys.clear(); // drawn off what was clicked
+				meaning.keys.clear(); // released over another target
 			viewer->send(meaning);
 		} else if (const Press *press = std::get_if<Press>(&*message)) {
 			pressedAgain = press->again;
@@ -118,7 +118,7 @@ void Desk::showFrame(bool waits)
 {
 	if (!viewer)
 		return;
-	const Trace::Quiet drawing; // also of what the plugin's own classes call while they are drawn
+	const Trace::Quiet drawing; // also ignores calls by the plugin's own classes while they draw
 	Frame message;
 	message.waits = waits;
 	message.question = question;

@@ -12,53 +12,53 @@
 namespace desk
 {
 
-/// The receiver that is not there: its skin, its windows, and who looks at them.
+/// The simulated receiver: its skin, its windows and its viewer.
 ///
-/// One for the process, because the toolkit's operations name none. Everything runs on one thread.
+/// A singleton, because the toolkit's operations name no host. Used by one thread only.
 class Desk
 {
 public:
 	static Desk &get();
 
-	// What a run is made of; set before the plugin is loaded.
+	// Settings for runs, to be made before a plugin is loaded.
 	void setSkin(Skin skin) { activeSkin = std::move(skin); }
-	/// Who presses the keys, and whether he wants frames to draw and descriptions of them. Null: nobody;
-	/// notes then go to standard error.
+	/// Sets who presses keys, and whether he wants frames and descriptions. Null: nobody; notes then go to standard
+	/// error.
 	void setViewer(Peer *peer, bool draws = false, bool describes = false);
 
 	const Skin &skin() const { return activeSkin; }
 	Windows &windows() { return openWindows; }
 	const Windows &windows() const { return openWindows; }
 
-	/// What a plugin's _exit() is told to before; null: nobody.
+	/// Called before a plugin's _exit(); may be null.
 	void (*onExit)(int status) = nullptr;
 
-	/// The translation of one of the host's own words; null: they are English.
+	/// Translates the host's own words; null: they are English.
 	const char *(*word)(const char *id) = nullptr;
 
-	/// Shows one line to the person at the desk: debug output, what a command printed, a kill that was only
-	/// reported. `urgent`: it must not be missed.
+	/// Shows one line to the person at the desk: debug output, a command's output, a kill that was only reported.
+	/// `urgent`: must not be missed.
 	void note(const std::string &line, bool urgent = false);
-	/// What a command has printed on standard error comes before the notes that follow.
+	/// A command's output on standard error precedes later notes.
 	void said();
 
-	/// Says once that the plugin does with that widget what can hardly be meant, and what to do.
+	/// Reports a likely mistake of the plugin with that widget, and the remedy, once.
 	void notice(const eWidget &widget, const std::string &what);
 
-	/// To be asked before the plugin does harm: kills or deletes. False when it must not be done, because
-	/// nobody presses the keys.
+	/// To be called before the plugin kills or deletes. False when it must not, because keys are replayed without a
+	/// person.
 	bool permits(const std::string &what);
 
-	/// Begins or ends one run of the plugin. The end shows what the last key has left. `again`: see Run.
+	/// Begins or ends one run of the plugin. The end shows the result of the last key. `again`: see Run.
 	void beginRun(bool again = false) { pressedAgain = again; }
 	void endRun();
 
 	/// The height in pixels of one row of text.
 	int fontSize() const { return activeSkin.value("fontsize").value_or(20); }
 
-	/// The modal loop of a window, to the end of its run; false: the window is destroyed.
+	/// Runs a window's modal loop; false: the window was destroyed.
 	bool run(eWidget &window);
-	/// Ends the window's run, if it still runs: the viewer has left it.
+	/// Ends the window's run, if it still runs, because the viewer left it.
 	void leave(eWidget &window);
 
 	void paint(Canvas &canvas) const;
@@ -71,8 +71,8 @@ private:
 	Peer *viewer = nullptr;
 	bool draws = false, describes = false;
 	Windows openWindows;
-	DisplayList frame;                    ///< what the screen shows
-	unsigned question = 0, questions = 0; ///< the one that is asked, and how many have been
+	DisplayList frame;                    ///< on the screen
+	unsigned question = 0, questions = 0; ///< the open one, and the number of all so far
 	bool pressedAgain = false;
 	std::set<std::string> noticed;
 };

@@ -6,7 +6,7 @@
 namespace desk
 {
 
-/// One of the host's own words in the language that is shown; `id` itself without a translation.
+/// A host's word in the current language, or `id` without a translation.
 inline const char *hostText(const char *id)
 {
 	return Desk::get().word ? Desk::get().word(id) : id;

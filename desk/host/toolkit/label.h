@@ -11,13 +11,13 @@
 namespace desk
 {
 
-/// How a label draws itself, and what a button changes about it.
+/// Draws a label; a button changes parts of it.
 class LabelBehaviour : public Behaviour
 {
 public:
 	void draw(const eWidget &widget, gPainter &painter) override;
 
-	/// Drawn as a button: one line, in the middle.
+	/// Draws like a button: one line in the middle.
 	void makeButton(const Decoration &given)
 	{
 		decoration = &given;
@@ -27,7 +27,7 @@ public:
 		bold = true;
 	}
 
-	/// Pixels of the widget's width that its text has: from `left` on.
+	/// Pixels of the widget's width available to text, from `left`.
 	int room(const eWidget::State &state) const { return state.width - left() - right(); }
 	int left() const { return decoration->padding + (symbol ? 32 : 0); }
 
@@ -40,7 +40,7 @@ public:
 	bool wraps = false; ///< breaks long lines instead of cutting them off
 
 private:
-	// What starts on the left may run up to the right edge.
+	// Text aligned at the start may extend to the right edge.
 	int right() const { return align == Align::start ? 0 : decoration->padding; }
 };
 

@@ -13,7 +13,7 @@ using desk::Trace;
 namespace
 {
 
-/// Presses a button: its signal is emitted.
+/// Pressing a button emits its signal.
 class ButtonBehaviour : public desk::LabelBehaviour
 {
 public:
@@ -68,7 +68,7 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 		painter.canvas.text(inner, text, style);
 		return;
 	}
-	// A row of text for every line, as far down as the label and the screen reach.
+	// Draws only rows within the label and the screen.
 	const int bottom = std::min(inner.bottom(), screenHeight);
 	size_t start = 0;
 	for (int y = inner.y; y < bottom && start < text.size(); y += style.rowHeight) {

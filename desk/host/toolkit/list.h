@@ -9,17 +9,17 @@
 namespace desk
 {
 
-/// How much further in than the lines of other lists those of a menu begin, in pixels.
+/// Additional indentation of menu lines, in pixels.
 constexpr int menuInset = 10;
 
-/// Of the scroll bar at a list's right edge, in pixels.
+/// Width of the scroll bar, in pixels.
 constexpr int barWidth = 8;
 
 } // namespace desk
 
-/// What the host keeps of a list box.
+/// The host's data of a list box.
 ///
-/// Nothing that a key press does depends on the number of entries.
+/// The cost of a key press does not depend on the number of entries.
 struct eListBoxBase::List
 {
 	explicit List(eListBoxBase &of) : box(of) {}
@@ -37,41 +37,42 @@ struct eListBoxBase::List
 
 	int count() const { return static_cast<int>(entries.size()); }
 
-	/// Whole rows that the box shows.
+	/// Number of whole rows.
 	int rows() const;
 
 	bool scrolls() const { return count() > rows(); }
 
-	/// Entries on the screen: from `top` on, `shown()` of them.
+	/// Number of visible entries, from `top`.
 	int shown() const;
 
-	/// Moves the selection, scrolls as needed and reports it.
+	/// Moves the selection, scrolls as needed, and reports the move.
 	void moveTo(int index);
 
-	/// Moves to the entry, if there is one of that index, and confirms it.
+	/// Moves to the entry `index`, if it exists, and confirms it.
 	void choose(int index);
 
 	void confirm();
 	void leave();
 
-	/// Emits the list's signals.
+	/// Emit the list's signals.
 	void tellMove(eListBoxEntry *to);
 	void tellChoice(eListBoxEntry *of);
 
-	/// Deletes all entries with their keys, without being called back by them.
+	/// Deletes all entries and their keys; entries do not call back.
 	void dispose();
 
-	/// Keeps `current` and `top` within the entries. Due before anything is shown or done, and not before: the list
-	/// keeps its place on the screen while entries go and come back.
+	/// Moves `current` and `top` to existing entries. To be called before drawing and handling keys, but not earlier:
+	/// the list keeps its scroll position while entries are removed and added.
 	void keepInRange();
 
 	eListBoxBase &box;
-	std::deque<eListBoxEntry *> entries; ///< in blocks: a list that grows is never copied
+	std::deque<eListBoxEntry *> entries; ///< a deque does not copy entries when it grows
 	int current = 0;
 	int top = 0;
 	int entryHeight = 1;
-	bool isGoing = false; ///< it is being destroyed, and reports nothing any more
-	/// What choose() is to confirm, null when it has been taken out; lives as long as the list.
+	bool isGoing = false; ///< during destruction the list reports nothing
+	/// The entry that choose() will confirm, null after its removal. weak_ptrs to it tell whether the list still
+	/// exists.
 	const std::shared_ptr<eListBoxEntry *> chosen = std::make_shared<eListBoxEntry *>(nullptr);
 };
 

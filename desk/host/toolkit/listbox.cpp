@@ -36,13 +36,13 @@ void eListBoxBase::List::dispose()
 {
 	current = top = 0;
 	isGoing = true;
-	bool noticed = false; // there may be millions
-	// One by one: an entry's end may take others out, or delete them.
+	bool noticed = false; // one notice for millions of entries
+	// One by one, because an entry's destructor may remove or delete others.
 	while (!entries.empty()) {
 		eListBoxEntry *const entry = entries.front();
 		entries.pop_front();
 		entry->listbox = nullptr;
-		// The key of a text entry is a string of its own, which nobody else releases.
+		// A text entry owns its key, an eString.
 		const eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry);
 		if (text && text->getKey() && desk::isString(text->getKey()))
 			delete static_cast<eString *>(text->getKey());
@@ -100,7 +100,7 @@ void eListBoxBase::List::choose(int index)
 {
 	if (index < 0 || index >= count())
 		return;
-	// Whoever hears of the move may delete the list, or the entry.
+	// A slot may delete the list or the entry.
 	const std::weak_ptr<eListBoxEntry *> living = chosen;
 	*chosen = entries[static_cast<size_t>(index)];
 	moveTo(index);
@@ -110,14 +110,14 @@ void eListBoxBase::List::choose(int index)
 
 void eListBoxBase::List::confirm()
 {
-	// An empty list has nothing to confirm; null would mean that the viewer leaves it.
+	// Does nothing in an empty list: null would mean that the viewer leaves it.
 	if (!entries.empty())
 		tellChoice(entries[static_cast<size_t>(current)]);
 }
 
 void eListBoxBase::List::leave()
 {
-	// Whoever hears of it may end the window, or delete the list.
+	// A slot may end the window or delete the list.
 	eWidget &window = State::window(box);
 	tellChoice(nullptr);
 	Desk::get().leave(window);
@@ -125,7 +125,7 @@ void eListBoxBase::List::leave()
 
 void eListBoxBase::setFlags(int flags)
 {
-	// Options of other hosts': this one's lists have none.
+	// Only other hosts have options.
 	Trace::get().call(this, "setFlags", flags);
 }
 
@@ -134,7 +134,7 @@ void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 	Trace::get().call(this, "append", entry, makeCurrent, atTop);
 	if (!entry)
 		return;
-	entry->listbox = this; // it may have been in none
+	entry->listbox = this; // may have been in no list
 	if (atTop)
 		list->entries.push_front(entry);
 	else
@@ -142,7 +142,7 @@ void eListBoxBase::append(eListBoxEntry *entry, bool makeCurrent, bool atTop)
 	if (makeCurrent)
 		list->current = atTop ? 0 : list->count() - 1;
 	else if (atTop && list->count() > 1)
-		++list->current; // it stays on the entry it was on
+		++list->current; // keeps the same entry current
 }
 
 void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
@@ -157,7 +157,7 @@ void eListBoxBase::remove(eListBoxEntry *entry, bool fromDestruction)
 		--list->current;
 	list->entries.erase(place);
 	list->current = std::clamp(list->current, 0, std::max(0, list->count() - 1));
-	entry->listbox = nullptr; // it outlives the list now, perhaps
+	entry->listbox = nullptr; // the entry may outlive the list
 	if (*list->chosen == entry)
 		*list->chosen = nullptr;
 	Trace::get().forget(entry);
@@ -251,7 +251,7 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 		const int thumb =
 			std::max<int>(list->entryHeight, static_cast<int>(area.h * int64_t{list->rows()} / count));
 		const int64_t way = area.h - thumb;
-		const int64_t last = count - list->rows(); // the highest top there is
+		const int64_t last = count - list->rows(); // the largest `top`
 		const int y = static_cast<int>(way * list->top / last);
 		canvas.fill({bar.x, bar.y + y, bar.w, thumb},
 		            Fill::plain(decoration.barThumb, barWidth / 2, desk::Emphasis::current));

@@ -22,17 +22,17 @@ void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor curre
 	style.color = gPainter::color(isCurrent ? currentText : textColor);
 	style.rowHeight = area.height();
 	if (isCurrent) {
-		const bool left = Desk::get().windows().focus() != listbox; // the viewer is somewhere else
+		const bool left = Desk::get().windows().focus() != listbox; // the list lacks the focus
 		style.emphasis = left ? desk::Emphasis::dim : desk::Emphasis::current;
 		target->canvas.fill(row, desk::Fill::plain(gPainter::color(currentBack), 0, style.emphasis));
 	}
-	// A menu line is written for people. Other lines come from programs, in columns made with blanks.
+	// Menu lines are prose. Other lines come from programs, with columns made of blanks.
 	int inset = Desk::get().skin().decoration("eListBox").padding;
-	int right = 0; // columns may run up to the edge
+	int right = 0; // columns may extend to the edge
 	if (dynamic_cast<const eListBoxEntryMenu *>(this)) {
 		style.face = desk::Face::prose;
 		inset += desk::menuInset;
-		right = inset; // where a text begins that runs from right to left
+		right = inset; // right-to-left text begins here
 	}
 	target->canvas.text({row.x + inset, row.y, row.w - inset - right, row.h}, text, style);
 }

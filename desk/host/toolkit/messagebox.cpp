@@ -14,14 +14,14 @@ using desk::Trace;
 namespace
 {
 
-// The box, in pixels.
+// In pixels.
 constexpr int clientWidth = 420;
 constexpr int margin = 20;
 constexpr int buttonWidth = 140;
 constexpr int buttonHeight = 40;
 constexpr int buttonGap = 20;
 
-/// One answer: pressing it ends the box.
+/// One answer; pressing it ends the box.
 class AnswerBehaviour : public desk::LabelBehaviour
 {
 public:
@@ -51,7 +51,7 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 	const int textWidth = clientWidth - 2 * margin;
 	const std::string wrapped = desk::wrapText(text, textWidth, row);
 	const int rows = 1 + static_cast<int>(std::count(wrapped.begin(), wrapped.end(), '\n'));
-	// No higher than the screen, however long the question and large the font.
+	// Limits the height to the screen's for long questions and large fonts.
 	const int frame = state->height - clientrect.height();
 	const int room = desk::screenHeight - frame - 3 * margin - buttonHeight;
 	const int textHeight = std::min(rows, std::max(1, room / row)) * row;

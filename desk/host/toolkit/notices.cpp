@@ -44,14 +44,14 @@ void lookAtColours(const State &window)
 	}
 }
 
-/// Of texts of several lines nothing is said: they are data, and as long as that is.
+/// Ignores texts of several lines: they are data of any length.
 void lookAtText(const eWidget &widget, const State &state)
 {
 	const auto *label = dynamic_cast<const LabelBehaviour *>(state.behaviour.get());
 	if (!label || label->wraps || state.text.find('\n') != std::string::npos)
 		return;
 	const int room = label->room(state) / pixelsOfColumn(Desk::get().fontSize());
-	// As much of it as tells, however long it is.
+	// A long text's start is enough.
 	const std::string start = state.text.substr(0, 4 * static_cast<size_t>(std::max(0, room) + 1));
 	if (textColumns(visibleText(start)) > room)
 		Desk::get().notice(widget, "its text is cut off, because there is room for " + std::to_string(room) +
@@ -85,7 +85,7 @@ void lookForMistakes(const Windows &windows)
 
 void noticeDecoration(const eWidget &widget, const char *name)
 {
-	// Of a widget that is made of others, the whole is noticed.
+	// Ignores parts of a composed widget.
 	if (name && !Trace::get().isQuiet() && !Desk::get().skin().knows(name))
 		Desk::get().notice(widget, "the skin has no decoration " + quoted(name) +
 		                               "; it has eLabel, eButton and eListBox");
@@ -100,13 +100,13 @@ void noticeColour(const eWidget &widget, const char *operation, const std::strin
 
 bool isString(const void *key)
 {
-	// The kernel reads, because what is no string may be no address either.
+	// The kernel reads, because the key may not be an address.
 	const auto read = [](const void *from, void *to, size_t size) {
 		iovec here = {to, size}, there = {const_cast<void *>(from), size};
 		errno = 0;
 		return process_vm_readv(getpid(), &here, 1, &there, 1, 0) == static_cast<ssize_t>(size);
 	};
-	// As libstdc++ has laid it out since its version 5: where the bytes are, how many, and room for a few.
+	// The layout of std::string since libstdc++ 5: pointer, size, and a small buffer.
 	struct
 	{
 		const char *bytes;
@@ -117,8 +117,7 @@ bool isString(const void *key)
 	static_assert(sizeof(eString) == 2 * sizeof(size_t) + 16);
 	char end = '\0';
 	if (!read(key, &string, sizeof string))
-		return errno == ENOSYS ||
-		       errno == EPERM; // an emulator's kernel, or one that lets nobody look: it may be one
+		return errno == ENOSYS || errno == EPERM; // an emulator, or a kernel that forbids it: assume a string
 	const bool isShort = string.bytes == static_cast<const char *>(key) + 2 * sizeof(size_t);
 	return string.size <= (isShort ? 15 : string.capacity) && read(string.bytes + string.size, &end, 1) &&
 	       end == '\0';

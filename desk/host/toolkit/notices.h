@@ -8,16 +8,16 @@
 namespace desk
 {
 
-/// Notices what is wrong with the widgets of the visible windows: two with one colour, a text that is cut off, no size.
+/// Reports mistakes in the widgets of visible windows: two with one colour key, a text cut off, no size.
 void lookForMistakes(const Windows &windows);
 
-/// Notices that the plugin constructs a widget with a decoration that the skin lacks; null is none.
+/// Reports a widget with a decoration that the skin lacks; null is none.
 void noticeDecoration(const eWidget &widget, const char *name);
 
-/// Notices that it names in that operation what is no colour key; "" is none.
+/// Reports an operation with a key that is no colour key; "" is none.
 void noticeColour(const eWidget &widget, const char *operation, const std::string &key);
 
-/// Whether a list box can delete this key: it is an eString, as far as its bytes tell.
+/// Whether the key looks like an eString, which a list box can delete.
 bool isString(const void *key);
 
 } // namespace desk

@@ -18,7 +18,7 @@ void press(Keys &keys, Key key, int times)
 	keys.insert(keys.end(), static_cast<size_t>(std::max(0, times)), key);
 }
 
-/// The shortest way to the widget among those that can have the focus.
+/// The fewest keys that move the focus to the widget.
 Keys keysToFocus(eWidget &window, const eWidget &widget)
 {
 	const std::vector<eWidget *> stops = State::stops(window);
@@ -36,7 +36,7 @@ Keys keysToFocus(eWidget &window, const eWidget &widget)
 	return keys;
 }
 
-/// `x`, `y`: in the list.
+/// `x`, `y`: position in the list.
 void chooseInList(Keys &keys, const List &list, int x, int y)
 {
 	if (list.scrolls() && x >= State::of(list.box).width - barWidth) {

@@ -8,7 +8,7 @@
 namespace desk
 {
 
-/// printf-style formatting without a limit on length; empty when libc cannot do it.
+/// Formats like printf, of any length; empty on libc's errors.
 inline std::string printfText(const char *format, va_list values)
 {
 	va_list again;

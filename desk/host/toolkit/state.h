@@ -8,13 +8,13 @@
 #include <memory>
 #include <vector>
 
-/// A key of the remote control; the toolkit has no other events so far.
+/// A key of the remote control, the only kind of event so far.
 struct eWidgetEvent
 {
 	desk::Key key;
 };
 
-/// Draws for one widget. `x`, `y`: where the widget's own pixel (0, 0) is on the screen.
+/// Draws for one widget. `x`, `y`: the screen position of the widget's own pixel (0, 0).
 class gPainter
 {
 public:
@@ -33,8 +33,8 @@ public:
 namespace desk
 {
 
-/// What sets labels, buttons and message boxes apart. It lies behind the opaque state, so that
-/// these classes need no virtual operations of their own.
+/// The differences of labels, buttons and message boxes. Held by the opaque state, because the contract's classes
+/// cannot have more virtual operations.
 class Behaviour
 {
 public:
@@ -42,13 +42,13 @@ public:
 
 	virtual void draw(const eWidget &, gPainter &) {}
 
-	/// The widget is pressed, by OK or by its colour key; false: it is nothing to press.
+	/// Called when OK or the colour key presses the widget; false: it cannot be pressed.
 	virtual bool press(eWidget &) { return false; }
 };
 
 } // namespace desk
 
-/// What the host keeps of every widget, and its way to the protected operations.
+/// The host's data of every widget; gives access to the protected operations.
 struct eWidget::State
 {
 	eWidget *parent = nullptr;
@@ -59,16 +59,16 @@ struct eWidget::State
 	bool takesFocus = false;
 	eString text;
 	eString shortcut;
-	eWidget *focus = nullptr; ///< windows: the child that has the focus while the window has the keys
-	bool running = false;     ///< windows: between the start and the end of exec()
-	bool ended = false;       ///< ... and something has ended it
+	eWidget *focus = nullptr; ///< windows: the child that has the focus while the window is the innermost one
+	bool running = false;     ///< windows: in exec()
+	bool ended = false;       ///< ... and a result is set
 	int result = 0;
 	bool isMessageBox = false;
 	std::unique_ptr<desk::Behaviour> behaviour;
 
 	static State &of(const eWidget &widget) { return *widget.state; }
 
-	/// Ends the run of a window, once.
+	/// Ends a window's run; later calls have no effect.
 	void end(int value)
 	{
 		if (!running || ended)
@@ -77,7 +77,7 @@ struct eWidget::State
 		result = value;
 	}
 
-	/// The window that a widget is in; itself when it has no parent.
+	/// The window of a widget, itself without a parent.
 	static eWidget &window(eWidget &widget)
 	{
 		eWidget *top = &widget;

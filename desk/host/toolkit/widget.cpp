@@ -87,7 +87,7 @@ int eWidget::eventHandler(const eWidgetEvent &event)
 {
 	if (event.key == desk::Key::ok && state->behaviour && state->behaviour->press(*this))
 		return 1;
-	// The remote control's keys have no length here: each goes up as soon as it is down.
+	// Presses have no duration here: each key goes up right after it went down.
 	const int key = static_cast<int>(event.key);
 	const int down = keyDown(key);
 	const int up = keyUp(key);
@@ -175,7 +175,7 @@ int eWidget::exec()
 	state->ended = false;
 	state->result = 0;
 	if (!Desk::get().run(*this))
-		return -1; // the window has been destroyed by what it ran
+		return -1; // a slot destroyed the window
 	state->running = false;
 	Trace::get().returned(this, "exec", state->result);
 	return state->result;

@@ -15,13 +15,13 @@ using desk::Trace;
 namespace
 {
 
-// The frame: a title bar above the client area, a rim on the other sides.
+// The frame: a title bar above the client area, thin borders elsewhere.
 constexpr int titleHeight = 30;
 constexpr int rim = 4;
 
 constexpr int helpHeight = 34;
 
-/// Draws what a menu has below its list: the help of the current entry.
+/// Draws the current entry's help below a menu's list.
 class MenuHelp : public desk::Behaviour
 {
 public:
@@ -39,10 +39,10 @@ public:
 			style.color = skin.hintText;
 			style.face = desk::Face::prose;
 			style.rowHeight = Desk::get().fontSize();
-			// A whole row within the bar, so that a screen made of rows has one for it.
+			// Aligned to the bar's middle as a whole row, which a character screen can show.
 			const int inset = (helpHeight - style.rowHeight) / 2;
 			const int indent =
-				skin.decoration("eListBox").padding + desk::menuInset; // below the entries' texts
+				skin.decoration("eListBox").padding + desk::menuInset; // aligned with the entries' texts
 			painter.canvas.text({bar.x + indent, bar.y + inset, bar.w - 2 * indent, style.rowHeight},
 			                    entry->getHelpText(), style);
 		}
@@ -52,7 +52,7 @@ private:
 	const eListBoxBase &list;
 };
 
-/// The next or the previous of a window's widgets that can have the focus.
+/// Moves the focus to the next or previous widget.
 void moveFocus(eWidget &window, int direction)
 {
 	eWidget::State &state = eWidget::State::of(window);
@@ -134,7 +134,7 @@ eSetupWindow::~eSetupWindow() = default;
 
 int eSetupWindow::eventHandler(const eWidgetEvent &event)
 {
-	// The entries' help texts begin with their numbers: a digit is a short cut to its entry.
+	// A digit chooses the entry whose help begins with that number.
 	if (event.key >= Key::digit1 && event.key <= Key::digit9) {
 		eListBoxBase::List::of(list).choose(static_cast<int>(event.key) - static_cast<int>(Key::digit1));
 		return 1;

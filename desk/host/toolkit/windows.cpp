@@ -59,7 +59,7 @@ void Windows::forget(eWidget &widget)
 	take(shown, widget);
 	take(running, widget);
 	if (focused == &widget)
-		focused = nullptr; // too late for it to hear of that
+		focused = nullptr; // without calling lostFocus(), during destruction
 	updateFocus();
 }
 

@@ -9,7 +9,7 @@
 namespace desk
 {
 
-/// The top-level windows: which are visible, which run, and which widget has the keys.
+/// The top-level windows: which are visible, which run, and which widget has the focus.
 class Windows
 {
 public:
@@ -18,25 +18,25 @@ public:
 	void show(eWidget &window);
 	void hide(eWidget &window);
 
-	/// A window is in exec(): from its start to its stop, or to its destruction. Runs nest.
+	/// A window is in exec() between start() and stop(), or its destruction. Runs nest.
 	void start(eWidget &window);
 	void stop(eWidget &window);
 	bool runs(const eWidget &window) const;
 
 	/// Forgets a widget of any kind that is being destroyed.
 	void forget(eWidget &widget);
-	/// Forgets all windows: what a plugin has left behind goes with its code.
+	/// Forgets all windows, because those left by a plugin are destroyed with its code.
 	void forgetAll();
 
-	/// The one widget that has the focus, in the innermost window that runs; null when none runs.
+	/// The widget with the focus, in the innermost running window; null when none runs.
 	eWidget *focus() const { return focused; }
-	/// Determines it again, after anything it depends on has changed, and notifies the widgets.
+	/// Determines the focus after a change of anything that it depends on, and notifies the widgets.
 	void updateFocus();
 
-	/// Hands a key to the widget that has the focus, then to its window. A window must be running.
+	/// Sends a key to the widget with the focus, then to its window. A window must be running.
 	void dispatch(Key key);
 
-	/// The keys that do what a click at this place of the screen means; none: there is nothing to click.
+	/// The keys that act like a click at this position of the screen; none where a click has no meaning.
 	std::vector<Key> keysAt(int x, int y) const;
 
 private:

@@ -49,7 +49,7 @@ std::string Trace::nameOf(const void *object) const
 		return "null";
 	const auto known = objects.find(object);
 	if (known == objects.end())
-		return "eListBoxEntry"; // what is constructed by the plugin's own code
+		return "eListBoxEntry"; // constructed by the plugin's own code
 	const Object &its = known->second;
 	return its.number ? its.type + ('#' + std::to_string(its.number)) : its.type;
 }
@@ -91,7 +91,7 @@ void Trace::argument(const void *object)
 	if (known == objects.end()) {
 		const Object entry = {"eListBoxEntry"};
 		if (!reader)
-			return put(entry.type); // there may be millions
+			return put(entry.type); // without a number, because there may be millions
 		known = objects.emplace(object, entry).first;
 	}
 	if (known->second.number == 0)
@@ -103,7 +103,7 @@ void Trace::argument(const void *object)
 
 void Trace::argument(std::string_view value)
 {
-	constexpr size_t most = 200; // bytes of what is only remembered
+	constexpr size_t most = 200; // bytes, in a line that is only remembered
 	if (!reader)
 		value = value.substr(0, most);
 	const auto isPlain = [](char c) { return c >= ' ' && c < '\x7f' && c != '"' && c != '\\'; };

@@ -14,11 +14,11 @@
 namespace desk
 {
 
-/// Every call that the plugin makes to its host, one line each, in order.
+/// The plugin's calls to its host in order, one line each.
 ///
-/// Objects are named by the host's class that was constructed and counted per class, as they first
-/// appear in a line: "eLabel#2". A list's entry is constructed by the plugin's own code and appears
-/// when it is appended; whatever its class, it is an "eListBoxEntry".
+/// An object is named by the constructed class of the host and numbered per class in order of appearance: "eLabel#2".
+/// The plugin's own code constructs a list's entry, which appears when it is appended and is always called
+/// "eListBoxEntry".
 class Trace
 {
 public:
@@ -26,21 +26,20 @@ public:
 
 	static Trace &get();
 
-	/// Begins anew: hands each line to `reader` as it comes about, and to `asides` what is read between calls.
+	/// Starts again: gives each line to `reader`, and lines between calls to `asides`.
 	void start(Reader reader, Reader asides = nullptr);
 
-	/// Begins anew: only keeps the last line, in which long strings are cut and entries of lists have no numbers.
+	/// Starts again: only keeps the last line, with long strings cut and entries not numbered.
 	void startRemembering();
 
 	void stop();
 
-	/// The line of the last call.
 	const std::string &last() const { return text; }
 
-	/// A key was pressed that the plugin is to deal with.
+	/// Called for each key that the plugin gets.
 	void pressed(const char *name) { event = key = std::string("key ") + name; }
 
-	/// The host is about to emit a signal of an object: "eListBoxBase#1.selected(eListBoxEntry#3)". That numbers nothing.
+	/// Called before the host emits a signal: "eListBoxBase#1.selected(eListBoxEntry#3)". Does not number objects.
 	template <class... Objects>
 	void emits(const void *object, const char *signal, const Objects *...arguments)
 	{
@@ -48,30 +47,29 @@ public:
 			emitted(nameOf(object) + '.' + signal + '(' + (std::string() + ... + nameOf(arguments)) + ')');
 	}
 
-	/// The last key, and the last signal that was emitted after it: "key ok, eButton#1.selected()".
+	/// The last key, and the last signal since: "key ok, eButton#1.selected()".
 	const std::string &lastEvent() const { return event; }
 
-	/// Something to be read between the calls.
+	/// Gives a line to `asides`.
 	void aside(const std::string &line)
 	{
 		if (on() && asides)
 			asides(line);
 	}
 
-	/// What the lines call the object: "eLabel#2", "eListBoxEntry" or "null".
+	/// The object's name in lines: "eLabel#2", "eListBoxEntry" or "null".
 	std::string nameOf(const void *object) const;
 
-	/// What an object was called that was at this address and is no more, by the plugin's doing or by the host's; null:
-	/// nothing is known of any.
+	/// The name of a destroyed object at this address, destroyed by the plugin or by the host; null if unknown.
 	const char *nameOfGone(uintptr_t address, bool byHost) const;
 
-	/// Whether the plugin's calls are written down just now.
+	/// Whether calls are traced now.
 	bool on() const { return started && quiet == 0; }
 
-	/// Whether the host works for itself just now.
+	/// Whether the host works for itself now.
 	bool isQuiet() const { return quiet > 0; }
 
-	/// While one lives, the host works for itself: nothing is written.
+	/// While one exists, the host works for itself and nothing is traced.
 	class Quiet
 	{
 	public:
@@ -80,12 +78,12 @@ public:
 		Quiet(const Quiet &) = delete;
 		Quiet &operator=(const Quiet &) = delete;
 
-		/// `Base(Trace::Quiet().with(argument))` keeps a whole base constructor quiet.
+		/// `Base(Trace::Quiet().with(argument))` keeps a base class's constructor out of the trace.
 		template <class T> T with(T argument) const { return argument; }
 	};
 
-	/// A constructor: "eLabel#2 = eLabel(eWindow#1, 0, 0, "eLabel")". Derived classes keep
-	/// the constructors of their bases quiet.
+	/// A constructor: "eLabel#2 = eLabel(eWindow#1, 0, 0, "eLabel")". Derived classes keep the constructors of their
+	/// bases out of the trace.
 	template <class... Args> void constructed(const void *object, const char *type, const Args &...args)
 	{
 		if (!started)
@@ -101,12 +99,11 @@ public:
 		end();
 	}
 
-	/// The destructor that all have in common: "eLabel#2.~eLabel()". Nothing is written about an object
-	/// that the host has constructed for itself or disposes of.
+	/// A destructor: "eLabel#2.~eLabel()". Nothing for an object that the host made for itself or deletes.
 	void destroyed(const void *object);
 	void disposes(const void *object);
 
-	/// An object is gone without a line; another one at its address is a new one.
+	/// Forgets an object without a line; another one at its address is a new object.
 	void forget(const void *object)
 	{
 		if (reader)
@@ -119,14 +116,14 @@ public:
 		if (!on())
 			return;
 		begin();
-		argument(object); // numbered before what is among the arguments
+		argument(object); // numbers the object before the arguments
 		put(".");
 		put(operation);
 		list(args...);
 		end();
 	}
 
-	/// The end of one that was written as it began: "eWindow#1.exec() = 0".
+	/// The end of a call whose begin was traced: "eWindow#1.exec() = 0".
 	template <class Result> void returned(const void *object, const char *operation, const Result &result)
 	{
 		if (!on())
@@ -140,7 +137,7 @@ public:
 		end();
 	}
 
-	/// A function that belongs to no object: "eDebug("close file")".
+	/// A function: "eDebug("close file")".
 	template <class... Args> void function(const char *what, const Args &...args)
 	{
 		if (!on())
@@ -151,7 +148,7 @@ public:
 		end();
 	}
 
-	/// The same with what it returned: "eSkin.queryValue("fontsize", 20) = 20".
+	/// A function with its result: "eSkin.queryValue("fontsize", 20) = 20".
 	template <class Result, class... Args>
 	void result(const Result &value, const char *what, const Args &...args)
 	{
@@ -165,13 +162,13 @@ public:
 		end();
 	}
 
-	/// The same with a result in words: "fopen("/proc/mtd", "r") = null".
+	/// A function with its result as words: "fopen("/proc/mtd", "r") = null".
 	template <class... Args> void resultInWords(const char *words, const char *what, const Args &...args)
 	{
 		result(Words{words}, what, args...);
 	}
 
-	/// A line of any other form.
+	/// Any other line.
 	void line(std::string_view whole)
 	{
 		if (!on())
@@ -182,7 +179,7 @@ public:
 	}
 
 private:
-	/// Written as they are.
+	/// Text that needs no quotes.
 	struct Words
 	{
 		const char *text;
@@ -191,8 +188,8 @@ private:
 	struct Object
 	{
 		const char *type;    ///< a literal
-		int number = 0;      ///< 0: it has not appeared yet
-		bool byHost = false; ///< its end is not the plugin's doing
+		int number = 0;      ///< 0: not numbered yet
+		bool byHost = false; ///< the host destroys it
 	};
 
 	void begin() { text.clear(); }
@@ -236,7 +233,7 @@ private:
 	bool started = false;
 	Reader reader, asides;
 	int quiet = 0;
-	std::string text; ///< the last line
+	std::string text;
 	std::string key, event;
 	std::unordered_map<const void *, Object> objects;
 	std::map<std::string, int> counts; ///< per class
@@ -245,9 +242,9 @@ private:
 	{
 		const void *object = nullptr;
 		bool byHost = false;
-		char name[48] = ""; ///< here, whatever becomes of the heap
+		char name[48] = ""; ///< not on the heap, which may be damaged
 	};
-	std::array<Gone, 64> gone; ///< the last ones
+	std::array<Gone, 64> gone; ///< a ring of the latest ones
 	size_t nextGone = 0;
 };
 
