@@ -11,7 +11,7 @@ namespace desk
 namespace
 {
 
-// In the order of Key.
+// In the order of the enum Key.
 constexpr const char *names[] = {
 	"up",     "down", "left", "right", "pageup", "pagedown", "home", "end", "ok", "exit", "red", "green",
 	"yellow", "blue", "0",    "1",     "2",      "3",        "4",    "5",   "6",  "7",    "8",   "9",
@@ -21,7 +21,7 @@ static_assert(keyCount == static_cast<size_t>(Key::digit9) + 1, "every key has i
 
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
-// A wrong name comes from a command line or a fuzzer: what is quoted back must stay one short line.
+// Names may come from a fuzzer: keeps the quotation one short line.
 std::string quoted(std::string_view name)
 {
 	constexpr size_t most = 40;

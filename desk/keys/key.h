@@ -37,26 +37,25 @@ enum class Key
 	digit9,
 };
 
-/// The key's name as key scripts, dumps and picture names write it: "pageup", "7".
+/// The key's name in key scripts, dumps and picture names: "pageup", "7".
 const char *keyName(Key key);
 
-/// The key of that name, nothing when there is none.
+/// The key with that name, if any.
 std::optional<Key> keyNamed(std::string_view name);
 
-/// Whether it is one of the four coloured keys.
 constexpr bool isColour(Key key)
 {
 	return key >= Key::red && key <= Key::blue;
 }
 
-/// The coloured key of that name, nothing when there is none.
+/// The coloured key with that name, if any.
 std::optional<Key> colourNamed(std::string_view name);
 
-/// The key that a letter or a digit of a keyboard stands for, nothing when there is none.
+/// The key for a letter or a digit of a keyboard, if any.
 std::optional<Key> keyOfLetter(char letter);
 
-/// Reads a key script: names separated by blanks (any white space). Throws an Error that names an unknown one and
-/// lists the keys there are.
+/// Parses a key script: names separated by white space. Throws an Error that names an unknown key and lists the known
+/// ones.
 std::vector<Key> parseKeyScript(std::string_view script);
 
 } // namespace desk

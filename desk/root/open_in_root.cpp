@@ -18,7 +18,7 @@ namespace
 
 constexpr int permissions = 0666;
 
-/// Opens what is in a folder, but for links and the folder above.
+/// Opens a name in a folder; refuses links and "..".
 int openHere(int folder, const std::filesystem::path &name, int flags)
 {
 	if (name == "..") {
@@ -45,7 +45,7 @@ int openInRoot(int root, const char *path, int flags)
 	how.mode = flags & O_CREAT ? permissions : 0;
 	how.resolve = RESOLVE_IN_ROOT;
 	const int opened = static_cast<int>(syscall(SYS_openat2, root, path, &how, sizeof how));
-	// A container that does not know the call refuses it.
+	// EPERM: a container filters the call.
 	return opened < 0 && (errno == ENOSYS || errno == EPERM) ? openWithoutLinks(root, path, flags) : opened;
 }
 

@@ -4,11 +4,11 @@
 namespace desk
 {
 
-/// Opens `path` as if the folder `root`, a descriptor, were /: links and .. lead to places in it. `flags`
-/// are those of open(), to which O_CLOEXEC is added. Returns a descriptor, or -1 with errno set.
+/// Opens `path` with the folder `root`, a descriptor, as /: links and .. stay within it. `flags` as of open(), plus
+/// O_CLOEXEC. Returns a descriptor, or -1 with errno set.
 int openInRoot(int root, const char *path, int flags);
 
-/// The same where the kernel (before Linux 5.6) or an emulator has no openat2(): links and .. are refused.
+/// For kernels before Linux 5.6 and emulators without openat2(): also refuses links and "..".
 int openWithoutLinks(int root, const char *path, int flags);
 
 } // namespace desk

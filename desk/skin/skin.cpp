@@ -22,8 +22,8 @@ namespace desk
 namespace
 {
 
-constexpr size_t mostBytes = 1 << 20; // no skin is as long; a device that never ends is
-constexpr int mostDots = 4000;        // each may lead one table deeper, and the parser calls itself for each
+constexpr size_t mostBytes = 1 << 20; // longer than any skin; a device may never end
+constexpr int mostDots = 4000;        // each may nest a table, and the parser is recursive
 constexpr int mostFontSize = 200, mostRadius = 100, mostPadding = 200;
 
 std::optional<Color> hexColor(std::string_view text)
@@ -53,7 +53,7 @@ std::string quoted(std::string_view text)
 	return "\"" + shortened(text) + "\"";
 }
 
-/// What follows the name of the skin.
+/// The error text without the skin's name.
 std::string mistake(const toml::source_region &where, std::string_view text)
 {
 	const toml::source_index line = where.begin.line; // 0: unknown
@@ -83,7 +83,7 @@ int integerOf(const toml::node &node, std::string_view name, int least, int most
 	return static_cast<int>(integer->get());
 }
 
-/// What an entry of a table sets.
+/// The possible targets of a table's entry.
 struct Number
 {
 	int *value;
@@ -102,14 +102,14 @@ using Entries = std::vector<Entry>;
 
 } // namespace
 
-/// Reads the tables of one skin file; the first mistake ends it, with an Error that lacks the name of the file.
+/// Reads a skin file's tables. Throws an Error without the file's name at the first mistake.
 class SkinReader
 {
 public:
 	Skin read(const toml::table &file)
 	{
 		setPlainLook();
-		// Colours may refer to the palette wherever it is in the file.
+		// First, because colours may refer to a palette further below.
 		if (const toml::node *node = file.get("palette"))
 			for (const auto &[key, value] : tableOf(*node, "palette"))
 				palette[std::string(key.str())] = hexOf(value, key.str());
@@ -159,7 +159,7 @@ private:
 		};
 		const toml::table &table = tableOf(node, name);
 		if (name == "palette")
-			return; // read already
+			return; // read before
 		if (name == "values")
 			for (const auto &[key, value] : table)
 				readValue(key.str(), value);
@@ -208,7 +208,7 @@ private:
 	{
 		for (const auto &[key, node] : table) {
 			const std::string_view given = key.str();
-			const toml::node &value = node; // Clang 14's lambdas take no structured bindings
+			const toml::node &value = node; // Clang 14 cannot capture structured bindings
 			const auto entry = std::find_if(entries.begin(), entries.end(),
 			                                [&](const Entry &known) { return known.name == given; });
 			if (entry == entries.end())
@@ -223,7 +223,7 @@ private:
 		*color = colorOf(node, name);
 	}
 
-	/// One colour, or an array of the upper and the lower one.
+	/// One colour, or an array of two: top and bottom.
 	void set(Gradient gradient, const toml::node &node, std::string_view name) const
 	{
 		const toml::array *both = node.as_array();
@@ -283,7 +283,7 @@ Skin Skin::parse(std::string_view text, const std::string &name)
 	} catch (const Error &error) {
 		wrong = error.line;
 	}
-	// Both the name and what is quoted from the file may hold any bytes: one line it stays.
+	// The name and quotations may contain any bytes; keeps the error one line.
 	throw Error(visibleText("skin \"" + name + "\"" + wrong));
 }
 

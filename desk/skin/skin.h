@@ -11,42 +11,42 @@
 namespace desk
 {
 
-/// How a decorated widget is drawn; one per name, such as "eLabel".
+/// The look of a decorated widget, by name such as "eLabel".
 struct Decoration
 {
-	std::optional<Fill> background; ///< none: the parent shows through
-	std::optional<Fill> focused;    ///< background while the widget has the focus; none: as without
+	std::optional<Fill> background; ///< none: transparent
+	std::optional<Fill> focused;    ///< background with the focus; none: `background`
 	Color text;
 	Color focusedText;
 	Color current;          ///< list boxes: background of the current entry ...
 	Color currentText;      ///< ... and its text
-	Color currentUnfocused; ///< ... and its background while the list lacks the focus
+	Color currentUnfocused; ///< ... and its background without the focus
 	Color bar, barThumb;    ///< list boxes: the scroll bar
 	int padding = 0;        ///< pixels between the edge and the text, left and right
 };
 
-/// The look of the screen: a palette, the windows and the decorations, read from a TOML file.
-/// What the file leaves out is plain: light on dark, square, without gradients.
+/// The look of the screen: a palette, the windows and the decorations, from a TOML file. Defaults are plain: light on
+/// dark, square, no gradients.
 class Skin
 {
 public:
-	/// Reads a skin file. Throws an Error that names the file, the place and what is wrong with it.
+	/// Reads a skin file. Throws an Error with file, line and mistake.
 	static Skin load(const std::string &path);
 
-	/// The same from a text in memory; `name` stands for the file in errors. Takes any bytes.
+	/// Parses any bytes; `name` stands for the file in errors.
 	static Skin parse(std::string_view text, const std::string &name);
 
-	/// An integer of the table [values], such as "fontsize"; nothing when the skin has none.
+	/// An integer of the table [values], such as "fontsize", if the skin has it.
 	std::optional<int> value(const std::string &name) const;
 
 	void setValue(const std::string &name, int value) { values[name] = value; }
 
 	bool knows(const std::string &decoration) const { return decorations.count(decoration) > 0; }
 
-	/// The decoration of that name; an unknown name gets the plainest one.
+	/// The decoration with that name, else the plainest one.
 	const Decoration &decoration(const std::string &name) const;
 
-	Fill backdrop; ///< behind all windows, in place of the television picture
+	Fill backdrop; ///< behind all windows, instead of the television picture
 	FrameStyle window;
 	Color hintText; ///< secondary text: help of the current menu entry
 	Color helpBackground;

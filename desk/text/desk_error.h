@@ -9,10 +9,10 @@ namespace desk
 {
 
 constexpr int statusNotToItsEnd = 1;
-constexpr int statusBadArguments = 2; ///< or something cannot be written
+constexpr int statusBadArguments = 2; ///< or output that cannot be written
 
-/// Why a program ends before it has done its work. Each program catches it in one place, unless somebody on the way
-/// can go on without what has failed. None crosses functions that are called from C or by a plugin.
+/// The reason why a program fails. main() catches it, or a caller that can do without the failed part. It must not
+/// cross functions called from C or from a plugin.
 struct Error : std::exception
 {
 	explicit Error(std::string text, int exitStatus = statusBadArguments)
@@ -21,8 +21,8 @@ struct Error : std::exception
 
 	const char *what() const noexcept override { return line.c_str(); }
 
-	std::string line; ///< for the user, in any bytes; empty: there is no more to say
-	int status;       ///< the program's
+	std::string line; ///< for the user, any bytes; empty: nothing to print
+	int status;       ///< the program's exit status
 };
 
 } // namespace desk

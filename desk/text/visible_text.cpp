@@ -18,8 +18,8 @@ constexpr char replacement[] = "\xEF\xBF\xBD"; // U+FFFD
 constexpr int tabStop = 8;                     // in columns
 constexpr int cellWidth = 8;                   // of a terminal's canvas, in pixels: the narrowest column
 
-/// Characters that are not to be drawn as they are: controls, and what leaves no trace on a screen.
-/// The marks of direction, U+200E and U+200F, stay: translations need them, and they end with their word.
+/// Characters not to draw: controls, and invisible ones. Keeps the direction marks U+200E and U+200F, which
+/// translations need; they end with their word.
 bool isHidden(gunichar c)
 {
 	constexpr struct
@@ -27,9 +27,9 @@ bool isHidden(gunichar c)
 		gunichar first, last;
 	} ranges[] = {
 		{0x80, 0x9F}, // C1 controls
-		{0xAD, 0xAD}, // from here on Unicode's Default_Ignorable_Code_Point ...
+		{0xAD, 0xAD}, // from here Default_Ignorable_Code_Point of Unicode ...
 		{0x34F, 0x34F},   {0x61C, 0x61C},     {0x115F, 0x1160},   {0x17B4, 0x17B5},   {0x180B, 0x180F},
-		{0x200B, 0x200D}, {0x2028, 0x202E}, // ... with the separators of lines and paragraphs
+		{0x200B, 0x200D}, {0x2028, 0x202E}, // ... and separators of lines and paragraphs
 		{0x2060, 0x206F}, {0x3164, 0x3164},   {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},   {0xFFA0, 0xFFA0},
 		{0xFFF0, 0xFFFB}, {0x1BCA0, 0x1BCA3}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}, // tags
 	};
@@ -43,7 +43,7 @@ int columnsOf(gunichar c)
 	return g_unichar_iszerowidth(c) ? 0 : g_unichar_iswide(c) ? 2 : 1;
 }
 
-/// Without the blanks at its end.
+/// Without trailing blanks.
 std::string_view trimmed(std::string_view text)
 {
 	return text.substr(0, text.find_last_not_of(' ') + 1);
@@ -112,7 +112,7 @@ std::vector<std::string> textRows(std::string_view text, int columns)
 {
 	std::vector<std::string> rows(1);
 	int used = 0;
-	bool full = false; // and a blank left out since
+	bool full = false; // the row is full, and blanks after it are dropped
 	for (const char *at = text.data(), *end = at + text.size(), *next = at; at < end; at = next) {
 		next = g_utf8_next_char(at);
 		const int needed = columnsOf(g_utf8_get_char(at));

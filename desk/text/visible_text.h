@@ -8,36 +8,34 @@
 namespace desk
 {
 
-/// `bytes` as valid UTF-8 without anything that could be obeyed or overlooked: tabs become blanks up to the
-/// next column that is a multiple of 8, other C0 controls and DEL their control pictures (U+2400...); C1
-/// controls, separators of lines and paragraphs, what changes the direction of other text, characters that
-/// show nothing (zero-width ones, tags, variation selectors) and bytes that are no UTF-8 become U+FFFD, one
-/// each. Only the marks of direction (U+200E, U+200F) stay. One line end at the end of the text ("\n") is
-/// left out: it is where the line ends.
+/// `bytes` as valid UTF-8 in which every character is visible and harmless. Tabs become blanks up to the next
+/// multiple of 8 columns, other C0 controls and DEL their control pictures (U+2400...). Each of these becomes U+FFFD:
+/// C1 controls, separators of lines and paragraphs, overrides of direction, invisible characters (zero-width ones,
+/// tags, variation selectors), and invalid bytes. Direction marks (U+200E, U+200F) stay. Drops one "
+/// " at the end.
 std::string visibleText(std::string_view bytes);
 
-/// Whether UTF-8 is what the locale's characters are made of.
+/// Whether the locale's character set is UTF-8.
 bool localeIsUtf8();
 
-/// visibleText() for messages: where the locale's character set is not UTF-8, whatever is not ASCII becomes "?",
-/// because bytes of UTF-8 can be controls there.
+/// visibleText() for messages. In other character sets than UTF-8, non-ASCII characters become "?", because their
+/// bytes may be controls there.
 std::string localText(std::string_view bytes);
 
-/// Columns of `text` (valid UTF-8, as visibleText() gives it) in a terminal: 0 for combining
-/// characters, 2 for wide ones.
+/// Columns of `text` (output of visibleText()) in a terminal: 0 for combining characters, 2 for wide ones.
 int textColumns(std::string_view text);
 
-/// `text`, as visibleText() gives it, in rows of at most so many columns of a terminal (at least 2), broken
-/// after a blank, or within a word that has no room in a row; of an empty text one empty row.
+/// Breaks `text` (output of visibleText()) into rows of at most `columns` columns of a terminal (at least 2), after
+/// blanks or, if a word is too long, within it. An empty text gives one empty row.
 std::vector<std::string> textRows(std::string_view text, int columns);
 
-/// The width of a column where text is drawn in rows of that height, in pixels.
+/// Pixels of one column of text in rows of that height.
 int pixelsOfColumn(int rowHeight);
 
-/// `text` broken into lines that have room in `width` pixels, after blanks or, where a word is too long, within it.
-/// What is measured are columns, which are the same on every screen and without any font: TextStyle::whole makes
-/// up for letters that are wider. Line ends in the text stay line ends. Takes any bytes; returns the lines, as
-/// visibleText() gives them, joined by "\n".
+/// Breaks `text` into lines of at most `width` pixels, after blanks or, if a word is too long, within it. Counts
+/// columns, which do not depend on the screen or the fonts; TextStyle::whole adjusts wider letters. Keeps line ends.
+/// Takes any bytes; returns the output of visibleText() for each line, joined by "
+/// ".
 std::string wrapText(std::string_view text, int width, int rowHeight);
 
 } // namespace desk

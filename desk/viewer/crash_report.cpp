@@ -29,11 +29,11 @@ std::string nameOf(int signal)
 	return "signal " + std::to_string(signal) + ", " + strsignal(signal);
 }
 
-/// What the files' debug information tells; files that are not on this computer tell nothing.
+/// Looks up debug information; a file that this computer lacks has none.
 class DebugInformation
 {
 public:
-	/// "function() at file.cpp:12", as much of it as is known; empty: nothing.
+	/// "function() at file.cpp:12", or the known part of it; empty if unknown.
 	std::string at(const Crash::Place &place)
 	{
 		Dwfl_Module *module = moduleOf(place.file);
@@ -66,7 +66,7 @@ private:
 			return nullptr;
 		static const Dwfl_Callbacks callbacks = {nullptr, dwfl_standard_find_debuginfo,
 		                                         dwfl_offline_section_address, nullptr};
-		// One at a time: each is taken for all that there is.
+		// A session for each file, because every offline file has the same addresses.
 		session.reset(dwfl_begin(&callbacks));
 		dwfl_report_begin(session.get());
 		Dwfl_Module *module = dwfl_report_offline(session.get(), file.c_str(), file.c_str(), -1);
@@ -115,7 +115,7 @@ CrashReport reportOf(const std::optional<Crash> &crash, int status, const std::s
 	if (!crash->gone.empty())
 		say("It seems to have used or deleted " + crash->gone +
 		    " after its end; a window deletes its children");
-	unsetenv("DEBUGINFOD_URLS"); // no look into the network
+	unsetenv("DEBUGINFOD_URLS"); // no network
 	DebugInformation information;
 	bool found = false;
 	for (const Crash::Place &place : crash->stack) {

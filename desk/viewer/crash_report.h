@@ -10,15 +10,14 @@
 namespace desk
 {
 
-/// What there is to say about the end of the plugin's half in the middle.
+/// Why the plugin's half ended during a run.
 struct CrashReport
 {
-	std::vector<std::string> lines; ///< for a person
-	std::vector<std::string> stack; ///< where it was and who had called, the innermost first
+	std::vector<std::string> lines;
+	std::vector<std::string> stack; ///< innermost call first
 };
 
-/// `crash`: its last words, if it had any; `status`: as waitpid() gives it; `plugin`: the plugin's path, whose debug
-/// information is looked into.
+/// `crash`: the half's Crash message, if any; `status`: from waitpid(); `plugin`: its path, for debug information.
 CrashReport reportOf(const std::optional<Crash> &crash, int status, const std::string &plugin);
 
 } // namespace desk

@@ -8,16 +8,16 @@
 namespace desk
 {
 
-/// Writes to a descriptor; what it does not take is lost.
+/// Writes to a descriptor; drops what it does not accept.
 void writeAll(int to, const char *bytes, size_t count);
 
-/// What is not to be seen while the screen is a terminal: the last lines of it.
+/// Keeps the last lines of output while the screen is a terminal.
 class HeldOutput
 {
 public:
 	void add(const std::string &line);
 
-	/// Writes all to a descriptor, and forgets it.
+	/// Writes all lines to a descriptor, and forgets them.
 	void release(int to);
 
 private:

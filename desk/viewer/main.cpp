@@ -36,8 +36,8 @@ namespace fs = std::filesystem;
 	_exit(statusNotToItsEnd);
 }
 
-/// A standard stream that is closed must not become the first file that is opened: it is taken up in the
-/// direction in which it cannot be used.
+/// Opens missing standard streams, so that no other file gets their descriptors. In the wrong direction, so that
+/// using one still fails.
 void occupyStandardStreams()
 {
 	for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
@@ -54,8 +54,7 @@ bool displayIsNamed()
 	return given("DISPLAY") || given("WAYLAND_DISPLAY");
 }
 
-/// What there is to show and press keys on: a display, else a terminal, else nothing. `note` says why a
-/// display that is named is not it.
+/// The default screen: a display, else a terminal, else none. `note` says why a named display does not work.
 std::string likelyScreen(std::string &note)
 {
 	std::string otherwise = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) ? "terminal" : "none";
@@ -64,21 +63,21 @@ std::string likelyScreen(std::string &note)
 	try {
 		awaitDisplay();
 		return "window";
-	} catch (const Error &error) { // it was named long ago, as in a terminal that has outlived it
+	} catch (const Error &error) { // DISPLAY is outdated, as in a terminal that survived the display
 		note = "deskhost: " + error.line + "; this is --screen " + otherwise;
 		return otherwise;
 	}
 }
 
-/// What the plugin is called: "vexlomenu" for ".../vexlomenu.so.0".
+/// The plugin's name: "vexlomenu" for ".../vexlomenu.so.0".
 std::string pluginName(const std::string &path)
 {
 	const std::string file = fs::path(path).filename();
 	return file.substr(0, file.find(".so"));
 }
 
-/// The program that runs the plugin: beside this one, or, when it is started by a command, beside the plugin, which
-/// may be on another computer or for another processor.
+/// The program that runs the plugin: beside this one, or with --through beside the plugin, which may be on another
+/// computer or for another processor.
 std::string halfFor(const Options &options)
 {
 	const std::string own = besideProgram({"deskhost-plugin", DESK_INSTALLED_HALF});
@@ -104,7 +103,7 @@ void run(int argc, char **argv)
 {
 	occupyStandardStreams();
 	std::set_new_handler(endWithoutMemory);
-	// Only what characters are is the desk's: numbers and messages are the same everywhere.
+	// Only the character set follows the locale; numbers and messages do not.
 	std::setlocale(LC_CTYPE, "");
 
 	std::optional<Options> options = readArguments(argc, argv);

@@ -22,7 +22,7 @@ void NoteLog::open(const std::string &path)
 	if (!file)
 		throw Error("cannot write debug lines to '" + path + "': " + std::strerror(errno) +
 		            "; name a file that can be written");
-	std::setvbuf(file, nullptr, _IOLBF, BUFSIZ); // for somebody who watches it grow
+	std::setvbuf(file, nullptr, _IOLBF, BUFSIZ); // for a person who watches the file
 	whole = true;
 	for (const std::string &line : lines)
 		std::fputs((line + '\n').c_str(), file);
@@ -47,7 +47,7 @@ void NoteLog::addToFile(const std::string &line)
 
 void NoteLog::add(const std::string &bytes)
 {
-	// One write a line: what others print beside it then falls between lines, not into them.
+	// One write for each line, so that other processes' output does not split it.
 	if (!holding)
 		std::fputs((localText(bytes) + '\n').c_str(), stderr);
 	addQuietly(bytes);
@@ -61,7 +61,7 @@ void NoteLog::addQuietly(const std::string &bytes)
 	const std::string line = localText(bytes);
 	size_t length = std::min(line.size(), mostBytes);
 	while (length < line.size() && length > 0 && (static_cast<unsigned char>(line[length]) & 0xC0) == 0x80)
-		--length; // not within a character
+		--length; // not within a UTF-8 character
 	lines.push_back(line.substr(0, length));
 	if (lines.size() > mostLines)
 		lines.pop_front();

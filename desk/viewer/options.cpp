@@ -18,7 +18,7 @@ std::string besideProgram(std::initializer_list<const char *> places)
 {
 	std::error_code failed;
 	fs::path program = fs::read_symlink("/proc/self/exe", failed);
-	if (failed) // no /proc is mounted: as it was started
+	if (failed) // without /proc: argv[0]
 		program = fs::absolute(reinterpret_cast<const char *>(getauxval(AT_EXECFN)), failed);
 	const fs::path folder = program.parent_path();
 	for (const char *place : places)
@@ -110,7 +110,7 @@ std::optional<Options> readArguments(int argc, char **argv)
 		"--strict", options.strict,
 		"Fail, with status 1, when the desk host notices a mistake in the plugin, such as a text that is "
 		"cut off");
-	// An empty name is a variable that was not set, not a wish.
+	// An empty name comes from an unset variable.
 	for (CLI::Option *option : cli.get_options())
 		if (option->get_items_expected_max() > 0 && option->get_name() != "--keys")
 			option->check([](const std::string &value) { return value.empty() ? "a name is missing" : ""; },

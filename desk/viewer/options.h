@@ -11,11 +11,11 @@
 namespace desk
 {
 
-/// What the command line asks for.
+/// The parsed command line.
 struct Options
 {
 	std::string plugin;
-	std::string screen; ///< empty: what is likely
+	std::string screen; ///< empty: choose one
 	FramebufferDevices devices;
 	std::vector<Key> keys;
 	std::string pictures, dump, trace, debug;
@@ -30,11 +30,10 @@ struct Options
 	int plays = 1;
 };
 
-/// Reads the command line. Nothing: it asked for help or the version, which has been printed. Throws an Error when it
-/// cannot be understood.
+/// Reads the command line. nullopt: it printed help or the version. Throws an Error for wrong arguments.
 std::optional<Options> readArguments(int argc, char **argv);
 
-/// The first of these places, relative to the program, that exists; the first one when none does.
+/// The first of these paths, relative to the program, that exists; else the first.
 std::string besideProgram(std::initializer_list<const char *> places);
 
 } // namespace desk

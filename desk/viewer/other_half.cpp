@@ -40,7 +40,7 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, std::vec
 	const pid_t parent = getpid();
 	const pid_t child = fork();
 	if (child == 0) {
-		prctl(PR_SET_PDEATHSIG, SIGTERM); // whatever it is busy with
+		prctl(PR_SET_PDEATHSIG, SIGTERM); // even if the plugin spins
 		if (getppid() != parent)
 			_exit(1);
 		for (const int stream : {STDIN_FILENO, STDOUT_FILENO})
@@ -48,7 +48,7 @@ std::unique_ptr<OtherHalf> OtherHalf::start(const std::string &program, std::vec
 		dup2(errors, STDERR_FILENO);
 		for (const int ignored : {SIGPIPE, SIGXFSZ})
 			std::signal(ignored, SIG_DFL);
-		close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); // what this program has inherited
+		close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC); // descriptors that this program inherited
 		execvp(arguments[0], arguments.data());
 		_exit(127);
 	}
@@ -71,8 +71,8 @@ OtherHalf::~OtherHalf()
 			hasEnded(how);
 	}
 	if (!inSandbox && *status != 0)
-		endDescendants();                              // of a command that ran, all but its shell are left
-	while (inSandbox && waitpid(-1, nullptr, 0) > 0) { // the first process of the sandbox, which ends now
+		endDescendants();                              // of a --through command, all but its shell may remain
+	while (inSandbox && waitpid(-1, nullptr, 0) > 0) { // the sandbox's first process, which ends now
 	}
 }
 
@@ -92,7 +92,7 @@ void OtherHalf::flush()
 
 void OtherHalf::read()
 {
-	// Of a half that has ended all that it has said.
+	// After the half has ended, reads all that is left.
 	while (channel && !silent) {
 		const Channel::Came came = channel->read();
 		silent = came == Channel::Came::end || (came == Channel::Came::nothing && status);
@@ -124,7 +124,7 @@ void OtherHalf::reap()
 
 void OtherHalf::hasEnded(int how)
 {
-	// Bubblewrap tells of a signal as a shell does.
+	// Bubblewrap reports a signal like a shell.
 	constexpr int signalled = 128;
 	const int told = WIFEXITED(how) ? WEXITSTATUS(how) : 0;
 	status = inSandbox && told > signalled ? W_EXITCODE(0, told - signalled) : how;

@@ -14,12 +14,12 @@
 namespace desk
 {
 
-/// The process that runs the plugin, and the way to it. It ends with this object.
+/// The process that runs the plugin, and the connection to it. The destructor ends it.
 class OtherHalf
 {
 public:
-	/// Starts `program`, by the words `sandbox` and the shell's command `through` where there are any. What it writes to standard error goes to
-	/// `errors`. Throws an Error when it cannot be started.
+	/// Starts `program` with the command prefix `sandbox` and the shell command `through`, both optional. Its
+	/// standard error goes to `errors`. Throws an Error on failure.
 	static std::unique_ptr<OtherHalf> start(const std::string &program, std::vector<std::string> sandbox,
 	                                        const std::string &through, int errors);
 	~OtherHalf();
@@ -31,22 +31,22 @@ public:
 
 	void send(const ToHost &message);
 	void flush();
-	/// Reads what there is; afterwards next() has the messages.
+	/// Reads pending bytes; then next() returns the messages.
 	void read();
-	/// The next message. Nothing: none so far.
+	/// The next message, if any.
 	std::optional<ToViewer> next();
-	/// What comes are no messages.
+	/// An invalid message came.
 	bool isBroken() const { return broken; }
 
-	/// Has nothing more to say to it, which then ends by itself.
+	/// Closes the connection; the process then ends by itself.
 	void hangUp() { channel.reset(); }
 	void kill();
 
-	/// It can say nothing more.
+	/// No message can follow.
 	bool isSilent() const { return silent; }
-	/// How it has ended, as waitpid() gives it; nothing: it lives.
+	/// The status from waitpid(); nullopt: still running.
 	std::optional<int> ending() const { return status; }
-	/// A child has ended: looks whether it was this one.
+	/// To be called on SIGCHLD: checks whether this process ended.
 	void reap();
 	pid_t id() const { return process; }
 
@@ -57,13 +57,13 @@ private:
 	void hasEnded(int how);
 
 	const pid_t process;
-	const bool inSandbox; ///< the process is bubblewrap, and that half one of its own
+	const bool inSandbox; ///< the process is bubblewrap, and the half its descendant
 	std::unique_ptr<Channel> channel;
 	bool broken = false, silent = false;
 	std::optional<int> status;
 };
 
-/// Forgets the children of this process that have ended, but for the half: orphans of its commands.
+/// Reaps ended children other than the half: orphans of its commands.
 void reapOrphans(const OtherHalf *half);
 
 } // namespace desk

@@ -17,7 +17,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Whether two names are of one regular file, or of one that is still to be made.
+/// Whether two names mean the same regular file, which may not exist yet.
 bool areOneFile(const fs::path &one, const fs::path &other)
 {
 	std::error_code failed;
@@ -26,7 +26,7 @@ bool areOneFile(const fs::path &one, const fs::path &other)
 	return fs::weakly_canonical(one, failed) == fs::weakly_canonical(other, failed);
 }
 
-/// A device or a pipe is none, and reading one may wait for ever.
+/// Checks regular files only, because reading a device or a pipe may block.
 bool isCatalogue(const fs::path &path)
 {
 	std::error_code failed;
@@ -38,7 +38,7 @@ bool isCatalogue(const fs::path &path)
 	return bytes == "\xde\x12\x04\x95" || bytes == "\x95\x04\x12\xde";
 }
 
-/// Whether a folder has that file already, by whatever name.
+/// Whether the folder contains that file, under any name.
 bool has(const fs::path &folder, const fs::path &file)
 {
 	std::error_code failed;
@@ -55,7 +55,7 @@ bool has(const fs::path &folder, const fs::path &file)
 	return false;
 }
 
-/// What is recorded overwrites nothing else that is written or read.
+/// Throws an Error if a recording would overwrite any other output or input.
 void refuseToOverwrite(const Options &options)
 {
 	struct File
@@ -69,7 +69,7 @@ void refuseToOverwrite(const Options &options)
 	                        {"--trace", options.trace},
 	                        {"--debug", options.debug}};
 	const File inputs[] = {{"the plugin", options.plugin}, {"the skin", options.skin}};
-	const fs::path root = options.through.empty() ? options.root : ""; // else it is elsewhere
+	const fs::path root = options.through.empty() ? options.root : ""; // with --through the root is elsewhere
 	for (size_t recorded = 2; recorded < std::size(outputs); ++recorded) {
 		const File &output = outputs[recorded];
 		if (output.path.empty())

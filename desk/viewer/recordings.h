@@ -7,9 +7,8 @@
 namespace desk
 {
 
-/// Opens all that the command line wants recorded, by `recorder` and by the NoteLog, and then empties it. Throws an Error
-/// when something of it cannot be written, or would overwrite what else is written or read: then what was recorded
-/// last is left.
+/// Opens all recordings of the command line with `recorder` and the NoteLog, then empties them. Throws an Error when
+/// one cannot be written or would overwrite another output or an input; the old recordings then remain.
 void openRecordings(const Options &options, Recorder &recorder);
 
 } // namespace desk

@@ -26,9 +26,9 @@ namespace
 namespace fs = std::filesystem;
 using Words = std::vector<std::string>;
 
-/// What lies below folders that are made anew is here.
+/// Holds this computer's entries of folders that the sandbox makes anew.
 const fs::path computer = "/run/computer";
-/// The program has others than this computer's.
+/// Folders that the sandbox replaces completely.
 const std::set<fs::path> own = {"/dev", "/proc", "/run", "/tmp", "/var"};
 
 fs::path topOf(const fs::path &path)
@@ -45,7 +45,7 @@ std::vector<fs::path> namesIn(const fs::path &folder)
 	return names;
 }
 
-/// A folder that is open as /.
+/// An open folder that serves as /.
 class Root
 {
 public:
@@ -56,10 +56,10 @@ public:
 	Root(const Root &) = delete;
 	Root &operator=(const Root &) = delete;
 
-	/// Its own path, without links.
+	/// Its path without links.
 	const fs::path &here() const { return path; }
 
-	/// The path, without links, of what the receiver has at this one; empty: nothing, with errno set.
+	/// The real path of the receiver's `what`; empty with errno set if it is missing.
 	fs::path find(const fs::path &what, int flags = 0) const
 	{
 		const int found = openInRoot(descriptor, what.c_str(), O_PATH | flags);
@@ -70,13 +70,13 @@ public:
 		return place;
 	}
 
-	/// Where a place of it is, within the sandbox.
+	/// The path of one of its files inside the sandbox.
 	fs::path within(const fs::path &place) const
 	{
 		return Sandbox::receiver / place.lexically_relative(path);
 	}
 
-	/// Whether it has a /var/tmp to write to, which is made where it is missing; false with errno set.
+	/// Creates /var/tmp if missing; false with errno set if it is not writable.
 	bool hasVarTmp() const
 	{
 		const auto isMissing = [this](const char *what) { return find(what).empty() && errno == ENOENT; };
@@ -102,7 +102,7 @@ private:
 	const fs::path path;
 };
 
-/// The words of the command.
+/// Builds the command line of bubblewrap.
 class Layout
 {
 public:
@@ -112,13 +112,13 @@ public:
 	{
 		add({"bwrap", "--die-with-parent", "--new-session", "--unshare-pid", "--unshare-ipc", "--unsetenv",
 		     "TMPDIR"});
-		if (geteuid() == 0) // as ever, the superuser may read and write files of others
+		if (geteuid() == 0) // the superuser keeps the right to access others' files
 			add({"--cap-add", "CAP_DAC_OVERRIDE"});
 		add({"--dev", "/dev", "--tmpfs", "/run", "--perms", "1777", "--tmpfs", "/tmp"});
 		add({"--bind", root.here(), Sandbox::receiver});
 		findFoldersToMake();
 		addTops();
-		if (topOf(root.here()) != "/var") // its scripts may name it so
+		if (topOf(root.here()) != "/var") // the receiver's scripts may contain this path
 			add({"--bind", root.here(), root.here()});
 		addVar(note);
 		for (const fs::path &folder : made)
@@ -132,7 +132,7 @@ public:
 private:
 	void add(std::initializer_list<std::string> words) { all.insert(all.end(), words); }
 
-	/// Those that hold what is served, and those above them: nothing can be added to this computer's.
+	/// The parent folders of served files: made anew, because nothing can be added to this computer's.
 	void findFoldersToMake()
 	{
 		made.insert("/proc");
@@ -143,7 +143,7 @@ private:
 					made.insert(folder);
 	}
 
-	/// What is directly in /: this computer's, and of the receiver's what this computer lacks.
+	/// Top-level names: this computer's, and those that only the receiver has.
 	void addTops()
 	{
 		for (const fs::path &name : namesIn("/")) {
@@ -184,7 +184,7 @@ private:
 					add({"--symlink", root.within(var / name), "/var" / name});
 	}
 
-	/// A folder that holds this computer's things, but for what is served.
+	/// Makes a folder with links to this computer's entries, except served files.
 	void make(const fs::path &folder)
 	{
 		if (folder == "/proc")
@@ -204,7 +204,7 @@ private:
 		}
 	}
 
-	/// Its processes come and go, so there are links for those to come.
+	/// Processes start later, so links for all expected numbers exist from the beginning.
 	void makeProc()
 	{
 		constexpr int mostProcesses = 500;
@@ -230,7 +230,7 @@ private:
 		}
 	}
 
-	/// The receiver's shell and BusyBox, where it has them.
+	/// Replaces the shell and BusyBox by the receiver's, if it has them.
 	void addShell()
 	{
 		for (const char *path : {"/bin/sh", "/bin/busybox"}) {
@@ -257,7 +257,7 @@ private:
 
 	const Sandbox &sandbox;
 	const Root root;
-	std::set<fs::path> made; ///< folders, the upper ones first
+	std::set<fs::path> made; ///< parents first
 	Words all;
 };
 
@@ -280,7 +280,7 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 		why = std::strerror(errno);
 		return false;
 	}
-	prctl(PR_SET_CHILD_SUBREAPER, 1); // whose first process outlives bubblewrap for a moment
+	prctl(PR_SET_CHILD_SUBREAPER, 1); // the sandbox's first process outlives bubblewrap briefly
 	const pid_t child = fork();
 	if (child == 0) {
 		dup2(output[1], STDERR_FILENO);
@@ -296,11 +296,11 @@ bool works(std::vector<std::string> sandbox, std::string &why)
 	pollfd answer = {output[0], POLLIN, 0};
 	ssize_t length = 1;
 	for (int ready = 1; length > 0 && ready != 0;) {
-		ready = poll(&answer, 1, patience); // again after a signal
+		ready = poll(&answer, 1, patience); // repeated after a signal
 		if (ready > 0 && (length = read(output[0], piece, sizeof piece)) > 0)
 			why.append(piece, static_cast<size_t>(length));
 	}
-	if (length > 0) { // some of it is stuck
+	if (length > 0) { // not at its end: a process hangs
 		why = "bubblewrap does not answer";
 		if (child > 0)
 			kill(child, SIGKILL);

@@ -7,24 +7,23 @@
 namespace desk
 {
 
-/// The receiver in a folder, as the only place that a program can change: by bubblewrap, in namespaces of processes,
-/// mounts and System V's queues, and in a session of its own. The folder's files stand where a receiver has them, the
-/// rest of this computer can only be read, and /dev, /run and /tmp are the program's own.
+/// Restricts a program with bubblewrap so that it can change only the receiver's folder: namespaces for processes,
+/// mounts and System V IPC, and a session. The folder's files appear at a receiver's paths. The rest of this computer
+/// is read-only; /dev, /run and /tmp are new.
 struct Sandbox
 {
-	std::string root; ///< the folder
-	std::vector<std::string>
-		served; ///< its files that stand in folders of this computer's, by their whole paths
-	std::vector<std::string> needed; ///< files and folders that the program reads, wherever they are
+	std::string root;                ///< the folder
+	std::vector<std::string> served; ///< files of the folder to show at their own paths
+	std::vector<std::string> needed; ///< files and folders that the program reads, at any place
 
-	/// Where the folder is, within.
+	/// The folder inside the sandbox.
 	static constexpr char receiver[] = "/run/receiver";
 
-	/// What is to be put before a command so that it runs within. `note`: what is not as it is on the receiver; empty: all is.
+	/// The prefix of a command to run inside. `note`: the difference from a receiver, if any.
 	std::vector<std::string> command(std::string &note) const;
 };
 
-/// Whether a program runs within; otherwise `why` says in a few words why not.
+/// Whether a program runs inside; otherwise `why` has the reason in a few words.
 bool works(std::vector<std::string> sandbox, std::string &why);
 
 } // namespace desk

@@ -13,69 +13,66 @@
 namespace desk
 {
 
-/// The picture is to be saved.
+/// Save the picture.
 struct SavePicture
 {
 };
 
-/// A key of the screen's own, which it has dealt with.
+/// A key that the screen handled itself.
 struct OwnKey
 {
 };
 
-/// What a person has done at the screen.
+/// One input of the person.
 struct Input
 {
 	std::variant<Key, Click, SavePicture, OwnKey> what;
-	bool repeat = false; ///< a key that is held, or the rest of a double click
+	bool repeat = false; ///< a held key, or the second part of a double click
 };
 
-/// Where a frame goes and where keys come from. All screens are equal behind this, and none of them sleeps: one loop
-/// waits for all.
+/// Shows frames and supplies input. No screen blocks: one loop waits for all.
 class Screen
 {
 public:
 	virtual ~Screen() = default;
 
-	/// What to paint the next frame on, or null when this screen shows nothing.
+	/// The canvas for the next frame; null without a picture.
 	virtual Canvas *canvas() { return nullptr; }
 
-	/// Shows what the canvas holds, which differs from the frame before only within `changed` (not empty,
-	/// within the screen). The screen keeps that frame and repairs it by itself (exposure, resizing).
+	/// Shows the canvas, which differs from the last frame only within `changed` (not empty, within the screen). The
+	/// screen keeps the frame to redraw it after exposure or resizing.
 	virtual void present(const Rect & /*changed*/) {}
 
-	/// Becomes readable when there is something for readInput(); -1: never.
+	/// Readable when readInput() has work; -1: never.
 	virtual int descriptor() const { return -1; }
-	/// Milliseconds after which readInput() is to be called in any case; 0: there is something already, -1: never.
+	/// Milliseconds until readInput() must be called; 0: now, -1: never.
 	virtual int patience() const { return -1; }
-	/// Takes in what has come and repairs itself.
+	/// Reads pending input, and redraws if needed.
 	virtual void readInput() {}
 
-	/// One of SIGWINCH, SIGCONT and SIGTSTP has come.
+	/// Handles SIGWINCH, SIGCONT or SIGTSTP.
 	virtual void handleSignal(int signal)
 	{
 		if (signal == SIGTSTP)
 			raise(SIGSTOP);
 	}
 
-	/// The next that the person has done; nothing: nothing so far.
+	/// The next input, if any.
 	virtual std::optional<Input> take() { return std::nullopt; }
 
-	/// Takes in all that was done before the frame that was presented last could be seen. A click that has begun
-	/// is none.
+	/// Reads all input from before the last frame became visible. Cancels a click that has begun.
 	virtual void settle() { readInput(); }
 
-	/// Whether keys may still come.
+	/// Whether keys can still come.
 	virtual bool hasKeys() const { return false; }
 
-	/// True once the viewer has closed the screen or it has gone: no key is wanted any more, not even of
-	/// those that were to be pressed without the viewer.
+	/// True once the viewer closed the screen or it is gone: no more keys are wanted, not even scripted ones.
 	virtual bool closed() const { return false; }
 
-	/// The console that it has taken.
+	/// The console taken by this screen.
 	virtual ConsoleModes console() const { return {}; }
 
-	/// Why a screen that is closed has gone by itself; empty: it has not.
+	/// Why a closed screen is gone; empty when the viewer closed it.
 	virtual std::string lost() const { return {}; }
 };
 

@@ -24,43 +24,42 @@
 namespace desk
 {
 
-/// What a session is made of besides the command line.
+/// A session's parameters besides the command line.
 struct Stage
 {
 	std::string half;     ///< the program of the plugin's half
-	std::string skinText; ///< the skin's file
+	std::string skinText; ///< content of the skin file
 	Skin skin;
-	int rowHeight = 0;            ///< that the screen's rows of text must have; 0: any
-	bool draws = false;           ///< the screen shows something
-	bool holdsErrorsBack = false; ///< what is written to standard error would tear the screen
-	std::string note;             ///< for the person, first of all
+	int rowHeight = 0;            ///< required by the screen; 0: any
+	bool draws = false;           ///< the screen shows pictures
+	bool holdsErrorsBack = false; ///< output on standard error would damage the screen
+	std::string note;             ///< the first note for the person
 	std::function<std::unique_ptr<Screen>()> openScreen;
 };
 
-/// A person and a plugin: one loop that waits for keys, for what the plugin's half says, for its end, for signals and
-/// for the plugin's file. It lives on whatever the plugin does.
+/// Connects a person and a plugin: one loop waits for keys, messages and the end of the plugin's half, signals, and
+/// changes of the plugin's file. It survives any end of the plugin.
 class Session
 {
 public:
 	Session(const Options &options, Stage stage);
 
-	/// Throws an Error when the plugin has not run to its end, or not everything could be written.
+	/// Throws an Error when the plugin did not run to its end, or a recording could not be written.
 	void run();
 
 private:
 	using Clock = std::chrono::steady_clock;
 
-	/// What the plugin's half is doing.
+	/// The state of the plugin's half.
 	enum class State
 	{
-		busy,      ///< something else than waiting for a key
+		busy,      ///< not waiting for a key
 		waiting,   ///< for a key
-		gone,      ///< it has ended, and the person is to decide
-		finishing, ///< it has nothing more to do and is ending
+		gone,      ///< ended; the person decides
+		finishing, ///< the connection is closed, and it is about to end
 		over,
 	};
 
-	// The other half.
 	void startHalf();
 	std::vector<std::string> sandboxFor(const std::vector<std::string> &served);
 	void listen();
@@ -82,7 +81,6 @@ private:
 	void letHalfEnd();
 	void giveUp(const std::string &why);
 
-	// The person.
 	void pressNext();
 	void press(Key key, bool isSomebodys);
 	std::optional<Input> takeInput();
@@ -91,13 +89,11 @@ private:
 	void watchBusy();
 	void savePicture();
 
-	// The screen.
 	void show(const Rect &changes);
 	void showPanel(const std::string &title, const std::vector<std::string> &lines);
 	void hidePanel();
 	void say(const std::string &line);
 
-	// The loop.
 	void wait();
 	int patience() const;
 	void readErrors();
@@ -107,46 +103,47 @@ private:
 	const Options &options;
 	const Stage stage;
 	Recorder recorder;
-	bool isRecording = false; ///< what is to be recorded is open
+	bool isRecording = false; ///< the recordings are open
 	Signals signals;
 	HeldOutput held;
-	/// A pipe of what the other half and its commands print. They do not get standard error itself: it may be a file.
+	/// A pipe for the output of the other half and its commands, which must not get standard error itself: it may be
+	/// a file.
 	int errors[2] = {-1, -1};
 
 	std::unique_ptr<Watch> watch;
 	std::unique_ptr<OtherHalf> half;
 	std::unique_ptr<Screen> screen;
 	State state = State::busy;
-	std::optional<bool> contains; ///< whether there are sandboxes; nothing: has not been tried out
-	std::optional<Crash> crash;   ///< the half's last words
-	std::string whyEnded;         ///< by this half; empty: by itself
-	bool crashed = false;         ///< gone by a crash, not because it cannot be loaded
+	std::optional<bool> contains; ///< whether sandboxes work; nullopt: not tested yet
+	std::optional<Crash> crash;   ///< from the half
+	std::string whyEnded;         ///< why this half ended it; empty: it ended by itself
+	bool crashed = false;         ///< gone after a crash, not after a failure to load
 
 	DisplayList picture, panel;
 	std::optional<std::string>
 		nextRecord; ///< what is to be recorded with the next frame: "start" or a key's name
 
 	std::deque<Key> script;
-	bool replays = false;           ///< the script is pressed again, by nobody
-	std::deque<Key> meant;          ///< by the last click
-	std::deque<Input> typed;        ///< while the plugin was busy
-	unsigned question = 0;          ///< that the picture asks; see Frame
-	std::optional<Key> lastKey;     ///< of the person's ...
-	Clock::time_point lastKeyAt;    ///< ... and when it came
-	bool leaving = false;           ///< nobody presses keys any more
-	int exits = 0;                  ///< that were pressed because of that
-	std::vector<Key> history;       ///< the keys of this run
-	std::optional<size_t> harmless; ///< how many of them came before the one that did harm
-	std::string afterLoading;       ///< what to say then
+	bool replays = false;       ///< the script is pressed again without a person
+	std::deque<Key> meant;      ///< by the last click
+	std::deque<Input> typed;    ///< while the plugin was busy
+	unsigned question = 0;      ///< on the picture; see Frame
+	std::optional<Key> lastKey; ///< pressed by the person
+	Clock::time_point lastKeyAt;
+	bool leaving = false;           ///< there are no more keys, so exit is pressed
+	int exits = 0;                  ///< pressed because of `leaving`
+	std::vector<Key> history;       ///< keys of this run
+	std::optional<size_t> harmless; ///< number of keys before the one that did harm
+	std::string afterLoading;       ///< a note for after loading
 
 	Clock::time_point busySince = Clock::now();
 	int secondsShown = 0, exitsWhileBusy = 0;
-	std::optional<Clock::time_point> deadline; ///< of the half that is to end
+	std::optional<Clock::time_point> deadline; ///< for the end of the half
 
-	int notices = 0; ///< of mistakes in the plugin
+	int notices = 0; ///< reported mistakes of the plugin
 	int plays;
-	std::string returned;         ///< what is to be printed in the end
-	std::optional<Error> failure; ///< what ends it
+	std::string returned;         ///< the line to print at the end
+	std::optional<Error> failure; ///< ends the session
 	int endingSignal = 0;
 };
 

@@ -20,9 +20,9 @@ constexpr int ends[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
 constexpr unsigned patience = 2, patienceOnceTaken = 5; // seconds
 
-volatile std::sig_atomic_t toLoop = -1; ///< the pipe to it
-volatile std::sig_atomic_t ending = 0;  ///< the signal that asks for the end ...
-volatile std::sig_atomic_t isTaken = 1; ///< ... which the loop knows of
+volatile std::sig_atomic_t toLoop = -1; ///< writing end of the loop's pipe
+volatile std::sig_atomic_t ending = 0;  ///< the last signal that asks for the end ...
+volatile std::sig_atomic_t isTaken = 1; ///< ... and whether the loop has taken it
 
 void come(int signal)
 {
@@ -43,14 +43,14 @@ void endAtLast(int)
 	raise(ending);
 }
 
-/// Ignored by nohup or in a script's background it stays, but children and time are always waited for.
+/// Leaves a signal ignored by nohup or a background job, except SIGCHLD and SIGALRM.
 void handle(int signal, void (*by)(int))
 {
 	struct sigaction action = {};
 	sigset_t set;
 	sigemptyset(&set);
 	sigaddset(&set, signal);
-	sigprocmask(SIG_UNBLOCK, &set, nullptr); // somebody may have started this program so
+	sigprocmask(SIG_UNBLOCK, &set, nullptr); // may be inherited as blocked
 	if (signal != SIGCHLD && signal != SIGALRM && sigaction(signal, nullptr, &action) == 0 &&
 	    action.sa_handler == SIG_IGN)
 		return;
@@ -83,7 +83,7 @@ Signals::Signals()
 {
 	prctl(PR_SET_CHILD_SUBREAPER, 1);
 	std::signal(SIGPIPE, SIG_IGN); // the other half may end at any time
-	std::signal(SIGXFSZ, SIG_IGN); // writing says that a file is too large
+	std::signal(SIGXFSZ, SIG_IGN); // write() then fails with EFBIG
 	if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) == 0)
 		toLoop = pipe[1];
 	handle(SIGALRM, endAtLast);
@@ -137,7 +137,7 @@ void endBy(int signal)
 {
 	endDescendants();
 	const rlimit none = {0, 0};
-	setrlimit(RLIMIT_CORE, &none); // nothing has failed
+	setrlimit(RLIMIT_CORE, &none); // no core dump: this is no failure
 	std::signal(signal, SIG_DFL);
 	raise(signal);
 	_exit(128 + signal);

@@ -6,9 +6,9 @@
 namespace desk
 {
 
-/// The signals that concern the viewer's half, as something to wait for: HUP, INT, QUIT and TERM, which ask for its end,
-/// unless it was started without them; CHLD; and what concerns a terminal: WINCH, CONT and TSTP. One that asks for the
-/// end and is not taken within two seconds, because a display or a terminal does not answer, ends the process.
+/// The viewer's half's signals as a descriptor to poll: HUP, INT, QUIT and TERM, which ask for its end, unless
+/// ignored at the start; CHLD; WINCH, CONT and TSTP for terminals. A request to end that is not taken within two
+/// seconds, because a display or terminal hangs, ends the process.
 class Signals
 {
 public:
@@ -18,7 +18,7 @@ public:
 	Signals &operator=(const Signals &) = delete;
 
 	int descriptor() const { return pipe[0]; }
-	/// The next one that has come.
+	/// The next signal, if any.
 	std::optional<int> take();
 
 	static bool isEnd(int signal);
@@ -27,8 +27,8 @@ private:
 	int pipe[2] = {-1, -1};
 };
 
-/// While it exists, a signal that asks for the process's end ends it at once: who is stopped because the terminal is
-/// not his waits for nothing else.
+/// While it exists, signals that ask for the end act at once: a process stopped in the background waits for nothing
+/// else.
 class EndsAtOnce
 {
 public:
@@ -38,10 +38,10 @@ public:
 	EndsAtOnce &operator=(const EndsAtOnce &) = delete;
 };
 
-/// Ends the children of this process, and with them what their children leave: orphans become children of it.
+/// Ends all children; their orphans become children and are ended too.
 void endDescendants();
 
-/// The same, and ends this process by that signal.
+/// Ends all children, then this process with that signal.
 [[noreturn]] void endBy(int signal);
 
 } // namespace desk

@@ -18,14 +18,14 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds settlingTime(200); // a build may touch its result more than once
-constexpr int mostLinks = 40;                          // as the kernel follows
+constexpr std::chrono::milliseconds settlingTime(200); // a build may write the file several times
+constexpr int mostLinks = 40;                          // as in the kernel
 
 } // namespace
 
 std::unique_ptr<Watch> Watch::start(const std::string &path)
 {
-	std::error_code failed; // there may be no current folder; then there is nothing to watch, either
+	std::error_code failed; // without a current folder, watching fails anyway
 	const std::filesystem::path file = std::filesystem::absolute(path, failed);
 	const int notices = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
 	std::unique_ptr<Watch> watch(new Watch(file, notices));
@@ -41,7 +41,7 @@ Watch::~Watch()
 	close(notices);
 }
 
-/// Watches each folder on the way: a linker makes a new file under the old name, and folders and links change as well.
+/// Watches each folder on the path, because a linker replaces the file, and folders and links may change.
 void Watch::follow()
 {
 	namespace fs = std::filesystem;
@@ -91,7 +91,7 @@ void Watch::readEvents()
 			const struct stat before = reached;
 			follow();
 			const bool another = reached.st_dev != before.st_dev || reached.st_ino != before.st_ino;
-			// One that has just been made has yet to be written.
+			// A new file is not written yet, unless it is another link to one.
 			if (reached.st_ino != 0 && another && (name != last || reached.st_nlink > 1))
 				written = Clock::now();
 		}

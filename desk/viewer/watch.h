@@ -14,28 +14,28 @@
 namespace desk
 {
 
-/// Tells when a file is written anew: in its place, by another one that takes its name, by a link to it that leads
-/// elsewhere, or in a folder that is made again.
+/// Notices a new version of a file: written in place, renamed over it, reached by a changed link, or in a recreated
+/// folder.
 class Watch
 {
 public:
-	/// Throws an Error when it cannot be done.
+	/// Throws an Error on failure.
 	static std::unique_ptr<Watch> start(const std::string &path);
 	~Watch();
 	Watch(const Watch &) = delete;
 	Watch &operator=(const Watch &) = delete;
 
-	/// Becomes readable when readEvents() is to be called.
+	/// Readable when readEvents() has work.
 	int descriptor() const { return notices; }
 	void readEvents();
 
-	/// Milliseconds after which changed() is to be asked; -1: not before something has come.
+	/// Milliseconds until changed() must be called; -1: no need.
 	int patience() const;
-	/// Whether the file was written and has been left alone for a while since; once for each time.
+	/// Whether the file was written, and not again for a while; true once for each change.
 	bool changed();
 
 private:
-	using Name = std::pair<int, std::string>; ///< a watched folder's number, and an entry of it
+	using Name = std::pair<int, std::string>; ///< a watched folder's number, and an entry's name
 
 	Watch(std::filesystem::path watched, int inotify) : file(std::move(watched)), notices(inotify) {}
 
@@ -43,9 +43,9 @@ private:
 
 	const std::filesystem::path file;
 	const int notices;
-	std::set<Name> steps;     ///< on the way to the file, over all links
-	Name last;                ///< the file itself
-	struct stat reached = {}; ///< the file that was there
+	std::set<Name> steps;     ///< the entries on the path to the file, through all links
+	Name last;                ///< the file's entry
+	struct stat reached = {}; ///< the file when last seen
 	std::optional<std::chrono::steady_clock::time_point> written;
 };
 

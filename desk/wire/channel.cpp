@@ -47,7 +47,7 @@ void Channel::flush()
 		else if (n < 0 && errno == EAGAIN)
 			break;
 		else if (n >= 0 || errno != EINTR)
-			sent = outgoing.size(); // nobody reads any more: reading tells
+			sent = outgoing.size(); // the reader is gone; read() reports that
 	}
 	outgoing.erase(0, sent);
 }

@@ -8,8 +8,8 @@
 namespace desk
 {
 
-/// Messages over two descriptors, which are the channel's from then on: the length in four bytes, the highest first,
-/// and the message.
+/// Sends and receives messages over two descriptors, which it owns. A message follows its length in four bytes,
+/// big-endian.
 class Channel
 {
 public:
@@ -21,9 +21,9 @@ public:
 	int in() const { return input; }
 	int out() const { return output; }
 
-	/// Adds a message to those that are to be sent.
+	/// Queues a message.
 	void put(std::string_view message);
-	/// Sends what it can without blocking; sleeps until all is sent where the descriptor blocks.
+	/// Sends as much as possible; all of it on a blocking descriptor.
 	void flush();
 	bool sendsAll() const { return outgoing.empty(); }
 
@@ -31,13 +31,13 @@ public:
 	{
 		bytes,
 		nothing,
-		end, ///< nothing more will come
+		end, ///< the other end is closed
 	};
-	/// Reads once what there is, sleeping for it where the descriptor blocks.
+	/// Reads once; waits on a blocking descriptor.
 	Came read();
-	/// The next message that has come whole.
+	/// The next complete message, if any.
 	std::optional<std::string> next();
-	/// What comes are no messages.
+	/// An invalid length came.
 	bool isBroken() const { return broken; }
 
 private:
@@ -47,7 +47,7 @@ private:
 	bool broken = false;
 };
 
-/// The length as it stands in front of a message.
+/// The four bytes before a message of that size.
 std::string lengthOf(size_t message);
 
 } // namespace desk

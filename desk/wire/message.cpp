@@ -34,14 +34,14 @@ constexpr Align last(Align)
 
 template <class T, class... Others> constexpr bool isOneOf = (std::is_same_v<T, Others> || ...);
 
-/// What is plain enough to be one value of a message.
+/// Types that become one value.
 template <class T> constexpr bool isValue =
 	std::is_arithmetic_v<T> || std::is_enum_v<T> || isOneOf<T, std::string, Color>;
 
 template <class T> constexpr bool isVector = false;
 template <class T> constexpr bool isVector<std::vector<T>> = true;
 
-/// The values of each kind of thing, named once for both directions.
+/// The fields of each type, listed once for both directions.
 template <class Io, class Thing> void values(Io &io, Thing &t)
 {
 	using T = std::remove_const_t<Thing>;
@@ -108,7 +108,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 		static_assert(isOneOf<T, Load, Loaded, Said>, "every kind has its values");
 }
 
-/// Writes values one after another.
+/// Appends values to an array.
 class Writer
 {
 public:
@@ -133,7 +133,7 @@ public:
 		std::visit([this](const auto &kind) { values(*this, kind); }, kinds);
 	}
 
-	/// One after another in an array of their own.
+	/// Appends an array of all elements.
 	template <class Thing> void elements(const std::vector<Thing> &things)
 	{
 		Writer writer;
@@ -145,7 +145,7 @@ public:
 	Json::array_t array;
 };
 
-/// Reads them. `good` is false once one is not as it should be.
+/// Reads values. `good` becomes false at the first invalid one.
 class Reader
 {
 public:
@@ -159,7 +159,7 @@ public:
 		((numbers = bounded(numbers)), ...);
 	}
 
-	/// A JSON text, or none.
+	/// A JSON text or an empty one.
 	void json(std::string &text)
 	{
 		one(text);
@@ -239,8 +239,8 @@ private:
 	size_t at = 0;
 };
 
-/// Whether these bytes are one CBOR value of the few kinds that messages are made of, without deep nesting: what
-/// the library must not be given otherwise, because it calls itself for each level.
+/// Whether the bytes are one CBOR value of the kinds in messages, without deep nesting: the library's parser is
+/// recursive.
 bool isPlain(std::string_view bytes)
 {
 	constexpr size_t mostLevels = 16, mostValues = 1 << 20;
@@ -255,7 +255,7 @@ bool isPlain(std::string_view bytes)
 		tag,
 		simple,
 	};
-	std::vector<uint64_t> left = {1}; // values to come at each level
+	std::vector<uint64_t> left = {1}; // remaining values at each level
 	bool whole = false;
 	for (size_t at = 0, count = 0; !left.empty();) {
 		if (left.back() == 0) {
@@ -269,7 +269,7 @@ bool isPlain(std::string_view bytes)
 		const unsigned kind = head >> 5;
 		uint64_t number = head & 31;
 		if (number > 27)
-			return false; // of no definite length
+			return false; // indefinite length
 		if (number > 23 && kind != simple) {
 			const size_t length = size_t{1} << (number - 24);
 			number = 0;
@@ -289,7 +289,7 @@ bool isPlain(std::string_view bytes)
 				return false;
 			left.push_back(kind == map ? 2 * number : number);
 		} else if (kind == blob || kind == tag || (kind == simple && (number < 20 || number > 22)))
-			return false; // neither true nor false nor null
+			return false; // a simple value other than false, true and null
 		whole = at == bytes.size();
 	}
 	return whole;

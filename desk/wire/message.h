@@ -14,51 +14,51 @@
 namespace desk
 {
 
-// What the viewer's half says.
+// From the viewer's half.
 
-/// The first message: what is to be run, and what of it is wanted.
+/// The first message: what to run and what to report.
 struct Start
 {
 	std::string plugin;
 	std::string root; ///< empty: this computer is the receiver
-	/// The files that are in the root.
+	/// Files that are read from the root.
 	std::vector<std::string> served = {"/proc/meminfo", "/proc/mtd", "/var/scaning.log"};
-	bool contained = false;      ///< they stand where they are expected, and nothing else can be changed
-	bool asIs = false;           ///< without a root: this computer's own commands and memory summary
+	bool contained = false;      ///< a sandbox shows them at their own paths, and restricts changes
+	bool asIs = false;           ///< this computer's own commands and memory summary
 	std::string lang, catalogue; ///< as on the command line
-	std::string skin;            ///< a skin file's bytes
+	std::string skin;            ///< content of a skin file
 	int rowHeight = 0;           ///< of text, in pixels; 0: the skin's
-	bool draws = false;          ///< frames are looked at
-	bool describes = false;      ///< ... and described
+	bool draws = false;          ///< send frames
+	bool describes = false;      ///< ... with descriptions
 	bool traces = false;
 };
 
-/// Loads the plugin. After each run it is unloaded.
+/// Loads the plugin. Each run ends with unloading it.
 struct Load
 {
 };
 
-/// The Linux console that the viewer's half has taken, and its modes before that.
+/// The console taken by the viewer's half, and its former modes.
 struct ConsoleModes
 {
 	std::string name; ///< empty: none
 	int display = 0, keyboard = 0;
 };
 
-/// Runs it.
+/// Runs the plugin.
 struct Run
 {
-	bool again = false;   ///< nobody answers for what it does until the first key that somebody has pressed
-	ConsoleModes console; ///< to give back should the viewer's half be killed
+	bool again = false;   ///< keys are replayed without a person, until the first Press without `again`
+	ConsoleModes console; ///< to be restored if the viewer's half is killed
 };
 
 struct Press
 {
 	Key key = Key::exit;
-	bool again = false; ///< nobody has pressed it: it is pressed once more, after a change of the plugin
+	bool again = false; ///< replayed after a change of the plugin, without a person
 };
 
-/// A click into the picture, in its pixels: where the button was pressed, and where it was let go.
+/// A click on the picture, in its pixels: position of press and release.
 struct Click
 {
 	int x = 0, y = 0;
@@ -67,30 +67,29 @@ struct Click
 
 using ToHost = std::variant<Start, Load, Run, Press, Click>;
 
-// What the plugin's half says.
+// From the plugin's half.
 
-/// The plugin is loaded and waits for Run.
 struct Loaded
 {
 };
 
-/// It cannot be, or nothing of what Start wants can.
+/// Start or Load failed.
 struct Failed
 {
-	int status = 1; ///< the exit status that this is worth
+	int status = 1; ///< the exit status to use
 	std::string why;
 };
 
-/// What is on the screen now, after each key and at the end of a run.
+/// The screen after each key and at the end of a run.
 struct Frame
 {
-	DisplayList::Edit edit; ///< of the frame before
-	std::string windows;    ///< the description, a JSON text; empty: not wanted
+	DisplayList::Edit edit; ///< from the last frame
+	std::string windows;    ///< the description, a JSON text; empty: not requested
 	bool waits = false;     ///< for a key
-	unsigned question = 0;  ///< the message box that asks has another number each time; 0: none
+	unsigned question = 0;  ///< number of the open message box, new for each; 0: none
 };
 
-/// The keys that do what the click means; it still waits for one.
+/// The keys that act like the click; the half still waits for a key.
 struct Meaning
 {
 	std::vector<Key> keys;
@@ -100,59 +99,58 @@ struct Meaning
 struct Note
 {
 	std::string line;
-	bool urgent = false; ///< not to be missed
-	bool notice = false; ///< about a mistake in the plugin, which the line does not name
+	bool urgent = false; ///< must not be missed
+	bool notice = false; ///< a mistake in the plugin; the line lacks the plugin's name
 };
 
-/// A command of the plugin's has ended, and all that it has printed is to be read before what follows.
+/// A command of the plugin ended: its output precedes later messages.
 struct Said
 {
 };
 
-/// A line of the trace, or one to be read between those.
+/// A line of the trace, or with `aside` a debug line between calls.
 struct Call
 {
 	std::string line;
 	bool aside = false;
 };
 
-/// The last key kills or deletes, or would have done so had somebody pressed it.
+/// The last key killed or deleted something, or did not because it was replayed.
 struct Harm
 {
 	bool done = false;
 };
 
-/// plugin_exec returned.
 struct Returned
 {
 	int result = 0;
 };
 
-/// The last words of a half that ends in the middle.
+/// Why the half ends during a run.
 struct Crash
 {
-	/// Where something was executed: a file and the offset in its memory image.
+	/// A code address: a file and the offset in its memory image.
 	struct Place
 	{
 		std::string file;
 		uint64_t offset = 0;
 	};
 
-	int signal = 0;           ///< 0: it has called exit()
-	int status = 0;           ///< ... with that
-	std::string what;         ///< the exception that nobody caught
-	std::string event;        ///< the last key, and the last signal that was emitted after it
-	std::string call;         ///< the plugin's last one, as in a trace
-	std::string gone;         ///< an object that it seems to have used after its end
-	std::vector<Place> stack; ///< the innermost place first
+	int signal = 0;           ///< 0: it called exit()
+	int status = 0;           ///< of exit()
+	std::string what;         ///< the uncaught exception
+	std::string event;        ///< the last key, and the last signal after it
+	std::string call;         ///< the plugin's last call, as in a trace
+	std::string gone;         ///< a destroyed object that it probably used
+	std::vector<Place> stack; ///< innermost first
 };
 
 using ToViewer = std::variant<Loaded, Failed, Frame, Meaning, Note, Call, Harm, Returned, Crash, Said>;
 
-/// No message has more bytes.
+/// The limit of a message's size.
 constexpr size_t mostMessageBytes = 64 << 20;
 
-/// A message in bytes, and back. Nothing: the bytes are no such message, whatever else they are.
+/// Encodes and decodes messages. nullopt: the bytes are not exactly one valid message.
 std::string encode(const ToHost &message);
 std::string encode(const ToViewer &message);
 std::optional<ToHost> decodeToHost(std::string_view bytes);

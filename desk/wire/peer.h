@@ -8,7 +8,7 @@
 namespace desk
 {
 
-/// The viewer's half, as the plugin's half sees it.
+/// The viewer's half as seen by the plugin's half.
 class Peer
 {
 public:
@@ -16,7 +16,7 @@ public:
 
 	virtual void send(const ToViewer &message) = 0;
 
-	/// Sleeps until there is a message. Nothing: the viewer's half has ended.
+	/// Waits for a message. nullopt: the viewer's half has ended.
 	virtual std::optional<ToHost> receive() = 0;
 };
 

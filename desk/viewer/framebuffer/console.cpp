@@ -63,7 +63,7 @@ std::unique_ptr<Console> Console::take(const std::string &device)
 Console::~Console()
 {
 	if (isTaken && !setModes(file, modes.display, modes.keyboard)) {
-		// A console hangs up when the process ends that the session began with: then it is opened anew.
+		// A console hangs up when its session's first process ends, and must be opened again.
 		close(file);
 		file = ::open(modes.name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
 		setModes(file, modes.display, modes.keyboard);

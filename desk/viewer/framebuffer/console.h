@@ -9,13 +9,13 @@
 namespace desk
 {
 
-/// The Linux console in graphics mode: it draws no text over the picture, and what is pressed on its
-/// keyboard is not typed into a shell as well. Both end with this object.
+/// The Linux console in graphics mode, in which it draws no text and its keyboard does not type into a shell. The
+/// destructor restores both.
 class Console
 {
 public:
-	/// Takes the console that standard input is, or else `device`; throws an Error when it cannot. Null: this
-	/// computer has no console to take.
+	/// Takes the console on standard input, else `device`; null if this computer has none. Throws an Error on
+	/// failure.
 	static std::unique_ptr<Console> take(const std::string &device);
 	~Console();
 	Console(const Console &) = delete;

@@ -17,7 +17,7 @@ std::vector<std::string> numberedDevices(const std::string &folder, const std::s
 			paths.push_back(entry.path());
 	}
 	std::sort(paths.begin(), paths.end(), [](const std::string &a, const std::string &b) {
-		return a.size() != b.size() ? a.size() < b.size() : a < b; // event10 comes after event9
+		return a.size() != b.size() ? a.size() < b.size() : a < b; // event10 after event9
 	});
 	return paths;
 }

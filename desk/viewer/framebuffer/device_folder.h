@@ -7,7 +7,7 @@
 namespace desk
 {
 
-/// The paths of `folder`'s entries that are `name` and a number, in the order of their numbers.
+/// The paths of entries in `folder` that are `name` plus a number, in numerical order.
 std::vector<std::string> numberedDevices(const std::string &folder, const std::string &name);
 
 } // namespace desk

@@ -25,7 +25,7 @@ public:
 		remoteName = devices.remote;
 		remote = RemoteControl::open(devices.remote);
 		memory = Framebuffer::open(devices.framebuffer);
-		// Last, so that nothing is changed when something else is wrong.
+		// Last, so that a failure changes nothing.
 		taken = Console::take(devices.console);
 		memory->blacken();
 	}

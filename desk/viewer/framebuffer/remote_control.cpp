@@ -93,12 +93,12 @@ std::optional<Key> keyOf(unsigned int code)
 	return std::nullopt;
 }
 
-/// A device with its keys, closed with the object unless somebody takes it.
+/// An input device; closes it unless the members are moved out.
 struct InputDevice
 {
 	int file = -1;
 	libevdev *device = nullptr;
-	int error = 0; ///< errno of what failed
+	int error = 0; ///< an errno
 
 	explicit InputDevice(const std::string &path)
 	{
@@ -114,7 +114,7 @@ struct InputDevice
 	InputDevice(const InputDevice &) = delete;
 	InputDevice &operator=(const InputDevice &) = delete;
 
-	/// The menu can be used with it.
+	/// Whether it has the keys to use the menu.
 	bool navigates() const
 	{
 		const auto has = [&](Key key) {
@@ -164,7 +164,7 @@ RemoteControl::~RemoteControl()
 
 std::optional<RemoteControl::Press> RemoteControl::take()
 {
-	// What is there already decides whether a repeat is still meant.
+	// A key released by now no longer repeats.
 	readInput();
 	if (waiting.empty())
 		return std::nullopt;
@@ -191,7 +191,7 @@ void RemoteControl::readInput()
 			unplugged = hungUp || (status != -EAGAIN && status != -EINTR);
 			return;
 		}
-		// Events were lost: those that libevdev reports next make up for them.
+		// The kernel lost events; libevdev synthesises the changes.
 		if (status == LIBEVDEV_READ_STATUS_SYNC)
 			flag = LIBEVDEV_READ_FLAG_SYNC;
 		const auto key = event.type == EV_KEY ? keyOf(event.code) : std::nullopt;

@@ -13,7 +13,7 @@ struct libevdev;
 namespace desk
 {
 
-/// An input device of the kernel (/dev/input/event0) that has keys: a remote control, or a keyboard.
+/// An input device of the kernel (/dev/input/event0) with keys: a remote control or a keyboard.
 class RemoteControl
 {
 public:
@@ -23,9 +23,9 @@ public:
 	RemoteControl(const RemoteControl &) = delete;
 	RemoteControl &operator=(const RemoteControl &) = delete;
 
-	/// Becomes readable when readInput() is to be called; -1: the device is gone.
+	/// Readable when readInput() has work; -1: the device is gone.
 	int descriptor() const { return unplugged ? -1 : device; }
-	/// Takes all that has come.
+	/// Reads all pending events.
 	void readInput();
 
 	struct Press
@@ -34,11 +34,11 @@ public:
 		bool repeat;
 	};
 
-	/// The next key that was pressed or repeats itself; nothing: none so far. Repeats that came while nobody
-	/// asked count as one, and as none once the key was let go: a slow screen does not run on.
+	/// The next press or repeat; nullopt: none yet. Repeats since the last call count as one, or as none after the
+	/// key was released, so that a slow screen does not lag behind.
 	std::optional<Press> take();
 
-	/// The device is gone, and its last key has been taken.
+	/// The device is gone, and all its keys are taken.
 	bool gone() const { return unplugged && waiting.empty(); }
 
 private:
@@ -50,8 +50,8 @@ private:
 	std::deque<Press> waiting;
 };
 
-/// The device in that folder that is most like a remote control: one with an OK key before a keyboard.
-/// Throws an Error when there is none.
+/// The device in that folder most like a remote control: one with an OK key, else a keyboard. Throws an Error if
+/// there is none.
 std::string findRemoteControl(const std::string &folder);
 
 } // namespace desk

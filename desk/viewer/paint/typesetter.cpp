@@ -21,9 +21,9 @@ namespace
 
 constexpr char columnsFamily[] = "DejaVu Sans Mono";
 constexpr char proseFamily[] = "DejaVu Sans";
-constexpr double fontSize = 0.8;      // of the row: ascent and descent of these fonts just fill it
-constexpr double columnWidth = 0.4;   // of the row: 8 pixels at 20, as narrow as these screens need
-constexpr double proseSqueeze = 0.94; // makes a letter about as wide, on average, as a column
+constexpr double fontSize = 0.8;      // of the row height: these fonts' ascent and descent just fit
+constexpr double columnWidth = 0.4;   // of the row height: 8 pixels for 20
+constexpr double proseSqueeze = 0.94; // makes an average letter about as wide as a column
 
 struct Unref
 {
@@ -31,24 +31,24 @@ struct Unref
 };
 template <typename T> using Handle = std::unique_ptr<T, Unref>;
 
-constexpr gunichar firstPicture = 0x2400, lastPicture = 0x2421; // of the controls
+constexpr gunichar firstPicture = 0x2400, lastPicture = 0x2421; // of control characters
 
-// A line as it was set. Its glyphs are where the screen can show them sharply.
+// A laid out line. Its glyphs are at whole pixels.
 struct SetLine
 {
 	Handle<PangoLayout> layout;
-	double pixels = 0; // its width on the screen
+	double pixels = 0; // width on the screen
 };
 
-// One face in one size and weight.
+// A face in one size and weight.
 struct Font
 {
 	Handle<PangoContext> context;
 	Face face = Face::prose;
 	int rowHeight = 20;
-	double squeeze = 1;    // pixels on the screen per pixel of the layout, across
-	double correction = 1; // of the layout's widths: Pango widens them when its matrix squeezes
-	double cell = 0;       // width of a digit in pixels of the layout; in columns that of everything
+	double squeeze = 1;    // horizontal screen pixels per layout pixel
+	double correction = 1; // of layout widths, because Pango widens them for a squeezing matrix
+	double cell = 0;       // width of a digit in layout pixels; in columns, of every character
 	double ascent = 0, descent = 0;
 
 	const SetLine &set(std::string_view line);
@@ -57,13 +57,13 @@ struct Font
 private:
 	int fitColumns(PangoLayout *layout) const;
 
-	std::map<std::string, SetLine, std::less<>> lines; // those that were on the screen: most are again
+	std::map<std::string, SetLine, std::less<>> lines; // of recent frames: most lines recur
 };
 
-constexpr size_t mostLinesKept = 256; // several screens of them
+constexpr size_t mostLinesKept = 256; // several screens full
 
-// The control pictures are in no font of a small system: each is drawn as a framed letter, the one that
-// makes the control on a keyboard ("[" for escape).
+// Small systems have no font with control pictures. Draws each as a framed letter, the one that makes the control on
+// a keyboard ("[" for escape).
 void drawControlPicture(cairo_t *to, PangoAttrShape *shape, gboolean, gpointer)
 {
 	const auto code = static_cast<uint8_t>(GPOINTER_TO_UINT(shape->data));
@@ -84,7 +84,7 @@ void drawControlPicture(cairo_t *to, PangoAttrShape *shape, gboolean, gpointer)
 	cairo_text_extents(to, letter, &extents);
 	cairo_move_to(to, w / 2 - extents.width / 2 - extents.x_bearing,
 	              w * 0.17 - h / 2 - extents.height / 2 - extents.y_bearing);
-	// As a shape, not as a glyph: Cairo 1.18 may draw a pixel more of a glyph than is within the clip.
+	// As a path, because Cairo 1.18 may draw a glyph one pixel beyond the clip.
 	cairo_text_path(to, letter);
 	cairo_fill(to);
 	cairo_restore(to);
@@ -94,7 +94,7 @@ Handle<PangoLayout> Font::newLayout() const
 {
 	Handle<PangoLayout> layout(pango_layout_new(context.get()));
 	pango_layout_set_single_paragraph_mode(layout.get(), TRUE);
-	// A word of Arabic in a process name must not turn its row round.
+	// An Arabic word in a process name must not reverse its row.
 	pango_layout_set_auto_dir(layout.get(), face == Face::prose);
 	return layout;
 }
@@ -126,9 +126,8 @@ const SetLine &Font::set(std::string_view line)
 	return lines[std::string(line)] = {std::move(layout), pixels};
 }
 
-// Moves the glyphs of the line to where the screen can show them sharply, and returns its width. In
-// columns each character takes exactly its columns, whatever font it was found in; in prose each glyph
-// takes whole pixels, but for those that join their neighbours. All are drawn at whole pixels.
+// Moves the line's glyphs to whole pixels and returns the width. In columns, each character takes exactly its columns
+// in any font. In prose, each glyph's width is whole pixels, except in scripts that join letters.
 int Font::fitColumns(PangoLayout *layout) const
 {
 	const char *text = pango_layout_get_text(layout);
@@ -153,7 +152,7 @@ int Font::fitColumns(PangoLayout *layout) const
 				int before = 0;
 				for (int i = first; i < last; ++i)
 					before += glyphs[i].geometry.width;
-				// Marks are placed relative to their letter: only what follows the last glyph may move.
+				// Marks are positioned relative to their letter, so only the last glyph's advance may change.
 				glyphs[last].geometry.width = pango_units_from_double(columns * cell) - before;
 			}
 		} else if (item->item->analysis.level % 2 == 0)
@@ -164,7 +163,7 @@ int Font::fitColumns(PangoLayout *layout) const
 		width += pango_glyph_string_get_width(item->glyphs);
 	}
 
-	// A glyph between two pixels is blurred by Cairo from 1.18 on; before, it was drawn at the nearer one.
+	// Cairo 1.18 blurs glyphs between two pixels; earlier versions round.
 	const auto whole = [this](int units) {
 		return pango_units_from_double(std::round(units * squeeze / PANGO_SCALE) / squeeze);
 	};
@@ -219,7 +218,7 @@ Font Typesetter::make(Face face, int rowHeight, bool bold)
 	PangoFontDescription *font = pango_font_description_new();
 	pango_font_description_set_family_static(font, face == Face::columns ? columnsFamily : proseFamily);
 	pango_font_description_set_weight(font, bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
-	// An absolute size: no resolution of any display takes part.
+	// Absolute, so independent of the display's resolution.
 	pango_font_description_set_absolute_size(font, fontSize * rowHeight * PANGO_SCALE);
 	pango_context_set_font_description(context, font);
 	pango_font_description_free(font);
@@ -265,11 +264,11 @@ Typesetter &typesetter()
 	return only;
 }
 
-// The start of `line` that can be seen in `width` pixels, and a little more.
+// The visible start of `line` for `width` pixels, and a little more.
 std::string_view startWithin(std::string_view line, int width, const Font &font)
 {
 	const double column = columnWidth * font.rowHeight;
-	const double narrowest = column / 4; // of a letter in any font that may stand in
+	const double narrowest = column / 4; // of a letter in any fallback font
 	const size_t mostBytes = mostBytesWithin(width);
 	double least = 0;
 	const auto character = [&](const char *at) {
@@ -285,7 +284,7 @@ std::string_view startWithin(std::string_view line, int width, const Font &font)
 			least += narrowest;
 		at += c.size();
 	}
-	// What combines with the last character belongs to it.
+	// Combining characters belong to the last character.
 	for (int marks = 0; at < end && marks < 16 && textColumns(character(at)) == 0; ++marks)
 		at = g_utf8_next_char(at);
 	return line.substr(0, static_cast<size_t>(at - line.data()));
@@ -295,7 +294,7 @@ std::string_view startWithin(std::string_view line, int width, const Font &font)
 
 bool haveLetters()
 {
-	// Asked first, because without any font Pango complains by itself.
+	// Checked first, because without fonts Pango prints warnings.
 	const Handle<PangoFontMap> fonts(pango_cairo_font_map_new());
 	PangoFontFamily **families = nullptr;
 	int count = 0;
@@ -321,7 +320,7 @@ void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextSt
 	PangoLayoutLine *laidOut = pango_layout_get_line_readonly(set.layout.get(), 0);
 	const bool rightToLeft = pango_layout_line_get_resolved_direction(laidOut) == PANGO_DIRECTION_RTL;
 	const int spare = area.w - width;
-	const Align align = spare < 0 ? Align::start : style.align; // what is too long shows its start
+	const Align align = spare < 0 ? Align::start : style.align; // long text shows its start
 	double x = area.x;
 	if (align == Align::centre)
 		x += std::floor(spare / 2.0);

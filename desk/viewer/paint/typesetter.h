@@ -11,17 +11,17 @@ typedef struct _cairo cairo_t;
 namespace desk
 {
 
-/// Lays out and draws single lines of text. All text of the desk host goes through here, so that what
-/// is measured is what is drawn. The fonts and their options are fixed, not the machine's.
-/// `line` is what visibleText() gives: valid UTF-8 without controls. `rowHeight` is brought into the
+/// Lays out and draws all text of the desk host, a line at a time, so that measuring and drawing agree. Fonts and
+/// options are fixed, independent of the computer. `line` is output of visibleText(). `rowHeight` is limited to 1 to
+/// 200.
 /// range 1 to 200.
 
-/// Whether the fonts of this computer have letters and digits.
+/// Whether this computer's fonts have letters and digits.
 bool haveLetters();
 
-/// Draws the line in the middle of the height of `area`. Draws the start of a line that is longer than
-/// `area` is wide, and beyond its end; the caller clips. Lays out no more than can be seen in `area`.
-/// In Face::prose a right-to-left line starts at the right.
+/// Draws the line in the vertical middle of `area`. A longer line is drawn from its start and beyond the end of
+/// `area`; the caller clips. Lays out only the visible part. In Face::prose, a right-to-left line begins at the
+/// right.
 void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextStyle &style);
 
 } // namespace desk

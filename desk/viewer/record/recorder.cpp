@@ -19,7 +19,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Whether a file is called as pictures are: "07-ok.png".
+/// Whether the file has a picture's name: "07-ok.png".
 bool isPicture(const fs::path &path)
 {
 	const std::string name = path.stem();
@@ -78,11 +78,11 @@ void Recorder::begin()
 		for (const fs::directory_entry &entry : fs::directory_iterator(pictures, failed))
 			if (isPicture(entry.path()))
 				earlier.push_back(entry.path());
-	for (const fs::path &path : earlier) // with more keys they would be taken for this run's
+	for (const fs::path &path : earlier) // else they would look like pictures of this run
 		fs::remove(path, failed);
 	for (FILE *file : {dump, trace})
 		if (file) [[maybe_unused]]
-			const int cut = ftruncate(fileno(file), 0); // a pipe has nothing to lose
+			const int cut = ftruncate(fileno(file), 0); // fails for a pipe
 }
 
 void Recorder::write(FILE *file, const std::string &line, const char *what, const std::string &path)
@@ -93,7 +93,7 @@ void Recorder::write(FILE *file, const std::string &line, const char *what, cons
 
 void Recorder::record(const std::string &after, const std::string &windows, const DisplayList &picture)
 {
-	if (dump) // names of keys need no escapes
+	if (dump) // keys' names need no escapes
 		write(dump, "{\"after\":\"" + after + "\",\"windows\":" + (windows.empty() ? "null" : windows) + '}',
 		      "the dump", dumpPath);
 	if (!pictures.empty()) {
@@ -102,7 +102,7 @@ void Recorder::record(const std::string &after, const std::string &windows, cons
 			count.insert(0, 1, '0');
 		const std::string path = pictures + '/' + count + '-' + after + ".png";
 		std::error_code failed;
-		fs::remove(path, failed); // it may be a link
+		fs::remove(path, failed); // may be a link
 		PixelCanvas canvas;
 		picture.draw(canvas, wholeScreen);
 		try {

@@ -9,8 +9,7 @@
 namespace desk
 {
 
-/// What a run leaves behind: what is on the screen at the start and after every key, as pictures and as JSON lines,
-/// and the plugin's calls.
+/// Records a run: the screen at the start and after each key, as pictures and as JSON lines, and the plugin's calls.
 class Recorder
 {
 public:
@@ -19,21 +18,21 @@ public:
 	Recorder &operator=(const Recorder &) = delete;
 	~Recorder();
 
-	/// Writes pictures into `folder`, which is made when it does not exist, or descriptions or calls to `file`, which keeps
-	/// what it has until begin(). They throw an Error when they cannot.
+	/// Records pictures in `folder`, which is created if missing, or descriptions or calls in `file`, unchanged until
+	/// begin(). They throw an Error on failure.
 	void openPictures(const std::string &folder);
 	void openDump(const std::string &file);
 	void openTrace(const std::string &file);
 
-	/// Empties the files, once all is open.
+	/// Empties the files, after all are opened.
 	void begin();
 
 	/// Records the screen after `after` ("start" or a key's name); `windows` is its description in JSON.
 	void record(const std::string &after, const std::string &windows, const DisplayList &picture);
-	/// Records a call, at once: a trace is read above all when the plugin has crashed.
+	/// Writes a call immediately, because a trace is most needed after a crash.
 	void call(const std::string &line);
 
-	/// Ends the recording. Returns what could not be written first, in one line; empty: everything has been.
+	/// Ends the recording. Returns the first error in one line, or "".
 	std::string close();
 
 private:
@@ -43,7 +42,7 @@ private:
 	std::string dumpPath, tracePath;
 	FILE *dump = nullptr, *trace = nullptr;
 	int number = 0;
-	std::string failure; ///< the first one
+	std::string failure; ///< the first error
 };
 
 } // namespace desk

@@ -14,9 +14,9 @@ namespace
 using Shape = Cell::Shape;
 
 constexpr Rect wholeGrid{0, 0, cellColumns, cellRows};
-constexpr int oneLine = 48;        // pixels; a fill up to that height is made for a line of text
-constexpr size_t mostBytes = 8192; // of a line; far more than its cells with their combining characters
-constexpr size_t mostMarks = 4;    // combining characters that a cell can hold
+constexpr int oneLine = 48;        // pixels; a fill of at most this height belongs to one line of text
+constexpr size_t mostBytes = 8192; // of a line; far more than its cells need
+constexpr size_t mostMarks = 4;    // combining characters in a cell
 
 int floorDivide(int value, int by)
 {
@@ -28,7 +28,7 @@ int nearest(int value, int by)
 	return floorDivide(value + by / 2, by);
 }
 
-// The cells of an area of pixels. What is half a cell wide at least has one; a hairline has none.
+// The cells of an area in pixels, rounded: thin lines take none.
 Rect cellsOf(const Rect &pixels)
 {
 	Rect cells;
@@ -59,7 +59,7 @@ Color legibleOn(Color ground)
 	return light > 105000 ? Color{0, 0, 0} : Color{255, 255, 255};
 }
 
-/// A character with what combines with it, 1 or 2 cells wide.
+/// A character with its combining characters, 1 or 2 cells wide.
 struct Glyph
 {
 	std::string bytes;
@@ -109,7 +109,7 @@ void CellCanvas::popClip()
 		clips.pop_back();
 }
 
-// Whatever takes one half of a wide character leaves a blank in the other.
+// Overwriting half of a wide character leaves a blank in the other half.
 void CellCanvas::put(int row, int column, const Cell &fresh)
 {
 	Cell &old = cell(row, column);
@@ -125,7 +125,7 @@ void CellCanvas::fill(const Rect &area, const Fill &fill)
 	const Rect seen = area.intersected(clips.back());
 	const Rect cells = cellsOf(seen);
 	if (seen.h == screenHeight && seen.w == screenWidth)
-		window = {}; // a picture that begins anew
+		window = {}; // a new picture
 	const bool bar = cells.w == 1;
 	const bool button = cells.h == 1 && fill.radius > 0 && !bar;
 	for (int row = cells.y; row < cells.bottom(); ++row)
@@ -288,7 +288,7 @@ std::vector<int> CellCanvas::rowsWithin(int comfortable, int most) const
 	}
 
 	const auto more = [&](int count) { return static_cast<int>(rows.size()) > count; };
-	// From both ends, so that what is left stays in the middle, and stays there when a question opens.
+	// Alternately from both ends, so that the rest stays in the middle, also when a question opens.
 	for (const Worth worth : {backdrop, blank})
 		for (bool bottom = true; more(comfortable); bottom = !bottom) {
 			const auto leavable = [&](const auto &row) { return row.second == worth; };

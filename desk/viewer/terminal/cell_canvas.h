@@ -11,14 +11,14 @@
 namespace desk
 {
 
-// The receiver's screen in character cells; see CellCanvas.
+// The receiver's screen in cells.
 constexpr int cellColumns = 90;
 constexpr int cellRows = 29;
 
-/// One character cell, ready to be shown.
+/// One character cell.
 struct Cell
 {
-	/// What a terminal has characters of its own for: lines, and the scroll bar's parts.
+	/// Line-drawing characters and the scroll bar, which each terminal draws in its own way.
 	enum class Shape
 	{
 		none,
@@ -32,22 +32,22 @@ struct Cell
 		thumb,
 	};
 
-	std::string glyph = " ";   ///< UTF-8, with its combining characters; empty: the right half of a wide one
+	std::string glyph = " ";   ///< UTF-8 with combining characters; empty: right half of a wide one
 	Shape shape = Shape::none; ///< drawn in place of `glyph`
 	Color text, ground;
-	Color below;  ///< the ground there would be without the entry or the button
-	char end = 0; ///< '[' or ']': a button begins or ends here
+	Color below;  ///< the ground without the entry or the button
+	char end = 0; ///< '[' or ']': a button's left or right end
 	bool bold = false;
 	bool dim = false;
-	bool current = false; ///< where the viewer is; must differ from its surroundings whatever the colours
+	bool current = false; ///< has the focus; must stand out without colours too
 	bool inWindow = false;
 };
 
-/// A canvas of character cells. A cell is 8 x 20 pixels, so that a row of text of 20 pixels, the only
-/// height that fits, is one row of cells, and columns made with blanks line up as they do in pixels.
+/// A canvas of character cells. A cell is 8 x 20 pixels: a row of text of 20 pixels, the only height that fits, is
+/// one row of cells, and columns made of blanks align.
 ///
-/// Edges go to the nearest cell edge. A line of text goes to the row of cells that its middle is in, and so does
-/// a fill that is made for one line, such as a button. Blanks in a text let what is beneath show through.
+/// Edges are rounded to cells. A line of text goes to the row of cells at its middle, as does a fill for one line,
+/// such as a button. Blanks in a text are transparent.
 class CellCanvas : public Canvas
 {
 public:
@@ -55,16 +55,16 @@ public:
 
 	CellCanvas();
 
-	/// No: what is in which window is known from its frame.
+	/// False, because a frame defines which cells belong to a window.
 	bool paintsInParts() const override { return false; }
 	void pushClip(const Rect &area) override;
 	void popClip() override;
 	void fill(const Rect &area, const Fill &fill) override;
-	/// The edges are drawn in the cells around those of `client`, the title in the row above it.
+	/// Draws the edges in the cells around `client`, the title in the row above it.
 	void frame(const Rect &outer, const Rect &client, std::string_view title,
 	           const FrameStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
-	/// The key's initial in brackets, on its colour.
+	/// The key's initial in brackets, in its colour.
 	void keySymbol(const Rect &area, Key key, Color color) override;
 
 	const Cell &at(int row, int column) const
@@ -72,11 +72,11 @@ public:
 		return grid[static_cast<size_t>(row * cellColumns + column)];
 	}
 
-	/// The rows to show, from the top. While there are more than `comfortable`, those outside of the windows are
-	/// left out and then those without text; while there are more than `most`, those farthest from the viewer's.
+	/// The rows to show, from the top. With more than `comfortable` rows, leaves out those outside of windows and
+	/// then those without text; with more than `most`, those farthest from the current one.
 	std::vector<int> rowsWithin(int comfortable, int most) const;
 
-	/// The first column to show where there is room for `most`: the middle, unless a window begins before it.
+	/// The first of `most` columns to show: centred, unless a window begins further left.
 	int firstColumnWithin(int most) const;
 
 private:
@@ -84,8 +84,8 @@ private:
 	void put(int row, int column, const Cell &fresh);
 	void put(const Rect &area, std::string_view line, const TextStyle &style, std::optional<Color> ground);
 
-	std::vector<Rect> clips; ///< in pixels, the innermost last
-	Rect window;             ///< the cells, without its edges, of the window that was begun last; empty: none
+	std::vector<Rect> clips; ///< in pixels, innermost last
+	Rect window;             ///< the inner cells of the last window; empty: none
 	std::vector<Cell> grid;
 };
 

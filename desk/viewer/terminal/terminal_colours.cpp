@@ -17,7 +17,7 @@ int lightness(Color color)
 	return (299 * color.r + 587 * color.g + 114 * color.b) / 1000;
 }
 
-// By hue rather than by distance: with so few colours, a dull blue is still to be blue.
+// By hue, not by distance: a dull blue must become blue.
 int nearestOfEight(Color color)
 {
 	const int most = std::max({color.r, color.g, color.b});
@@ -30,7 +30,7 @@ int nearestOfEight(Color color)
 	return (color.r > middle ? 1 : 0) | (color.g > middle ? 2 : 0) | (color.b > middle ? 4 : 0);
 }
 
-// The first 16 of the 256 differ from terminal to terminal, the cube and the greys do not.
+// Not one of the first 16, which differ between terminals.
 int nearestOfCube(Color color)
 {
 	static constexpr int steps[] = {0, 95, 135, 175, 215, 255};
@@ -70,7 +70,7 @@ int legibleColour(Color text, Color ground, ColourDepth depth)
 {
 	const int number = colourNumber(text, depth);
 	const int below = colourNumber(ground, depth);
-	// Colours that were made for each other may not be any more among eight.
+	// With eight colours, the text may no longer contrast with the ground.
 	static constexpr int lights[] = {0, 61, 120, 181, 27, 84, 143, 229};
 	if (depth == ColourDepth::eight && std::abs(lights[number] - lights[below]) < 100)
 		return lights[below] > 120 ? COLOR_BLACK : COLOR_WHITE;

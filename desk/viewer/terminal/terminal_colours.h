@@ -6,21 +6,21 @@
 namespace desk
 {
 
-/// How many colours a terminal has.
+/// The number of a terminal's colours.
 enum class ColourDepth
 {
 	none,
 	eight,
-	indexed, ///< 256: the usual cube and ramp of greys
+	indexed, ///< 256: the usual colour cube and greys
 };
 
-/// What the terminal can show by its description; setupterm() has been called. NO_COLOR turns colours off.
+/// The terminal's colours by its description, after setupterm(). NO_COLOR turns them off.
 ColourDepth terminalColours();
 
-/// The terminal's own number of the colour that is nearest to `color`; not for ColourDepth::none.
+/// The terminal's number of the colour nearest to `color`; not for ColourDepth::none.
 int colourNumber(Color color, ColourDepth depth);
 
-/// The number for `text`, or for black or white where that one is not legible on `ground`.
+/// The number for `text`, or for black or white if `text` is not legible on `ground`.
 int legibleColour(Color text, Color ground, ColourDepth depth);
 
 } // namespace desk

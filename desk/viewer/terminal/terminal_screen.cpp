@@ -31,7 +31,7 @@
 
 #include <curses.h>
 #include <term.h>
-#undef lines // these headers' macros name everything
+#undef lines // macros of these headers with common names
 
 namespace desk
 {
@@ -40,10 +40,10 @@ namespace
 
 constexpr int neededColumns = 80;
 constexpr int neededRows = 24;
-constexpr int escapeDelay = 50; // milliseconds after which an Esc is no start of another key
+constexpr int escapeDelay = 50; // milliseconds after which Esc does not begin another key
 constexpr int logKey = KEY_F(9);
 
-/// Words of the help line; a key's name when `key`.
+/// Parts of the help line; `key` marks a key's name.
 const struct
 {
 	bool key;
@@ -54,7 +54,7 @@ const struct
 	{true, "r g y b"},    {false, " colours  "}, {true, "F9"},        {false, " log"},
 };
 
-/// What terminals send for a key, whatever their description says.
+/// Sequences that terminals send, whatever their description says.
 const struct
 {
 	const char *bytes;
@@ -117,7 +117,7 @@ std::optional<Key> keyOfCharacter(wint_t character)
 	}
 }
 
-// A string of the terminal's description, as it is to be sent; empty when there is none.
+// A string of the terminal's description; empty if missing.
 std::string described(const char *name)
 {
 	static std::string out;
@@ -131,8 +131,8 @@ std::string described(const char *name)
 	return out;
 }
 
-/// A glyph in the wide characters of this locale; false when it cannot be shown in `span` cells. Where the
-/// locale is not UTF-8, a byte beyond ASCII might be a control to the terminal.
+/// The glyph in wide characters of this locale; false if it does not fit `span` cells. In other character sets than
+/// UTF-8, a non-ASCII byte may be a control.
 bool localized(const std::string &glyph, int span, std::wstring &out)
 {
 	static const bool utf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
@@ -175,7 +175,7 @@ bool isInForeground()
 	return foreground < 0 || foreground == getpgrp();
 }
 
-/// The screens in a terminal, by curses, which also stops, goes on and resizes.
+/// The screen in a terminal, by curses; handles job control and resizing.
 class TerminalScreen : public Screen
 {
 public:
@@ -210,11 +210,11 @@ private:
 	ColourDepth depth = ColourDepth::none;
 	std::map<std::pair<int, int>, int> pairs;
 	CellCanvas cells;
-	termios modes = {}; // of the terminal before
+	termios modes = {}; // of the terminal before the start
 	std::deque<Input> keys;
 	bool hungUp = false;
 	bool showsLog = false;
-	bool away = false; ///< has been stopped, and given the terminal back
+	bool away = false; ///< stopped, with the terminal restored
 };
 
 std::unique_ptr<Screen> TerminalScreen::open()
@@ -246,17 +246,17 @@ std::unique_ptr<Screen> TerminalScreen::open()
 bool TerminalScreen::start(const char *name)
 {
 	depth = terminalColours();
-	del_curterm(cur_term); // curses has its own
+	del_curterm(cur_term); // curses makes its own
 	input = fdopen(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3), "r");
 	output = fdopen(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3), "w");
 	tcgetattr(STDIN_FILENO, &modes);
 	winsize size = {};
 	if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0) {
-		use_env(FALSE); // LINES and COLUMNS may be another terminal's
+		use_env(FALSE); // LINES and COLUMNS may be outdated
 		use_tioctl(TRUE);
 	}
 	if (input && output) {
-		const EndsAtOnce stopped; // in the background it is, here
+		const EndsAtOnce stopped; // newterm() stops a background process
 		curses = newterm(name, output, input);
 	}
 	if (!curses)
@@ -287,7 +287,7 @@ TerminalScreen::~TerminalScreen()
 		if (!away)
 			endwin();
 		delscreen(curses);
-		if (isInForeground()) // commands may have changed them
+		if (isInForeground()) // commands may have changed the modes
 			tcsetattr(STDIN_FILENO, TCSANOW, &modes);
 	}
 	for (FILE *stream : {input, output})
@@ -343,19 +343,19 @@ void TerminalScreen::draw()
 		drawHelp(top + count, left);
 }
 
-// `textColour` is that of the cell before. Blanks keep it, so that no change of colours is sent for them.
+// `textColour` is the previous cell's. Blanks keep it, to avoid sending a change of colour.
 void TerminalScreen::drawCell(int row, int column, const Cell &cell, int span, int &textColour)
 {
 	attr_t attributes = cell.bold ? A_BOLD : A_NORMAL;
 	int colours = 0;
-	bool distinct = false; // by its colours, from what is around it
+	bool distinct = false; // whether its colours differ from its surroundings
 	if (depth != ColourDepth::none) {
 		const int ground = colourNumber(cell.ground, depth);
 		distinct = ground != colourNumber(cell.below, depth);
 		if (cell.glyph != " " || cell.shape != Cell::Shape::none || !distinct)
 			textColour = legibleColour(cell.text, cell.ground, depth);
 		if (depth == ColourDepth::eight && textColour == COLOR_BLACK)
-			attributes &= ~A_BOLD; // which makes a grey of black
+			attributes &= ~A_BOLD; // bold black looks grey
 		colours = pair(textColour, ground);
 	}
 	if (!distinct && cell.current)
@@ -364,10 +364,10 @@ void TerminalScreen::drawCell(int row, int column, const Cell &cell, int span, i
 		attributes |= A_UNDERLINE;
 
 	std::wstring glyph;
-	bool narrow = false; // a mark in place of a wide character leaves a blank beside it
+	bool narrow = false; // a replacement for a wide character leaves a blank beside it
 	const bool bar = cell.shape == Cell::Shape::track || cell.shape == Cell::Shape::thumb;
 	if (bar && depth == ColourDepth::indexed)
-		glyph = L" "; // its two colours may be one elsewhere
+		glyph = L" "; // line characters may show the text's colour
 	else if (const cchar_t *line = lineCharacter(cell.shape)) {
 		wchar_t text[CCHARW_MAX + 1] = {};
 		attr_t kind = 0;
@@ -404,7 +404,7 @@ int TerminalScreen::pair(int text, int ground)
 	return pairs[{text, ground}] = number;
 }
 
-// A line that fits, of visible text.
+// Adds a line of visible text that fits.
 void addText(int row, int column, const std::string &line)
 {
 	std::wstring wide, glyph;
@@ -426,7 +426,7 @@ void TerminalScreen::drawHelp(int row, int column)
 	attrset(A_NORMAL);
 }
 
-// The last debug lines and notes, as many as there is room for.
+// Shows the last debug lines and notes that fit.
 void TerminalScreen::drawLog()
 {
 	const std::vector<std::string> lines = NoteLog::get().lastRows(static_cast<size_t>(LINES - 1), COLS);
@@ -448,11 +448,11 @@ void TerminalScreen::readInput()
 		if (kind == ERR)
 			break;
 		if (kind == KEY_CODE_YES && code == KEY_RESIZE)
-			continue; // has been seen to
+			continue; // handled already
 		if (const std::optional<Key> key = keyOf(kind, code); key && (fits() || *key == Key::exit))
 			keys.push_back({*key});
 	}
-	// A frame may have been left half sent because keys were waiting.
+	// curses interrupts a frame when keys arrive; finish it now.
 	refresh();
 	pollfd end = {STDIN_FILENO, POLLIN, 0};
 	int waiting = 0;
@@ -474,16 +474,16 @@ void TerminalScreen::handleSignal(int signal)
 	if (signal == SIGTSTP) {
 		endwin();
 		away = true;
-		raise(SIGSTOP); // until SIGCONT, which is next
+		raise(SIGSTOP); // until SIGCONT
 	} else if (signal == SIGCONT && !isInForeground())
-		raise(SIGSTOP); // continued in the background, where the terminal is somebody else's
+		raise(SIGSTOP); // continued in the background, without the terminal
 	else if (signal == SIGCONT || !away) {
 		away = false;
 		repair();
 	}
 }
 
-// Others have used the terminal, or it has another size now.
+// Redraws after other programs used the terminal, or after a change of size.
 void TerminalScreen::repair()
 {
 	endwin();
@@ -493,7 +493,7 @@ void TerminalScreen::repair()
 	redraw();
 }
 
-// The remote's key of what has been typed. Keys of the screen's own are dealt with here.
+// The remote control's key for the input. Handles the screen's own keys.
 std::optional<Key> TerminalScreen::keyOf(int kind, wint_t code)
 {
 	if (showsLog || (kind == KEY_CODE_YES && code == logKey)) {
@@ -508,13 +508,13 @@ std::optional<Key> TerminalScreen::keyOf(int kind, wint_t code)
 		return keyOfCode(code);
 	if (code == 'L' - 64)
 		redraw();
-	// The start of a key that nobody knows is no Esc.
+	// An unknown escape sequence is not Esc.
 	if (code == 033 && skipSequence())
 		return std::nullopt;
 	return keyOfCharacter(code);
 }
 
-// What has come after an Esc when it began a sequence; false when it did not.
+// Skips an escape sequence after its Esc; false if there is none.
 bool TerminalScreen::skipSequence()
 {
 	wint_t code = 0;

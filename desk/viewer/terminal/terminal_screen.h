@@ -6,7 +6,7 @@
 namespace desk
 {
 
-/// The height in pixels that a row of text must have on a terminal.
+/// Required height of a row of text, in pixels.
 constexpr int terminalRowHeight = 20;
 
 /// The terminal on standard input and output. Throws an Error when it cannot be used.

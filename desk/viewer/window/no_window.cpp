@@ -1,4 +1,4 @@
-// What a desk host that is built without its window does in its place.
+// Replaces the window in builds without SDL2.
 
 #include "window_screen.h"
 

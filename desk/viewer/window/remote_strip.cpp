@@ -7,7 +7,7 @@ namespace desk
 namespace
 {
 
-// Two rows of buttons, in groups with a wider gap between them.
+// Two rows of buttons in groups, with wider gaps between groups.
 constexpr int margin = 10;
 constexpr int gap = 6, wideGap = 16;
 constexpr int buttonHeight = 35;
@@ -61,7 +61,7 @@ constexpr StripButton buttons[] = {
 	{cell(wordsLeft, wordsWidth, 0, lowerRow), "Picture", Command::savePicture},
 };
 
-// The window's own colours: a skin is the look of what is on the screen above.
+// Fixed colours: the skin applies only to the screen above.
 constexpr Color ground = {12, 18, 25}, edge = {44, 61, 79};
 constexpr Color buttonTop = {50, 68, 87}, buttonBottom = {34, 48, 63};
 constexpr Color letters = {238, 243, 247}, commandLetters = {169, 188, 205}, ink = {20, 16, 10};

@@ -9,7 +9,7 @@
 namespace desk
 {
 
-/// What a viewer can ask of the window, other than the keys of the remote control.
+/// The window's own commands besides the keys of the remote control.
 enum class Command
 {
 	savePicture,
@@ -19,10 +19,10 @@ enum class Command
 
 using Action = std::variant<Key, Command>;
 
-/// The strip's size in pixels; it is as wide as the picture above it.
+/// In pixels; the strip is as wide as the picture above it.
 constexpr int stripHeight = 96;
 
-/// A button of the strip. `area`: its place, from the strip's upper left corner.
+/// A button. `area`: relative to the strip's upper left corner.
 struct StripButton
 {
 	Rect area;
@@ -30,10 +30,10 @@ struct StripButton
 	Action action;
 };
 
-/// Draws the remote control at the canvas's upper edge.
+/// Draws the strip at the top of the canvas.
 void drawStrip(Canvas &canvas);
 
-/// The button at this place of the strip, null when there is none.
+/// The button at this position of the strip, or null.
 const StripButton *stripButtonAt(int x, int y);
 
 } // namespace desk

@@ -30,7 +30,7 @@ const struct
 	{SDLK_F12, Command::savePicture},
 };
 
-// By place, not by letter: on some keyboards the digits are shifted.
+// By scan code, because some keyboards have shifted digits.
 std::optional<Key> digitOf(SDL_Scancode pressed)
 {
 	if (pressed == SDL_SCANCODE_0 || pressed == SDL_SCANCODE_KP_0)
@@ -45,7 +45,7 @@ std::optional<Key> digitOf(SDL_Scancode pressed)
 
 std::optional<Action> actionOf(const SDL_Keysym &pressed)
 {
-	// Chords belong to the window manager and its programs.
+	// Key combinations belong to the window manager.
 	if (pressed.mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI))
 		return std::nullopt;
 	if (const std::optional<Key> digit = digitOf(pressed.scancode))

@@ -10,7 +10,7 @@
 namespace desk
 {
 
-/// What a key of the keyboard does; nothing when it does nothing.
+/// The action of a keyboard's key, if any.
 std::optional<Action> actionOf(const SDL_Keysym &pressed);
 
 } // namespace desk

@@ -32,7 +32,7 @@ namespace desk
 namespace
 {
 
-constexpr int displayPatience = 5000; // milliseconds that a display may take to answer
+constexpr int displayPatience = 5000; // milliseconds to wait for the display's answer
 
 constexpr int width = screenWidth, height = screenHeight + stripHeight;
 
@@ -42,10 +42,10 @@ std::string variable(const char *name)
 	return value ? value : "";
 }
 
-// What lies over the picture: rows of text, within a margin.
+// Text over the picture: rows with a margin.
 constexpr int panelRow = 20, panelMargin = 8;
 constexpr int panelRows = (screenHeight - 2 * panelMargin) / panelRow;
-constexpr int panelColumns = (screenWidth - 2 * panelMargin) / 8; // of Face::columns in such a row
+constexpr int panelColumns = (screenWidth - 2 * panelMargin) / 8; // of Face::columns
 
 constexpr Rect panelRowAt(int row)
 {
@@ -60,8 +60,7 @@ TextStyle panelText(Face face)
 	return style;
 }
 
-// How many pixels of the display a pixel of the picture takes: whole ones where one fits at all, with
-// room for what the desktop puts around a window.
+// Screen pixels per picture pixel: a whole number where at least 1 fits. Leaves room for the window's frame.
 double suitableScale()
 {
 	SDL_Rect room = {0, 0, width, height};
@@ -70,7 +69,7 @@ double suitableScale()
 	return scale >= 1 ? std::floor(scale) : std::max(scale, 0.25);
 }
 
-// `remedy`: what would do besides.
+// `remedy`: an alternative to other screens.
 Error noWindow(const std::string &why, const std::string &remedy = "")
 {
 	return Error(visibleText("cannot open a window: " + why + "; " + remedy +
@@ -78,12 +77,10 @@ Error noWindow(const std::string &why, const std::string &remedy = "")
 }
 constexpr char setDisplay[] = "set DISPLAY or ";
 
-// Connects SDL to the display.
 void startVideo()
 {
 	const std::string x11 = variable("DISPLAY"), wayland = variable("WAYLAND_DISPLAY");
-	// Asked without a display, some of SDL's drivers take the machine's console, others complain by
-	// themselves. Whoever names a driver gets that one.
+	// Without a display, some of SDL's drivers take the console, others print errors. SDL_VIDEODRIVER overrides this.
 	if (variable("SDL_VIDEODRIVER").empty()) {
 		if (x11.empty() && wayland.empty())
 			throw noWindow("there is no display", setDisplay);
@@ -91,26 +88,26 @@ void startVideo()
 	}
 	SDL_SetMainReady();
 	SDL_SetHint(SDL_HINT_APP_NAME, "deskhost");
-	SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1"); // SDL's do not reach a thread that sleeps
+	SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1"); // they do not wake a sleeping thread
 	SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
 	SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
 	SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
-	SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1"); // the click that gives the focus is one as well
+	SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1"); // a click that gives the focus counts as well
 	if (SDL_Init(SDL_INIT_VIDEO) != 0)
 		throw noWindow("display \"" + (x11.empty() ? wayland : x11) + "\": " + SDL_GetError(), setDisplay);
-	// A menu is drawn sooner than a graphics driver is loaded, and without the driver's threads.
+	// Software rendering starts faster than a graphics driver, and without its threads.
 	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
 		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
 }
 
-// Whether the display has pixels that SDL can draw.
+// Whether SDL can draw in the display's pixel format.
 bool takesPictures()
 {
 	SDL_Window *window = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
 	return window && SDL_CreateRenderer(window, -1, SDL_RENDERER_SOFTWARE);
 }
 
-/// The window: all of SDL.
+/// The window, in SDL.
 class WindowScreen : public Screen
 {
 public:
@@ -152,27 +149,26 @@ private:
 	void draw();
 	bool moreIsQueued() const;
 
-	Display *display = nullptr; ///< X11's; null with another display server
+	Display *display = nullptr; ///< X11's; null for other display servers
 	XID ownName = 0;            ///< X11's name of the window
 	Handle<SDL_Window> window;
 	Handle<SDL_Renderer> renderer;
 	Handle<SDL_Texture> picture, strip, notes;
 	PixelCanvas painted;
-	const StripButton *pressed = nullptr; ///< under the mouse
-	std::optional<Input> click;           ///< into the picture, that begins: the button is down
+	const StripButton *pressed = nullptr; ///< under the pressed mouse button
+	std::optional<Input> click;           ///< on the picture, while the button is pressed
 	bool showsNotes = false;              ///< over the picture
-	bool stale = true;                    ///< what the window shows
+	bool stale = true;                    ///< the window does not show the current state
 	bool isClosed = false;
 	std::deque<Input> inputs;
 };
 
 bool displayIsGone = false;
-bool windowIsGone = false; ///< the display may be there
+bool windowIsGone = false; ///< destroyed by another program, perhaps without the display
 
 WindowScreen::~WindowScreen()
 {
-	// The end of the process, which is near, gives all of it back. Asked for that, SDL would wait for an answer of
-	// the display, which may be gone.
+	// Leaves the release to the end of the process. SDL would wait for an answer of the display, which may be gone.
 	for (Handle<SDL_Texture> *each : {&picture, &strip, &notes})
 		static_cast<void>(each->release());
 	static_cast<void>(renderer.release());
@@ -186,10 +182,9 @@ void WindowScreen::open(const std::string &title)
 	if (!create(title))
 		throw noWindow(SDL_GetError());
 	if (display) {
-		// Without these Xlib ends the program.
+		// The default handlers end the program.
 		XSetIOErrorHandler([](Display *) { return 0; });
-		XSetErrorHandler(
-			[](Display *, XErrorEvent *) { return 0; }); // of a window that somebody has destroyed
+		XSetErrorHandler([](Display *, XErrorEvent *) { return 0; }); // the window may be destroyed
 		XSetIOErrorExitHandler(
 			display, [](Display *, void *) { displayIsGone = true; }, nullptr);
 	}
@@ -217,14 +212,14 @@ bool WindowScreen::create(const std::string &title)
 	SDL_UpdateTexture(strip.get(), nullptr, drawn.pixels(), drawn.stride());
 	present(wholeScreen);
 	SDL_SetWindowMinimumSize(window.get(), width / 2, height / 2);
-	SDL_StopTextInput(); // keys, not letters: no input method is wanted
+	SDL_StopTextInput(); // only keys are wanted, no input method
 	SDL_SysWMinfo info;
 	SDL_VERSION(&info.version);
 	if (SDL_GetWindowWMInfo(window.get(), &info) && info.subsystem == SDL_SYSWM_X11) {
 		display = info.info.x11.display;
 		ownName = info.info.x11.window;
 	}
-	SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE); // SDL does not tell that somebody has destroyed it
+	SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE); // tells of a destroyed window, which SDL does not
 	return true;
 }
 
@@ -253,7 +248,7 @@ int WindowScreen::patience() const
 		return displayIsGone && !isClosed ? 0 : -1;
 	if (stale || moreIsQueued())
 		return 0;
-	return display ? -1 : 20; // what other display servers send is looked for now and then
+	return display ? -1 : 20; // polls other display servers
 }
 
 void WindowScreen::readInput()
@@ -280,7 +275,7 @@ void WindowScreen::settle()
 {
 	readInput();
 	if (display && !displayIsGone)
-		XSync(display, False); // what it shows now can be seen
+		XSync(display, False); // waits until the last frame is visible
 	readInput();
 	click.reset();
 }
@@ -292,7 +287,7 @@ std::string WindowScreen::lost() const
 	return displayIsGone ? "the display has gone: its server has ended or the connection to it broke" : "";
 }
 
-// Events that SDL or Xlib has read already do not end a sleep.
+// poll() does not see events that SDL or Xlib has read already.
 bool WindowScreen::moreIsQueued() const
 {
 	if (SDL_HasEvents(SDL_FIRSTEVENT, SDL_LASTEVENT))
@@ -305,7 +300,7 @@ void WindowScreen::handle(const SDL_Event &event)
 	const bool asks =
 		event.type == SDL_KEYDOWN || event.type == SDL_MOUSEBUTTONDOWN || event.type == SDL_MOUSEWHEEL;
 	if (showsNotes && asks)
-		return hideNotes(); // any key goes back, and does nothing else
+		return hideNotes(); // any key only closes the notes
 	switch (event.type) {
 	case SDL_KEYDOWN:
 		if (const auto action = actionOf(event.key.keysym))
@@ -387,7 +382,7 @@ void WindowScreen::perform(const Action &action, bool repeat)
 	}
 }
 
-// The last debug lines and notes, as many as there is room for, over the whole picture.
+// Shows the last debug lines and notes that fit over the picture.
 void WindowScreen::showNotes()
 {
 	constexpr int rows = panelRows - 1;
@@ -450,7 +445,7 @@ void awaitDisplay()
 	static bool answered = false;
 	if (answered)
 		return;
-	// Asked by another process, because a display that is there can be silent for ever.
+	// In a child process, because a display may never answer.
 	int ends[2];
 	if (pipe2(ends, O_CLOEXEC) != 0)
 		return;

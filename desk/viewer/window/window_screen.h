@@ -6,12 +6,11 @@
 namespace desk
 {
 
-/// A window on the display that the environment names; `title` is what it shows, in any bytes. Throws an Error
-/// when there can be none.
+/// A window on the display named by the environment, with the title `title` of any bytes. Throws an Error on failure.
 std::unique_ptr<Screen> makeWindowScreen(const std::string &title);
 
-/// Waits until the display that the environment names answers; throws an Error when it does not, because it may have
-/// gone since. To be called before there is a window.
+/// Waits until the environment's display answers. Throws an Error when it does not. To be called before a window is
+/// opened.
 void awaitDisplay();
 
 } // namespace desk
