@@ -11,22 +11,21 @@
 namespace desk
 {
 
-/// A screen that the kernel offers as memory (the fbdev interface, /dev/fb0).
+/// A screen whose memory the kernel exposes (fbdev, /dev/fb0).
 class Framebuffer
 {
 public:
-	/// Opens the device, and changes nothing yet. Throws an Error when it cannot be used.
+	/// Opens the device without changing it. Throws an Error when it cannot be used.
 	static std::unique_ptr<Framebuffer> open(const std::string &device);
 	~Framebuffer();
 	Framebuffer(const Framebuffer &) = delete;
 	Framebuffer &operator=(const Framebuffer &) = delete;
 
-	/// Makes the whole screen black, and switches it on should the console have switched it off.
+	/// Makes the whole screen black, and switches it on if the console has switched it off.
 	void blacken();
 
-	/// Shows a frame of 720 x 576 pixels (see PixelCanvas::pixels()): in the middle, made smaller
-	/// where the screen is smaller. Of a frame that is shown in its own size only the `changed` part
-	/// is written.
+	/// Shows a frame of 720 x 576 pixels (see PixelCanvas::pixels()), centred, and scaled down on a smaller screen.
+	/// Of an unscaled frame, writes only the `changed` part.
 	void show(const unsigned char *pixels, int stride, const Rect &changed);
 
 private:
@@ -37,14 +36,14 @@ private:
 	const int device;
 	unsigned char *mapping = nullptr;
 	size_t mappingSize = 0;
-	unsigned char *visible = nullptr; ///< the screen's first pixel
-	int lineLength = 0;               ///< bytes from one row to the next
+	unsigned char *visible = nullptr; ///< the first visible pixel
+	int lineLength = 0;               ///< bytes between the starts of rows
 	int width = 0, height = 0;
 	PixelLayout layout;
-	std::vector<unsigned char> row; ///< converted; the device's memory is slow to write in small pieces
+	std::vector<unsigned char> row; ///< one converted row, because small writes to device memory are slow
 };
 
-/// The first framebuffer in that folder. Throws an Error when there is none.
+/// The first framebuffer in that folder. Throws an Error if there is none.
 std::string findFramebuffer(const std::string &folder);
 
 } // namespace desk
