@@ -49,7 +49,7 @@ endif()
 list(APPEND code_flags -fno-exceptions)
 vexlo_append_known(compiler_flag code_flags
   -ffunction-sections -fdata-sections -fno-asynchronous-unwind-tables -fno-plt)
-# The runtime detection of 64-bit ARM instructions is not worth its size.
+# No detection of 64-bit ARM's instructions when the plugin is loaded, either.
 vexlo_append_known(compiler_flag code_flags -mno-outline-atomics)
 set(link_flags -nostartfiles)
 vexlo_append_known(linker_flag link_flags
