@@ -120,8 +120,7 @@ private:
 	bool crashed = false;         ///< gone after a crash, not after a failure to load
 
 	DisplayList picture, panel;
-	std::optional<std::string>
-		nextRecord; ///< what is to be recorded with the next frame: "start" or a key's name
+	std::optional<std::string> nextRecord; ///< to record with the next frame: "start" or a key's name
 
 	std::deque<Key> script;
 	bool replays = false;       ///< the script is pressed again without a person

@@ -14,7 +14,7 @@
 #include <sigc++/signal_system.h>
 #endif
 
-/// Identifies the signal layer; both sides must have the same.
+/// Identifies the signal layer, which must be the same on both sides.
 #define VEXLO_SIGNAL_LAYER "libsigc++ 1"
 
 #else

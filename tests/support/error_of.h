@@ -10,7 +10,7 @@
 namespace support
 {
 
-/// What the user is told of the desk::Error that `work` throws, which is one line. The test fails when it throws none.
+/// The one-line message of the desk::Error that `work` throws. Fails the test if it throws none.
 template <class Work> std::string errorOf(const Work &work)
 {
 	try {
