@@ -25,10 +25,10 @@ constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 std::string quoted(std::string_view name)
 {
 	constexpr size_t most = 40;
-	std::string out = "\"";
+	std::string out = "'";
 	for (const char c : name.substr(0, most))
 		out += c > ' ' && c < '\x7f' ? c : '?';
-	return out + (name.size() > most ? "...\"" : "\"");
+	return out + (name.size() > most ? "...'" : "'");
 }
 
 } // namespace

@@ -50,7 +50,7 @@ std::string shortened(std::string_view text)
 
 std::string quoted(std::string_view text)
 {
-	return "\"" + shortened(text) + "\"";
+	return '\'' + shortened(text) + '\'';
 }
 
 /// The error text without the skin's name.
@@ -284,13 +284,13 @@ Skin Skin::parse(std::string_view text, const std::string &name)
 		wrong = error.line;
 	}
 	// The name and quotations may contain any bytes; keeps the error one line.
-	throw Error(visibleText("skin \"" + name + "\"" + wrong));
+	throw Error(visibleText("skin '" + name + "'" + wrong));
 }
 
 Skin Skin::load(const std::string &path)
 {
 	const auto failure = [&](const std::string &why) {
-		return Error(visibleText("cannot read the skin \"" + path + "\": " + why));
+		return Error(visibleText("cannot read the skin '" + path + "': " + why));
 	};
 	if (struct stat status; stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode))
 		throw failure("it is a pipe; name a TOML file");

@@ -47,12 +47,12 @@ bool has(const fs::path &folder, const fs::path &file)
 	const fs::path root = fs::canonical(folder, failed), path = fs::canonical(file, failed);
 	if (std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end())
 		return true;
-	if (fs::hard_link_count(file, failed) > 1)
-		for (const fs::directory_entry &entry :
-		     fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied, failed))
-			if (areOneFile(entry.path(), file))
-				return true;
-	return false;
+	if (fs::hard_link_count(file, failed) < 2)
+		return false;
+	fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, failed);
+	while (!failed && entry != fs::end(entry) && !areOneFile(entry->path(), file))
+		entry.increment(failed);
+	return !failed && entry != fs::end(entry);
 }
 
 /// Throws an Error if a recording would overwrite any other output or input.

@@ -303,7 +303,7 @@ TEST(App, removes_what_a_limit_cuts_off)
 	                  "ulimit -f 4; exec '" + support::deskhostPath() +
 	                      "' --screen none --keys exit --pictures '" + folder.path() + "'"});
 	EXPECT_EQ(outcome.status, 2);
-	EXPECT_NE(outcome.err.find("00-start.png\": File too large\n"), std::string::npos) << outcome.err;
+	EXPECT_NE(outcome.err.find("00-start.png': File too large\n"), std::string::npos) << outcome.err;
 	EXPECT_FALSE(support::exists(folder / "00-start.png"));
 }
 

@@ -33,7 +33,7 @@ bool setModes(int console, long display, long keyboard)
 std::unique_ptr<Console> Console::take(const std::string &device)
 {
 	const auto failure = [&](const std::string &why) {
-		return Error(visibleText("cannot take the console \"" + device + "\": " + why));
+		return Error(visibleText("cannot take the console '" + device + "': " + why));
 	};
 	std::unique_ptr<Console> taken(new Console);
 	taken->modes.name = device;

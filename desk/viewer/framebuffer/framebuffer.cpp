@@ -49,12 +49,12 @@ void setStraightTables(int device, const fb_var_screeninfo &mode)
 std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path)
 {
 	const auto failure = [&](const std::string &why) {
-		return Error(visibleText("cannot use the framebuffer \"" + path + "\": " + why));
+		return Error(visibleText("cannot use the framebuffer '" + path + "': " + why));
 	};
 	const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
 	if (file < 0)
 		throw failure(errno == EACCES
-		                  ? "Permission denied; join the group \"video\", or run deskhost as root"
+		                  ? "Permission denied; join the group 'video', or run deskhost as root"
 		                  : strerror(errno) + std::string("; name the screen's device with --framebuffer"));
 	std::unique_ptr<Framebuffer> opened(new Framebuffer(file));
 	fb_var_screeninfo mode = {};
@@ -159,8 +159,8 @@ std::string findFramebuffer(const std::string &folder)
 {
 	const std::vector<std::string> found = numberedDevices(folder, "fb");
 	if (found.empty())
-		throw Error("there is no framebuffer (" + folder +
-		            "/fb0); load the driver of the screen, or name its device with --framebuffer");
+		throw Error("there is no framebuffer '" + folder +
+		            "/fb0'; load the driver of the screen, or name its device with --framebuffer");
 	return found.front();
 }
 

@@ -40,8 +40,8 @@ public:
 	{
 		remote->readInput();
 		if (remote->descriptor() < 0 && !std::exchange(goneNoted, true))
-			NoteLog::get().add("deskhost: the remote control \"" + remoteName +
-			                   "\" is gone; was it unplugged?");
+			NoteLog::get().add("deskhost: the remote control '" + remoteName +
+			                   "' is gone; was it unplugged?");
 	}
 
 	std::optional<Input> take() override

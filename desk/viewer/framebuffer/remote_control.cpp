@@ -127,11 +127,11 @@ struct InputDevice
 	bool isRemote() const { return navigates() && libevdev_has_event_code(device, EV_KEY, KEY_OK); }
 };
 
-constexpr char noRights[] = "Permission denied; join the group \"input\", or run deskhost as root";
+constexpr char noRights[] = "Permission denied; join the group 'input', or run deskhost as root";
 
 Error cannotUse(const std::string &path, const std::string &why)
 {
-	return Error(visibleText("cannot use the remote control \"" + path + "\": " + why));
+	return Error(visibleText("cannot use the remote control '" + path + "': " + why));
 }
 
 } // namespace
@@ -231,8 +231,8 @@ std::string findRemoteControl(const std::string &folder)
 		return keyboard;
 	if (!refused.empty())
 		throw cannotUse(refused, noRights);
-	throw Error("there is no remote control and no keyboard in " + folder +
-	            "; plug one in, or name its device with --remote");
+	throw Error("there is no remote control and no keyboard in '" + folder +
+	            "'; plug one in, or name its device with --remote");
 }
 
 } // namespace desk

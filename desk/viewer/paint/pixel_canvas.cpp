@@ -291,7 +291,7 @@ int PixelCanvas::stride() const
 void PixelCanvas::writePng(const std::string &path)
 {
 	const auto failure = [&](int reason) {
-		return Error(visibleText("cannot write \"" + path + "\": " + strerror(reason)));
+		return Error(visibleText("cannot write '" + path + "': " + strerror(reason)));
 	};
 	FILE *file = fopen(path.c_str(), "wb");
 	if (!file)

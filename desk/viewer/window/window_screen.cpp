@@ -94,7 +94,7 @@ void startVideo()
 	SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
 	SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1"); // a click that gives the focus counts as well
 	if (SDL_Init(SDL_INIT_VIDEO) != 0)
-		throw noWindow("display \"" + (x11.empty() ? wayland : x11) + "\": " + SDL_GetError(), setDisplay);
+		throw noWindow("display '" + (x11.empty() ? wayland : x11) + "': " + SDL_GetError(), setDisplay);
 	// Software rendering starts faster than a graphics driver, and without its threads.
 	if (strcmp(SDL_GetCurrentVideoDriver(), "x11") == 0)
 		SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");

@@ -62,15 +62,15 @@ TEST(KeyScripts, may_be_long)
 TEST(KeyScripts, name_the_unknown_key_and_list_the_known_ones)
 {
 	EXPECT_EQ(mistakeIn("down okay exit"),
-	          "unknown key \"okay\"; the keys are up down left right pageup pagedown home end ok exit "
+	          "unknown key 'okay'; the keys are up down left right pageup pagedown home end ok exit "
 	          "red green yellow blue 0 1 2 3 4 5 6 7 8 9");
-	EXPECT_EQ(mistakeIn("down,ok").substr(0, 21), "unknown key \"down,ok\"");
+	EXPECT_EQ(mistakeIn("down,ok").substr(0, 21), "unknown key 'down,ok'");
 }
 
 TEST(KeyScripts, quote_nasty_bytes_harmlessly_and_briefly)
 {
 	using namespace std::string_view_literals;
-	EXPECT_EQ(mistakeIn("\x1b[2J\x07\xff\0x"sv).substr(0, 24), "unknown key \"?[2J???x\"; ");
+	EXPECT_EQ(mistakeIn("\x1b[2J\x07\xff\0x"sv).substr(0, 24), "unknown key '?[2J???x'; ");
 	EXPECT_LT(mistakeIn(std::string(100000, 'x')).size(), 200u);
 }
 

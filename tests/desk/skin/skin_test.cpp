@@ -128,41 +128,40 @@ TEST(Skins, tell_what_is_wrong_and_where)
 		const char *text, *error;
 	} mistakes[] = {
 		{"[window]\nclient = 'night'\n",
-	     "skin \"test.toml\", line 2: unknown colour \"night\" for \"client\"; define it in [palette] "
+	     "skin 'test.toml', line 2: unknown colour 'night' for 'client'; define it in [palette] "
 	     "or write \"#rrggbb\""},
 		{"[window]\nclient = '#12345'\n",
-	     "skin \"test.toml\", line 2: unknown colour \"#12345\" for \"client\"; define it in [palette] "
+	     "skin 'test.toml', line 2: unknown colour '#12345' for 'client'; define it in [palette] "
 	     "or write \"#rrggbb\""},
 		{"[window]\n\nclient = 7\n",
-	     "skin \"test.toml\", line 3: \"client\" must be a colour: a name of [palette] or \"#rrggbb\""},
+	     "skin 'test.toml', line 3: 'client' must be a colour: a name of [palette] or \"#rrggbb\""},
 		{"[palette]\na = '#12345g'\n",
-	     "skin \"test.toml\", line 2: the colour \"a\" must be written as \"#rrggbb\""},
-		{"[palette]\na = 3\n", "skin \"test.toml\", line 2: the colour \"a\" must be written as \"#rrggbb\""},
-		{"[values]\nfontsize = 0\n", "skin \"test.toml\", line 2: \"fontsize\" must be from 1 to 200, not 0"},
-		{"[values]\nfontsize = 201\n",
-	     "skin \"test.toml\", line 2: \"fontsize\" must be from 1 to 200, not 201"},
-		{"[values]\nfontsize = 20.5\n", "skin \"test.toml\", line 2: \"fontsize\" must be a whole number"},
-		{"[values]\nfontsize = '20'\n", "skin \"test.toml\", line 2: \"fontsize\" must be a whole number"},
+	     "skin 'test.toml', line 2: the colour 'a' must be written as \"#rrggbb\""},
+		{"[palette]\na = 3\n", "skin 'test.toml', line 2: the colour 'a' must be written as \"#rrggbb\""},
+		{"[values]\nfontsize = 0\n", "skin 'test.toml', line 2: 'fontsize' must be from 1 to 200, not 0"},
+		{"[values]\nfontsize = 201\n", "skin 'test.toml', line 2: 'fontsize' must be from 1 to 200, not 201"},
+		{"[values]\nfontsize = 20.5\n", "skin 'test.toml', line 2: 'fontsize' must be a whole number"},
+		{"[values]\nfontsize = '20'\n", "skin 'test.toml', line 2: 'fontsize' must be a whole number"},
 		{"[values]\nother = 3000000000\n",
-	     "skin \"test.toml\", line 2: \"other\" must be from -2147483648 to 2147483647, not 3000000000"},
-		{"[window]\nradius = -1\n", "skin \"test.toml\", line 2: \"radius\" must be from 0 to 100, not -1"},
+	     "skin 'test.toml', line 2: 'other' must be from -2147483648 to 2147483647, not 3000000000"},
+		{"[window]\nradius = -1\n", "skin 'test.toml', line 2: 'radius' must be from 0 to 100, not -1"},
 		{"[decoration.eButton]\nradius = 101\n",
-	     "skin \"test.toml\", line 2: \"radius\" must be from 0 to 100, not 101"},
+	     "skin 'test.toml', line 2: 'radius' must be from 0 to 100, not 101"},
 		{"[decoration.eButton]\npadding = 201\n",
-	     "skin \"test.toml\", line 2: \"padding\" must be from 0 to 200, not 201"},
+	     "skin 'test.toml', line 2: 'padding' must be from 0 to 200, not 201"},
 		{"[backdrop]\nfill = ['#000000']\n",
-	     "skin \"test.toml\", line 2: \"fill\" must be one colour or two, the upper and the lower"},
+	     "skin 'test.toml', line 2: 'fill' must be one colour or two, the upper and the lower"},
 		{"[window]\nclent = '#000000'\n",
-	     "skin \"test.toml\", line 2: unknown entry \"clent\" in [window]; remove or correct it"},
+	     "skin 'test.toml', line 2: unknown entry 'clent' in [window]; remove or correct it"},
 		{"[decoration.eLabel]\nfont = 1\n",
-	     "skin \"test.toml\", line 2: unknown entry \"font\" in [decoration.eLabel]; remove or correct it"},
+	     "skin 'test.toml', line 2: unknown entry 'font' in [decoration.eLabel]; remove or correct it"},
 		{"[windows]\n",
-	     "skin \"test.toml\", line 1: unknown table [windows]; the tables are values, palette, backdrop, "
+	     "skin 'test.toml', line 1: unknown table [windows]; the tables are values, palette, backdrop, "
 	     "window, help, keys and decoration"},
-		{"values = 3\n", "skin \"test.toml\", line 1: \"values\" must be a table: write [values]"},
-		{"palette = 3\n", "skin \"test.toml\", line 1: \"palette\" must be a table: write [palette]"},
+		{"values = 3\n", "skin 'test.toml', line 1: 'values' must be a table: write [values]"},
+		{"palette = 3\n", "skin 'test.toml', line 1: 'palette' must be a table: write [palette]"},
 		{"[decoration]\neLabel = 3\n",
-	     "skin \"test.toml\", line 2: \"decoration.eLabel\" must be a table: write [decoration.eLabel]"},
+	     "skin 'test.toml', line 2: 'decoration.eLabel' must be a table: write [decoration.eLabel]"},
 	};
 	for (const auto &mistake : mistakes)
 		EXPECT_EQ(mistakeIn(mistake.text), mistake.error);
@@ -170,34 +169,34 @@ TEST(Skins, tell_what_is_wrong_and_where)
 
 TEST(Skins, tell_the_line_of_a_syntax_error)
 {
-	EXPECT_EQ(mistakeIn("[values]\nfontsize 20\n").find("skin \"test.toml\", line 2: "), 0u);
-	EXPECT_EQ(mistakeIn("[values\n").find("skin \"test.toml\", line 1: "), 0u);
-	EXPECT_EQ(mistakeIn("a = 1\na = 2\n").find("skin \"test.toml\", line 2: "), 0u);
+	EXPECT_EQ(mistakeIn("[values]\nfontsize 20\n").find("skin 'test.toml', line 2: "), 0u);
+	EXPECT_EQ(mistakeIn("[values\n").find("skin 'test.toml', line 1: "), 0u);
+	EXPECT_EQ(mistakeIn("a = 1\na = 2\n").find("skin 'test.toml', line 2: "), 0u);
 }
 
 TEST(SkinFiles, that_cannot_be_read_are_named)
 {
 	const support::TempFolder folder;
 	EXPECT_EQ(loadMistake(folder.path() + "/none.toml"),
-	          "cannot read the skin \"" + folder.path() + "/none.toml\": No such file or directory");
+	          "cannot read the skin '" + folder.path() + "/none.toml': No such file or directory");
 	EXPECT_EQ(loadMistake(folder.path()),
-	          "cannot read the skin \"" + folder.path() + "\": it is a folder; name a TOML file");
+	          "cannot read the skin '" + folder.path() + "': it is a folder; name a TOML file");
 	EXPECT_EQ(loadMistake("/dev/zero"),
-	          "cannot read the skin \"/dev/zero\": it is larger than 1 MiB, which no skin is; "
+	          "cannot read the skin '/dev/zero': it is larger than 1 MiB, which no skin is; "
 	          "name a TOML file");
-	EXPECT_EQ(loadMistake("/proc/self/mem").find("cannot read the skin \"/proc/self/mem\": "), 0u);
+	EXPECT_EQ(loadMistake("/proc/self/mem").find("cannot read the skin '/proc/self/mem': "), 0u);
 	EXPECT_EQ(loadMistake(standard + "/x").find("cannot read the skin "), 0u);
 	if (geteuid() != 0) { // the superuser reads everything
 		const std::string closed = folder.write("closed.toml", "");
 		std::filesystem::permissions(closed, std::filesystem::perms::none);
-		EXPECT_EQ(loadMistake(closed), "cannot read the skin \"" + closed + "\": Permission denied");
+		EXPECT_EQ(loadMistake(closed), "cannot read the skin '" + closed + "': Permission denied");
 	}
 }
 
 TEST(SkinFiles, with_nasty_names_stay_one_line_in_errors)
 {
 	EXPECT_EQ(loadMistake("no\nsuch\x1b[2Jfile"),
-	          "cannot read the skin \"no\xE2\x90\x8Asuch\xE2\x90\x9B[2Jfile\": No such file or directory");
+	          "cannot read the skin 'no\xE2\x90\x8Asuch\xE2\x90\x9B[2Jfile': No such file or directory");
 }
 
 TEST(Skins, never_crash_on_any_bytes)
@@ -245,7 +244,7 @@ TEST(Skins, that_nest_too_deep_are_refused)
 		key += ".a";
 	for (const std::string &text :
 	     {key + " = 1\n", "[" + key + "]\n", "[window]\nclient = {" + key + " = 1}\n"})
-		EXPECT_EQ(mistakeIn(text), "skin \"test.toml\": it has more than 4000 dots; no skin is as deep");
+		EXPECT_EQ(mistakeIn(text), "skin 'test.toml': it has more than 4000 dots; no skin is as deep");
 	key.resize(2 * 3990);
 	mistakeIn("[" + key + "a]\n");
 	skinOf("# " + std::string(3000, '.') + "\n");

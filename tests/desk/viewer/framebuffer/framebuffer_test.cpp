@@ -262,7 +262,7 @@ TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
 	EXPECT_FALSE(made->hasKeys());
 	EXPECT_EQ(made->descriptor(), -1);
 	EXPECT_EQ(testing::internal::GetCapturedStderr(),
-	          "deskhost: the remote control \"" + remote.path + "\" is gone; was it unplugged?\n");
+	          "deskhost: the remote control '" + remote.path + "' is gone; was it unplugged?\n");
 }
 
 TEST(FramebufferScreen, leaves_everything_alone_when_something_is_missing)

@@ -474,9 +474,9 @@ TEST(PixelCanvas, writes_a_png)
 		return support::errorOf([&] { canvas.writePng(to); });
 	};
 	EXPECT_EQ(failure(folder / "no/picture.png"),
-	          "cannot write \"" + folder / "no/picture.png" + "\": No such file or directory");
-	EXPECT_EQ(failure(folder.path()), "cannot write \"" + folder.path() + "\": Is a directory");
-	EXPECT_EQ(failure("/dev/full"), "cannot write \"/dev/full\": No space left on device");
+	          "cannot write '" + folder / "no/picture.png" + "': No such file or directory");
+	EXPECT_EQ(failure(folder.path()), "cannot write '" + folder.path() + "': Is a directory");
+	EXPECT_EQ(failure("/dev/full"), "cannot write '/dev/full': No space left on device");
 	EXPECT_TRUE(std::filesystem::is_character_file("/dev/full")) << "a device is not removed";
 }
 
