@@ -30,20 +30,19 @@ using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr seconds patienceWithTheEnd(1);   // with a plugin that is to end by itself
-constexpr seconds patienceWithItsHalf(60); // when that has ended; a tool may be looking for leaks
-constexpr int exitsThatEnd = 3;            // a plugin that is busy
-constexpr int mostExits = 1000;            // in vain, of a script
-constexpr milliseconds
-	longestRepeat(800); // between the first two of a key that is held; terminals do not tell
+constexpr seconds patienceWithTheEnd(1);   // for a plugin to end by itself
+constexpr seconds patienceWithItsHalf(60); // for its half to end; a tool may be searching for leaks
+constexpr int exitsThatEnd = 3;            // while the plugin is busy
+constexpr int mostExits = 1000;            // after a script, if the plugin does not return
+constexpr milliseconds longestRepeat(800); // between two events of a held key, which terminals do not mark
 
-// The panel over the picture: in the 80 columns that a terminal shows of it at the least.
+// The panel over the picture, within the 80 columns that every terminal shows.
 constexpr int panelLeft = 48, panelWidth = 78 * 8, panelRow = 20, panelMargin = 8;
 constexpr int panelTitle = 30, panelEdge = 4;
 
 std::string lineFor(int result)
 {
-	// -1 would read like a failure.
+	// -1 alone would look like a failure.
 	return "plugin_exec returned " + std::to_string(result) +
 	       (result == -1 ? ": the viewer left the menu\n" : "\n");
 }
@@ -74,14 +73,12 @@ void Session::run()
 	close();
 }
 
-// The other half.
-
 void Session::startHalf()
 {
 	Start start;
 	start.served.insert(start.served.end(), options.served.begin(), options.served.end());
 	const std::vector<std::string> sandbox = sandboxFor(start.served);
-	fcntl(errors[1], F_SETFL, 0); // who writes there waits
+	fcntl(errors[1], F_SETFL, 0); // writers wait when the pipe is full
 	half = OtherHalf::start(stage.half, sandbox, options.through, errors[1]);
 	start.plugin = options.plugin;
 	start.contained = !sandbox.empty();
@@ -100,13 +97,13 @@ void Session::startHalf()
 	busySince = Clock::now();
 }
 
-/// The words before the half's own that keep it in; none: there is no receiver, or nothing keeps it in.
+/// The command line of the sandbox that wraps the plugin's half; empty without --root or where no sandbox works.
 std::vector<std::string> Session::sandboxFor(const std::vector<std::string> &served)
 {
 	namespace fs = std::filesystem;
 	const bool isElsewhere = !options.through.empty();
 	if (options.root.empty() || (!isElsewhere && access(options.root.c_str(), R_OK | X_OK) != 0))
-		return {}; // and why it cannot be used says that half
+		return {}; // the half reports the reason
 	std::vector<std::string> words;
 	std::string note, whyNot = "--through says how the plugin's half is started";
 	if (!isElsewhere) {
@@ -151,7 +148,7 @@ void Session::openScreen()
 		NoteLog::get().add(stage.note);
 }
 
-/// Once the plugin's code runs, and after the screen: without one of them what was recorded last is left.
+/// After the plugin and the screen have been opened: if either fails, the old recordings remain.
 void Session::openRecordings()
 {
 	if (!std::exchange(isRecording, true))
@@ -191,7 +188,7 @@ void Session::handle(Frame &message)
 	show(*changes);
 	if (question != message.question) {
 		question = message.question;
-		if (question && screen) { // it is answered by who has seen it
+		if (question && screen) { // drops input from before the question was visible
 			screen->settle();
 			while (fromScreen()) {
 			}
@@ -236,7 +233,7 @@ void Session::handle(Call &message)
 	openRecordings();
 	if (!message.aside)
 		recorder.call(message.line);
-	if (!options.debug.empty() && message.line.rfind("eDebug(", 0) != 0) // whose text comes as a note
+	if (!options.debug.empty() && message.line.rfind("eDebug(", 0) != 0) // its text comes as a note
 		NoteLog::get().addQuietly(message.line);
 }
 
@@ -277,7 +274,7 @@ void Session::handle(Crash &message)
 	openRecordings();
 }
 
-/// Looks whether the half has ended, and whether it should have.
+/// Handles the end of the half, and ends a half that is overdue.
 void Session::lookForEnd()
 {
 	if (half && deadline && Clock::now() >= *deadline) {
@@ -292,7 +289,7 @@ void Session::lookForEnd()
 			            statusNotToItsEnd);
 	}
 	if (half && half->isSilent() && !half->ending() && !deadline && state != State::finishing)
-		deadline = Clock::now() + patienceWithTheEnd; // it has closed its end, and may become another program
+		deadline = Clock::now() + patienceWithTheEnd; // the process may have executed another program
 	if (!half || !half->ending())
 		return;
 	const int how = *half->ending();
@@ -348,8 +345,7 @@ void Session::startAgain(bool pressesAgain)
 	question = 0;
 	notices = 0;
 	if (!pressesAgain || !replays || harmless)
-		script
-			.clear(); // else what has not been pressed again yet, of a plugin that came to nothing, still is to be
+		script.clear(); // else keys that a failed version did not get remain
 	afterLoading.clear();
 	leaving = false;
 	replays = pressesAgain;
@@ -365,7 +361,7 @@ void Session::startAgain(bool pressesAgain)
 	startHalf();
 }
 
-/// By itself: a tool that it runs in has something to say then.
+/// The half ends by itself, so that a tool around it can print its report.
 void Session::letHalfEnd()
 {
 	half->hangUp();
@@ -378,8 +374,6 @@ void Session::giveUp(const std::string &reason)
 	whyEnded = reason;
 	half->kill();
 }
-
-// The person.
 
 void Session::pressNext()
 {
@@ -435,7 +429,7 @@ void Session::press(Key key, bool isSomebodys)
 		NoteLog::get().addQuietly(std::string("key ") + keyName(key));
 	if (isSomebodys) {
 		nextRecord = keyName(key);
-		if (watch) // nothing else presses keys again
+		if (watch) // only --watch repeats keys
 			history.push_back(key);
 	}
 	state = State::busy;
@@ -464,7 +458,7 @@ std::optional<Input> Session::fromScreen()
 	return input;
 }
 
-/// What a person does while there is no plugin.
+/// Handles input while there is no plugin.
 void Session::decide()
 {
 	while (state == State::gone) {
@@ -485,7 +479,7 @@ void Session::decide()
 	}
 }
 
-/// Shows that the plugin is busy, and ends it when that is wanted.
+/// Shows that the plugin is busy, and ends it on request.
 void Session::watchBusy()
 {
 	if (state != State::busy || !screen || !half)
@@ -512,7 +506,7 @@ void Session::watchBusy()
 	}
 }
 
-// Into the current folder, under the first name that is free.
+// Saves to the current folder under the first unused name.
 void Session::savePicture()
 {
 	namespace fs = std::filesystem;
@@ -531,8 +525,6 @@ void Session::savePicture()
 		say("deskhost: " + error.line + "; start deskhost in a folder that can be written");
 	}
 }
-
-// The screen.
 
 void Session::show(const Rect &changes)
 {
@@ -582,14 +574,12 @@ void Session::hidePanel()
 	show(before);
 }
 
-/// Says what the person must not miss.
+/// Shows a line that the person must not miss.
 void Session::say(const std::string &line)
 {
 	NoteLog::get().add(line);
 	showPanel("Note", {line});
 }
-
-// The loop.
 
 void Session::wait()
 {
@@ -609,7 +599,7 @@ void Session::wait()
 		half->read();
 		listen();
 	}
-	if (ends[2].revents) // after the notes, which came before what a command prints
+	if (ends[2].revents) // after messages, which precede a command's output
 		readErrors();
 	if (watch && ends[3].revents)
 		watch->readEvents();
@@ -622,7 +612,7 @@ void Session::wait()
 	lookForEnd();
 }
 
-/// Milliseconds until something is to be done although nothing has come; -1: never.
+/// Milliseconds until the next deadline; -1: none.
 int Session::patience() const
 {
 	int least = screen ? screen->patience() : -1;
@@ -644,7 +634,7 @@ int Session::patience() const
 	return least;
 }
 
-/// No more than a pipe holds: somebody may write for ever.
+/// Reads a limited amount, because a process may write without end.
 void Session::readErrors()
 {
 	char bytes[4096];
@@ -659,7 +649,7 @@ void Session::handleSignals()
 		if (Signals::isEnd(*signal)) {
 			endingSignal = *signal;
 			state = State::over;
-			return; // whatever else has come
+			return; // ignores the rest
 		} else if (*signal == SIGCHLD) {
 			if (half)
 				half->reap();
@@ -671,7 +661,7 @@ void Session::handleSignals()
 	}
 }
 
-/// Gives everything back. Throws what ended the session, or else what went wrong without ending it.
+/// Releases everything. Throws the session's error, else an error of the recordings.
 void Session::close()
 {
 	half.reset();

@@ -11,7 +11,7 @@
 namespace desk
 {
 
-/// What is drawn, as a list: it can be compared with what was drawn before, sent, and drawn in part.
+/// A list of drawing operations. It can be compared with an earlier one, sent, and drawn in part.
 class DisplayList : public Canvas
 {
 public:
@@ -58,11 +58,11 @@ public:
 		std::variant<FillItem, FrameItem, TextItem, KeyItem> what;
 
 		bool operator==(const Item &o) const { return clip == o.clip && what == o.what; }
-		/// The pixels that it may touch.
+		/// The pixels that it can change.
 		Rect reach() const;
 	};
 
-	/// What makes one list another one: its first and its last items stay, those between are new.
+	/// The difference between lists: new items between a common start and end.
 	struct Edit
 	{
 		size_t front = 0, back = 0;
@@ -77,23 +77,22 @@ public:
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
 	void keySymbol(const Rect &area, Key key, Color color) override;
 
-	/// What makes `before` this list.
+	/// The edit that turns `before` into this list.
 	Edit editOf(const DisplayList &before) const;
 
-	/// Makes this list another one. Where the screen may look different then, empty: nowhere; nothing when this
-	/// list has fewer items than the edit wants to keep.
+	/// Turns this list into another. Returns the area that may change, or nullopt if the edit does not fit this list.
 	std::optional<Rect> apply(Edit edit);
 
-	/// All that it may touch.
+	/// The pixels that it can change.
 	Rect reach() const;
 
-	/// Draws what of it lies within `area`.
+	/// Draws the part within `area`.
 	void draw(Canvas &to, const Rect &area) const;
 
 private:
 	template <class What> void add(What what);
 
-	std::vector<Rect> clips = std::vector<Rect>(1, wholeScreen); ///< the innermost last
+	std::vector<Rect> clips = std::vector<Rect>(1, wholeScreen); ///< innermost last
 	std::vector<Item> items;
 };
 

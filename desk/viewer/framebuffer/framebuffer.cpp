@@ -23,8 +23,7 @@ namespace desk
 namespace
 {
 
-/// A screen with a table for each channel (a "direct colour" one) gets straight tables. The console
-/// brings its own back with its text.
+/// Sets linear colour tables on a direct colour screen. The console restores its own with its text.
 void setStraightTables(int device, const fb_var_screeninfo &mode)
 {
 	std::array<uint16_t, 256> red{}, green{}, blue{};
@@ -69,7 +68,7 @@ std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path)
 		              "; set a mode of 16, 24 or 32 bits (fbset -depth 16, or video= for the kernel)");
 	opened->layout = PixelLayout(mode);
 
-	// The memory starts somewhere in its first page, and the visible part somewhere in the memory.
+	// The memory has an offset in its first page, and the visible part one in the memory.
 	const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
 	const size_t pixelBytes = static_cast<size_t>(opened->layout.bytes());
 	const size_t line = memory.line_length ? memory.line_length : mode.xres_virtual * pixelBytes;
@@ -126,7 +125,7 @@ void Framebuffer::show(const unsigned char *pixels, int stride, const Rect &chan
 	}
 	const int w = std::max(1, static_cast<int>(std::lround(screenWidth * scale)));
 	const int h = std::max(1, static_cast<int>(std::lround(screenHeight * scale)));
-	// Cairo only reads from what it is given here.
+	// Cairo only reads these pixels.
 	cairo_surface_t *frame = cairo_image_surface_create_for_data(
 		const_cast<unsigned char *>(pixels), CAIRO_FORMAT_RGB24, screenWidth, screenHeight, stride);
 	cairo_surface_t *scaled = cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h);
@@ -134,7 +133,7 @@ void Framebuffer::show(const unsigned char *pixels, int stride, const Rect &chan
 	cairo_scale(to, double(w) / screenWidth, double(h) / screenHeight);
 	cairo_set_source_surface(to, frame, 0, 0);
 	cairo_pattern_set_filter(cairo_get_source(to), CAIRO_FILTER_GOOD);
-	cairo_pattern_set_extend(cairo_get_source(to), CAIRO_EXTEND_PAD); // no dark edge
+	cairo_pattern_set_extend(cairo_get_source(to), CAIRO_EXTEND_PAD); // keeps the edges from darkening
 	cairo_paint(to);
 	cairo_destroy(to);
 	cairo_surface_flush(scaled);
@@ -144,7 +143,7 @@ void Framebuffer::show(const unsigned char *pixels, int stride, const Rect &chan
 	cairo_surface_destroy(frame);
 }
 
-/// Puts a part of a picture at that place of the screen.
+/// Writes a part of a picture at that position of the screen.
 void Framebuffer::write(const unsigned char *pixels, int stride, const Rect &part, int left, int top)
 {
 	for (int y = 0; y < part.h; ++y) {
