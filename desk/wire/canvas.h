@@ -14,7 +14,7 @@ namespace desk
 constexpr int screenWidth = 720;
 constexpr int screenHeight = 576;
 
-/// Nothing on a screen is farther away than this, and no sum of such numbers overflows.
+/// Limits coordinates, so that sums of them cannot overflow.
 constexpr int farthest = 1 << 20;
 
 constexpr int bounded(int pixels)
@@ -22,7 +22,7 @@ constexpr int bounded(int pixels)
 	return pixels < -farthest ? -farthest : pixels > farthest ? farthest : pixels;
 }
 
-/// A rectangle in screen pixels; `w` and `h` may be zero, then nothing is drawn.
+/// A rectangle in screen pixels; with `w` or `h` zero it is empty.
 struct Rect
 {
 	int x = 0, y = 0, w = 0, h = 0;
@@ -47,19 +47,19 @@ struct Color
 	bool operator!=(const Color &o) const { return !(*this == o); }
 };
 
-/// What a filled area or a text means, for a canvas whose colours cannot say it.
+/// The meaning of a fill or text, for canvases without enough colours.
 enum class Emphasis
 {
 	none,
-	current, ///< the current entry, the button that has the focus
-	dim,     ///< present but secondary: a bar's track, the current entry of a list that has not the focus
+	current, ///< the current entry, the button with the focus
+	dim,     ///< secondary: a bar's track, the current entry of a list without the focus
 };
 
-/// How an area is filled. Canvases without the means leave out the gradient and the corners.
+/// How an area is filled. Canvases may ignore the gradient and the corners.
 struct Fill
 {
 	Color top;      ///< colour at the upper edge
-	Color bottom;   ///< colour at the lower edge; the same as `top` for a plain area
+	Color bottom;   ///< colour at the lower edge; equals `top` for a plain area
 	int radius = 0; ///< of the corners, in pixels
 	Emphasis emphasis = Emphasis::none;
 
@@ -73,7 +73,7 @@ struct Fill
 
 enum class Face
 {
-	columns, ///< every character as wide as the next, so that columns made with blanks line up
+	columns, ///< every character has the same width, so that columns made of blanks align
 	prose,   ///< titles, menu lines, buttons, questions
 };
 
@@ -84,16 +84,16 @@ enum class Align
 	end,
 };
 
-/// How one line of text is drawn.
+/// The style of one line of text.
 struct TextStyle
 {
 	Color color;
 	Face face = Face::columns;
-	int rowHeight = 20; ///< pixels of the row of the text; the font is made to fit it
+	int rowHeight = 20; ///< height of the text's row in pixels; determines the font size
 	bool bold = false;
 	Align align = Align::start;
 	Emphasis emphasis = Emphasis::none;
-	bool whole = false; ///< narrower letters rather than fewer where the area has no room for all
+	bool whole = false; ///< narrows the letters to show all of the text
 
 	bool operator==(const TextStyle &o) const
 	{
@@ -102,19 +102,19 @@ struct TextStyle
 	}
 };
 
-/// Bytes of a line that are looked at when it is drawn into `width` pixels; the rest may as well be missing.
+/// Bytes of a line that can matter in `width` pixels.
 constexpr size_t mostBytesWithin(int width)
 {
 	return width > 0 ? static_cast<size_t>(width) * 16 + 64 : 0;
 }
 
-/// How a window's frame is drawn.
+/// The style of a window's frame.
 struct FrameStyle
 {
 	Color border;
 	Color titleTop, titleBottom; ///< the title bar
 	Color titleText;
-	Color client;   ///< the window's own background
+	Color client;   ///< the window's background
 	int radius = 0; ///< of the corners, in pixels
 
 	bool operator==(const FrameStyle &o) const
@@ -127,13 +127,13 @@ struct FrameStyle
 /// Pixels beyond a window's edges that its shadow may take.
 constexpr int shadowReach = 16;
 
-/// What the toolkit paints on. Coordinates are screen pixels whatever the canvas is made of.
+/// Where the toolkit paints. Coordinates are screen pixels on every canvas.
 class Canvas
 {
 public:
 	virtual ~Canvas() = default;
 
-	/// Whether a part of the screen can be painted anew, within a clip, while the rest stays as it is.
+	/// Whether a clip can restrict painting to a part of the screen.
 	virtual bool paintsInParts() const { return true; }
 
 	/// Nothing is drawn outside of the innermost clip; clips nest, each cut by the one around it.
@@ -142,16 +142,14 @@ public:
 
 	virtual void fill(const Rect &area, const Fill &fill) = 0;
 
-	/// A window's frame, title bar and background. `client` lies within `outer`; the title bar is
-	/// what `outer` has above it.
+	/// A window's frame, title bar and background. `client` lies within `outer`; the title bar is the part above it.
 	virtual void frame(const Rect &outer, const Rect &client, std::string_view title,
 	                   const FrameStyle &style) = 0;
 
-	/// One line of text, in the middle of `area`'s height, cut at `area` and at the clip.
-	/// The text is drawn whatever bytes it holds: see visibleText().
+	/// One line of text, vertically centred in `area`, clipped to it. Takes any bytes: see visibleText().
 	virtual void text(const Rect &area, std::string_view line, const TextStyle &style) = 0;
 
-	/// The symbol of a colour key of the remote control. `area` is about as high as a text row.
+	/// The symbol of a colour key. `area` is about as high as a text row.
 	virtual void keySymbol(const Rect &area, Key key, Color color) = 0;
 };
 

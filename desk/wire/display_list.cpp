@@ -9,7 +9,7 @@ namespace desk
 namespace
 {
 
-/// What is to be drawn, whatever it is, without the clip.
+/// The area that an item affects, without the clip.
 struct Reach
 {
 	Rect operator()(const DisplayList::FillItem &i) const { return i.area; }
@@ -80,7 +80,7 @@ void DisplayList::keySymbol(const Rect &area, Key key, Color color)
 
 DisplayList::Edit DisplayList::editOf(const DisplayList &before) const
 {
-	// What is the same at both ends of the lists looks the same.
+	// Only the items between the common start and end differ.
 	const auto [start, startBefore] =
 		std::mismatch(items.begin(), items.end(), before.items.begin(), before.items.end());
 	const auto [end, endBefore] =

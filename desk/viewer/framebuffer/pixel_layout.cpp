@@ -14,7 +14,7 @@ uint32_t ones(uint32_t length)
 	return length >= 32 ? ~0u : (1u << length) - 1;
 }
 
-/// `value` of 8 bits in as many as the field has; wider fields repeat its upper bits, so that white is white.
+/// Scales an 8-bit value to the field; wider fields repeat the upper bits, so that white stays white.
 uint32_t placed(uint32_t value, const fb_bitfield &field)
 {
 	const uint32_t wide = value << 8 | value;

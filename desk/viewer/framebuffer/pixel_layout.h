@@ -10,7 +10,7 @@ struct fb_var_screeninfo;
 namespace desk
 {
 
-/// How a framebuffer keeps a pixel: in 16, 24 or 32 bits, with a field of bits for each channel.
+/// A framebuffer's pixel format: 16, 24 or 32 bits with a bit field for each channel.
 class PixelLayout
 {
 public:
@@ -18,7 +18,7 @@ public:
 	/// The layout of a mode that the kernel reports.
 	explicit PixelLayout(const fb_var_screeninfo &mode);
 
-	/// In a few words, why a mode has a layout that cannot be drawn in, a palette for example; empty: it can.
+	/// Why the mode's layout is not supported, for example a palette, in a few words; empty if it is.
 	static std::string whyNot(const fb_var_screeninfo &mode);
 
 	int bytes() const { return pixelBytes; }
@@ -28,7 +28,7 @@ public:
 	void convert(const uint32_t *from, int count, unsigned char *to) const;
 
 private:
-	using Channel = std::array<uint32_t, 256>; ///< the bits of a pixel for each value
+	using Channel = std::array<uint32_t, 256>; ///< bits of the pixel for each value
 
 	int pixelBytes = 0;
 	Channel red{}, green{}, blue{};

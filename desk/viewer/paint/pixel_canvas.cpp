@@ -26,7 +26,7 @@ void setSource(cairo_t *to, Color c, double alpha = 1)
 	cairo_set_source_rgba(to, c.r / 255.0, c.g / 255.0, c.b / 255.0, alpha);
 }
 
-/// What can be seen of what is drawn now.
+/// The bounding box of the current clip.
 Rect clipOf(cairo_t *to)
 {
 	double left = 0, top = 0, right = 0, bottom = 0;
@@ -72,7 +72,7 @@ Color mixed(Color a, Color b, double part)
 	return {mix(a.r, b.r), mix(a.g, b.g), mix(a.b, b.b)};
 }
 
-// Cairo computes a gradient for every pixel: here for one column, and each row is of one colour.
+// Fills each row with one colour, because Cairo computes a gradient for every pixel.
 void fillRows(cairo_t *to, const Rect &area, const Fill &fill)
 {
 	const Rect seen = area.intersected(clipOf(to));
@@ -246,7 +246,7 @@ void PixelCanvas::text(const Rect &area, std::string_view line, const TextStyle 
 	cairo_new_path(s->cairo);
 	cairo_rectangle(s->cairo, area.x, area.y, area.w, area.h);
 	cairo_clip(s->cairo);
-	// Made visible, a text has no fewer bytes; a letter cut in two here lies beyond what is drawn.
+	// visibleText() does not shorten a text; a character cut here lies outside of the clip.
 	drawLine(s->cairo, area, visibleText(line.substr(0, mostBytesWithin(area.w))), style);
 	cairo_restore(s->cairo);
 }
@@ -304,7 +304,7 @@ void PixelCanvas::writePng(const std::string &path)
 	if (reason == 0)
 		return;
 	if (struct stat written; lstat(path.c_str(), &written) == 0 && S_ISREG(written.st_mode))
-		unlink(path.c_str()); // rather none than a part of one
+		unlink(path.c_str()); // no partial pictures
 	throw failure(reason);
 }
 

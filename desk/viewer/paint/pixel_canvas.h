@@ -9,7 +9,7 @@
 namespace desk
 {
 
-/// A canvas of pixels, by default as many as the receiver's screen, drawn by Cairo and Pango.
+/// A canvas of pixels, by default of the receiver's screen, with Cairo and Pango.
 class PixelCanvas : public Canvas
 {
 public:
@@ -24,11 +24,11 @@ public:
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
 	void keySymbol(const Rect &area, Key key, Color color) override;
 
-	/// The pixels, 32 bits each (blue, green, red, unused in memory order), `stride()` bytes a row.
+	/// The pixels: 32 bits each (blue, green, red, unused in memory order), `stride()` bytes a row.
 	const unsigned char *pixels();
 	int stride() const;
 
-	/// Whether there is a font that has letters; without one a text is a row of boxes.
+	/// Whether a font has letters; without one, text becomes boxes.
 	static bool canDrawText();
 
 	/// Writes a PNG. Throws an Error when the file cannot be written.
