@@ -111,8 +111,9 @@ void Framebuffer::blacken()
 	    ioctl(device, FBIOGET_VSCREENINFO, &mode) == 0)
 		setStraightTables(device, mode);
 	const std::vector<uint32_t> black(static_cast<size_t>(width));
+	layout.convert(black.data(), width, row.data());
 	for (int y = 0; y < height; ++y)
-		write(reinterpret_cast<const unsigned char *>(black.data()), 0, {0, 0, width, 1}, 0, y);
+		memcpy(visible + size_t(y) * size_t(lineLength), row.data(), row.size());
 }
 
 void Framebuffer::show(const unsigned char *pixels, int stride, const Rect &changed)

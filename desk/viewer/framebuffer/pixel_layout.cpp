@@ -2,6 +2,7 @@
 
 #include <linux/fb.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace desk
@@ -56,31 +57,24 @@ PixelLayout::PixelLayout(const fb_var_screeninfo &mode)
 void PixelLayout::convert(const uint32_t *from, int count, unsigned char *to) const
 {
 	// Most pixels are of the colour of the one before.
-	uint32_t colour = 0, converted = red[0] | green[0] | blue[0];
-	const auto pixel = [&](uint32_t p) {
-		if (p != colour) {
-			colour = p;
-			converted = red[p >> 16 & 255] | green[p >> 8 & 255] | blue[p & 255];
-		}
-		return converted;
-	};
-	if (pixelBytes == 2)
-		for (int i = 0; i < count; ++i, to += 2) {
-			const uint16_t value = static_cast<uint16_t>(pixel(from[i]));
-			memcpy(to, &value, 2);
-		}
-	else if (pixelBytes == 4)
-		for (int i = 0; i < count; ++i, to += 4) {
-			const uint32_t value = pixel(from[i]);
-			memcpy(to, &value, 4);
-		}
-	else
-		for (int i = 0; i < count; ++i, to += 3) {
-			// The three bytes of the number that are in use, in this computer's order.
-			const uint32_t value = pixel(from[i]);
-			constexpr bool bigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
-			memcpy(to, reinterpret_cast<const unsigned char *>(&value) + (bigEndian ? 1 : 0), 3);
-		}
+	for (const uint32_t *const end = from + count; from < end;) {
+		const uint32_t colour = *from;
+		const auto isOther = [colour](uint32_t other) { return other != colour; };
+		const auto same = std::find_if(from, end, isOther) - from;
+		const uint32_t value = red[colour >> 16 & 255] | green[colour >> 8 & 255] | blue[colour & 255];
+		if (pixelBytes == 2)
+			std::fill_n(reinterpret_cast<uint16_t *>(to), same, static_cast<uint16_t>(value));
+		else if (pixelBytes == 4)
+			std::fill_n(reinterpret_cast<uint32_t *>(to), same, value);
+		else
+			for (int i = 0; i < same; ++i) {
+				// The three bytes of the number that are in use, in this computer's order.
+				constexpr bool bigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
+				memcpy(to + 3 * i, reinterpret_cast<const unsigned char *>(&value) + (bigEndian ? 1 : 0), 3);
+			}
+		from += same;
+		to += same * pixelBytes;
+	}
 }
 
 } // namespace desk

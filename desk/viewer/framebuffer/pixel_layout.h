@@ -24,7 +24,7 @@ public:
 	int bytes() const { return pixelBytes; }
 
 	/// Converts `count` pixels of 0x00RRGGBB into `count * bytes()` bytes. A channel of fewer bits
-	/// loses its lowest ones; what the kernel calls transparency is set to opaque.
+	/// loses its lowest ones; what the kernel calls transparency is set to opaque. `to` is aligned for pixels.
 	void convert(const uint32_t *from, int count, unsigned char *to) const;
 
 private:
