@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -103,6 +104,39 @@ Rect flatPart(const Rect &outer, const Rect &client, int radius)
 	return client.intersected({outer.x, outer.y + radius, outer.w, outer.h - 2 * radius});
 }
 
+constexpr int shadowLayers = 10, shadowDown = 5; // a shadow is a little lower than its window
+constexpr uint32_t shadowAlpha = 11;             // of one layer, of 255
+static_assert(shadowLayers + shadowDown <= shadowReach);
+
+/// What so many layers of shadow leave of each value, as pixman computes it.
+constexpr auto shaded = [] {
+	std::array<std::array<uint8_t, 256>, shadowLayers + 1> values{};
+	for (size_t value = 0; value < 256; ++value) {
+		values[0][value] = static_cast<uint8_t>(value);
+		for (size_t i = 1; i < values.size(); ++i) {
+			const uint32_t product = values[i - 1][value] * (255 - shadowAlpha) + 128;
+			values[i][value] = static_cast<uint8_t>((product + (product >> 8)) >> 8);
+		}
+	}
+	return values;
+}();
+
+void shade(cairo_t *to, const Rect &area, int layers)
+{
+	const Rect seen = area.intersected(clipOf(to));
+	if (layers <= 0 || seen.empty())
+		return;
+	const std::array<uint8_t, 256> &values = shaded[static_cast<size_t>(layers)];
+	cairo_surface_t *surface = cairo_get_target(to);
+	cairo_surface_flush(surface);
+	const int stride = cairo_image_surface_get_stride(surface);
+	unsigned char *row = cairo_image_surface_get_data(surface) + seen.y * stride + 4 * seen.x;
+	for (int y = 0; y < seen.h; ++y, row += stride)
+		for (int i = 0; i < 4 * seen.w; ++i)
+			row[i] = values[row[i]];
+	cairo_surface_mark_dirty_rectangle(surface, seen.x, seen.y, seen.w, seen.h);
+}
+
 cairo_status_t writeTo(void *file, const unsigned char *data, unsigned int length)
 {
 	return fwrite(data, 1, length, static_cast<FILE *>(file)) == length ? CAIRO_STATUS_SUCCESS
@@ -129,11 +163,7 @@ struct PixelCanvas::State
 	}
 };
 
-PixelCanvas::PixelCanvas(int width, int height) : s(std::make_unique<State>(width, height))
-{
-	setSource(s->cairo, {});
-	cairo_paint(s->cairo);
-}
+PixelCanvas::PixelCanvas(int width, int height) : s(std::make_unique<State>(width, height)) {}
 
 PixelCanvas::~PixelCanvas() = default;
 
@@ -178,16 +208,7 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 		return;
 	}
 
-	// The shadow, but for what the window covers.
-	const Rect around = {outer.x - shadowReach, outer.y - shadowReach, outer.w + 2 * shadowReach,
-	                     outer.h + 2 * shadowReach};
-	const int top = outer.y + std::max(0, style.radius),
-			  bottom = std::max(top, outer.bottom() - style.radius);
-	drawShadow({around.x, around.y, around.w, top - around.y}, outer, style.radius);
-	drawShadow({around.x, top, shadowReach, bottom - top}, outer, style.radius);
-	drawShadow({outer.right(), top, shadowReach, bottom - top}, outer, style.radius);
-	drawShadow({around.x, bottom, around.w, around.bottom() - bottom}, outer, style.radius);
-
+	drawShadow(outer, std::max(0, style.radius));
 	roundedPath(to, outer, style.radius);
 	setSource(to, style.client);
 	cairo_fill(to);
@@ -221,21 +242,69 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 	cairo_stroke(to);
 }
 
-// Many thin layers make it soft.
-void PixelCanvas::drawShadow(const Rect &part, const Rect &outer, int radius)
+// Many thin layers make it soft. Where they are straight, a pixel is in the more of them the nearer it is to the
+// window, which covers what is below it. Cairo draws the corners: a row with both of its curves, because how it
+// computes the one depends on the other.
+void PixelCanvas::drawShadow(const Rect &outer, int radius)
 {
-	if (part.intersected(clipOf(s->cairo)).empty())
-		return;
-	pushClip(part);
-	constexpr int reach = 10;
-	static_assert(reach + 5 <= shadowReach);
-	for (int i = reach; i > 0; --i) {
-		const Rect layer = {outer.x - i + 1, outer.y - i + 5, outer.w + 2 * i - 2, outer.h + 2 * i - 2};
-		roundedPath(s->cairo, layer, radius + i);
-		setSource(s->cairo, {}, 0.045);
-		cairo_fill(s->cairo);
+	const bool isStraight = std::min(outer.w, outer.h) >= 2 * (radius + 1) && outer.x + radius + 1 > 0 &&
+	                        outer.right() - radius - 1 < screenWidth;
+	const int left = outer.x + (isStraight ? radius + 1 : outer.w / 2);
+	const int right = isStraight ? outer.right() - radius - 1 : left;
+	const int top = outer.y + radius, bottom = std::max(top, outer.bottom() - radius);
+	const int side = std::min(top + shadowDown, bottom); // where the curves end there
+	const Rect around = {outer.x - shadowReach, outer.y - shadowReach, outer.w + 2 * shadowReach,
+	                     outer.h + 2 * shadowReach};
+
+	const auto corners = [&](std::initializer_list<Rect> parts) {
+		Rect all;
+		for (const Rect &part : parts)
+			all = all.united(part.intersected(clipOf(s->cairo)));
+		if (all.empty())
+			return;
+		// Drawn by way of a mask: pixman is slow at what is transparent all over.
+		cairo_surface_t *mask = cairo_image_surface_create(CAIRO_FORMAT_A8, all.w, all.h);
+		cairo_t *toMask = cairo_create(mask);
+		cairo_translate(toMask, -all.x, -all.y);
+		cairo_save(s->cairo);
+		for (cairo_t *to : {s->cairo, toMask}) {
+			cairo_new_path(to);
+			for (const Rect &part : parts)
+				cairo_rectangle(to, part.x, part.y, part.w, part.h);
+			cairo_clip(to);
+		}
+		setSource(s->cairo, {}, shadowAlpha / 255.0);
+		for (int i = shadowLayers; i > 0; --i) {
+			cairo_set_operator(toMask, CAIRO_OPERATOR_CLEAR);
+			cairo_paint(toMask);
+			cairo_set_operator(toMask, CAIRO_OPERATOR_OVER);
+			const int wider = i - 1;
+			roundedPath(
+				toMask,
+				{outer.x - wider, outer.y - wider + shadowDown - 1, outer.w + 2 * wider, outer.h + 2 * wider},
+				radius + i);
+			cairo_fill(toMask);
+			cairo_mask_surface(s->cairo, mask, all.x, all.y);
+		}
+		cairo_restore(s->cairo);
+		cairo_destroy(toMask);
+		cairo_surface_destroy(mask);
+	};
+	corners({{around.x, around.y, left - around.x, top - around.y},
+	         {right, around.y, around.right() - right, top - around.y}});
+	corners({{around.x, top, shadowReach, side - top}});
+	corners({{outer.right(), top, shadowReach, side - top}});
+	corners({{around.x, bottom, left - around.x, around.bottom() - bottom},
+	         {right, bottom, around.right() - right, around.bottom() - bottom}});
+
+	for (int away = 0; away < shadowReach; ++away) { // so many pixels are between the window and this one
+		const int layers = shadowLayers - 1 - away;
+		shade(s->cairo, {outer.x - 1 - away, side, 1, bottom - side}, layers);
+		shade(s->cairo, {outer.right() + away, side, 1, bottom - side}, layers);
+		shade(s->cairo, {left, outer.y - 1 - away, right - left, 1}, layers - shadowDown + 1);
+		shade(s->cairo, {left, outer.bottom() + away, right - left, 1},
+		      std::min(shadowLayers, layers + shadowDown - 1));
 	}
-	popClip();
 }
 
 void PixelCanvas::text(const Rect &area, std::string_view line, const TextStyle &style)

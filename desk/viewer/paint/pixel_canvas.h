@@ -35,8 +35,7 @@ public:
 	void writePng(const std::string &path);
 
 private:
-	/// Draws the part of a window's shadow that is in `part`.
-	void drawShadow(const Rect &part, const Rect &outer, int radius);
+	void drawShadow(const Rect &outer, int radius);
 
 	struct State;
 	std::unique_ptr<State> s;
