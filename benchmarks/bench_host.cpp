@@ -46,7 +46,7 @@ public:
 		if (!paints || !frame)
 			return;
 		if (const auto changes = picture.apply(std::move(frame->edit)); changes && !changes->empty())
-			picture.draw(pixels, *changes);
+			picture.drawChanges(pixels);
 	}
 
 	std::optional<desk::ToHost> receive() override

@@ -180,12 +180,17 @@ void Session::handle(Failed &message)
 
 void Session::handle(Frame &message)
 {
+	if (secondsShown > 0)
+		hidePanel();
 	const std::optional<Rect> changes = picture.apply(std::move(message.edit));
 	if (!changes)
 		return giveUp("what comes from its half does not fit together");
-	if (secondsShown > 0)
-		hidePanel();
-	show(*changes);
+	if (Canvas *canvas = screen ? screen->canvas() : nullptr;
+	    canvas && panel.reach().empty() && !changes->empty()) {
+		picture.drawChanges(*canvas);
+		screen->present(*changes);
+	} else
+		show(*changes);
 	if (question != message.question) {
 		question = message.question;
 		if (question && screen) { // drops input from before the question was visible

@@ -5,14 +5,6 @@
 namespace desk
 {
 
-Rect Rect::intersected(const Rect &other) const
-{
-	const int left = std::max(x, other.x);
-	const int top = std::max(y, other.y);
-	return {left, top, std::max(0, std::min(right(), other.right()) - left),
-	        std::max(0, std::min(bottom(), other.bottom()) - top)};
-}
-
 Rect Rect::united(const Rect &other) const
 {
 	if (empty())
@@ -22,6 +14,11 @@ Rect Rect::united(const Rect &other) const
 	const int left = std::min(x, other.x);
 	const int top = std::min(y, other.y);
 	return {left, top, std::max(right(), other.right()) - left, std::max(bottom(), other.bottom()) - top};
+}
+
+Rect flatPart(const Rect &outer, const Rect &client, const FrameStyle &style)
+{
+	return client.intersected({outer.x, outer.y + style.radius, outer.w, outer.h - 2 * style.radius});
 }
 
 } // namespace desk

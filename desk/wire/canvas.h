@@ -3,6 +3,7 @@
 
 #include "key.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -30,11 +31,17 @@ struct Rect
 	int right() const { return x + w; }
 	int bottom() const { return y + h; }
 	bool empty() const { return w <= 0 || h <= 0; }
-	Rect intersected(const Rect &other) const;
+	Rect intersected(const Rect &other) const
+	{
+		const int left = std::max(x, other.x), top = std::max(y, other.y);
+		return {left, top, std::max(0, std::min(right(), other.right()) - left),
+		        std::max(0, std::min(bottom(), other.bottom()) - top)};
+	}
 	/// The smallest rectangle that holds both; an empty one counts for nothing.
 	Rect united(const Rect &other) const;
 
 	bool operator==(const Rect &o) const { return x == o.x && y == o.y && w == o.w && h == o.h; }
+	bool operator!=(const Rect &o) const { return !(*this == o); }
 };
 
 constexpr Rect wholeScreen = {0, 0, screenWidth, screenHeight};
@@ -124,6 +131,9 @@ struct FrameStyle
 	}
 };
 
+/// What of a window is all of one colour: its client area, but for the rows of the rounded corners.
+Rect flatPart(const Rect &outer, const Rect &client, const FrameStyle &style);
+
 /// Pixels beyond a window's edges that its shadow may take.
 constexpr int shadowReach = 16;
 
@@ -135,6 +145,9 @@ public:
 
 	/// Whether a clip can restrict painting to a part of the screen.
 	virtual bool paintsInParts() const { return true; }
+
+	/// Makes `area` look as what is `down` pixels above it does. False: this canvas cannot.
+	virtual bool move(const Rect & /*area*/, int /*down*/) { return false; }
 
 	/// Nothing is drawn outside of the innermost clip; clips nest, each cut by the one around it.
 	virtual void pushClip(const Rect &area) = 0;

@@ -30,6 +30,32 @@ template <class Iterator> Rect reachOf(Iterator begin, Iterator end)
 	return all;
 }
 
+Rect movedDown(Rect area, int down)
+{
+	area.y += down;
+	return area;
+}
+
+bool isMoved(const DisplayList::Item &now, const DisplayList::Item &before, int down)
+{
+	const auto *text = std::get_if<DisplayList::TextItem>(&now.what);
+	const auto *was = std::get_if<DisplayList::TextItem>(&before.what);
+	return text && was && text->area == movedDown(was->area, down) &&
+	       now.reach() == movedDown(before.reach(), down) && text->style == was->style &&
+	       text->line == was->line;
+}
+
+/// Whether an item paints all of `area` in one colour.
+bool isFlat(const DisplayList::Item &item, const Rect &area)
+{
+	Rect flat;
+	if (const auto *fill = std::get_if<DisplayList::FillItem>(&item.what))
+		flat = fill->fill.top == fill->fill.bottom && fill->fill.radius == 0 ? fill->area : Rect();
+	else if (const auto *frame = std::get_if<DisplayList::FrameItem>(&item.what))
+		flat = flatPart(frame->outer, frame->client, frame->style);
+	return area.intersected(flat).intersected(item.clip) == area;
+}
+
 } // namespace
 
 Rect DisplayList::Item::reach() const
@@ -41,6 +67,8 @@ template <class What> void DisplayList::add(What what)
 {
 	if (Reach()(what).intersected(clips.back()).empty())
 		return;
+	if (items.empty())
+		items.reserve(32); // few pictures have less
 	// In its place: GCC 14 takes an item that is moved there for partly uninitialised.
 	Item &item = items.emplace_back();
 	item.clip = clips.back();
@@ -99,13 +127,46 @@ std::optional<Rect> DisplayList::apply(Edit edit)
 		return std::nullopt;
 	const auto from = items.begin() + static_cast<std::ptrdiff_t>(edit.front);
 	const auto to = items.end() - static_cast<std::ptrdiff_t>(edit.back);
-	const Rect changes =
-		reachOf(from, to).united(reachOf(edit.items.begin(), edit.items.end())).intersected(wholeScreen);
 	std::vector<Item> &made = edit.items;
+	changed = reachOf(from, to).united(reachOf(made.begin(), made.end())).intersected(wholeScreen);
+	moved = moveTo(made, from, to);
 	made.insert(made.begin(), items.begin(), from);
 	made.insert(made.end(), to, items.end());
 	items = std::move(made);
-	return changes;
+	return changed;
+}
+
+/// What stays a while of a list that scrolls, when what is between `from` and `to` becomes `made`.
+DisplayList::Move DisplayList::moveTo(const std::vector<Item> &made, Iterator from, Iterator to) const
+{
+	// The first line that was elsewhere, and those after it. Only a few new ones come before it.
+	constexpr size_t mostNew = 8;
+	int down = 0;
+	const auto hasMoved = [&down](const Item &now, const Item &before) { return isMoved(now, before, down); };
+	const auto wasElsewhere = [&](const Item &now) {
+		return std::find_if(from, to, [&](const Item &before) {
+			down = now.reach().y - before.reach().y;
+			return down != 0 && hasMoved(now, before);
+		});
+	};
+	const Iterator last = made.begin() + static_cast<std::ptrdiff_t>(std::min(mostNew, made.size()));
+	Iterator now = made.begin(), before = to;
+	while (now != last && (before = wasElsewhere(*now)) == to)
+		++now;
+	const auto [end, endBefore] = std::mismatch(now, made.end(), before, to, hasMoved);
+	const Rect area = reachOf(now, end), source = movedDown(area, -down), both = area.united(source);
+
+	// Below them is one colour, and nothing else is.
+	const auto reaches = [](const Rect &where) {
+		return [&where](const Item &item) { return !item.reach().intersected(where).empty(); };
+	};
+	const auto below = std::find_if(std::make_reverse_iterator(from), items.rend(), reaches(both));
+	const bool isAlone =
+		std::none_of(made.begin(), now, reaches(area)) && std::none_of(end, made.end(), reaches(area)) &&
+		std::none_of(from, before, reaches(source)) && std::none_of(endBefore, to, reaches(source)) &&
+		std::none_of(to, items.end(), reaches(both));
+	const bool stays = below != items.rend() && isFlat(*below, both) && both.intersected(wholeScreen) == both;
+	return isAlone && stays ? Move{area, down} : Move();
 }
 
 Rect DisplayList::reach() const
@@ -113,8 +174,21 @@ Rect DisplayList::reach() const
 	return reachOf(items.begin(), items.end());
 }
 
+void DisplayList::drawChanges(Canvas &to) const
+{
+	const Rect &all = changed, &same = moved.area;
+	if (same.empty() || !to.move(same, moved.down))
+		return draw(to, to.paintsInParts() ? all : wholeScreen);
+	draw(to, {all.x, all.y, same.x - all.x, all.h});
+	draw(to, {same.right(), all.y, all.right() - same.right(), all.h});
+	draw(to, {same.x, all.y, same.w, same.y - all.y});
+	draw(to, {same.x, same.bottom(), same.w, all.bottom() - same.bottom()});
+}
+
 void DisplayList::draw(Canvas &to, const Rect &area) const
 {
+	if (area.empty())
+		return;
 	struct Drawing
 	{
 		Canvas &to;
@@ -125,13 +199,20 @@ void DisplayList::draw(Canvas &to, const Rect &area) const
 		void operator()(const KeyItem &i) { to.keySymbol(i.area, i.key, i.color); }
 	} drawing{to};
 
+	// What is below an item that is of one colour all over the area cannot be seen.
+	const auto isGround = [&area](const Item &item) { return isFlat(item, area); };
+	const auto ground = std::find_if(items.rbegin(), items.rend(), isGround);
 	to.pushClip(area);
-	for (const Item &item : items) {
-		if (item.reach().intersected(area).empty())
+	for (auto item = ground == items.rend() ? items.begin() : ground.base() - 1; item != items.end();
+	     ++item) {
+		if (item->reach().intersected(area).empty())
 			continue;
-		to.pushClip(item.clip);
-		std::visit(drawing, item.what);
-		to.popClip();
+		const bool isCut = area.intersected(item->clip) != area;
+		if (isCut)
+			to.pushClip(item->clip);
+		std::visit(drawing, item->what);
+		if (isCut)
+			to.popClip();
 	}
 	to.popClip();
 }

@@ -89,11 +89,26 @@ public:
 	/// Draws the part within `area`.
 	void draw(Canvas &to, const Rect &area) const;
 
+	/// Draws what the last edit has changed, on a canvas that shows what was before it.
+	void drawChanges(Canvas &to) const;
+
 private:
+	using Iterator = std::vector<Item>::const_iterator;
+
+	/// Lines of text that look as before, so many pixels farther up or down.
+	struct Move
+	{
+		Rect area; ///< where they are now; empty: there are none
+		int down = 0;
+	};
+
 	template <class What> void add(What what);
+	Move moveTo(const std::vector<Item> &made, Iterator from, Iterator to) const;
 
 	std::vector<Rect> clips = std::vector<Rect>(1, wholeScreen); ///< innermost last
 	std::vector<Item> items;
+	Rect changed; ///< by the last edit
+	Move moved;   ///< ... of that
 };
 
 } // namespace desk

@@ -14,7 +14,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 			desk::DisplayList list, drawn;
 			const auto changes = list.apply(std::move(frame->edit));
 			if (changes)
-				list.draw(drawn, *changes);
+				list.drawChanges(drawn);
 			fuzz::require(!changes || *changes == changes->intersected(desk::wholeScreen),
 			              "a frame reaches out of the screen");
 		}

@@ -98,12 +98,6 @@ void fillRows(cairo_t *to, const Rect &area, const Fill &fill)
 	cairo_surface_destroy(column);
 }
 
-/// What of a window is all of one colour: its client area, but for the rows of the rounded corners.
-Rect flatPart(const Rect &outer, const Rect &client, int radius)
-{
-	return client.intersected({outer.x, outer.y + radius, outer.w, outer.h - 2 * radius});
-}
-
 constexpr int shadowLayers = 10, shadowDown = 5; // a shadow is a little lower than its window
 constexpr uint32_t shadowAlpha = 11;             // of one layer, of 255
 static_assert(shadowLayers + shadowDown <= shadowReach);
@@ -184,6 +178,18 @@ void PixelCanvas::popClip()
 	cairo_restore(s->cairo);
 }
 
+bool PixelCanvas::move(const Rect &area, int down)
+{
+	cairo_surface_flush(s->surface);
+	unsigned char *const first = cairo_image_surface_get_data(s->surface) + 4 * area.x;
+	for (int i = 0; i < area.h; ++i) {
+		const int y = down < 0 ? area.y + i : area.bottom() - 1 - i; // no row before it has been moved on
+		memcpy(first + y * stride(), first + (y - down) * stride(), 4 * static_cast<size_t>(area.w));
+	}
+	cairo_surface_mark_dirty_rectangle(s->surface, area.x, area.y, area.w, area.h);
+	return true;
+}
+
 void PixelCanvas::fill(const Rect &area, const Fill &fill)
 {
 	if (area.empty())
@@ -202,7 +208,7 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 		return;
 	cairo_t *to = s->cairo;
 
-	if (const Rect seen = clipOf(to); seen.intersected(flatPart(outer, client, style.radius)) == seen) {
+	if (const Rect seen = clipOf(to); seen.intersected(flatPart(outer, client, style)) == seen) {
 		setSource(to, style.client);
 		cairo_paint(to);
 		return;

@@ -16,6 +16,7 @@ public:
 	explicit PixelCanvas(int width = screenWidth, int height = screenHeight);
 	~PixelCanvas() override;
 
+	bool move(const Rect &area, int down) override;
 	void pushClip(const Rect &area) override;
 	void popClip() override;
 	void fill(const Rect &area, const Fill &fill) override;

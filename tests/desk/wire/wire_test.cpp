@@ -10,6 +10,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <functional>
 #include <random>
 
 namespace wire_test
@@ -48,6 +49,13 @@ struct Drawn : Canvas
 			calls += ' ' + std::to_string(number);
 	}
 	void put(Color c) { calls += " #" + std::to_string(c.r << 16 | c.g << 8 | c.b); }
+	bool move(const Rect &area, int down) override
+	{
+		calls += "\nmove";
+		put(area);
+		calls += " by " + std::to_string(down);
+		return true;
+	}
 	void pushClip(const Rect &area) override
 	{
 		calls += "\nclip";
@@ -150,6 +158,72 @@ TEST(Wire, brings_only_what_has_changed_of_a_frame)
 	EXPECT_FALSE(list.apply({3, 0, {}})) << "it has not so many";
 	EXPECT_FALSE(list.apply({1, 2, {}}));
 	EXPECT_FALSE(list.apply({SIZE_MAX, SIZE_MAX, {}}));
+}
+
+using Drawing = std::function<void(DisplayList &)>;
+
+/// Five lines of a long list, and what else there is around them.
+DisplayList fiveLines(int first, const Drawing &below = {}, const Drawing &above = {})
+{
+	DisplayList list;
+	list.frame({10, 10, 300, 200}, {14, 40, 292, 166}, "a list", {});
+	if (below)
+		below(list);
+	list.pushClip({20, 50, 270, 100});
+	for (int i = 0; i < 5; ++i)
+		list.text({20, 50 + 20 * i, 250, 20}, "line " + std::to_string(first + i), {});
+	list.popClip();
+	list.fill({280, 50 + first, 10, 20}, Fill::plain({1, 1, 1}));
+	if (above)
+		above(list);
+	return list;
+}
+
+/// What is drawn when one list becomes the other.
+std::string changes(DisplayList before, const DisplayList &after)
+{
+	before.apply(after.editOf(before));
+	Drawn to;
+	before.drawChanges(to);
+	return to.calls;
+}
+
+TEST(Wire, moves_lines_that_scroll)
+{
+	const std::string up = changes(fiveLines(1), fiveLines(2)), down = changes(fiveLines(2), fiveLines(1));
+	EXPECT_EQ(up.rfind("\nmove 20 50 250 80 by -20\n", 0), 0u) << up;
+	EXPECT_EQ(up.find("line 5"), std::string::npos) << up;
+	EXPECT_NE(up.find("line 6"), std::string::npos) << up;
+	EXPECT_NE(up.find("fill 280 52 10 20"), std::string::npos) << up;
+	EXPECT_EQ(down.rfind("\nmove 20 70 250 80 by 20\n", 0), 0u) << down;
+	EXPECT_NE(changes(fiveLines(1), fiveLines(4)).find("\nmove 20 50 250 40 by -60\n"), std::string::npos);
+}
+
+TEST(Wire, moves_nothing_that_would_take_something_else_along)
+{
+	const Drawing others[] = {
+		[](DisplayList &list) {
+			list.fill({20, 50, 270, 100}, {{1, 2, 3}, {4, 5, 6}});
+		},
+		[](DisplayList &list) {
+			list.fill({20, 90, 270, 100}, Fill::plain({1, 2, 3}));
+		},
+		[](DisplayList &list) {
+			list.fill({20, 50, 250, 100}, Fill::plain({1, 2, 3}, 8));
+		},
+		[](DisplayList &list) {
+			list.keySymbol({100, 90, 20, 20}, Key::red, {});
+		},
+	};
+	for (const Drawing &other : others) {
+		const std::string above = changes(fiveLines(1, {}, other), fiveLines(2, {}, other));
+		const std::string below = changes(fiveLines(1, other), fiveLines(2, other));
+		EXPECT_EQ(above.find("\nmove"), std::string::npos) << above;
+		EXPECT_EQ(below.find("\nmove"), std::string::npos) << below;
+	}
+	const auto plain = [](DisplayList &list) { list.fill({20, 50, 270, 100}, Fill::plain({1, 2, 3})); };
+	EXPECT_NE(changes(fiveLines(1, plain), fiveLines(2, plain)).find("\nmove"), std::string::npos);
+	EXPECT_EQ(changes(fiveLines(1, {}, plain), fiveLines(2, {}, plain)).find("\nmove"), std::string::npos);
 }
 
 TEST(Wire, brings_every_message_as_it_was)

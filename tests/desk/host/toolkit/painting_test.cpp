@@ -31,6 +31,19 @@ std::string difference(PixelCanvas &one, PixelCanvas &other)
 	return "";
 }
 
+/// Counts what is only moved.
+class Canvas : public PixelCanvas
+{
+public:
+	bool move(const Rect &area, int down) override
+	{
+		++moves;
+		return PixelCanvas::move(area, down);
+	}
+	static int moves;
+};
+int Canvas::moves = 0;
+
 /// Presses keys, and checks the frame before each.
 class Painter : public support::Viewer
 {
@@ -43,7 +56,7 @@ public:
 		ASSERT_TRUE(changed);
 		EXPECT_EQ(*changed, changed->intersected(desk::wholeScreen));
 		changes.push_back(*changed);
-		picture.draw(painted, *changed);
+		picture.drawChanges(painted);
 		PixelCanvas whole;
 		Desk::get().paint(whole);
 		const std::string where = difference(painted, whole);
@@ -53,7 +66,7 @@ public:
 private:
 	std::vector<Rect> &changes;
 	desk::DisplayList picture;
-	PixelCanvas painted;
+	Canvas painted;
 };
 
 /// The rectangles that were painted before the first key and after each.
@@ -90,6 +103,18 @@ TEST(Painting, is_of_two_rows_for_one_step_in_a_list)
 	EXPECT_EQ(changes[3].h, 40);
 	EXPECT_EQ(changes[3].y, changes[2].y + 20);
 	EXPECT_LE(changes[3].w, 600);
+}
+
+TEST(Painting, moves_the_lines_of_a_list_that_scrolls)
+{
+	Canvas::moves = 0;
+	std::string keys = "3";
+	for (int i = 0; i < 30; ++i)
+		keys += " down";
+	for (int i = 0; i < 30; ++i)
+		keys += " up";
+	changesOf(support::pluginPath(), keys + " exit exit");
+	EXPECT_GT(Canvas::moves, 20);
 }
 
 TEST(Painting, is_not_when_nothing_has_changed)
