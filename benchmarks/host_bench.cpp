@@ -312,13 +312,14 @@ void countKeys(int lines)
 	const bench::Watcher watcher = [](int pressed) -> std::optional<Key> {
 		if (pressed == 0)
 			return entryKey(3);
-		if (pressed == 2)
+		constexpr int first = 10; // by then, Pango's thread has found the fonts that it looks for
+		if (pressed == first)
 			CALLGRIND_START_INSTRUMENTATION;
-		if (pressed >= 7) {
+		if (pressed == first + 5) {
 			CALLGRIND_STOP_INSTRUMENTATION;
 			return std::nullopt;
 		}
-		return Key::down;
+		return pressed > first || pressed % 2 ? Key::down : Key::up;
 	};
 	bench::prepare({skin, bench::logOf(lines), true}, watcher);
 	bench::run(BENCH_PLUGIN);
@@ -375,7 +376,7 @@ void measureLoading()
 void measureKeys()
 {
 	const double ten = instructions("key 10") / 5;
-	row("a key in a list of 10: instructions", text(ten, 0), "", text(ten, 0), "<= 700000", ten <= 700000);
+	row("a key in a list of 10: instructions", text(ten, 0), "", text(ten, 0), "<= 500000", ten <= 500000);
 	for (const int lines : {10000, 1000000}) {
 		const double many = instructions("key " + std::to_string(lines)) / 5;
 		row("a key in a list of " + std::to_string(lines) + ", to one of 10: instructions", text(many, 0),

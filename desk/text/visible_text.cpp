@@ -40,7 +40,7 @@ bool isHidden(gunichar c)
 
 int columnsOf(gunichar c)
 {
-	return g_unichar_iszerowidth(c) ? 0 : g_unichar_iswide(c) ? 2 : 1;
+	return c < 0x80 ? 1 : g_unichar_iszerowidth(c) ? 0 : g_unichar_iswide(c) ? 2 : 1;
 }
 
 /// Without trailing blanks.
@@ -55,6 +55,8 @@ std::string visibleText(std::string_view bytes)
 {
 	if (!bytes.empty() && bytes.back() == '\n')
 		bytes.remove_suffix(1);
+	if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return c >= 0x20 && c < 0x7F; }))
+		return std::string(bytes); // as most are
 	std::string out;
 	out.reserve(bytes.size());
 	int column = 0;

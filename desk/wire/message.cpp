@@ -137,6 +137,7 @@ public:
 	template <class Thing> void elements(const std::vector<Thing> &things)
 	{
 		Writer writer;
+		writer.array.reserve(20 * things.size());
 		for (const Thing &thing : things)
 			writer(thing);
 		array.emplace_back(std::move(writer.array));
@@ -255,7 +256,9 @@ bool isPlain(std::string_view bytes)
 		tag,
 		simple,
 	};
-	std::vector<uint64_t> left = {1}; // remaining values at each level
+	std::vector<uint64_t> left; // remaining values at each level
+	left.reserve(mostLevels);
+	left.push_back(1);
 	bool whole = false;
 	for (size_t at = 0, count = 0; !left.empty();) {
 		if (left.back() == 0) {
@@ -300,6 +303,7 @@ template <class Message> std::string encoded(const Message &message)
 	Writer writer;
 	writer.alternative(message);
 	std::string bytes;
+	bytes.reserve(1024); // as many as most frames have
 	Json::to_cbor(Json(std::move(writer.array)), bytes);
 	return bytes;
 }

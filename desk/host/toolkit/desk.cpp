@@ -130,7 +130,7 @@ void Desk::showFrame(bool waits)
 	}
 	if (describes)
 		message.windows = describe(openWindows);
-	viewer->send(message);
+	viewer->send(std::move(message));
 }
 
 } // namespace desk

@@ -328,13 +328,11 @@ void drawLine(cairo_t *to, const Rect &area, std::string_view line, const TextSt
 		x = area.right() - width;
 	const double baseline = std::round(area.y + (area.h - font.ascent - font.descent) / 2 + font.ascent);
 
-	cairo_save(to);
 	cairo_set_source_rgb(to, style.color.r / 255.0, style.color.g / 255.0, style.color.b / 255.0);
 	cairo_translate(to, x, baseline);
 	cairo_scale(to, font.squeeze * narrower, 1);
 	cairo_move_to(to, 0, 0);
 	pango_cairo_show_layout_line(to, laidOut);
-	cairo_restore(to);
 }
 
 } // namespace desk
