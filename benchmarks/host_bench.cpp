@@ -319,7 +319,7 @@ void countKeys(int lines)
 			CALLGRIND_STOP_INSTRUMENTATION;
 			return std::nullopt;
 		}
-		return pressed > first || pressed % 2 ? Key::down : Key::up;
+		return pressed >= first || pressed % 2 ? Key::down : Key::up;
 	};
 	bench::prepare({skin, bench::logOf(lines), true}, watcher);
 	bench::run(BENCH_PLUGIN);
