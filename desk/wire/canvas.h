@@ -37,7 +37,7 @@ struct Rect
 		return {left, top, std::max(0, std::min(right(), other.right()) - left),
 		        std::max(0, std::min(bottom(), other.bottom()) - top)};
 	}
-	/// The smallest rectangle that holds both; an empty one counts for nothing.
+	/// The bounding box of both; ignores an empty one.
 	Rect united(const Rect &other) const;
 
 	bool operator==(const Rect &o) const { return x == o.x && y == o.y && w == o.w && h == o.h; }
@@ -131,10 +131,10 @@ struct FrameStyle
 	}
 };
 
-/// What of a window is all of one colour: its client area, but for the rows of the rounded corners.
+/// The part of a window in one colour: its client area without the rows of rounded corners.
 Rect flatPart(const Rect &outer, const Rect &client, const FrameStyle &style);
 
-/// Pixels beyond a window's edges that its shadow may take.
+/// Maximum extent of a window's shadow, in pixels.
 constexpr int shadowReach = 16;
 
 /// Where the toolkit paints. Coordinates are screen pixels on every canvas.
@@ -146,10 +146,10 @@ public:
 	/// Whether a clip can restrict painting to a part of the screen.
 	virtual bool paintsInParts() const { return true; }
 
-	/// Makes `area` look as what is `down` pixels above it does. False: this canvas cannot.
+	/// Copies to `area` the pixels `down` rows above it. False: this canvas cannot.
 	virtual bool move(const Rect & /*area*/, int /*down*/) { return false; }
 
-	/// Nothing is drawn outside of the innermost clip; clips nest, each cut by the one around it.
+	/// Clips drawing to `area` within the current clip.
 	virtual void pushClip(const Rect &area) = 0;
 	virtual void popClip() = 0;
 

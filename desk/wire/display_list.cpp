@@ -68,8 +68,8 @@ template <class What> void DisplayList::add(What what)
 	if (Reach()(what).intersected(clips.back()).empty())
 		return;
 	if (items.empty())
-		items.reserve(32); // few pictures have less
-	// In its place: GCC 14 takes an item that is moved there for partly uninitialised.
+		items.reserve(32); // few pictures have fewer
+	// Built in place, because GCC 14 warns of an uninitialised part when an item is moved.
 	Item &item = items.emplace_back();
 	item.clip = clips.back();
 	item.what = std::move(what);
@@ -136,10 +136,10 @@ std::optional<Rect> DisplayList::apply(Edit edit)
 	return changed;
 }
 
-/// What stays a while of a list that scrolls, when what is between `from` and `to` becomes `made`.
+/// The lines that a scrolling list only moves when `made` replaces the items between `from` and `to`.
 DisplayList::Move DisplayList::moveTo(const std::vector<Item> &made, Iterator from, Iterator to) const
 {
-	// The first line that was elsewhere, and those after it. Only a few new ones come before it.
+	// The first moved line and those after it; only a few new lines precede it.
 	constexpr size_t mostNew = 8;
 	int down = 0;
 	const auto hasMoved = [&down](const Item &now, const Item &before) { return isMoved(now, before, down); };
@@ -156,7 +156,7 @@ DisplayList::Move DisplayList::moveTo(const std::vector<Item> &made, Iterator fr
 	const auto [end, endBefore] = std::mismatch(now, made.end(), before, to, hasMoved);
 	const Rect area = reachOf(now, end), source = movedDown(area, -down), both = area.united(source);
 
-	// Below them is one colour, and nothing else is.
+	// Moving pixels needs a background of one colour and no other item in both areas.
 	const auto reaches = [](const Rect &where) {
 		return [&where](const Item &item) { return !item.reach().intersected(where).empty(); };
 	};
@@ -199,7 +199,7 @@ void DisplayList::draw(Canvas &to, const Rect &area) const
 		void operator()(const KeyItem &i) { to.keySymbol(i.area, i.key, i.color); }
 	} drawing{to};
 
-	// What is below an item that is of one colour all over the area cannot be seen.
+	// An item that fills the area with one colour hides all items below it.
 	const auto isGround = [&area](const Item &item) { return isFlat(item, area); };
 	const auto ground = std::find_if(items.rbegin(), items.rend(), isGround);
 	to.pushClip(area);

@@ -89,16 +89,16 @@ public:
 	/// Draws the part within `area`.
 	void draw(Canvas &to, const Rect &area) const;
 
-	/// Draws what the last edit has changed, on a canvas that shows what was before it.
+	/// Draws the changes of the last edit on a canvas that shows the list before it.
 	void drawChanges(Canvas &to) const;
 
 private:
 	using Iterator = std::vector<Item>::const_iterator;
 
-	/// Lines of text that look as before, so many pixels farther up or down.
+	/// Lines of text that only moved up or down.
 	struct Move
 	{
-		Rect area; ///< where they are now; empty: there are none
+		Rect area; ///< their new place; empty: none
 		int down = 0;
 	};
 
@@ -108,7 +108,7 @@ private:
 	std::vector<Rect> clips = std::vector<Rect>(1, wholeScreen); ///< innermost last
 	std::vector<Item> items;
 	Rect changed; ///< by the last edit
-	Move moved;   ///< ... of that
+	Move moved;   ///< within `changed`
 };
 
 } // namespace desk

@@ -303,7 +303,7 @@ template <class Message> std::string encoded(const Message &message)
 	Writer writer;
 	writer.alternative(message);
 	std::string bytes;
-	bytes.reserve(1024); // as many as most frames have
+	bytes.reserve(1024); // enough for most frames
 	Json::to_cbor(Json(std::move(writer.array)), bytes);
 	return bytes;
 }

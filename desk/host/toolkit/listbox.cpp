@@ -44,7 +44,7 @@ void eListBoxBase::List::dispose()
 		entry->listbox = nullptr;
 		// A text entry owns its key, an eString.
 		const eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry);
-		// Looking costs system calls. Where a thousand keys are strings, the others are taken for such.
+		// The check costs system calls. After a thousand strings, assume that the other keys are strings too.
 		const bool looks = noticed || number < 1000;
 		if (text && text->getKey() && (!looks || desk::isString(text->getKey())))
 			delete static_cast<eString *>(text->getKey());

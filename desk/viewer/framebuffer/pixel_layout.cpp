@@ -56,7 +56,7 @@ PixelLayout::PixelLayout(const fb_var_screeninfo &mode)
 
 void PixelLayout::convert(const uint32_t *from, int count, unsigned char *to) const
 {
-	// Most pixels are of the colour of the one before.
+	// Most pixels have the previous one's colour.
 	for (const uint32_t *const end = from + count; from < end;) {
 		const uint32_t colour = *from;
 		const auto isOther = [colour](uint32_t other) { return other != colour; };
@@ -68,7 +68,7 @@ void PixelLayout::convert(const uint32_t *from, int count, unsigned char *to) co
 			std::fill_n(reinterpret_cast<uint32_t *>(to), same, value);
 		else
 			for (int i = 0; i < same; ++i) {
-				// The three bytes of the number that are in use, in this computer's order.
+				// The three used bytes, in this computer's byte order.
 				constexpr bool bigEndian = __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__;
 				memcpy(to + 3 * i, reinterpret_cast<const unsigned char *>(&value) + (bigEndian ? 1 : 0), 3);
 			}

@@ -23,8 +23,8 @@ public:
 
 	int bytes() const { return pixelBytes; }
 
-	/// Converts `count` pixels of 0x00RRGGBB into `count * bytes()` bytes. A channel of fewer bits
-	/// loses its lowest ones; what the kernel calls transparency is set to opaque. `to` is aligned for pixels.
+	/// Converts `count` pixels of 0x00RRGGBB into `count * bytes()` bytes at `to`, which is aligned for pixels. Drops
+	/// the low bits of narrow channels; sets the transparency field to opaque.
 	void convert(const uint32_t *from, int count, unsigned char *to) const;
 
 private:

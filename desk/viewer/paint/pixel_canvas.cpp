@@ -99,10 +99,10 @@ void fillRows(cairo_t *to, const Rect &area, const Fill &fill)
 }
 
 constexpr int shadowLayers = 10, shadowDown = 5; // a shadow is a little lower than its window
-constexpr uint32_t shadowAlpha = 11;             // of one layer, of 255
+constexpr uint32_t shadowAlpha = 11;             // of one layer, out of 255
 static_assert(shadowLayers + shadowDown <= shadowReach);
 
-/// What so many layers of shadow leave of each value, as pixman computes it.
+/// Each colour value under a number of shadow layers, rounded like pixman.
 constexpr auto shaded = [] {
 	std::array<std::array<uint8_t, 256>, shadowLayers + 1> values{};
 	for (size_t value = 0; value < 256; ++value) {
@@ -183,7 +183,7 @@ bool PixelCanvas::move(const Rect &area, int down)
 	cairo_surface_flush(s->surface);
 	unsigned char *const first = cairo_image_surface_get_data(s->surface) + 4 * area.x;
 	for (int i = 0; i < area.h; ++i) {
-		const int y = down < 0 ? area.y + i : area.bottom() - 1 - i; // no row before it has been moved on
+		const int y = down < 0 ? area.y + i : area.bottom() - 1 - i; // reads each row before overwriting it
 		memcpy(first + y * stride(), first + (y - down) * stride(), 4 * static_cast<size_t>(area.w));
 	}
 	cairo_surface_mark_dirty_rectangle(s->surface, area.x, area.y, area.w, area.h);
@@ -248,9 +248,9 @@ void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view 
 	cairo_stroke(to);
 }
 
-// Many thin layers make it soft. Where they are straight, a pixel is in the more of them the nearer it is to the
-// window, which covers what is below it. Cairo draws the corners: a row with both of its curves, because how it
-// computes the one depends on the other.
+// Many thin layers make the shadow soft. Along straight edges, the distance from the window determines a pixel's
+// number of layers. Cairo draws the corners, both curves of a row at once, because its rounding of one depends on
+// the other.
 void PixelCanvas::drawShadow(const Rect &outer, int radius)
 {
 	const bool isStraight = std::min(outer.w, outer.h) >= 2 * (radius + 1) && outer.x + radius + 1 > 0 &&
@@ -258,7 +258,7 @@ void PixelCanvas::drawShadow(const Rect &outer, int radius)
 	const int left = outer.x + (isStraight ? radius + 1 : outer.w / 2);
 	const int right = isStraight ? outer.right() - radius - 1 : left;
 	const int top = outer.y + radius, bottom = std::max(top, outer.bottom() - radius);
-	const int side = std::min(top + shadowDown, bottom); // where the curves end there
+	const int side = std::min(top + shadowDown, bottom); // end of the curves at the sides
 	const Rect around = {outer.x - shadowReach, outer.y - shadowReach, outer.w + 2 * shadowReach,
 	                     outer.h + 2 * shadowReach};
 
@@ -268,7 +268,7 @@ void PixelCanvas::drawShadow(const Rect &outer, int radius)
 			all = all.united(part.intersected(clipOf(s->cairo)));
 		if (all.empty())
 			return;
-		// Drawn by way of a mask: pixman is slow at what is transparent all over.
+		// Through a mask, because pixman is slow with fully transparent areas.
 		cairo_surface_t *mask = cairo_image_surface_create(CAIRO_FORMAT_A8, all.w, all.h);
 		cairo_t *toMask = cairo_create(mask);
 		cairo_translate(toMask, -all.x, -all.y);
@@ -303,7 +303,7 @@ void PixelCanvas::drawShadow(const Rect &outer, int radius)
 	corners({{around.x, bottom, left - around.x, around.bottom() - bottom},
 	         {right, bottom, around.right() - right, around.bottom() - bottom}});
 
-	for (int away = 0; away < shadowReach; ++away) { // so many pixels are between the window and this one
+	for (int away = 0; away < shadowReach; ++away) { // pixels between the window and this one
 		const int layers = shadowLayers - 1 - away;
 		shade(s->cairo, {outer.x - 1 - away, side, 1, bottom - side}, layers);
 		shade(s->cairo, {outer.right() + away, side, 1, bottom - side}, layers);

@@ -162,7 +162,7 @@ TEST(Wire, brings_only_what_has_changed_of_a_frame)
 
 using Drawing = std::function<void(DisplayList &)>;
 
-/// Five lines of a long list, and what else there is around them.
+/// Five lines of a long list, with other items below and above them.
 DisplayList fiveLines(int first, const Drawing &below = {}, const Drawing &above = {})
 {
 	DisplayList list;
@@ -179,7 +179,7 @@ DisplayList fiveLines(int first, const Drawing &below = {}, const Drawing &above
 	return list;
 }
 
-/// What is drawn when one list becomes the other.
+/// The drawing operations when one list becomes the other.
 std::string changes(DisplayList before, const DisplayList &after)
 {
 	before.apply(after.editOf(before));

@@ -31,7 +31,7 @@ std::string difference(PixelCanvas &one, PixelCanvas &other)
 	return "";
 }
 
-/// Counts what is only moved.
+/// Counts moves.
 class Canvas : public PixelCanvas
 {
 public:
