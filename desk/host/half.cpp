@@ -61,6 +61,7 @@ try {
 	while (const std::optional<ToHost> message = viewer.receive()) {
 		if (std::holds_alternative<Load>(*message)) {
 			std::filesystem::current_path(folder, failed); // the last run may have changed it
+			Trace::get().forgetEvent();
 			plugin = Plugin::load(start->plugin);
 			viewer.send(Loaded());
 		} else if (const Run *run = std::get_if<Run>(&*message); run && plugin) {

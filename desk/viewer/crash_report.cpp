@@ -17,6 +17,8 @@ namespace
 
 std::string demangled(const char *name)
 {
+	if (std::strncmp(name, "_Z", 2) != 0) // a function of C, whose name may be that of a type
+		return name;
 	int status = 0;
 	char *text = abi::__cxa_demangle(name, nullptr, nullptr, &status);
 	std::string clear = text ? text : name;

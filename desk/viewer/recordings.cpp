@@ -17,13 +17,25 @@ namespace
 
 namespace fs = std::filesystem;
 
+/// Where a file of that name would be made; empty if it cannot be.
+fs::path placeOf(const fs::path &name)
+{
+	constexpr int mostLinks = 40; // as for the kernel
+	std::error_code failed;
+	fs::path place = fs::absolute(name, failed);
+	for (int links = 0; links < mostLinks && fs::is_symlink(place, failed); ++links)
+		place = place.parent_path() / fs::read_symlink(place, failed);
+	return fs::weakly_canonical(place, failed);
+}
+
 /// Whether two names mean the same regular file, which may not exist yet.
 bool areOneFile(const fs::path &one, const fs::path &other)
 {
 	std::error_code failed;
 	if (fs::exists(one, failed))
 		return fs::is_regular_file(one, failed) && fs::equivalent(one, other, failed);
-	return fs::weakly_canonical(one, failed) == fs::weakly_canonical(other, failed);
+	const fs::path place = placeOf(one);
+	return !place.empty() && place == placeOf(other);
 }
 
 /// Checks regular files only, because reading a device or a pipe may block.
@@ -45,6 +57,8 @@ bool has(const fs::path &folder, const fs::path &file)
 	if (folder.empty() || !fs::is_regular_file(file, failed))
 		return false;
 	const fs::path root = fs::canonical(folder, failed), path = fs::canonical(file, failed);
+	if (root.empty()) // it was deleted
+		return false;
 	if (std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end())
 		return true;
 	if (fs::hard_link_count(file, failed) < 2)

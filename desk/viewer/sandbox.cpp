@@ -40,8 +40,9 @@ std::vector<fs::path> namesIn(const fs::path &folder)
 {
 	std::error_code failed;
 	std::vector<fs::path> names;
-	for (const fs::directory_entry &entry : fs::directory_iterator(folder, failed))
-		names.push_back(entry.path().filename());
+	for (fs::directory_iterator entry(folder, failed); !failed && entry != fs::end(entry);
+	     entry.increment(failed))
+		names.push_back(entry->path().filename());
 	return names;
 }
 

@@ -30,11 +30,12 @@ using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr seconds patienceWithTheEnd(1);   // for a plugin to end by itself
-constexpr seconds patienceWithItsHalf(60); // for its half to end; a tool may be searching for leaks
-constexpr int exitsThatEnd = 3;            // while the plugin is busy
-constexpr int mostExits = 1000;            // after a script, if the plugin does not return
-constexpr milliseconds longestRepeat(800); // between two events of a held key, which terminals do not mark
+constexpr seconds patienceWithTheEnd(1);    // for a plugin to end by itself
+constexpr seconds patienceWithAFailure(10); // with its half then, or with a tool that it runs in
+constexpr seconds patienceWithItsHalf(60);  // for its half to end; a tool may be searching for leaks
+constexpr int exitsThatEnd = 3;             // while the plugin is busy
+constexpr int mostExits = 1000;             // after a script, if the plugin does not return
+constexpr milliseconds longestRepeat(800);  // between two events of a held key, which terminals do not mark
 
 // The panel over the picture, within the 80 columns that every terminal shows.
 constexpr int panelLeft = 48, panelWidth = 78 * 8, panelRow = 20, panelMargin = 8;
@@ -69,6 +70,8 @@ void Session::run()
 		}
 	} catch (const Error &error) {
 		failure = error;
+	} catch (const std::exception &error) { // whatever it is, the screen is to be given back
+		failure.emplace(error.what(), statusNotToItsEnd);
 	}
 	close();
 }
@@ -170,16 +173,29 @@ void Session::handle(Loaded &)
 void Session::handle(Failed &message)
 {
 	if (!screen || !watch) {
-		failure.emplace(message.why, message.status);
-		return letHalfEnd();
+		readErrors();
+		NoteLog::get().endLine();
+		NoteLog::get().add("deskhost: " + message.why); // at once: the half may take its time
+		failure.emplace("", message.status == statusBadArguments ? statusBadArguments : statusNotToItsEnd);
+		return letHalfEnd(patienceWithAFailure);
 	}
 	say("deskhost: " + message.why);
 	half.reset();
 	state = State::gone;
 }
 
+/// Ends a half that sends what comes only after loading.
+bool Session::isLoaded()
+{
+	if (!screen)
+		giveUp("its half sent what comes after loading only; does a constructor in the plugin call exec()?");
+	return screen != nullptr;
+}
+
 void Session::handle(Frame &message)
 {
+	if (!isLoaded())
+		return;
 	if (secondsShown > 0)
 		hidePanel();
 	const std::optional<Rect> changes = picture.apply(std::move(message.edit));
@@ -210,6 +226,8 @@ void Session::handle(Frame &message)
 
 void Session::handle(Meaning &message)
 {
+	if (!isLoaded())
+		return;
 	meant.assign(message.keys.begin(), message.keys.end());
 	state = State::waiting;
 }
@@ -252,6 +270,8 @@ void Session::handle(Harm &message)
 
 void Session::handle(Returned &message)
 {
+	if (!isLoaded())
+		return;
 	readErrors();
 	returned += lineFor(message.result);
 	std::string rest;
@@ -270,7 +290,7 @@ void Session::handle(Returned &message)
 		busySince = Clock::now();
 		state = State::busy;
 	} else
-		letHalfEnd();
+		letHalfEnd(patienceWithItsHalf);
 }
 
 void Session::handle(Crash &message)
@@ -287,7 +307,7 @@ void Session::lookForEnd()
 		half->kill();
 		if (half->isSilent() && whyEnded.empty())
 			whyEnded = "it went on without a way to here";
-		if (screen && screen->closed())
+		if (screen && screen->closed() && !failure)
 			throw Error(!screen->lost().empty() ? screen->lost()
 			                                    : "the window was closed while the plugin or a "
 			                                      "command was busy; ended without waiting for it",
@@ -367,10 +387,10 @@ void Session::startAgain(bool pressesAgain)
 }
 
 /// The half ends by itself, so that a tool around it can print its report.
-void Session::letHalfEnd()
+void Session::letHalfEnd(std::chrono::seconds patience)
 {
 	half->hangUp();
-	deadline = Clock::now() + patienceWithItsHalf;
+	deadline = Clock::now() + patience;
 	state = State::finishing;
 }
 
@@ -487,6 +507,14 @@ void Session::decide()
 /// Shows that the plugin is busy, and ends it on request.
 void Session::watchBusy()
 {
+	if (state == State::finishing && screen && half && deadline) {
+		bool leaves = screen->closed();
+		while (const std::optional<Input> input = fromScreen())
+			if (const Key *key = std::get_if<Key>(&input->what))
+				leaves = leaves || *key == Key::exit;
+		if (leaves)
+			deadline = std::min(*deadline, Clock::now() + patienceWithTheEnd);
+	}
 	if (state != State::busy || !screen || !half)
 		return;
 	if (screen->closed()) {

@@ -78,7 +78,8 @@ private:
 	void lookForEnd();
 	void reportEnd(const CrashReport &report);
 	void startAgain(bool pressesAgain);
-	void letHalfEnd();
+	bool isLoaded();
+	void letHalfEnd(std::chrono::seconds patience);
 	void giveUp(const std::string &why);
 
 	void pressNext();

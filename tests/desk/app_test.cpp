@@ -145,6 +145,21 @@ TEST(App, refuses_to_record_into_what_it_reads)
 				std::filesystem::remove(link);
 			}
 
+	const std::string fresh = folder / "fresh";
+	std::filesystem::create_symlink("fresh", folder / "to fresh");
+	for (const std::string &same :
+	     {folder / "./fresh", folder / "to fresh", folder / "../" + fresh.substr(5)})
+		for (const char *other : {"--trace", "--debug"})
+			expectRefused(deskhost({"--screen", "none", "--keys", "exit", "--dump", fresh, other, same}), 2,
+			              "would overwrite each other");
+	EXPECT_FALSE(support::exists(fresh));
+	const Outcome gone =
+		support::run({"/bin/sh", "-c",
+	                  "mkdir \"$1/gone\"; cd \"$1/gone\"; rmdir \"$1/gone\"; : >\"$1/old\"; exec \"$0\" "
+	                  "--screen none --keys exit --root . --dump \"$1/old\"",
+	                  support::deskhostPath(), folder.path()});
+	EXPECT_EQ(gone.err.find("overwrite"), std::string::npos) << gone.err;
+
 	std::filesystem::create_symlink(skin, folder / "00-start.png");
 	const std::string before = support::readFile(skin);
 	EXPECT_EQ(deskhost({"--screen", "none", "--skin", skin, "--pictures", folder.path()}).status, 0);

@@ -161,7 +161,7 @@ std::optional<std::string> Files::ledTo(const char *path) const
 {
 	if (root < 0 || !isServed(path))
 		return std::nullopt;
-	return folder + normal(path).string();
+	return std::filesystem::path(folder) / normal(path).relative_path();
 }
 
 /// The root's file that a link stands for, else `path`.

@@ -15,10 +15,12 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <cstdarg>
 #include <cstdlib>
+#include <iterator>
 #include <libintl.h>
 #include <optional>
 #include <string>
@@ -43,13 +45,13 @@ template <class... Args> void trace(const char *what, const Args &...args)
 /// Adds a debug line for each redirected file, after the line of the call.
 template <class... Paths> void tellLeads(const Paths *...paths)
 {
-	const auto tell = [](const char *path) {
-		if (const std::optional<std::string> place = Files::get().ledTo(path))
-			Trace::get().aside("led to " + *place);
-	};
+	if (!byPlugin())
+		return;
 	const int reason = errno;
-	if (byPlugin())
-		(tell(paths), ...);
+	const std::optional<std::string> places[] = {Files::get().ledTo(paths)...};
+	if (std::find(std::begin(places), std::end(places), std::nullopt) == std::end(places))
+		for (const std::optional<std::string> &place : places)
+			Trace::get().aside("led to " + *place);
 	errno = reason;
 }
 
@@ -120,15 +122,19 @@ int fclose(FILE *stream)
 int remove(const char *path) noexcept
 {
 	trace("remove", path);
+	if (!mayDelete(path))
+		return -1;
 	tellLeads(path);
-	return mayDelete(path) ? Files::get().remove(path) : -1;
+	return Files::get().remove(path);
 }
 
 int unlink(const char *path) noexcept
 {
 	trace("unlink", path);
+	if (!mayDelete(path))
+		return -1;
 	tellLeads(path);
-	return mayDelete(path) ? Files::get().unlink(path) : -1;
+	return Files::get().unlink(path);
 }
 
 int rename(const char *from, const char *to) noexcept

@@ -43,8 +43,9 @@ void Texts::setLanguage(const std::string &lang, const std::string &in, const st
 	if (!plain || (!isThere(territory) && !isThere(language))) {
 		std::error_code failed;
 		std::set<std::string> known = {"en"};
-		for (const fs::directory_entry &entry : fs::directory_iterator(in, failed))
-			if (const std::string name = entry.path().filename(); isThere(name))
+		for (fs::directory_iterator entry(in, failed); !failed && entry != fs::end(entry);
+		     entry.increment(failed))
+			if (const std::string name = entry->path().filename(); isThere(name))
 				known.insert(name);
 		std::string line = "there is no message catalogue '" + domain + "' for '" + lang + "' in '" +
 		                   fs::path(in).lexically_normal().string() + "'; --lang knows:";

@@ -47,6 +47,9 @@ public:
 			emitted(nameOf(object) + '.' + signal + '(' + (std::string() + ... + nameOf(arguments)) + ')');
 	}
 
+	/// No key was pressed so far.
+	void forgetEvent() { event = key = ""; }
+
 	/// The last key, and the last signal since: "key ok, eButton#1.selected()".
 	const std::string &lastEvent() const { return event; }
 

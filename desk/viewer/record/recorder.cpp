@@ -75,9 +75,10 @@ void Recorder::begin()
 	std::error_code failed;
 	std::vector<fs::path> earlier;
 	if (!pictures.empty())
-		for (const fs::directory_entry &entry : fs::directory_iterator(pictures, failed))
-			if (isPicture(entry.path()))
-				earlier.push_back(entry.path());
+		for (fs::directory_iterator entry(pictures, failed); !failed && entry != fs::end(entry);
+		     entry.increment(failed))
+			if (isPicture(entry->path()))
+				earlier.push_back(entry->path());
 	for (const fs::path &path : earlier) // else they would look like pictures of this run
 		fs::remove(path, failed);
 	for (FILE *file : {dump, trace})

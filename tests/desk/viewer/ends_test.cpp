@@ -60,6 +60,16 @@ TEST(End, is_told_without_a_trace_as_with_one)
 	EXPECT_EQ(lastCall(plain.err), "Its last call: " + traced.trace.back());
 }
 
+TEST(End, is_not_blamed_on_a_key_of_the_run_before)
+{
+	const DeskRun run =
+		runDesk("", "exit", {"--plugin", support::testPlugin("misbehaves.so.0"), "--plays", "2"},
+	            {{"RUNS_BEFORE_ABORT", "1"}});
+	EXPECT_EQ(run.outcome.status, 1);
+	EXPECT_NE(run.outcome.err.find("It was ended by signal 6"), std::string::npos) << run.outcome.err;
+	EXPECT_EQ(run.outcome.err.find("It was dealing with"), std::string::npos) << run.outcome.err;
+}
+
 TEST(End, by_exit_is_no_success)
 {
 	expectEnd(misbehaving("3"), {"It called exit(0) in the middle of its run"});
@@ -239,13 +249,16 @@ TEST(Through, a_tool_has_its_say_about_a_plugin_that_cannot_be_loaded)
 	const support::Outcome outcome =
 		support::run({support::deskhostPath(), "--screen", "none", "--through", tool, "--plugin", plugin});
 	EXPECT_EQ(outcome.status, 1);
-	EXPECT_EQ(outcome.err.rfind("looked\ndeskhost: cannot load the plugin '" + plugin, 0), 0u) << outcome.err;
+	EXPECT_EQ(outcome.err.rfind("deskhost: cannot load the plugin '" + plugin, 0), 0u) << outcome.err;
+	EXPECT_NE(outcome.err.find("\nlooked\n"), std::string::npos) << outcome.err;
 }
 
 TEST(Through, what_is_no_plugins_half_is_a_clear_end)
 {
-	for (const char *command : {"cat /dev/zero #", "sh -c 'echo Welcome to the box; cat' #", "true #",
-	                            "sh -c 'head -c 100000 /dev/urandom; cat' #"}) {
+	for (const char *command :
+	     {"cat /dev/zero #", "sh -c 'echo Welcome to the box; cat' #", "true #",
+	      R"(sh -c 'tr "\0" "\377" </dev/zero | head -c 100000; cat' #)",
+	      R"(sh -c 'printf "\0\0\0\003\202\007\0"; cat' #)"}) { // "returned" before "loaded"
 		const support::Outcome outcome =
 			support::run({support::deskhostPath(), "--screen", "none", "--through", command});
 		EXPECT_EQ(outcome.status, 1) << command;
