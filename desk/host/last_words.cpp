@@ -163,14 +163,14 @@ void onTerminate()
 	if (const std::type_info *type = abi::__cxa_current_exception_type()) {
 		int status = 0;
 		const char *name = abi::__cxa_demangle(type->name(), nullptr, nullptr, &status);
-		std::string said = name ? name : type->name();
+		std::string text = name ? name : type->name();
 		try {
 			throw;
 		} catch (const std::exception &exception) {
-			said += std::string(": ") + exception.what();
+			text += std::string(": ") + exception.what();
 		} catch (...) { // no text to report
 		}
-		exceptionText[said.copy(exceptionText, sizeof exceptionText - 1)] = '\0';
+		exceptionText[text.copy(exceptionText, sizeof exceptionText - 1)] = '\0';
 	}
 	std::abort();
 }

@@ -38,6 +38,14 @@ const char *keyName(Key key)
 	return names[static_cast<size_t>(key)];
 }
 
+std::string keyNames()
+{
+	std::string all;
+	for (const char *name : names)
+		all.append(all.empty() ? "" : " ").append(name);
+	return all;
+}
+
 std::optional<Key> keyNamed(std::string_view name)
 {
 	for (size_t i = 0; i < keyCount; ++i)
@@ -76,12 +84,8 @@ std::vector<Key> parseKeyScript(std::string_view script)
 		const size_t end = std::min(script.find_first_of(whiteSpace, at), script.size());
 		const std::string_view name = script.substr(at, end - at);
 		const auto key = keyNamed(name);
-		if (!key) {
-			std::string line = "unknown key " + quoted(name) + "; the keys are";
-			for (const char *known : names)
-				line.append(" ").append(known);
-			throw Error(line);
-		}
+		if (!key)
+			throw Error("unknown key " + quoted(name) + "; the keys are " + keyNames());
 		keys.push_back(*key);
 		at = end;
 	}

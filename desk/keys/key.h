@@ -40,6 +40,9 @@ enum class Key
 /// The key's name in key scripts, dumps and picture names: "pageup", "7".
 const char *keyName(Key key);
 
+/// All names, separated by blanks.
+std::string keyNames();
+
 /// The key with that name, if any.
 std::optional<Key> keyNamed(std::string_view name);
 

@@ -53,10 +53,10 @@ std::optional<Options> readArguments(int argc, char **argv)
 	cli.add_option("--remote", options.devices.remote,
 	               "The input device of its remote control; by default one with an OK key, else a keyboard")
 		->type_name("DEVICE");
-	cli.add_option(
-		   "--keys", script,
-		   "Press these keys first, one after another: up down left right pageup pagedown home end ok exit\n"
-		   "red green yellow blue 0-9. With --screen none, exit follows until the plugin returns")
+	cli.add_option("--keys", script,
+	               "Press these keys first, one after another:\n" + keyNames() +
+	                   "\n"
+	                   "With --screen none, exit follows until the plugin returns")
 		->type_name("KEYS");
 	cli.add_option(
 		   "--pictures", options.pictures,

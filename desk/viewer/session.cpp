@@ -244,7 +244,7 @@ void Session::handle(Note &message)
 		NoteLog::get().add(message.line);
 }
 
-void Session::handle(Said &)
+void Session::handle(CommandEnded &)
 {
 	readErrors();
 	NoteLog::get().endLine();

@@ -70,7 +70,7 @@ private:
 	void handle(Frame &message);
 	void handle(Meaning &message);
 	void handle(Note &message);
-	void handle(Said &);
+	void handle(CommandEnded &);
 	void handle(Call &message);
 	void handle(Harm &message);
 	void handle(Returned &message);

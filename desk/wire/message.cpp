@@ -105,7 +105,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Crash>)
 		io(t.signal, t.status, t.what, t.event, t.call, t.gone, t.stack);
 	else
-		static_assert(isOneOf<T, Load, Loaded, Said>, "every kind has its values");
+		static_assert(isOneOf<T, Load, Loaded, CommandEnded>, "every kind has its values");
 }
 
 /// Appends values to an array.

@@ -104,7 +104,7 @@ struct Note
 };
 
 /// A command of the plugin ended: its output precedes later messages.
-struct Said
+struct CommandEnded
 {
 };
 
@@ -145,7 +145,8 @@ struct Crash
 	std::vector<Place> stack; ///< innermost first
 };
 
-using ToViewer = std::variant<Loaded, Failed, Frame, Meaning, Note, Call, Harm, Returned, Crash, Said>;
+using ToViewer =
+	std::variant<Loaded, Failed, Frame, Meaning, Note, Call, Harm, Returned, Crash, CommandEnded>;
 
 /// The limit of a message's size.
 constexpr size_t mostMessageBytes = 64 << 20;

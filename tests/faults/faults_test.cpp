@@ -87,7 +87,7 @@ const std::map<std::string, std::string> healthy = {
 constexpr size_t diskBlock = 512; // the shell's unit of ulimit -f
 
 /// A receiver with one faulty source, and the bytes that still reach the plugin.
-struct Setting
+struct Scenario
 {
 	ReceiverFolder receiver;
 	std::string varTmp = receiver / "var/tmp";
@@ -97,7 +97,7 @@ struct Setting
 	std::map<std::string, std::optional<std::string>> bytes; ///< nullopt: the source does not open
 	long logSize = 0;
 
-	Setting()
+	Scenario()
 	{
 		fs::create_directories(varTmp); // some faults put a file there first
 		for (const auto &[name, content] : healthy) {
@@ -154,16 +154,16 @@ struct Setting
 	}
 };
 
-void remove(const Setting &setting, const Source &of)
+void remove(const Scenario &scenario, const Source &of)
 {
-	fs::remove(setting.place(of));
+	fs::remove(scenario.place(of));
 }
 
 /// One fault of one kind of source, named as in the documentation.
 struct Cell
 {
 	const char *what; ///< without `arrange`: why the fault cannot occur
-	void (*arrange)(Setting &, const Source &) = nullptr;
+	void (*arrange)(Scenario &, const Source &) = nullptr;
 };
 
 struct Fault
@@ -185,114 +185,114 @@ const Fault faults[] = {
 	{"missing",
      "missing",
      {"there is no such file",
-      [](Setting &setting, const Source &file) {
-		  remove(setting, file);
-		  setting.bytes[file.name] = std::nullopt;
+      [](Scenario &scenario, const Source &file) {
+		  remove(scenario, file);
+		  scenario.bytes[file.name] = std::nullopt;
 	  }},
      {"its output is gone before it is read",
-      [](Setting &setting, const Source &command) {
+      [](Scenario &scenario, const Source &command) {
 		  const std::string removing = std::string("/bin/rm /var/tmp/") + command.temporary + '\n';
-		  setting.print(command, healthy.at(command.name), "", removing);
-		  setting.bytes[command.name] = std::nullopt;
+		  scenario.print(command, healthy.at(command.name), "", removing);
+		  scenario.bytes[command.name] = std::nullopt;
 	  }},
      {"the folder is gone before anything is read",
-      [](Setting &setting, const Source &) {
-		  setting.print(source("ps"), healthy.at("ps"), "", "/bin/rm -r '" + setting.varTmp + "'\n");
-		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
+      [](Scenario &scenario, const Source &) {
+		  scenario.print(source("ps"), healthy.at("ps"), "", "/bin/rm -r '" + scenario.varTmp + "'\n");
+		  scenario.bytes["ps"] = scenario.bytes["df"] = std::nullopt;
 	  }}},
 
 	{"no_rights",
      "no rights",
      {"nobody may read it",
-      [](Setting &setting, const Source &file) {
-		  chmod(setting.place(file).c_str(), 0);
-		  setting.dropRights = true;
-		  setting.bytes[file.name] = std::nullopt;
+      [](Scenario &scenario, const Source &file) {
+		  chmod(scenario.place(file).c_str(), 0);
+		  scenario.dropRights = true;
+		  scenario.bytes[file.name] = std::nullopt;
 	  }},
      {"nobody may execute it",
-      [](Setting &setting, const Source &command) {
-		  chmod(setting.place(command).c_str(), 0644);
-		  setting.bytes[command.name] = "";
+      [](Scenario &scenario, const Source &command) {
+		  chmod(scenario.place(command).c_str(), 0644);
+		  scenario.bytes[command.name] = "";
 	  }},
      {"files that nobody may open are in the place of both files in it",
-      [](Setting &setting, const Source &) {
+      [](Scenario &scenario, const Source &) {
 		  for (const char *name : {"ps.tmp", "df.tmp"})
-			  chmod(setting.receiver.write(std::string("var/tmp/") + name, "left over\n").c_str(), 0);
-		  setting.dropRights = true;
-		  setting.bytes["ps"] = setting.bytes["df"] = std::nullopt;
+			  chmod(scenario.receiver.write(std::string("var/tmp/") + name, "left over\n").c_str(), 0);
+		  scenario.dropRights = true;
+		  scenario.bytes["ps"] = scenario.bytes["df"] = std::nullopt;
 	  }}},
 
 	{"folder",
      "folder",
      {"a folder is in its place",
-      [](Setting &setting, const Source &file) {
-		  remove(setting, file);
-		  fs::create_directory(setting.place(file));
-		  setting.bytes[file.name] = "";
+      [](Scenario &scenario, const Source &file) {
+		  remove(scenario, file);
+		  fs::create_directory(scenario.place(file));
+		  scenario.bytes[file.name] = "";
 		  // The file system decides the offset of a folder's end.
-		  FILE *folder = fopen(setting.place(file).c_str(), "r");
+		  FILE *folder = fopen(scenario.place(file).c_str(), "r");
 		  ASSERT_NE(folder, nullptr);
 		  fseek(folder, 0, SEEK_END);
 		  if (std::string(file.name) == "scanlog")
-			  setting.logSize = ftell(folder);
+			  scenario.logSize = ftell(folder);
 		  fclose(folder);
 	  }},
      {"a folder is in its place",
-      [](Setting &setting, const Source &command) {
-		  remove(setting, command);
-		  fs::create_directory(setting.place(command));
-		  setting.bytes[command.name] = "";
+      [](Scenario &scenario, const Source &command) {
+		  remove(scenario, command);
+		  fs::create_directory(scenario.place(command));
+		  scenario.bytes[command.name] = "";
 	  }},
      {"folders are in the place of both files in it",
-      [](Setting &setting, const Source &) {
-		  fs::create_directory(setting.varTmp + "/ps.tmp");
-		  fs::create_directory(setting.varTmp + "/df.tmp");
-		  setting.bytes["ps"] = setting.bytes["df"] = "";
+      [](Scenario &scenario, const Source &) {
+		  fs::create_directory(scenario.varTmp + "/ps.tmp");
+		  fs::create_directory(scenario.varTmp + "/df.tmp");
+		  scenario.bytes["ps"] = scenario.bytes["df"] = "";
 	  }}},
 
 	{"empty",
      "empty",
      {"it has no byte",
-      [](Setting &setting, const Source &file) {
-		  setting.receiver.write(file.path, "");
-		  setting.bytes[file.name] = "";
+      [](Scenario &scenario, const Source &file) {
+		  scenario.receiver.write(file.path, "");
+		  scenario.bytes[file.name] = "";
 		  if (std::string(file.name) == "scanlog")
-			  setting.logSize = 0;
+			  scenario.logSize = 0;
 	  }},
      {"an executable file without a byte",
-      [](Setting &setting, const Source &command) {
-		  setting.receiver.write(command.path, "", true);
-		  setting.bytes[command.name] = "";
+      [](Scenario &scenario, const Source &command) {
+		  scenario.receiver.write(command.path, "", true);
+		  scenario.bytes[command.name] = "";
 	  }},
      {"that is its normal state"}},
 
 	{"read_error",
      "read error part-way",
      {"EIO in the middle of the last line",
-      [](Setting &setting, const Source &file) { setting.breakReading(file, setting.place(file)); }},
+      [](Scenario &scenario, const Source &file) { scenario.breakReading(file, scenario.place(file)); }},
      {"EIO in the middle of the last line of its output",
-      [](Setting &setting, const Source &command) {
-		  setting.breakReading(command, setting.output(command));
+      [](Scenario &scenario, const Source &command) {
+		  scenario.breakReading(command, scenario.output(command));
 	  }},
      {"EIO in both files in it",
-      [](Setting &setting, const Source &) {
+      [](Scenario &scenario, const Source &) {
 		  for (const char *name : {"ps", "df"})
-			  setting.breakReading(source(name), setting.output(source(name)));
+			  scenario.breakReading(source(name), scenario.output(source(name)));
 	  }}},
 
 	{"full_disk",
      "full disk while the command writes",
      noCommand,
      {"only its first 512 bytes can be written",
-      [](Setting &setting, const Source &command) {
-		  setting.print(command, healthy.at(command.name), "trap '' XFSZ\nulimit -f 1\n");
-		  setting.bytes[command.name] = healthy.at(command.name).substr(0, diskBlock);
+      [](Scenario &scenario, const Source &command) {
+		  scenario.print(command, healthy.at(command.name), "trap '' XFSZ\nulimit -f 1\n");
+		  scenario.bytes[command.name] = healthy.at(command.name).substr(0, diskBlock);
 	  }},
      {"not a byte of either command can be written",
-      [](Setting &setting, const Source &) {
+      [](Scenario &scenario, const Source &) {
 		  for (const char *name : {"ps", "df"}) {
-			  setting.print(source(name), healthy.at(name), "trap '' XFSZ\nulimit -f 0\n");
-			  setting.bytes[name] = "";
+			  scenario.print(source(name), healthy.at(name), "trap '' XFSZ\nulimit -f 0\n");
+			  scenario.bytes[name] = "";
 		  }
 	  }}},
 
@@ -300,31 +300,31 @@ const Fault faults[] = {
      "a command that fails",
      noCommand,
      {"it prints two lines, an error, and ends with status 1",
-      [](Setting &setting, const Source &command) {
+      [](Scenario &scenario, const Source &command) {
 		  const std::string &all = healthy.at(command.name);
 		  const std::string two = all.substr(0, all.find('\n', all.find('\n') + 1) + 1);
-		  setting.print(command, two, "", "echo it went wrong >&2\nexit 1\n");
-		  setting.bytes[command.name] = two;
+		  scenario.print(command, two, "", "echo it went wrong >&2\nexit 1\n");
+		  scenario.bytes[command.name] = two;
 	  }},
      runsNothing},
 
 	{"megabytes",
      "prints megabytes",
      {"it is over two megabytes long",
-      [](Setting &setting, const Source &file) {
+      [](Scenario &scenario, const Source &file) {
 		  const std::string &one = healthy.at(file.name);
 		  const std::string all = support::repeat(one, static_cast<int>((2 << 20) / one.size()) + 1);
-		  setting.receiver.write(file.path, all);
-		  setting.bytes[file.name] = all;
+		  scenario.receiver.write(file.path, all);
+		  scenario.bytes[file.name] = all;
 		  if (std::string(file.name) == "scanlog")
-			  setting.logSize = static_cast<long>(all.size());
+			  scenario.logSize = static_cast<long>(all.size());
 	  }},
      {"over two megabytes",
-      [](Setting &setting, const Source &command) {
+      [](Scenario &scenario, const Source &command) {
 		  const std::string &one = healthy.at(command.name);
 		  const std::string all = support::repeat(one, static_cast<int>((2 << 20) / one.size()) + 1);
-		  setting.print(command, all);
-		  setting.bytes[command.name] = all;
+		  scenario.print(command, all);
+		  scenario.bytes[command.name] = all;
 	  }},
      runsNothing},
 
@@ -332,9 +332,9 @@ const Fault faults[] = {
      "prints nothing",
      noCommand,
      {"it ends well without a word",
-      [](Setting &setting, const Source &command) {
-		  setting.script(command, "exit 0\n");
-		  setting.bytes[command.name] = "";
+      [](Scenario &scenario, const Source &command) {
+		  scenario.script(command, "exit 0\n");
+		  scenario.bytes[command.name] = "";
 	  }},
      runsNothing},
 
@@ -342,9 +342,9 @@ const Fault faults[] = {
      "does not exist",
      noCommand,
      {"the PATH has no such command",
-      [](Setting &setting, const Source &command) {
-		  remove(setting, command);
-		  setting.bytes[command.name] = "";
+      [](Scenario &scenario, const Source &command) {
+		  remove(scenario, command);
+		  scenario.bytes[command.name] = "";
 	  }},
      runsNothing},
 };
@@ -387,9 +387,9 @@ template <class Entries> void expectList(const DeskRun &run, size_t index, const
 	}
 }
 
-void expectScreens(const DeskRun &run, const Setting &setting)
+void expectScreens(const DeskRun &run, const Scenario &scenario)
 {
-	const auto bytes = [&](const char *name) { return setting.bytes.at(name).value_or(""); };
+	const auto bytes = [&](const char *name) { return scenario.bytes.at(name).value_or(""); };
 
 	EXPECT_EQ(run.window(processes).at("class"), "ePsDialog");
 	const PsSnapshot ps = modelPs(bytes("ps"));
@@ -403,8 +403,8 @@ void expectScreens(const DeskRun &run, const Setting &setting)
 
 	EXPECT_EQ(run.window(scanLog).at("class"), "eScanLogDialog");
 	ModelScanLog log = modelScanLog(bytes("scanlog"), "/var/scaning.log");
-	log.summary = setting.bytes.at("scanlog")
-	                  ? "size of /var/scaning.log : " + std::to_string(setting.logSize) + " bytes"
+	log.summary = scenario.bytes.at("scanlog")
+	                  ? "size of /var/scaning.log : " + std::to_string(scenario.logSize) + " bytes"
 	                  : "file \"/var/scaning.log\" not found";
 	expectText(label(run, scanLog, 0), log.summary, "the line under the scan log");
 	expectList(run, scanLog, log.entries);
@@ -418,22 +418,22 @@ void expectScreens(const DeskRun &run, const Setting &setting)
 		expectText(label(run, systemInfo, i), wanted[i], "a label of the system info");
 }
 
-DeskRun runAll(const Setting &setting)
+DeskRun runAll(const Scenario &scenario)
 {
-	if (setting.dropRights && geteuid() == 0) {
+	if (scenario.dropRights && geteuid() == 0) {
 		// Programs started from now on lack the superuser's right to open everything.
 		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE), 0) << std::strerror(errno);
 		EXPECT_EQ(prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH), 0) << std::strerror(errno);
 	}
 	// A process that a run leaves behind becomes a child of this one.
 	EXPECT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
-	const DeskRun run = runDesk(setting.receiver.path(), keys, {}, setting.environment);
+	const DeskRun run = runDesk(scenario.receiver.path(), keys, {}, scenario.environment);
 	EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a process is left";
 	EXPECT_EQ(errno, ECHILD);
 	return run;
 }
 
-void expectGoodEnd(const DeskRun &run, const Setting &setting)
+void expectGoodEnd(const DeskRun &run, const Scenario &scenario)
 {
 	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
 	EXPECT_EQ(run.outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
@@ -442,8 +442,8 @@ void expectGoodEnd(const DeskRun &run, const Setting &setting)
 		EXPECT_EQ(run.window(index).at("class"), "eVexloMenu") << "after key number " << index;
 	}
 	EXPECT_TRUE(run.dump[afterwards].at("windows").empty());
-	if (fs::exists(setting.varTmp)) {
-		EXPECT_TRUE(fs::is_empty(setting.varTmp)) << "something is left in /var/tmp";
+	if (fs::exists(scenario.varTmp)) {
+		EXPECT_TRUE(fs::is_empty(scenario.varTmp)) << "something is left in /var/tmp";
 	}
 }
 
@@ -502,13 +502,13 @@ class Faults : public testing::TestWithParam<Case>
 
 TEST_P(Faults, leave_every_screen_to_be_opened_and_left)
 {
-	Setting setting;
+	Scenario scenario;
 	const auto &[spoilt, fault] = GetParam();
-	fault->cell(spoilt->kind).arrange(setting, *spoilt);
-	const DeskRun run = runAll(setting);
+	fault->cell(spoilt->kind).arrange(scenario, *spoilt);
+	const DeskRun run = runAll(scenario);
 	ASSERT_EQ(run.dump.size(), afterwards + 1) << run.outcome.err;
-	expectScreens(run, setting);
-	expectGoodEnd(run, setting);
+	expectScreens(run, scenario);
+	expectGoodEnd(run, scenario);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Faults, testing::ValuesIn(cases()), [](const auto &tested) {
@@ -517,17 +517,17 @@ INSTANTIATE_TEST_SUITE_P(All, Faults, testing::ValuesIn(cases()), [](const auto 
 
 TEST(Health, shows_everything_where_nothing_is_wrong)
 {
-	Setting setting;
-	const std::string seen = setting.receiver / "seen";
-	setting.print(source("ps"), healthy.at("ps"),
-	              "echo /var/tmp/* '" + setting.varTmp + "'/* >'" + seen + "'\n");
-	const DeskRun run = runAll(setting);
+	Scenario scenario;
+	const std::string seen = scenario.receiver / "seen";
+	scenario.print(source("ps"), healthy.at("ps"),
+	               "echo /var/tmp/* '" + scenario.varTmp + "'/* >'" + seen + "'\n");
+	const DeskRun run = runAll(scenario);
 	ASSERT_EQ(run.dump.size(), afterwards + 1) << run.outcome.err;
-	expectScreens(run, setting);
-	expectGoodEnd(run, setting);
+	expectScreens(run, scenario);
+	expectGoodEnd(run, scenario);
 
 	// The runs with faults rely on these contents and places.
-	EXPECT_EQ(support::readFile(seen), "/var/tmp/ps.tmp " + setting.varTmp + "/ps.tmp\n");
+	EXPECT_EQ(support::readFile(seen), "/var/tmp/ps.tmp " + scenario.varTmp + "/ps.tmp\n");
 	EXPECT_EQ(label(run, processes, 0), "  PID USER COMMAND\n");
 	EXPECT_EQ(run.widget(processes, list)["count"], 4);
 	EXPECT_EQ(run.widget(processes, list)["rows"][0], "    1 root init\n");

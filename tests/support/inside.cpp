@@ -18,7 +18,7 @@ Viewer::Viewer(const std::string &keys)
 void Viewer::send(const desk::ToViewer &message)
 {
 	if (const desk::Frame *frame = std::get_if<desk::Frame>(&message); frame && frame->waits)
-		look(*frame);
+		onFrame(*frame);
 }
 
 std::optional<desk::ToHost> Viewer::receive()

@@ -17,7 +17,7 @@ public:
 	explicit Viewer(const std::string &keys = "");
 
 	/// Called for each frame that waits for a key.
-	virtual void look(const desk::Frame &) {}
+	virtual void onFrame(const desk::Frame &) {}
 
 	/// The next key after the script; nullopt: exit from now on.
 	virtual std::optional<desk::Key> next() { return std::nullopt; }

@@ -185,7 +185,7 @@ int Commands::finish(pid_t process) const
 	while (process > 0 && waitpid(process, &status, 0) < 0 && errno == EINTR) {
 	}
 	Desk &desk = Desk::get();
-	desk.said();
+	desk.commandEnded();
 	if (rooted && WIFEXITED(status) &&
 	    (WEXITSTATUS(status) == notFound || WEXITSTATUS(status) == notExecutable))
 		desk.note("deskhost: with --root, commands are those in its bin; there this one cannot be run");

@@ -87,8 +87,8 @@ std::unique_ptr<Plugin> Plugin::load(const std::string &path)
 	const PluginRuns constructors;
 	void *handle = dlopen(place.c_str(), RTLD_NOW | RTLD_LOCAL);
 	if (!handle) {
-		const char *said = dlerror();
-		std::string reason = said ? said : "the loader does not say why";
+		const char *message = dlerror();
+		std::string reason = message ? message : "the loader does not say why";
 		if (reason.rfind(place + ": ", 0) == 0)
 			reason.erase(0, place.size() + 2);
 		throw failure(path, inClear(reason), adviceFor(reason));

@@ -48,10 +48,10 @@ void Desk::notice(const eWidget &widget, const std::string &what)
 		note(line);
 }
 
-void Desk::said()
+void Desk::commandEnded()
 {
 	if (viewer)
-		viewer->send(Said());
+		viewer->send(CommandEnded());
 }
 
 void Desk::endRun()

@@ -40,7 +40,7 @@ public:
 	/// `urgent`: must not be missed.
 	void note(const std::string &line, bool urgent = false);
 	/// A command's output on standard error precedes later notes.
-	void said();
+	void commandEnded();
 
 	/// Reports a likely mistake of the plugin with that widget, and the remedy, once.
 	void notice(const eWidget &widget, const std::string &what);

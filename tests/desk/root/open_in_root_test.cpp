@@ -17,9 +17,9 @@
 namespace open_in_root_test
 {
 
-using Way = int (*)(int, const char *, int);
+using Opener = int (*)(int, const char *, int);
 
-class OpenInRoot : public testing::TestWithParam<Way>
+class OpenInRoot : public testing::TestWithParam<Opener>
 {
 protected:
 	void SetUp() override
@@ -144,8 +144,8 @@ TEST_P(OpenInRoot, leaves_no_file_open)
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, OpenInRoot, testing::Values(desk::openInRoot, desk::openWithoutLinks),
-                         [](const testing::TestParamInfo<Way> &way) {
-							 return way.param == desk::openInRoot ? "by_the_kernel" : "without_links";
+                         [](const testing::TestParamInfo<Opener> &opener) {
+							 return opener.param == desk::openInRoot ? "by_the_kernel" : "without_links";
 						 });
 
 } // namespace open_in_root_test

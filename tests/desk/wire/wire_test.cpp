@@ -254,7 +254,7 @@ TEST(Wire, brings_every_message_as_it_was)
 	EXPECT_EQ(crash.stack.at(0).offset, 0x7fffffffffffu);
 	EXPECT_EQ(crash.stack.at(1).offset, 1u);
 	back<Loaded>(Loaded());
-	back<Said>(Said());
+	back<CommandEnded>(CommandEnded());
 	back<Harm>(Harm{true});
 }
 

@@ -50,7 +50,7 @@ class Painter : public support::Viewer
 public:
 	Painter(const std::string &pressed, std::vector<Rect> &seen) : Viewer(pressed), changes(seen) {}
 
-	void look(const desk::Frame &frame) override
+	void onFrame(const desk::Frame &frame) override
 	{
 		const std::optional<Rect> changed = picture.apply(frame.edit);
 		ASSERT_TRUE(changed);

@@ -33,13 +33,13 @@ protected:
 		openWindow({"env", "-C", folder.path(), support::deskhostPath(), "--screen", "window", "--through",
 		            std::string(WINDOW_PROBE) + (busy ? " busy" : "")},
 		           STDERR_FILENO);
-		ASSERT_EQ(said(), "ready");
+		ASSERT_EQ(nextLine(), "ready");
 		const XWindowAttributes place = this->geometry();
 		ASSERT_TRUE(eventually([&] { return pixel(place.width / 2, place.height / 2) == shownGreen; }));
 	}
 
 	/// The probe's next line.
-	std::string said()
+	std::string nextLine()
 	{
 		std::string line;
 		do
@@ -51,7 +51,7 @@ protected:
 	void pressAndExpect(const char *keyboard, const char *remote)
 	{
 		press({keyboard});
-		EXPECT_EQ(said(), remote) << keyboard;
+		EXPECT_EQ(nextLine(), remote) << keyboard;
 	}
 
 	void openBusy() { open("1000x800x24", green, true); }
@@ -59,7 +59,7 @@ protected:
 	void clickAndExpect(int x, int y, int button, const char *remote)
 	{
 		click(x, y, button);
-		EXPECT_EQ(said(), remote) << "button " << button << " at " << x << ", " << y;
+		EXPECT_EQ(nextLine(), remote) << "button " << button << " at " << x << ", " << y;
 	}
 
 	static constexpr unsigned long green = 0x00FF00, red = 0xFF0000, blue = 0x0000FF, black = 0;
@@ -96,9 +96,9 @@ TEST_F(WindowScreen, keeps_the_order_of_fast_keys)
 		keys.insert(keys.end(), {"1", "2", "Down"});
 	press(keys);
 	for (int i = 0; i < 20; ++i) {
-		EXPECT_EQ(said(), "1");
-		EXPECT_EQ(said(), "2");
-		EXPECT_EQ(said(), "down");
+		EXPECT_EQ(nextLine(), "1");
+		EXPECT_EQ(nextLine(), "2");
+		EXPECT_EQ(nextLine(), "down");
 	}
 }
 
@@ -181,8 +181,8 @@ TEST_F(WindowScreen, asks_the_window_manager_to_fill_the_display)
 TEST_F(WindowScreen, turns_a_click_into_the_keys_that_it_means)
 {
 	clickAndExpect(300, 200, 1, "click 300 200");
-	EXPECT_EQ(said(), "up"); // the keys that the probe gives for a click
-	EXPECT_EQ(said(), "ok");
+	EXPECT_EQ(nextLine(), "up"); // the keys that the probe gives for a click
+	EXPECT_EQ(nextLine(), "ok");
 	clickAndExpect(719, 575, 1, "click 719 575");
 }
 
@@ -304,9 +304,9 @@ TEST_F(WindowScreen, ends_in_order_when_its_display_goes)
 	for (int i = 0; i < 6; ++i) {
 		XCloseDisplay(std::exchange(view, nullptr));
 		server.signal(SIGKILL);
-		EXPECT_EQ(said(), "exit");
-		EXPECT_EQ(said(), "exit");
-		EXPECT_EQ(said(),
+		EXPECT_EQ(nextLine(), "exit");
+		EXPECT_EQ(nextLine(), "exit");
+		EXPECT_EQ(nextLine(),
 		          "deskhost: the display has gone: its server has ended or the connection to it broke");
 		ASSERT_EQ(program.exitStatus(), 1);
 		open("1000x800x24");
@@ -341,8 +341,8 @@ TEST_F(WindowScreen, has_no_more_keys_once_it_is_closed)
 	// Repeated to find races.
 	for (int i = 0; i < 10; ++i) {
 		askToClose();
-		EXPECT_EQ(said(), "exit");
-		EXPECT_EQ(said(), "exit");
+		EXPECT_EQ(nextLine(), "exit");
+		EXPECT_EQ(nextLine(), "exit");
 		ASSERT_EQ(program.exitStatus(), 0);
 		open("1000x800x24");
 	}
