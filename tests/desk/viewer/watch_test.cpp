@@ -111,8 +111,9 @@ TEST(Watch, says_why_it_cannot_watch)
 	                  "cd '" + folder.path() + "' && mkdir gone && cd gone && rmdir ../gone && exec '" +
 	                      support::deskhostPath() + "' --watch --screen framebuffer --plugin some.so.0"});
 	EXPECT_EQ(outcome.status, 1);
-	EXPECT_EQ(outcome.err,
-	          "deskhost: cannot watch 'some.so.0': No such file or directory; leave out --watch\n");
+	// Debian 13's fontconfig complains of the folder as well.
+	EXPECT_EQ(support::lines(outcome.err).back(),
+	          "deskhost: cannot watch 'some.so.0': No such file or directory; leave out --watch");
 }
 
 /// The desk host with --watch in a terminal.
