@@ -184,8 +184,8 @@ void Session::handle(Failed &message)
 	state = State::gone;
 }
 
-/// Ends a half that sends what comes only after loading.
-bool Session::isLoaded()
+/// False: nothing is loaded, and the half, which sent what comes only then, is ended.
+bool Session::expectLoaded()
 {
 	if (!screen)
 		giveUp("its half sent what comes after loading only; does a constructor in the plugin call exec()?");
@@ -194,7 +194,7 @@ bool Session::isLoaded()
 
 void Session::handle(Frame &message)
 {
-	if (!isLoaded())
+	if (!expectLoaded())
 		return;
 	if (secondsShown > 0)
 		hidePanel();
@@ -226,7 +226,7 @@ void Session::handle(Frame &message)
 
 void Session::handle(Meaning &message)
 {
-	if (!isLoaded())
+	if (!expectLoaded())
 		return;
 	meant.assign(message.keys.begin(), message.keys.end());
 	state = State::waiting;
@@ -270,7 +270,7 @@ void Session::handle(Harm &message)
 
 void Session::handle(Returned &message)
 {
-	if (!isLoaded())
+	if (!expectLoaded())
 		return;
 	readErrors();
 	returned += lineFor(message.result);

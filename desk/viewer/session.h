@@ -78,7 +78,7 @@ private:
 	void lookForEnd();
 	void reportEnd(const CrashReport &report);
 	void startAgain(bool pressesAgain);
-	bool isLoaded();
+	bool expectLoaded();
 	void letHalfEnd(std::chrono::seconds patience);
 	void giveUp(const std::string &why);
 

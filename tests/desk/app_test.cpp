@@ -148,7 +148,8 @@ TEST(App, refuses_to_record_into_what_it_reads)
 	const std::string fresh = folder / "fresh";
 	std::filesystem::create_symlink("fresh", folder / "to fresh");
 	for (const std::string &same :
-	     {folder / "./fresh", folder / "to fresh", folder / "../" + fresh.substr(5)})
+	     {folder / "./fresh", folder / "to fresh",
+	      folder / "../" + std::filesystem::path(folder.path()).filename().string() + "/fresh"})
 		for (const char *other : {"--trace", "--debug"})
 			expectRefused(deskhost({"--screen", "none", "--keys", "exit", "--dump", fresh, other, same}), 2,
 			              "would overwrite each other");

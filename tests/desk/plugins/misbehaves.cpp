@@ -103,11 +103,17 @@ private:
 
 } // namespace
 
+/// A function of C, and the mangled name of a type.
+extern "C" __attribute__((noinline)) void c()
+{
+	std::abort();
+}
+
 extern "C" __attribute__((visibility("default"))) int plugin_exec()
 {
 	if (const char *runs = std::getenv("RUNS_BEFORE_ABORT")) {
 		if (std::atoi(runs) == 0)
-			std::abort();
+			c();
 		setenv("RUNS_BEFORE_ABORT", std::to_string(std::atoi(runs) - 1).c_str(), 1);
 	}
 	Menu menu;

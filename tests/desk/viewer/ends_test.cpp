@@ -68,6 +68,7 @@ TEST(End, is_not_blamed_on_a_key_of_the_run_before)
 	EXPECT_EQ(run.outcome.status, 1);
 	EXPECT_NE(run.outcome.err.find("It was ended by signal 6"), std::string::npos) << run.outcome.err;
 	EXPECT_EQ(run.outcome.err.find("It was dealing with"), std::string::npos) << run.outcome.err;
+	EXPECT_NE(run.outcome.err.find("It was in c at misbehaves.cpp:"), std::string::npos) << run.outcome.err;
 }
 
 TEST(End, by_exit_is_no_success)

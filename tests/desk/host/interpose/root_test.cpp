@@ -94,8 +94,17 @@ TEST(Root, serves_renaming_and_traces_what_changes_files)
 		EXPECT_EQ(readFile(receiver / "var/scaning.log"), "saved");
 		EXPECT_FALSE(exists(receiver / "var/scaning.new"));
 	}
-	DeskRun run = reach("rename", "/var/elsewhere",
-	                    {"--root", receiver.path(), "--serve", "/var/scaning.new", "--through", "env"});
+	const TempFolder folder;
+	const support::Lines led = {"--root",    receiver.path(), "--serve", "/var/scaning.new",
+	                            "--through", "env",           "--debug", folder / "debug"};
+	const std::string leads = "\nled to " + receiver.path() + "/var/scaning.new\nled to ";
+	reach("rename", "/var/scaning.log", led);
+	EXPECT_NE(readFile(folder / "debug").find(leads + receiver.path() + "/var/scaning.log\n"),
+	          std::string::npos);
+	DeskRun run = reach("rename", "/var/elsewhere", led);
+	const std::string refused = R"(rename("/var/scaning.new", "/var/elsewhere"))"
+								"\n";
+	EXPECT_EQ(readFile(folder / "debug").find(refused + "led to"), std::string::npos);
 	EXPECT_EQ(run.trace.back(), R"(eDebug("rename: -1"))") << "not out of the folder";
 	EXPECT_FALSE(exists("/var/elsewhere"));
 

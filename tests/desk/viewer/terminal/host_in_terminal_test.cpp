@@ -103,6 +103,17 @@ TEST_F(HostInTerminal, the_sample_receiver_is_shown_as_in_the_readme)
 	EXPECT_EQ(terminal.screen(), shown);
 }
 
+TEST_F(HostInTerminal, exit_ends_a_tool_that_outlives_the_plugin)
+{
+	const std::string tool = receiver.write("tool", "#!/bin/sh\n\"$@\"\n: >\"$0.waits\"\nsleep 1000\n", true);
+	Tmux terminal(80, 24);
+	open(terminal, "--through " + tool);
+	terminal.press("q");
+	ASSERT_TRUE(support::eventually([&] { return support::exists(tool + ".waits"); }));
+	terminal.press("q");
+	EXPECT_TRUE(terminal.shows("status=1")) << "it would be waited for for a minute";
+}
+
 TEST_F(HostInTerminal, a_log_is_deleted_when_the_viewer_says_yes)
 {
 	Tmux terminal(80, 24);
