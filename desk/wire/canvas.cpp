@@ -16,6 +16,16 @@ Rect Rect::united(const Rect &other) const
 	return {left, top, std::max(right(), other.right()) - left, std::max(bottom(), other.bottom()) - top};
 }
 
+std::array<Rect, 4> Rect::around(const Rect &hole) const
+{
+	if (hole.empty())
+		return {*this};
+	return {Rect{x, y, hole.x - x, h},
+	        {hole.right(), y, right() - hole.right(), h},
+	        {hole.x, y, hole.w, hole.y - y},
+	        {hole.x, hole.bottom(), hole.w, bottom() - hole.bottom()}};
+}
+
 Rect flatPart(const Rect &outer, const Rect &client, const FrameStyle &style)
 {
 	return client.intersected({outer.x, outer.y + style.radius, outer.w, outer.h - 2 * style.radius});

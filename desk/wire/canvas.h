@@ -4,6 +4,7 @@
 #include "key.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -39,6 +40,8 @@ struct Rect
 	}
 	/// The bounding box of both; ignores an empty one.
 	Rect united(const Rect &other) const;
+	/// The parts around `hole`, which lies within: at its left, its right, above and below. Some may be empty.
+	std::array<Rect, 4> around(const Rect &hole) const;
 
 	bool operator==(const Rect &o) const { return x == o.x && y == o.y && w == o.w && h == o.h; }
 	bool operator!=(const Rect &o) const { return !(*this == o); }

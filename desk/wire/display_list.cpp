@@ -176,13 +176,10 @@ Rect DisplayList::reach() const
 
 void DisplayList::drawChanges(Canvas &to) const
 {
-	const Rect &all = changed, &same = moved.area;
-	if (same.empty() || !to.move(same, moved.down))
-		return draw(to, to.paintsInParts() ? all : wholeScreen);
-	draw(to, {all.x, all.y, same.x - all.x, all.h});
-	draw(to, {same.right(), all.y, all.right() - same.right(), all.h});
-	draw(to, {same.x, all.y, same.w, same.y - all.y});
-	draw(to, {same.x, same.bottom(), same.w, all.bottom() - same.bottom()});
+	if (moved.area.empty() || !to.move(moved.area, moved.down))
+		return draw(to, to.paintsInParts() ? changed : wholeScreen);
+	for (const Rect &part : changed.around(moved.area))
+		draw(to, part);
 }
 
 void DisplayList::draw(Canvas &to, const Rect &area) const

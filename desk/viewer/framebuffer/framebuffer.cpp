@@ -17,6 +17,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace desk
 {
@@ -91,7 +92,13 @@ std::unique_ptr<Framebuffer> Framebuffer::open(const std::string &path)
 	opened->lineLength = static_cast<int>(line);
 	opened->width = static_cast<int>(mode.xres);
 	opened->height = static_cast<int>(mode.yres);
-	opened->row.resize(mode.xres * pixelBytes);
+	const double scale = std::min({1.0, double(mode.xres) / screenWidth, double(mode.yres) / screenHeight});
+	Rect &place = opened->place;
+	place.w = std::max(1, static_cast<int>(std::lround(screenWidth * scale)));
+	place.h = std::max(1, static_cast<int>(std::lround(screenHeight * scale)));
+	place.x = (opened->width - place.w) / 2;
+	place.y = (opened->height - place.h) / 2;
+	opened->frame.resize(size_t(place.w) * size_t(place.h) * pixelBytes);
 	return opened;
 }
 
@@ -111,48 +118,70 @@ void Framebuffer::blacken()
 	    ioctl(device, FBIOGET_VSCREENINFO, &mode) == 0)
 		setStraightTables(device, mode);
 	const std::vector<uint32_t> black(static_cast<size_t>(width));
+	std::vector<unsigned char> row(black.size() * size_t(layout.bytes()));
 	layout.convert(black.data(), width, row.data());
 	for (int y = 0; y < height; ++y)
 		memcpy(visible + size_t(y) * size_t(lineLength), row.data(), row.size());
 }
 
+bool Framebuffer::move(const Rect &area, int down)
+{
+	if (place.w < screenWidth)
+		return false;
+	for (int i = 0; i < area.h; ++i) {
+		const int y = down < 0 ? area.y + i : area.bottom() - 1 - i; // reads each row before overwriting it
+		memcpy(frameAt(area.x, y), frameAt(area.x, y - down), size_t(area.w * layout.bytes()));
+	}
+	moved = area;
+	return true;
+}
+
 void Framebuffer::show(const unsigned char *pixels, int stride, const Rect &changed)
 {
-	const double scale = std::min({1.0, double(width) / screenWidth, double(height) / screenHeight});
-	if (scale == 1.0) {
-		const Rect part = changed.intersected({0, 0, screenWidth, screenHeight});
-		write(pixels, stride, part, (width - screenWidth) / 2 + part.x, (height - screenHeight) / 2 + part.y);
-		return;
+	if (place.w == screenWidth) {
+		const Rect all = changed.intersected(wholeScreen);
+		for (const Rect &part : all.around(std::exchange(moved, {})))
+			convert(pixels, stride, part);
+		return write(all);
 	}
-	const int w = std::max(1, static_cast<int>(std::lround(screenWidth * scale)));
-	const int h = std::max(1, static_cast<int>(std::lround(screenHeight * scale)));
 	// Cairo only reads these pixels.
-	cairo_surface_t *frame = cairo_image_surface_create_for_data(
+	cairo_surface_t *whole = cairo_image_surface_create_for_data(
 		const_cast<unsigned char *>(pixels), CAIRO_FORMAT_RGB24, screenWidth, screenHeight, stride);
-	cairo_surface_t *scaled = cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h);
+	cairo_surface_t *scaled = cairo_image_surface_create(CAIRO_FORMAT_RGB24, place.w, place.h);
 	cairo_t *to = cairo_create(scaled);
-	cairo_scale(to, double(w) / screenWidth, double(h) / screenHeight);
-	cairo_set_source_surface(to, frame, 0, 0);
+	cairo_scale(to, double(place.w) / screenWidth, double(place.h) / screenHeight);
+	cairo_set_source_surface(to, whole, 0, 0);
 	cairo_pattern_set_filter(cairo_get_source(to), CAIRO_FILTER_GOOD);
 	cairo_pattern_set_extend(cairo_get_source(to), CAIRO_EXTEND_PAD); // keeps the edges from darkening
 	cairo_paint(to);
 	cairo_destroy(to);
 	cairo_surface_flush(scaled);
-	write(cairo_image_surface_get_data(scaled), cairo_image_surface_get_stride(scaled), {0, 0, w, h},
-	      (width - w) / 2, (height - h) / 2);
+	const Rect all = {0, 0, place.w, place.h};
+	convert(cairo_image_surface_get_data(scaled), cairo_image_surface_get_stride(scaled), all);
 	cairo_surface_destroy(scaled);
-	cairo_surface_destroy(frame);
+	cairo_surface_destroy(whole);
+	write(all);
 }
 
-/// Writes a part of a picture at that position of the screen.
-void Framebuffer::write(const unsigned char *pixels, int stride, const Rect &part, int left, int top)
+unsigned char *Framebuffer::frameAt(int x, int y)
 {
-	for (int y = 0; y < part.h; ++y) {
-		const unsigned char *line = pixels + (part.y + y) * stride + part.x * 4;
-		layout.convert(reinterpret_cast<const uint32_t *>(line), part.w, row.data());
-		memcpy(visible + size_t(top + y) * size_t(lineLength) + size_t(left * layout.bytes()), row.data(),
-		       size_t(part.w * layout.bytes()));
-	}
+	return frame.data() + (size_t(y) * size_t(place.w) + size_t(x)) * size_t(layout.bytes());
+}
+
+void Framebuffer::convert(const unsigned char *pixels, int stride, const Rect &part)
+{
+	for (int y = part.y; y < part.bottom(); ++y)
+		layout.convert(reinterpret_cast<const uint32_t *>(pixels + y * stride) + part.x, part.w,
+		               frameAt(part.x, y));
+}
+
+/// Copies a part of the frame to the device.
+void Framebuffer::write(const Rect &part)
+{
+	for (int y = part.y; y < part.bottom(); ++y)
+		memcpy(visible + size_t(place.y + y) * size_t(lineLength) +
+		           size_t((place.x + part.x) * layout.bytes()),
+		       frameAt(part.x, y), size_t(part.w * layout.bytes()));
 }
 
 std::string findFramebuffer(const std::string &folder)

@@ -25,13 +25,19 @@ public:
 	void blacken();
 
 	/// Shows a frame of 720 x 576 pixels (see PixelCanvas::pixels()), centred, and scaled down on a smaller screen.
-	/// Of an unscaled frame, writes only the `changed` part.
+	/// Of an unscaled frame, reads and writes only the `changed` part.
 	void show(const unsigned char *pixels, int stride, const Rect &changed);
+
+	/// Has the next show() take `area` from what is shown `down` rows above it, and not from `pixels`. False: the
+	/// frame is scaled.
+	bool move(const Rect &area, int down);
 
 private:
 	explicit Framebuffer(int file) : device(file) {}
 
-	void write(const unsigned char *pixels, int stride, const Rect &part, int left, int top);
+	unsigned char *frameAt(int x, int y);
+	void convert(const unsigned char *pixels, int stride, const Rect &part);
+	void write(const Rect &part);
 
 	const int device;
 	unsigned char *mapping = nullptr;
@@ -40,7 +46,10 @@ private:
 	int lineLength = 0;               ///< bytes between the starts of rows
 	int width = 0, height = 0;
 	PixelLayout layout;
-	std::vector<unsigned char> row; ///< one converted row, because small writes to device memory are slow
+	Rect place; ///< of the frame on the screen, scaled
+	std::vector<unsigned char>
+		frame;  ///< as the device has it, because small writes and all reads there are slow
+	Rect moved; ///< the part of the frame that move() has changed
 };
 
 /// The first framebuffer in that folder. Throws an Error if there is none.

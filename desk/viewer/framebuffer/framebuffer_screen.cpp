@@ -13,6 +13,18 @@ namespace desk
 namespace
 {
 
+/// Moves what is shown instead of its own pixels: those of a moved part are not used before they are painted again.
+class FrameCanvas : public PixelCanvas
+{
+public:
+	explicit FrameCanvas(Framebuffer &framebuffer) : memory(framebuffer) {}
+
+	bool move(const Rect &area, int down) override { return memory.move(area, down); }
+
+private:
+	Framebuffer &memory;
+};
+
 class FramebufferScreen : public Screen
 {
 public:
@@ -28,11 +40,15 @@ public:
 		// Last, so that a failure changes nothing.
 		taken = Console::take(devices.console);
 		memory->blacken();
+		painted.emplace(*memory);
 	}
 
-	Canvas *canvas() override { return &painted; }
+	Canvas *canvas() override { return &*painted; }
 
-	void present(const Rect &changed) override { memory->show(painted.pixels(), painted.stride(), changed); }
+	void present(const Rect &changed) override
+	{
+		memory->show(painted->pixels(), painted->stride(), changed);
+	}
 
 	int descriptor() const override { return remote->descriptor(); }
 
@@ -55,12 +71,12 @@ public:
 	ConsoleModes console() const override { return taken ? taken->originalModes() : ConsoleModes(); }
 
 private:
-	PixelCanvas painted;
 	std::string remoteName;
 	bool goneNoted = false;
 	std::unique_ptr<RemoteControl> remote;
 	std::unique_ptr<Console> taken;
 	std::unique_ptr<Framebuffer> memory;
+	std::optional<FrameCanvas> painted;
 };
 
 } // namespace

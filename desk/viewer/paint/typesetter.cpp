@@ -60,7 +60,7 @@ private:
 	std::map<std::string, SetLine, std::less<>> lines; // of recent frames: most lines recur
 };
 
-constexpr size_t mostLinesKept = 256; // several screens full
+constexpr size_t mostLinesKept = 64; // two screens full
 
 // Small systems have no font with control pictures. Draws each as a framed letter, the one that makes the control on
 // a keyboard ("[" for escape).

@@ -1,5 +1,6 @@
 // The picture in frame buffers of every pixel layout and size.
 
+#include "display_list.h"
 #include "error_of.h"
 #include "framebuffer.h"
 #include "framebuffer_screen.h"
@@ -263,6 +264,57 @@ TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
 	EXPECT_EQ(made->descriptor(), -1);
 	EXPECT_EQ(testing::internal::GetCapturedStderr(),
 	          "deskhost: the remote control '" + remote.path + "' is gone; was it unplugged?\n");
+}
+
+/// A window with ten lines of a long list, and perhaps something above them.
+desk::DisplayList tenLines(int first, bool covered)
+{
+	desk::DisplayList list;
+	list.fill(whole, desk::Fill::plain({0, 40, 80}));
+	desk::FrameStyle style;
+	style.client = {200, 210, 220};
+	list.frame({50, 60, 500, 400}, {60, 90, 480, 360}, "a list", style);
+	for (int i = 0; i < 10; ++i)
+		list.text({71, 101 + 21 * i, 401, 21}, "line " + std::to_string(first + i), {});
+	list.fill({480, 101 + first, 10, 50}, desk::Fill::plain({90, 0, 0}));
+	if (covered)
+		list.fill({200, 150, 20, 100}, desk::Fill::plain({0, 90, 0}, 9));
+	return list;
+}
+
+TEST(FramebufferScreen, shows_lines_that_scroll_as_if_it_painted_them)
+{
+	for (const Layout &layout : {layouts[0], layouts[3], layouts[5]})
+		for (const int width : {640, 800}) {
+			SCOPED_TRACE(layout.name + (" " + std::to_string(width)));
+			TempFolder folder;
+			const kernel::Screen screen(folder, width, 600, layout.bits, layout.red, layout.green,
+			                            layout.blue);
+			const kernel::Screen other(folder, width, 600, layout.bits, layout.red, layout.green, layout.blue,
+			                           "fb1");
+			kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
+			const kernel::Console console(folder);
+			const auto made = desk::makeFramebufferScreen({screen.path, remote.path, console.path});
+			desk::DisplayList list;
+			for (const auto &[first, covered] : {std::pair(1, false),
+			                                     {2, false},
+			                                     {3, false},
+			                                     {3, true},
+			                                     {2, true},
+			                                     {2, false},
+			                                     {1, false},
+			                                     {4, false},
+			                                     {0, false}}) {
+				const auto changes = list.apply(tenLines(first, covered).editOf(list));
+				ASSERT_TRUE(changes);
+				list.drawChanges(*made->canvas());
+				made->present(*changes);
+				desk::PixelCanvas canvas;
+				list.draw(canvas, whole);
+				opened(other)->show(canvas.pixels(), canvas.stride(), whole);
+				EXPECT_TRUE(screen.memory() == other.memory()) << first << covered;
+			}
+		}
 }
 
 TEST(FramebufferScreen, leaves_everything_alone_when_something_is_missing)
