@@ -1,11 +1,6 @@
 #include "readers.h"
 
-#include "meminfo_columns.h"
-#include "mount_columns.h"
-#include "mtd_columns.h"
-#include "plain_loops.h"
-#include "ps_snapshot.h"
-#include "scanlog_contents.h"
+#include "models.h"
 
 #include <cstdlib>
 
@@ -18,9 +13,53 @@ namespace bench
 namespace
 {
 
-bool equal(const std::string &text, const PlainText &plain)
+/// Each result as one text, to compare those of reader and model.
+std::string textOf(const MemInfoColumns &columns)
 {
-	return text == std::string(plain.bytes ? plain.bytes : "", plain.length);
+	return columns.names + columns.values;
+}
+
+std::string textOf(const MtdColumns &columns)
+{
+	return columns.dev + columns.size + columns.erasesize + columns.name;
+}
+
+std::string textOf(const MountColumns &columns)
+{
+	return columns.filesystem + columns.usage;
+}
+
+std::string textOf(const PsSnapshot &snapshot)
+{
+	std::string text = snapshot.header;
+	for (const PsEntry &row : snapshot.rows)
+		text += row.text + row.pid + '\n';
+	return text;
+}
+
+/// Of the scan log, ScanLogContents or ModelScanLog.
+template <class Log> std::string textOf(const Log &log)
+{
+	std::string text = log.summary + '\n';
+	for (const ScanLogEntry &entry : log.entries)
+		text += entry.text + entry.line;
+	return text;
+}
+
+template <class Read, class Model>
+Pair pairOf(const char *name, int lines, const std::string &input, double limit, Read read, Model model)
+{
+	Pair pair;
+	pair.name = name;
+	pair.input = input;
+	pair.lines = lines;
+	pair.limit = limit;
+	pair.read = [read](FILE *stream) { static_cast<void>(read(stream)); };
+	pair.readByModel = [model](const std::string &bytes) { static_cast<void>(model(bytes)); };
+	pair.same = [read, model](FILE *stream, const std::string &bytes) {
+		return textOf(read(stream)) == textOf(model(bytes));
+	};
+	return pair;
 }
 
 std::string memInfoFile(int lines)
@@ -95,99 +134,13 @@ std::string scanLogFile(int lines)
 
 std::vector<Pair> pairs()
 {
-	std::vector<Pair> all;
-	all.push_back({"memory summary", memInfoFile(50), 53,
-	               [](FILE *stream) { static_cast<void>(parseMemInfo(stream)); },
-	               [](FILE *stream) {
-					   PlainText columns[2] = {};
-					   plainMemInfo(stream, columns);
-					   release(columns, 2);
-				   },
-	               [](FILE *stream) {
-					   const MemInfoColumns ours = parseMemInfo(stream);
-					   std::rewind(stream);
-					   PlainText columns[2] = {};
-					   plainMemInfo(stream, columns);
-					   const bool same = equal(ours.names, columns[0]) && equal(ours.values, columns[1]);
-					   release(columns, 2);
-					   return same;
-				   }});
-	all.push_back({"flash partitions", mtdFile(50), 51,
-	               [](FILE *stream) { static_cast<void>(parseMtdColumns(stream)); },
-	               [](FILE *stream) {
-					   PlainText columns[4] = {};
-					   plainMtd(stream, columns);
-					   release(columns, 4);
-				   },
-	               [](FILE *stream) {
-					   const MtdColumns ours = parseMtdColumns(stream);
-					   std::rewind(stream);
-					   PlainText columns[4] = {};
-					   plainMtd(stream, columns);
-					   const bool same = equal(ours.dev, columns[0]) && equal(ours.size, columns[1]) &&
-		                                 equal(ours.erasesize, columns[2]) && equal(ours.name, columns[3]);
-					   release(columns, 4);
-					   return same;
-				   }});
-	all.push_back({"mounts", mountsFile(50), 51,
-	               [](FILE *stream) { static_cast<void>(parseMountColumns(stream)); },
-	               [](FILE *stream) {
-					   PlainText columns[2] = {};
-					   plainMounts(stream, columns);
-					   release(columns, 2);
-				   },
-	               [](FILE *stream) {
-					   const MountColumns ours = parseMountColumns(stream);
-					   std::rewind(stream);
-					   PlainText columns[2] = {};
-					   plainMounts(stream, columns);
-					   const bool same = equal(ours.filesystem, columns[0]) && equal(ours.usage, columns[1]);
-					   release(columns, 2);
-					   return same;
-				   }});
-	all.push_back({"processes", processesFile(300), 301,
-	               [](FILE *stream) { static_cast<void>(parsePsSnapshot(stream)); },
-	               [](FILE *stream) {
-					   PlainRows list = {};
-					   plainProcesses(stream, &list);
-					   release(&list);
-				   },
-	               [](FILE *stream) {
-					   const PsSnapshot ours = parsePsSnapshot(stream);
-					   std::rewind(stream);
-					   PlainRows list = {};
-					   plainProcesses(stream, &list);
-					   bool same = equal(ours.header, list.header) && ours.rows.size() == list.count;
-					   const PlainRow *row = list.rows;
-					   for (const PsEntry &entry : ours.rows) {
-						   same = same && entry.text == row->text && entry.pid == row->pid;
-						   ++row;
-					   }
-					   release(&list);
-					   return same;
-				   }});
-	all.push_back({"scan log", scanLogFile(10000), 10000,
-	               [](FILE *stream) { static_cast<void>(parseScanLog(stream, "log")); },
-	               [](FILE *stream) {
-					   PlainRows list = {};
-					   plainScanLog(stream, &list);
-					   release(&list);
-				   },
-	               [](FILE *stream) {
-					   const ScanLogContents ours = parseScanLog(stream, "log");
-					   std::rewind(stream);
-					   PlainRows list = {};
-					   plainScanLog(stream, &list);
-					   bool same = equal(ours.summary, list.header) && ours.entries.size() == list.count;
-					   const PlainRow *row = list.rows;
-					   for (const ScanLogEntry &entry : ours.entries) {
-						   same = same && entry.text == row->text && entry.line == row->line;
-						   ++row;
-					   }
-					   release(&list);
-					   return same;
-				   }});
-	return all;
+	const auto readLog = [](FILE *stream) { return parseScanLog(stream, "log"); };
+	const auto modelLog = [](const std::string &bytes) { return modelScanLog(bytes, "log"); };
+	return {pairOf("memory summary", 53, memInfoFile(50), 2.5, parseMemInfo, modelMemInfo),
+	        pairOf("flash partitions", 51, mtdFile(50), 2.6, parseMtdColumns, modelMtd),
+	        pairOf("mounts", 51, mountsFile(50), 1.5, parseMountColumns, modelMounts),
+	        pairOf("processes", 301, processesFile(300), 1.5, parsePsSnapshot, modelPs),
+	        pairOf("scan log", 10000, scanLogFile(10000), 0.7, readLog, modelLog)};
 }
 
 FILE *streamOf(const std::string &content)

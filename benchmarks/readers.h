@@ -9,16 +9,16 @@
 namespace bench
 {
 
-/// One reader and its baseline. `read` and `readPlainly` read the stream and free the result; `same` compares both
-/// results.
+/// One reader, and the tests' second implementation of it as the baseline. Both read `input` and free the result.
 struct Pair
 {
 	std::string name;
 	std::string input;
-	int lines;
+	int lines = 0;
+	double limit = 0; ///< of the reader's time, as a multiple of the model's
 	std::function<void(FILE *)> read;
-	std::function<void(FILE *)> readPlainly;
-	std::function<bool(FILE *)> same;
+	std::function<void(const std::string &)> readByModel;
+	std::function<bool(FILE *, const std::string &)> same; ///< whether both give the same result
 };
 
 std::vector<Pair> pairs();

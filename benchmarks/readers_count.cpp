@@ -1,4 +1,4 @@
-// Compares a reader with its plain loop once, and runs one of them while an outside tool counts instructions.
+// Compares a reader with its model once, and runs one of them while an outside tool counts instructions.
 
 #include "readers.h"
 
@@ -14,21 +14,24 @@ int main(int count, char **arguments)
 	}
 	const std::string name = count == 4 ? arguments[1] : "", which = count == 4 ? arguments[2] : "";
 	for (const bench::Pair &pair : all) {
-		if (pair.name != name || (which != "reader" && which != "plain"))
+		if (pair.name != name || (which != "reader" && which != "model"))
 			continue;
 		FILE *stream = bench::streamOf(pair.input);
-		if (!pair.same(stream)) {
-			std::fprintf(stderr, "readers_count: %s: reader and plain loop give different results\n",
+		if (!pair.same(stream, pair.input)) {
+			std::fprintf(stderr, "readers_count: %s: reader and model give different results\n",
 			             name.c_str());
 			return 1;
 		}
 		for (int times = std::atoi(arguments[3]); times > 0; --times) {
 			std::rewind(stream);
-			(which == "plain" ? pair.readPlainly : pair.read)(stream);
+			if (which == "model")
+				pair.readByModel(pair.input);
+			else
+				pair.read(stream);
 		}
 		return 0;
 	}
 	std::fprintf(stderr,
-	             "usage: readers_count [NAME reader|plain TIMES]; without arguments: names and lines\n");
+	             "usage: readers_count [NAME reader|model TIMES]; without arguments: names and lines\n");
 	return 2;
 }
