@@ -154,7 +154,7 @@ void Files::makeReceiver()
 
 bool Files::isServed(const char *path) const
 {
-	return path && std::find(served.begin(), served.end(), normal(path)) != served.end();
+	return path && !served.empty() && std::find(served.begin(), served.end(), normal(path)) != served.end();
 }
 
 std::optional<std::string> Files::ledTo(const char *path) const
