@@ -110,7 +110,7 @@ TEST_F(OnTheBoard, shows_and_does_what_the_desk_shows)
 		++victim;
 	ASSERT_LT(victim, lines.size()) << processes;
 	const std::string id = std::to_string(std::stoi(lines[victim]));
-	session.press("end");
+	session.press({"end", "pageup", "down", "down", "end"}); // "down" moves the lines
 	for (size_t i = victim + 1; i < lines.size(); ++i)
 		session.press("up");
 	EXPECT_TRUE(shows(session.press("ok"), "Kill " + id + " pid?"));
