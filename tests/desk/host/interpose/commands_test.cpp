@@ -34,6 +34,7 @@ TEST(Commands, signal_nobody_with_a_root)
 	Bystander bystander;
 	for (const auto &[how, on] : std::vector<std::pair<std::string, std::string>>{
 			 {"run", "kill -9 " + bystander.number()},
+			 {"run", "true; exec /bin/kill -9 " + bystander.number()},
 			 {"run", "k=ki; ${k}ll -9 " + bystander.number()},
 			 {"pipe", "k=ki; ${k}ll -9 " + bystander.number()},
 			 {"pipe", "kill -9 " + bystander.number()},
