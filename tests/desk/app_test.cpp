@@ -507,15 +507,6 @@ TEST(App, does_not_take_the_language_of_the_desk)
 	EXPECT_EQ(run.window(0)["title"], "Vexlo service menu") << "the same keys, the same screens";
 }
 
-TEST(App, serves_only_the_receivers_own_files_from_the_root)
-{
-	// A file that the root lacks is missing, even where this computer has it.
-	ReceiverFolder receiver;
-	const DeskRun run = runDesk(receiver.path(), "2");
-	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
-	EXPECT_TRUE(support::exists("/proc/meminfo"));
-}
-
 TEST(App, spends_nothing_on_lines_that_are_not_on_the_screen)
 {
 	// Laying out all 100,000 mounts would take minutes.

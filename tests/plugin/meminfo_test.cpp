@@ -50,17 +50,6 @@ INSTANTIATE_TEST_SUITE_P(Unusable, MemInfoSource,
                                            Source{"eight_pieces", support::repeat("MemTotal: 1 kB\n", 8)}),
                          [](const auto &entry) { return entry.param.name; });
 
-TEST(MemInfo, opens_empty_when_the_file_is_missing_or_a_folder)
-{
-	ReceiverFolder missing;
-	EXPECT_EQ(runDesk(missing.path(), "down ok").widget(2, "eLabel")["text"], "");
-	ReceiverFolder folder;
-	folder.write("proc/meminfo/inside", "");
-	const DeskRun run = runDesk(folder.path(), "down ok");
-	EXPECT_EQ(run.widget(2, "eLabel")["text"], "");
-	EXPECT_EQ(run.outcome.status, 0);
-}
-
 TEST(MemInfo, shows_binary_data_without_harm)
 {
 	std::string bytes;

@@ -120,23 +120,6 @@ TEST(Ps, offers_nothing_when_there_is_only_a_heading)
 	EXPECT_EQ(run.outcome.status, 0);
 }
 
-TEST(Ps, opens_empty_when_ps_is_missing_or_prints_nothing)
-{
-	ReceiverFolder silent;
-	silent.ps("");
-	DeskRun run = runDesk(silent.path(), "ok exit exit");
-	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
-	EXPECT_EQ(run.widget(1, list)["count"], 0);
-
-	// The search path has only sh, which reports that it finds no ps.
-	ReceiverFolder none;
-	run = runDesk(none.path(), "ok exit exit", {}, {{"PATH", none / "bin"}});
-	EXPECT_EQ(run.widget(1, "eLabel")["text"], "");
-	EXPECT_EQ(run.widget(1, list)["count"], 0);
-	EXPECT_EQ(run.outcome.status, 0);
-	EXPECT_NE(run.outcome.err.find("ps"), std::string::npos) << "what the shell says is seen";
-}
-
 /// The temporary file is a link into a missing folder: the command cannot write, and fopen fails.
 TEST(Ps, closes_a_stream_that_never_opened_and_removes_the_file_all_the_same)
 {

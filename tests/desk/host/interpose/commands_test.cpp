@@ -65,7 +65,7 @@ TEST(Commands, are_those_of_the_root_and_none_else)
 {
 	ReceiverFolder receiver;
 	DeskRun run = reach("run", "ps", {"--root", receiver.path()});
-	EXPECT_TRUE(has(run.outcome.err, "not found")) << run.outcome.err;
+	EXPECT_TRUE(has(run.outcome.err, "ps: ") && has(run.outcome.err, "not found")) << run.outcome.err;
 	EXPECT_TRUE(has(run.outcome.err, "those in its bin")) << "why the screen is empty: " << run.outcome.err;
 	EXPECT_FALSE(has(run.outcome.err, "PID")) << "no process of this computer: " << run.outcome.err;
 
