@@ -11,8 +11,7 @@ namespace desk
 /// `bytes` as valid UTF-8 in which every character is visible and harmless. Tabs become blanks up to the next
 /// multiple of 8 columns, other C0 controls and DEL their control pictures (U+2400...). Each of these becomes U+FFFD:
 /// C1 controls, separators of lines and paragraphs, overrides of direction, invisible characters (zero-width ones,
-/// tags, variation selectors), and invalid bytes. Direction marks (U+200E, U+200F) stay. Drops one "
-/// " at the end.
+/// tags, variation selectors), and invalid bytes. Direction marks (U+200E, U+200F) stay. Drops one "\n" at the end.
 std::string visibleText(std::string_view bytes);
 
 /// Whether the locale's character set is UTF-8.
@@ -34,8 +33,7 @@ int pixelsOfColumn(int rowHeight);
 
 /// Breaks `text` into lines of at most `width` pixels, after blanks or, if a word is too long, within it. Counts
 /// columns, which do not depend on the screen or the fonts; TextStyle::whole adjusts wider letters. Keeps line ends.
-/// Takes any bytes; returns the output of visibleText() for each line, joined by "
-/// ".
+/// Takes any bytes; returns the output of visibleText() for each line, joined by "\n".
 std::string wrapText(std::string_view text, int width, int rowHeight);
 
 } // namespace desk

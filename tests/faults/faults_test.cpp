@@ -214,7 +214,7 @@ const Fault faults[] = {
 		  chmod(scenario.place(command).c_str(), 0644);
 		  scenario.bytes[command.name] = "";
 	  }},
-     {"files that nobody may open are in the place of both files in it",
+     {"unreadable files have the names of both files in it",
       [](Scenario &scenario, const Source &) {
 		  for (const char *name : {"ps.tmp", "df.tmp"})
 			  chmod(scenario.receiver.write(std::string("var/tmp/") + name, "left over\n").c_str(), 0);
@@ -331,7 +331,7 @@ const Fault faults[] = {
 	{"nothing",
      "prints nothing",
      noCommand,
-     {"it ends well without a word",
+     {"it succeeds and prints nothing",
       [](Scenario &scenario, const Source &command) {
 		  scenario.script(command, "exit 0\n");
 		  scenario.bytes[command.name] = "";
