@@ -311,18 +311,6 @@ TEST(App, waits_for_no_pipe)
 		}
 }
 
-TEST(App, removes_what_a_limit_cuts_off)
-{
-	TempFolder folder;
-	const Outcome outcome =
-		support::run({"/bin/sh", "-c",
-	                  "ulimit -f 4; exec '" + support::deskhostPath() +
-	                      "' --screen none --keys exit --pictures '" + folder.path() + "'"});
-	EXPECT_EQ(outcome.status, 2);
-	EXPECT_NE(outcome.err.find("00-start.png': File too large\n"), std::string::npos) << outcome.err;
-	EXPECT_FALSE(support::exists(folder / "00-start.png"));
-}
-
 TEST(App, finds_relative_names_again_when_the_plugin_leaves_its_folder)
 {
 	TempFolder folder;

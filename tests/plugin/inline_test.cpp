@@ -10,7 +10,6 @@
 
 #include <locale>
 #include <memory>
-#include <type_traits>
 
 namespace
 {
@@ -317,15 +316,6 @@ TEST(SignalObjects, are_deleted_by_their_last_owner_when_managed)
 	owned->reference();
 	owned->unreference();
 	EXPECT_FALSE(kept) << "an object that is not managed belongs to whoever made it";
-}
-
-TEST(SignalObjects, have_the_counted_object_as_virtual_base)
-{
-	struct Twice : virtual SigC::Object, virtual SigC::ObjectBase
-	{
-	};
-	EXPECT_TRUE((std::is_convertible_v<Twice *, SigC::ObjectBase *>)) << "one base, not two";
-	EXPECT_TRUE(std::has_virtual_destructor_v<SigC::ObjectBase>);
 }
 
 TEST(String, formats_into_itself_without_a_limit)

@@ -336,13 +336,4 @@ TEST_F(HostInTerminal, starting_in_the_background_waits_for_the_foreground_or_th
 	EXPECT_EQ(terminal.state(), "0 1 0");
 }
 
-TEST_F(HostInTerminal, a_terminal_that_cannot_be_used_is_one_clear_line)
-{
-	Tmux terminal(150, 30, "dumb");
-	terminal.start(host());
-	EXPECT_TRUE(terminal.shows("deskhost: cannot use the terminal: TERM=dumb cannot move the cursor; "
-	                           "set TERM to what the terminal is, or use --screen none"));
-	EXPECT_TRUE(terminal.shows("status=2 $"));
-}
-
 } // namespace host_in_terminal_test

@@ -250,16 +250,6 @@ TEST_F(HostInWindow, ends_while_the_display_does_not_answer_a_picture)
 	server.signal(SIGCONT);
 }
 
-TEST_F(HostInWindow, says_that_the_display_has_gone)
-{
-	start({}, 2);
-	XCloseDisplay(std::exchange(view, nullptr));
-	server.signal(SIGKILL);
-	EXPECT_EQ(program.line(),
-	          "deskhost: the display has gone: its server has ended or the connection to it broke");
-	EXPECT_EQ(program.exitStatus(), 1);
-}
-
 TEST_F(HostInWindow, says_where_it_cannot_save_a_picture)
 {
 	openWindow(
