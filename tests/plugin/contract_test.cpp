@@ -29,11 +29,22 @@ std::string demangled(const std::string &name)
 	return result;
 }
 
-std::vector<std::string> readelf(const std::string &what, const std::string &path)
+/// The names of the dynamic symbols that the plugin defines, or of those that it needs, without their versions.
+std::set<std::string> dynamicSymbols(bool defined)
 {
-	const support::Outcome outcome = support::run({"readelf", "-W", what, path}, {{"LC_ALL", "C"}});
+	const support::Outcome outcome =
+		support::run({"readelf", "-W", "--dyn-syms", pluginPath()}, {{"LC_ALL", "C"}});
 	EXPECT_EQ(outcome.status, 0) << outcome.err;
-	return support::lines(outcome.out);
+	std::set<std::string> names;
+	for (const std::string &line : support::lines(outcome.out)) {
+		std::istringstream words(line);
+		std::string number, value, size, type, bind, visibility, section, name;
+		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
+		if (!number.empty() && number.back() == ':' && number != "Num:" && type != "SECTION" &&
+		    !name.empty() && (section != "UND") == defined)
+			names.insert(defined ? name : name.substr(0, name.find('@')));
+	}
+	return names;
 }
 
 /// The classes of an object file, as tools/check-host prints them.
@@ -176,28 +187,14 @@ std::vector<std::string> listSlots(const std::string &type)
 
 TEST(Plugin, defines_its_entry_and_the_log_path_and_nothing_else)
 {
-	std::set<std::string> defined;
-	for (const std::string &line : readelf("--dyn-syms", pluginPath())) {
-		std::istringstream words(line);
-		std::string number, value, size, type, bind, visibility, section, name;
-		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
-		if (!number.empty() && number.back() == ':' && number != "Num:" && section != "UND" &&
-		    type != "SECTION" && !name.empty())
-			defined.insert(name);
-	}
-	EXPECT_EQ(defined, (std::set<std::string>{"plugin_exec", "ff_scan"}));
+	EXPECT_EQ(dynamicSymbols(true), (std::set<std::string>{"plugin_exec", "ff_scan"}));
 }
 
 TEST(Plugin, resolves_the_toolkit_from_its_host)
 {
 	std::set<std::string> needed;
-	for (const std::string &line : readelf("--dyn-syms", pluginPath())) {
-		std::istringstream words(line);
-		std::string number, value, size, type, bind, visibility, section, name;
-		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
-		if (section == "UND")
-			needed.insert(demangled(name.substr(0, name.find('@'))));
-	}
+	for (const std::string &name : dynamicSymbols(false))
+		needed.insert(demangled(name));
 	for (const char *operation :
 	     {"eWindow::eWindow(int)",
 	      "eSetupWindow::eSetupWindow(char const*, int, int)",
@@ -263,14 +260,9 @@ TEST(Plugin, asks_nothing_of_the_system_but_this)
 	                                     "memcpy", "memmove", "memset", "memcmp", "strlen", "strcmp",
 	                                     "abort"};
 	std::set<std::string> asked;
-	for (const std::string &line : readelf("--dyn-syms", pluginPath())) {
-		std::istringstream words(line);
-		std::string number, value, size, type, bind, visibility, section, name;
-		words >> number >> value >> size >> type >> bind >> visibility >> section >> name;
-		const std::string plain = name.substr(0, name.find('@'));
-		if (section == "UND" && !plain.empty() && plain.rfind("_Z", 0) != 0)
-			asked.insert(std::regex_replace(plain, variants, "$2"));
-	}
+	for (const std::string &name : dynamicSymbols(false))
+		if (name.rfind("_Z", 0) != 0)
+			asked.insert(std::regex_replace(name, variants, "$2"));
 	EXPECT_TRUE(asked.count("dcgettext"));
 	const std::regex runtimes(
 		"^(__(asan|ubsan|sanitizer|gcov|cxa|gxx|gmon|stack_chk|aeabi|gnu|libc_single)|_ITM|_Unwind)_.*");
