@@ -122,7 +122,7 @@ private:
 	void setPlainLook()
 	{
 		constexpr Color dark = {16, 16, 16}, light = {240, 240, 240}, grey = {96, 96, 96};
-		skin.backdrop = Fill::plain(dark);
+		skin.backdrop = Fill::plain(dark, 0, Part::backdrop);
 		skin.window = {light, grey, grey, light, dark, 0};
 		skin.hintText = light;
 		skin.helpBackground = grey;

@@ -57,12 +57,18 @@ struct Color
 	bool operator!=(const Color &o) const { return !(*this == o); }
 };
 
-/// The meaning of a fill or text, for canvases without enough colours.
-enum class Emphasis
+/// What a fill is, for canvases that show it in another way than by its colours and corners.
+enum class Part
 {
-	none,
-	current, ///< the current entry, the button with the focus
-	dim,     ///< secondary: a bar's track, the current entry of a list without the focus
+	area,
+	backdrop, ///< of the whole screen, below all windows
+	line,     ///< behind one line of text
+	currentLine,
+	idleLine, ///< the current one of a list without the focus
+	button,
+	currentButton,
+	track, ///< of a scroll bar
+	thumb, ///< of a scroll bar, on its track
 };
 
 /// How an area is filled. Canvases may ignore the gradient and the corners.
@@ -71,14 +77,22 @@ struct Fill
 	Color top;      ///< colour at the upper edge
 	Color bottom;   ///< colour at the lower edge; equals `top` for a plain area
 	int radius = 0; ///< of the corners, in pixels
-	Emphasis emphasis = Emphasis::none;
+	Part part = Part::area;
 
 	bool operator==(const Fill &o) const
 	{
-		return top == o.top && bottom == o.bottom && radius == o.radius && emphasis == o.emphasis;
+		return top == o.top && bottom == o.bottom && radius == o.radius && part == o.part;
 	}
 
-	static Fill plain(Color c, int radius = 0, Emphasis e = Emphasis::none) { return {c, c, radius, e}; }
+	static Fill plain(Color c, int radius = 0, Part part = Part::area) { return {c, c, radius, part}; }
+};
+
+/// The meaning of a text, for canvases without enough colours.
+enum class Emphasis
+{
+	none,
+	current, ///< the current entry, the button with the focus
+	dim,     ///< the current entry of a list without the focus
 };
 
 enum class Face

@@ -19,6 +19,10 @@ constexpr Key last(Key)
 {
 	return Key::digit9;
 }
+constexpr Part last(Part)
+{
+	return Part::thumb;
+}
 constexpr Emphasis last(Emphasis)
 {
 	return Emphasis::dim;
@@ -52,7 +56,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Rect>)
 		io.pixels(t.x, t.y, t.w, t.h);
 	else if constexpr (isOneOf<T, Fill>) {
-		io(t.top, t.bottom, t.emphasis);
+		io(t.top, t.bottom, t.part);
 		io.pixels(t.radius);
 	} else if constexpr (isOneOf<T, FrameStyle>) {
 		io(t.border, t.titleTop, t.titleBottom, t.titleText, t.client);

@@ -40,7 +40,10 @@ void LabelBehaviour::draw(const eWidget &widget, gPainter &painter)
 	if (const std::optional<Fill> &back =
 	        focused && decoration->focused ? decoration->focused : decoration->background) {
 		Fill fill = *back;
-		fill.emphasis = focused ? Emphasis::current : Emphasis::none;
+		const bool hasOneRow = oneLine || state.height < 2 * Desk::get().fontSize();
+		fill.part = !hasOneRow ? Part::area
+		            : oneLine  ? (focused ? Part::currentButton : Part::button)
+		                       : (focused ? Part::currentLine : Part::line);
 		painter.canvas.fill(area, fill);
 	}
 

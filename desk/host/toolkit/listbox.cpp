@@ -248,7 +248,7 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 
 	if (scrolls) {
 		const Rect bar{area.right() - barWidth, area.y, barWidth, area.h};
-		canvas.fill(bar, Fill::plain(decoration.bar, barWidth / 2, desk::Emphasis::dim));
+		canvas.fill(bar, Fill::plain(decoration.bar, barWidth / 2, desk::Part::track));
 		const int64_t count = list->count();
 		const int thumb =
 			std::max<int>(list->entryHeight, static_cast<int>(area.h * int64_t{list->rows()} / count));
@@ -256,7 +256,7 @@ void eListBoxBase::redrawWidget(gPainter *target, const eRect &)
 		const int64_t last = count - list->rows(); // the largest `top`
 		const int y = static_cast<int>(way * list->top / last);
 		canvas.fill({bar.x, bar.y + y, bar.w, thumb},
-		            Fill::plain(decoration.barThumb, barWidth / 2, desk::Emphasis::current));
+		            Fill::plain(decoration.barThumb, barWidth / 2, desk::Part::thumb));
 	}
 }
 

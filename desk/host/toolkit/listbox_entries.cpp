@@ -22,9 +22,10 @@ void eListBoxEntryText::redraw(gPainter *target, const eRect &area, gColor curre
 	style.color = gPainter::color(isCurrent ? currentText : textColor);
 	style.rowHeight = area.height();
 	if (isCurrent) {
-		const bool left = Desk::get().windows().focus() != listbox; // the list lacks the focus
-		style.emphasis = left ? desk::Emphasis::dim : desk::Emphasis::current;
-		target->canvas.fill(row, desk::Fill::plain(gPainter::color(currentBack), 0, style.emphasis));
+		const bool idle = Desk::get().windows().focus() != listbox;
+		style.emphasis = idle ? desk::Emphasis::dim : desk::Emphasis::current;
+		target->canvas.fill(row, desk::Fill::plain(gPainter::color(currentBack), 0,
+		                                           idle ? desk::Part::idleLine : desk::Part::currentLine));
 	}
 	// Menu lines are prose. Other lines come from programs, with columns made of blanks.
 	int inset = Desk::get().skin().decoration("eListBox").padding;

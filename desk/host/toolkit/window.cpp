@@ -33,7 +33,7 @@ public:
 		const Rect bar =
 			painter.onScreen(eRect(client.left, client.bottom - helpHeight, client.right, client.bottom));
 		const desk::Skin &skin = Desk::get().skin();
-		painter.canvas.fill(bar, desk::Fill::plain(skin.helpBackground));
+		painter.canvas.fill(bar, desk::Fill::plain(skin.helpBackground, 0, desk::Part::line));
 		if (const eListBoxEntry *entry = eListBoxBase::List::of(list).currentEntry()) {
 			desk::TextStyle style;
 			style.color = skin.hintText;

@@ -14,7 +14,7 @@ namespace
 using Shape = Cell::Shape;
 
 constexpr Rect wholeGrid{0, 0, cellColumns, cellRows};
-constexpr int oneLine = 48;        // pixels; a fill of at most this height belongs to one line of text
+constexpr int thinnest = 4;        // pixels of what takes a cell of its own
 constexpr size_t mostBytes = 8192; // of a line; far more than its cells need
 constexpr size_t mostMarks = 4;    // combining characters in a cell
 
@@ -28,22 +28,31 @@ int nearest(int value, int by)
 	return floorDivide(value + by / 2, by);
 }
 
-// The cells of an area in pixels, rounded: thin lines take none.
+/// The cells, of `size` pixels, from `start` to `end`, rounded.
+void toCells(int start, int end, int size, int &first, int &count)
+{
+	first = nearest(start, size);
+	count = nearest(end, size) - first;
+	if (count == 0 && end - start >= thinnest) {
+		first = floorDivide((start + end) / 2, size);
+		count = 1;
+	}
+}
+
 Rect cellsOf(const Rect &pixels)
 {
 	Rect cells;
-	cells.x = nearest(pixels.x, CellCanvas::cellWidth);
-	cells.y = nearest(pixels.y, CellCanvas::cellHeight);
-	cells.w = nearest(pixels.right(), CellCanvas::cellWidth) - cells.x;
-	cells.h = nearest(pixels.bottom(), CellCanvas::cellHeight) - cells.y;
-	if (cells.w == 0 && pixels.w >= CellCanvas::cellWidth / 2) {
-		cells.x = floorDivide(pixels.x + pixels.w / 2, CellCanvas::cellWidth);
-		cells.w = 1;
-	}
-	if (pixels.h <= oneLine) {
-		cells.y = floorDivide(pixels.y + pixels.h / 2, CellCanvas::cellHeight);
-		cells.h = pixels.h >= CellCanvas::cellHeight / 4 ? 1 : 0;
-	}
+	toCells(pixels.x, pixels.right(), CellCanvas::cellWidth, cells.x, cells.w);
+	toCells(pixels.y, pixels.bottom(), CellCanvas::cellHeight, cells.y, cells.h);
+	return cells.intersected(wholeGrid);
+}
+
+/// The cells of a line of text in its middle.
+Rect cellsOfLine(const Rect &pixels)
+{
+	Rect cells = cellsOf(pixels);
+	cells.y = floorDivide(pixels.y + pixels.h / 2, CellCanvas::cellHeight);
+	cells.h = pixels.h >= thinnest ? 1 : 0;
 	return cells.intersected(wholeGrid);
 }
 
@@ -122,31 +131,29 @@ void CellCanvas::put(int row, int column, const Cell &fresh)
 
 void CellCanvas::fill(const Rect &area, const Fill &fill)
 {
+	const bool isButton = fill.part == Part::button || fill.part == Part::currentButton;
+	const bool isCurrent = fill.part == Part::currentLine || fill.part == Part::currentButton;
+	const bool isLine = isButton || isCurrent || fill.part == Part::line || fill.part == Part::idleLine;
 	const Rect seen = area.intersected(clips.back());
-	const Rect cells = cellsOf(seen);
-	if (seen.h == screenHeight && seen.w == screenWidth)
+	const Rect cells = isLine ? cellsOfLine(seen) : cellsOf(seen);
+	if (fill.part == Part::backdrop)
 		window = {}; // a new picture
-	const bool bar = cells.w == 1;
-	const bool button = cells.h == 1 && fill.radius > 0 && !bar;
 	for (int row = cells.y; row < cells.bottom(); ++row)
 		for (int column = cells.x; column < cells.right(); ++column) {
-			const Cell &old = at(row, column);
 			Cell fresh;
 			fresh.ground = middle(fill.top, fill.bottom);
-			fresh.below = cells.h == 1 ? old.ground : fresh.ground;
+			fresh.below = isLine ? at(row, column).ground : fresh.ground;
 			fresh.text = legibleOn(fresh.ground);
 			fresh.inWindow = !window.empty();
-			if (bar && fill.emphasis == Emphasis::dim)
+			fresh.current = isCurrent;
+			fresh.dim = fill.part == Part::idleLine;
+			if (fill.part == Part::track)
 				fresh.shape = Shape::track;
-			else if (bar && old.shape == Shape::track)
+			else if (fill.part == Part::thumb)
 				fresh.shape = Shape::thumb;
-			else {
-				fresh.current = fill.emphasis == Emphasis::current;
-				fresh.dim = fill.emphasis == Emphasis::dim;
-			}
-			if (button && column == cells.x)
+			if (isButton && column == cells.x)
 				fresh.end = '[';
-			else if (button && column == cells.right() - 1)
+			else if (isButton && column == cells.right() - 1)
 				fresh.end = ']';
 			put(row, column, fresh);
 		}

@@ -21,7 +21,7 @@ using namespace desk;
 DisplayList someFrame()
 {
 	DisplayList frame;
-	frame.fill(wholeScreen, {{1, 2, 3}, {4, 5, 6}, 7, Emphasis::dim});
+	frame.fill(wholeScreen, {{1, 2, 3}, {4, 5, 6}, 7, Part::thumb});
 	frame.frame({10, 10, 300, 200}, {14, 40, 292, 166}, "a title \xff\x01",
 	            {{1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {4, 4, 4}, {255, 254, 253}, 8});
 	frame.pushClip({14, 40, 292, 166});
@@ -68,7 +68,7 @@ struct Drawn : Canvas
 		put(area);
 		put(fill.top);
 		put(fill.bottom);
-		calls += ' ' + std::to_string(fill.radius) + ' ' + std::to_string(static_cast<int>(fill.emphasis));
+		calls += ' ' + std::to_string(fill.radius) + ' ' + std::to_string(static_cast<int>(fill.part));
 	}
 	void frame(const Rect &outer, const Rect &client, std::string_view title,
 	           const FrameStyle &style) override
@@ -145,7 +145,7 @@ TEST(Wire, brings_only_what_has_changed_of_a_frame)
 {
 	const DisplayList before = someFrame();
 	DisplayList after;
-	after.fill(wholeScreen, {{1, 2, 3}, {4, 5, 6}, 7, Emphasis::dim});
+	after.fill(wholeScreen, {{1, 2, 3}, {4, 5, 6}, 7, Part::thumb});
 	after.fill({50, 60, 10, 10}, Fill::plain({1, 1, 1}));
 	const DisplayList::Edit edit = after.editOf(before);
 	EXPECT_EQ(edit.front, 1u);

@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <set>
 
 using desk::Desk;
 using desk::PixelCanvas;
@@ -31,16 +32,22 @@ std::string difference(PixelCanvas &one, PixelCanvas &other)
 	return "";
 }
 
-/// Counts moves.
+/// Counts moves, and collects what the fills are.
 class Canvas : public PixelCanvas
 {
 public:
+	void fill(const Rect &area, const desk::Fill &fill) override
+	{
+		parts.insert(fill.part);
+		PixelCanvas::fill(area, fill);
+	}
 	bool move(const Rect &area, int down) override
 	{
 		++moves;
 		return PixelCanvas::move(area, down);
 	}
 	static int moves;
+	std::set<desk::Part> parts;
 };
 int Canvas::moves = 0;
 
@@ -48,7 +55,10 @@ int Canvas::moves = 0;
 class Painter : public support::Viewer
 {
 public:
-	Painter(const std::string &pressed, std::vector<Rect> &seen) : Viewer(pressed), changes(seen) {}
+	Painter(const std::string &pressed, std::vector<Rect> &seen) : Viewer(pressed), changes(seen)
+	{
+		parts.clear();
+	}
 
 	void onFrame(const desk::Frame &frame) override
 	{
@@ -57,17 +67,22 @@ public:
 		EXPECT_EQ(*changed, changed->intersected(desk::wholeScreen));
 		changes.push_back(*changed);
 		picture.drawChanges(painted);
-		PixelCanvas whole;
+		Canvas whole;
 		Desk::get().paint(whole);
+		parts.push_back(whole.parts);
 		const std::string where = difference(painted, whole);
 		EXPECT_EQ(where, "") << "before key " << changes.size();
 	}
+
+	static std::vector<std::set<desk::Part>> parts; ///< of each frame
 
 private:
 	std::vector<Rect> &changes;
 	desk::DisplayList picture;
 	Canvas painted;
 };
+
+std::vector<std::set<desk::Part>> Painter::parts;
 
 /// The rectangles that were painted before the first key and after each.
 std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
@@ -115,6 +130,19 @@ TEST(Painting, moves_the_lines_of_a_list_that_scrolls)
 		keys += " up";
 	changesOf(support::pluginPath(), keys + " exit exit");
 	EXPECT_GT(Canvas::moves, 20);
+}
+
+TEST(Painting, tells_what_each_fill_is)
+{
+	using desk::Part;
+	changesOf(support::pluginPath(), "3 left exit exit");
+	ASSERT_GE(Painter::parts.size(), 3u);
+	EXPECT_EQ(Painter::parts[0], (std::set{Part::backdrop, Part::currentLine, Part::line}))
+		<< "menu and help";
+	EXPECT_EQ(Painter::parts[1],
+	          (std::set{Part::backdrop, Part::currentLine, Part::button, Part::track, Part::thumb}));
+	EXPECT_EQ(Painter::parts[2],
+	          (std::set{Part::backdrop, Part::idleLine, Part::currentButton, Part::track, Part::thumb}));
 }
 
 TEST(Painting, is_not_when_nothing_has_changed)

@@ -137,7 +137,7 @@ TEST(PixelCanvas, fills_nothing_where_there_is_no_area)
 TEST(PixelCanvas, fills_from_the_upper_colour_to_the_lower)
 {
 	PixelCanvas canvas;
-	canvas.fill({0, 0, 100, 200}, {white, {0, 0, 1}, 0, Emphasis::none});
+	canvas.fill({0, 0, 100, 200}, {white, {0, 0, 1}});
 	EXPECT_GT(at(canvas, 50, 0).r, 250);
 	EXPECT_LT(at(canvas, 50, 199).r, 5);
 	for (int y = 1; y < 200; ++y)
@@ -189,7 +189,7 @@ TEST(PixelCanvas, touches_nothing_outside_of_the_clip)
 	const Rect clip = {100, 100, 200, 60};
 	PixelCanvas canvas;
 	canvas.pushClip(clip);
-	canvas.fill({50, 50, 400, 400}, {red, green, 20, Emphasis::current});
+	canvas.fill({50, 50, 400, 400}, {red, green, 20});
 	canvas.frame({80, 70, 300, 120}, {84, 100, 292, 86}, "A title", {red, green, blue, white, red, 8});
 	canvas.text({90, 90, 400, 20}, "WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW", columns());
 	canvas.text({90, 150, 400, 20}, "ggggÅÅÅÅÅÅ日本语", prose());

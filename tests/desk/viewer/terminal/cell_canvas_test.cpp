@@ -64,7 +64,7 @@ TextStyle style(int rowHeight = 20, Face face = Face::columns, Align align = Ali
 
 void backdrop(CellCanvas &canvas)
 {
-	canvas.fill({0, 0, screenWidth, screenHeight}, Fill::plain(black));
+	canvas.fill({0, 0, screenWidth, screenHeight}, Fill::plain(black, 0, Part::backdrop));
 }
 
 TEST(CellCanvas, a_line_stands_in_the_row_that_its_middle_is_in)
@@ -212,8 +212,8 @@ TEST(CellCanvas, the_scroll_bars_parts_are_known)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
-	canvas.fill({80, 0, 8, 200}, Fill::plain(grey, 4, Emphasis::dim));
-	canvas.fill({80, 40, 8, 7}, Fill::plain(white, 4, Emphasis::current));
+	canvas.fill({80, 0, 8, 200}, Fill::plain(grey, 4, Part::track));
+	canvas.fill({80, 40, 8, 7}, Fill::plain(white, 4, Part::thumb));
 	EXPECT_EQ(cellAt(canvas, 0, 10).shape, Cell::Shape::track);
 	EXPECT_EQ(cellAt(canvas, 2, 10).shape, Cell::Shape::thumb);
 	EXPECT_EQ(cellAt(canvas, 3, 10).shape, Cell::Shape::track);
@@ -250,7 +250,7 @@ TEST(CellCanvas, the_current_entry_is_marked_over_its_whole_width)
 {
 	CellCanvas canvas;
 	canvas.fill({0, 0, 400, 400}, Fill::plain(grey));
-	canvas.fill({0, 20, 400, 20}, Fill::plain(blue, 0, Emphasis::current));
+	canvas.fill({0, 20, 400, 20}, Fill::plain(blue, 0, Part::currentLine));
 	canvas.text({0, 20, 400, 20}, "entry", style());
 	for (int column = 0; column < 50; ++column) {
 		EXPECT_TRUE(cellAt(canvas, 1, column).current);
@@ -264,7 +264,7 @@ TEST(CellCanvas, a_button_is_a_row_high)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
-	canvas.fill({80, 70, 160, 40}, Fill::plain(blue));
+	canvas.fill({80, 70, 160, 40}, Fill::plain(blue, 0, Part::button));
 	canvas.text({80, 70, 160, 40}, "OK", style(20, Face::prose, Align::centre));
 	int rows = 0;
 	for (int row = 0; row < cellRows; ++row)
@@ -377,7 +377,7 @@ void paintWindow(CellCanvas &canvas, const std::vector<int> &written, int curren
 	for (const int row : written) {
 		const Rect line{80, row * 20, 400, 20};
 		if (row == current)
-			canvas.fill(line, Fill::plain(blue, 0, Emphasis::current));
+			canvas.fill(line, Fill::plain(blue, 0, Part::currentLine));
 		canvas.text(line, "row " + std::to_string(row), style());
 	}
 }
@@ -406,7 +406,7 @@ TEST(CellCanvas, then_rows_without_text_are_left_out_and_no_others)
 	                                    rowText(canvas, 15), rowText(canvas, 19), rowText(canvas, 20)}));
 	EXPECT_EQ(canvas.rowsWithin(3, 6).size(), 6u) << "text only gives way where it must";
 	paintWindow(canvas, {10, 19}, 0);
-	canvas.fill({80, 240, 400, 20}, Fill::plain(blue, 0, Emphasis::current));
+	canvas.fill({80, 240, 400, 20}, Fill::plain(blue, 0, Part::currentLine));
 	EXPECT_EQ(canvas.rowsWithin(1, 6), (std::vector<int>{9, 10, 12, 19, 20})) << "an empty entry is one";
 }
 
@@ -436,7 +436,7 @@ TEST(CellCanvas, a_button_knows_where_it_begins_and_ends)
 {
 	CellCanvas canvas;
 	canvas.fill({0, 0, 400, 400}, Fill::plain(grey));
-	canvas.fill({80, 70, 160, 40}, Fill::plain(blue, 6));
+	canvas.fill({80, 70, 160, 40}, Fill::plain(blue, 0, Part::button));
 	EXPECT_EQ(cellAt(canvas, 4, 10).end, '[');
 	EXPECT_EQ(cellAt(canvas, 4, 11).end, 0);
 	EXPECT_EQ(cellAt(canvas, 4, 29).end, ']');
@@ -487,7 +487,7 @@ TEST(CellCanvas, no_numbers_are_too_strange)
 			canvas.popClip();
 			break;
 		case 2:
-			canvas.fill(rect(), Fill::plain(blue, 0, static_cast<Emphasis>(pick(0, 2))));
+			canvas.fill(rect(), Fill::plain(blue, 0, static_cast<Part>(pick(0, 8))));
 			break;
 		case 3:
 			canvas.frame(rect(), rect(), text, FrameStyle());

@@ -24,6 +24,7 @@ using desk::Emphasis;
 using desk::Face;
 using desk::Fill;
 using desk::Key;
+using desk::Part;
 
 namespace
 {
@@ -52,7 +53,7 @@ std::string entry(int number)
 
 void paint(Canvas &canvas, const State &state)
 {
-	canvas.fill({0, 0, 720, 576}, {{34, 52, 84}, night, 0, Emphasis::none});
+	canvas.fill({0, 0, 720, 576}, {{34, 52, 84}, night, 0, Part::backdrop});
 	const desk::FrameStyle frame{rim, bar, panel, white, panel, 8};
 	canvas.frame({106, 33, 508, 484}, {110, 63, 500, 450}, "Demonstration", frame);
 	canvas.pushClip({110, 63, 500, 450});
@@ -66,14 +67,13 @@ void paint(Canvas &canvas, const State &state)
 		const desk::Rect row{list.x, list.y + i * 20, list.w - 12, 20};
 		style.emphasis = current ? Emphasis::current : Emphasis::none;
 		if (current)
-			canvas.fill(row, Fill::plain(accent, 4, Emphasis::current));
+			canvas.fill(row, Fill::plain(accent, 4, Part::currentLine));
 		canvas.text({row.x + 6, row.y, row.w - 12, 20}, entry(top + i), style);
 	}
-	canvas.fill({list.right() - 8, list.y, 8, list.h}, Fill::plain(bar, 4, Emphasis::dim));
-	canvas.fill({list.right() - 8, list.y + state.current * 3, 8, 60},
-	            Fill::plain(grey, 4, Emphasis::current));
+	canvas.fill({list.right() - 8, list.y, 8, list.h}, Fill::plain(bar, 4, Part::track));
+	canvas.fill({list.right() - 8, list.y + state.current * 3, 8, 60}, Fill::plain(grey, 4, Part::thumb));
 	style.emphasis = Emphasis::none;
-	canvas.fill({120, 473, 160, 40}, Fill::plain(bar, 6));
+	canvas.fill({120, 473, 160, 40}, Fill::plain(bar, 6, Part::button));
 	canvas.keySymbol({128, 483, 24, 20}, desk::Key::red, {200, 40, 40});
 	style.face = Face::prose;
 	canvas.text({160, 473, 120, 40}, "delete log", style);
@@ -87,7 +87,8 @@ void paint(Canvas &canvas, const State &state)
 	for (int i = 0; i < 2; ++i) {
 		const desk::Rect button{210 + i * 160, 301, 140, 40};
 		style.emphasis = i == 0 ? Emphasis::current : Emphasis::none;
-		canvas.fill(button, Fill::plain(i == 0 ? accent : bar, 6, style.emphasis));
+		canvas.fill(button,
+		            Fill::plain(i == 0 ? accent : bar, 6, i == 0 ? Part::currentButton : Part::button));
 		canvas.text(button, i == 0 ? "Yes" : "No", style);
 	}
 }
