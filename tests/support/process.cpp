@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <thread>
 
@@ -102,6 +103,19 @@ bool eventually(const std::function<bool()> &holds)
 		std::this_thread::sleep_for(std::chrono::milliseconds(20));
 	}
 	return holds();
+}
+
+std::vector<pid_t> childrenOf(pid_t process)
+{
+	const std::string id = std::to_string(process);
+	std::istringstream numbers(readFile("/proc/" + id + "/task/" + id + "/children"));
+	return {std::istream_iterator<pid_t>(numbers), {}};
+}
+
+bool hasEnded(pid_t process)
+{
+	const std::string stat = readFile("/proc/" + std::to_string(process) + "/stat");
+	return stat.empty() || stat[stat.rfind(')') + 2] == 'Z';
 }
 
 void Child::start(const Command &command, const Environment &environment, int output)

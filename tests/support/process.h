@@ -32,6 +32,12 @@ Outcome run(const Command &command, const Environment &environment = {});
 /// Repeats until `holds` is true; returns false after a minute.
 bool eventually(const std::function<bool()> &holds);
 
+/// The processes that a process has started and that are left.
+std::vector<pid_t> childrenOf(pid_t process);
+
+/// Whether a process has ended, even if its parent does not know yet.
+bool hasEnded(pid_t process);
+
 /// A program that runs beside the test. It is killed with the object, and when the test ends.
 class Child
 {

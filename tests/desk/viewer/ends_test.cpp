@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 
 using support::Child;
+using support::childrenOf;
 using support::Command;
 using support::DeskRun;
 using support::Lines;
@@ -20,6 +20,11 @@ DeskRun misbehaving(const std::string &keys, Lines options = {})
 {
 	options.insert(options.end(), {"--plugin", support::testPlugin("misbehaves.so.0")});
 	return runDesk("", keys, options);
+}
+
+bool eventuallyEnds(pid_t process)
+{
+	return support::eventually([&] { return support::hasEnded(process); });
 }
 
 /// Expects exit status 1 and these lines among the messages.
@@ -118,11 +123,7 @@ TEST(Half, is_not_its_copy)
 	EXPECT_EQ(run.outcome.err.find("not by the plugin"), std::string::npos) << run.outcome.err;
 	const size_t copy = run.outcome.err.find("copy ");
 	ASSERT_NE(copy, std::string::npos) << run.outcome.err;
-	const std::string number = run.outcome.err.substr(copy + 5, run.outcome.err.find('\n', copy) - copy - 5);
-	EXPECT_TRUE(support::eventually([&] {
-		const std::string stat = support::readFile("/proc/" + number + "/stat");
-		return stat.empty() || stat.find(") Z") != std::string::npos;
-	}));
+	EXPECT_TRUE(eventuallyEnds(std::stoi(run.outcome.err.substr(copy + 5))));
 }
 
 class SessionEnd : public testing::Test
@@ -143,27 +144,12 @@ protected:
 		            "--plugin", support::testPlugin("misbehaves.so.0")});
 		ASSERT_TRUE(support::eventually(
 			[&] { return support::readFile(folder / "trace").find(".exec()") != std::string::npos; }));
-		half = childOf(host.pid());
-		ASSERT_GT(half, 0);
-	}
-
-	static int childOf(int process)
-	{
-		const std::string id = std::to_string(process);
-		return std::atoi(support::readFile("/proc/" + id + "/task/" + id + "/children").c_str());
-	}
-
-	static bool isGone(int process)
-	{
-		return support::eventually([&] {
-			const std::string stat = support::readFile("/proc/" + std::to_string(process) + "/stat");
-			return stat.empty() || stat.find(") Z") != std::string::npos;
-		});
+		half = childrenOf(host.pid()).at(0);
 	}
 
 	support::TempFolder folder;
 	Child host;
-	int half = 0;
+	pid_t half = 0;
 };
 
 TEST_F(SessionEnd, by_a_signal_ends_a_plugin_that_spins)
@@ -172,7 +158,7 @@ TEST_F(SessionEnd, by_a_signal_ends_a_plugin_that_spins)
 		startSpinning();
 		host.signal(signal);
 		EXPECT_EQ(host.exitStatus(), 128 + signal);
-		EXPECT_TRUE(isGone(half));
+		EXPECT_TRUE(eventuallyEnds(half));
 		host.end();
 	}
 }
@@ -184,8 +170,7 @@ TEST_F(SessionEnd, keeps_ignoring_what_was_ignored_when_it_started)
 	host.start({"sh", "-c", "trap '' HUP; exec \"$@\"", "sh", support::deskhostPath(), "--screen", "none",
 	            "--root", receiver.path(), "--through", "env", "--keys", "1"}); // env becomes the half
 	ASSERT_TRUE(support::eventually([&] { return support::exists(receiver / "bin/ps.log"); }));
-	half = childOf(host.pid());
-	ASSERT_GT(half, 0);
+	half = childrenOf(host.pid()).at(0);
 	host.signal(SIGHUP);
 	host.signal(SIGWINCH);
 	kill(half, SIGHUP);
@@ -206,7 +191,7 @@ TEST_F(SessionEnd, comes_with_signals_that_were_blocked_when_it_started)
 	command.insert(command.end(), {support::deskhostPath(), "--screen", "none", "--keys", "7", "--plugin",
 	                               support::testPlugin("misbehaves.so.0")});
 	host.start(command);
-	ASSERT_TRUE(support::eventually([&] { return childOf(host.pid()) > 0; }));
+	ASSERT_TRUE(support::eventually([&] { return !childrenOf(host.pid()).empty(); }));
 	host.signal(SIGTERM);
 	EXPECT_EQ(host.exitStatus(), 128 + SIGTERM);
 }
@@ -217,13 +202,12 @@ TEST_F(SessionEnd, by_sigkill_leaves_nothing_that_heeds_signals)
 	receiver.write("bin/ps", "#!/bin/sh\necho $$ >\"$0.pid\"; exec sleep 1000\n", true);
 	host.start({support::deskhostPath(), "--screen", "none", "--root", receiver.path(), "--keys", "1"});
 	ASSERT_TRUE(support::eventually([&] { return support::exists(receiver / "bin/ps.pid"); }));
-	half = childOf(host.pid());
-	const int command = childOf(half);
-	ASSERT_GT(command, 0);
+	half = childrenOf(host.pid()).at(0);
+	const pid_t command = childrenOf(half).at(0);
 	host.signal(SIGKILL);
 	EXPECT_EQ(host.exitStatus(), 128 + SIGKILL);
-	EXPECT_TRUE(isGone(half));
-	EXPECT_TRUE(isGone(command));
+	EXPECT_TRUE(eventuallyEnds(half));
+	EXPECT_TRUE(eventuallyEnds(command));
 }
 
 TEST(Through, a_command_that_stands_for_a_shell_elsewhere)

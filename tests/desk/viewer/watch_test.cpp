@@ -225,9 +225,7 @@ TEST_F(WatchedRun, leaks_nothing)
 			ASSERT_TRUE(terminal.shows(std::string("nothing in ") + version));
 		}
 	EXPECT_EQ(count(), before);
-	const std::string children = support::readFile("/proc/" + std::to_string(process) + "/task/" +
-	                                               std::to_string(process) + "/children");
-	EXPECT_EQ(std::count(children.begin(), children.end(), ' '), 1) << children;
+	EXPECT_EQ(support::childrenOf(process).size(), 1u);
 }
 
 TEST_F(WatchedRun, does_not_delete_again)

@@ -150,15 +150,10 @@ TEST(Commands, end_whole_when_a_half_is_killed)
 			     {"ON", "sh -c 'echo $$ >" + folder / "number" + "; exec sleep 1000' | sleep 1000 | cat"}});
 			ASSERT_TRUE(support::eventually([&] { return !support::readFile(folder / "number").empty(); }));
 			const int sleeper = std::stoi(support::readFile(folder / "number"));
-			const std::string id = std::to_string(host.pid());
-			const int half = std::stoi(support::readFile("/proc/" + id + "/task/" + id + "/children"));
+			const pid_t half = support::childrenOf(host.pid()).at(0);
 			EXPECT_EQ(kill(viewers ? host.pid() : half, signal), 0);
 			host.exitStatus();
-			EXPECT_TRUE(support::eventually([&] {
-				const std::string stat = support::readFile("/proc/" + std::to_string(sleeper) + "/stat");
-				return stat.empty() || has(stat, ") Z");
-			})) << viewers
-				<< signal;
+			EXPECT_TRUE(support::eventually([&] { return support::hasEnded(sleeper); })) << viewers << signal;
 		}
 }
 

@@ -605,10 +605,7 @@ TEST(TerminalScreen, waiting_for_keys_takes_no_time)
 	Tmux terminal(90, 30);
 	const int process = terminal.start(demo);
 	ASSERT_TRUE(terminal.shows(helpLine));
-	const std::string folder = "/proc/" + std::to_string(process);
-	const int child =
-		atoi(support::readFile(folder + "/task/" + std::to_string(process) + "/children").c_str());
-	ASSERT_GT(child, 0);
+	const pid_t child = support::childrenOf(process).at(0);
 	const auto ticksOf = [](int id) {
 		const std::string stat = support::readFile("/proc/" + std::to_string(id) + "/stat");
 		unsigned long user = 0, system = 0, switches = 0;
