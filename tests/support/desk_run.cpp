@@ -64,6 +64,15 @@ std::string skinWithFontSize(const TempFolder &folder, int fontSize)
 	return folder.write("skin.toml", skin);
 }
 
+std::vector<Json> dumpSoFar(const std::string &path)
+{
+	const std::string text = readFile(path);
+	std::vector<Json> records;
+	for (const std::string &line : lines(text.substr(0, text.rfind('\n') + 1)))
+		records.push_back(Json::parse(line));
+	return records;
+}
+
 const Json &DeskRun::window(size_t index) const
 {
 	const std::string when = "after key number " + std::to_string(index);

@@ -23,6 +23,9 @@ std::string buildPath(const std::string &inTree);  ///< a file of the build tree
 /// Writes the default skin with another "fontsize" into `folder`, for 0 without one. Returns its path.
 std::string skinWithFontSize(const TempFolder &folder, int fontSize);
 
+/// The records of a dump so far, without one that is still being written.
+std::vector<Json> dumpSoFar(const std::string &path);
+
 /// One run of the plugin in the desk host without a screen, fully recorded.
 ///
 /// A test that asks for a missing window or widget fails and ends.

@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 #include <linux/input.h>
 
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 using support::TempFolder;
@@ -47,16 +45,14 @@ public:
 	support::Lines keys() const
 	{
 		support::Lines keys;
-		const std::string text = support::readFile(folder / "dump");
-		for (const std::string &line : support::lines(text.substr(0, text.rfind('\n') + 1)))
-			keys.push_back(support::Json::parse(line)["after"]);
+		for (const support::Json &record : support::dumpSoFar(folder / "dump"))
+			keys.push_back(record["after"]);
 		return keys;
 	}
 	std::string title() const
 	{
-		const std::string text = support::readFile(folder / "dump");
-		const support::Lines all = support::lines(text.substr(0, text.rfind('\n') + 1));
-		return all.empty() ? "" : support::Json::parse(all.back())["windows"].back()["title"];
+		const std::vector<support::Json> all = support::dumpSoFar(folder / "dump");
+		return all.empty() ? "" : all.back()["windows"].back()["title"];
 	}
 
 	support::ReceiverFolder receiver;

@@ -41,15 +41,7 @@ protected:
 		ASSERT_TRUE(eventually([&] { return !dump().empty(); }));
 	}
 
-	std::vector<Json> dump() const
-	{
-		std::vector<Json> all;
-		const std::string text = support::readFile(folder / "dump");
-		if (const size_t end = text.rfind('\n'); end != text.npos)
-			for (const std::string &line : support::lines(text.substr(0, end + 1)))
-				all.push_back(Json::parse(line));
-		return all;
-	}
+	std::vector<Json> dump() const { return support::dumpSoFar(folder / "dump"); }
 
 	/// Clicks, and expects these keys as the new records.
 	void clickAndExpect(int x, int y, const Keys &expected, int button = 1)
