@@ -4,18 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <thread>
 
 namespace
 {
-
-constexpr auto patience = std::chrono::seconds(30);
-constexpr auto glance = std::chrono::milliseconds(20);
 
 std::string shellWord(const std::string &text)
 {
@@ -126,12 +121,8 @@ std::string Tmux::state() const
 
 bool Tmux::until(const std::string &text, bool there) const
 {
-	const auto end = std::chrono::steady_clock::now() + patience;
-	do {
-		if ((screen().find(text) != std::string::npos) == there)
-			return true;
-		std::this_thread::sleep_for(glance);
-	} while (std::chrono::steady_clock::now() < end);
+	if (support::eventually([&] { return (screen().find(text) != std::string::npos) == there; }))
+		return true;
 	ADD_FAILURE() << (there ? "does not show: " : "still shows: ") << text << '\n' << screen();
 	return false;
 }
@@ -153,8 +144,6 @@ int Tmux::start(const std::string &command) const
 	std::ofstream(directory / "run") << "echo $$ >" << pidFile << ".new; mv " << pidFile << ".new " << pidFile
 									 << "; exec " << command << '\n';
 	enter("clear; sh " + directory / "run");
-	const auto end = std::chrono::steady_clock::now() + patience;
-	while (support::readFile(pidFile).empty() && std::chrono::steady_clock::now() < end)
-		std::this_thread::sleep_for(glance);
+	support::eventually([&] { return !support::readFile(pidFile).empty(); });
 	return atoi(support::readFile(pidFile).c_str());
 }

@@ -29,7 +29,7 @@ public:
 	std::string colouredScreen() const; ///< with escape sequences
 	std::string state() const; ///< "alternate screen, cursor shown, keypad in application mode", each 0 or 1
 
-	/// Waits until the screen shows `text`, or no longer shows it; false after 30 seconds.
+	/// Waits until the screen shows `text`, or no longer shows it; false after a minute.
 	bool shows(const std::string &text) const;
 	bool losesSight(const std::string &text) const;
 
