@@ -1,7 +1,6 @@
 #include "inside.h"
 
 #include "desk.h"
-#include "desk_run.h"
 #include "plugin.h"
 
 #include <gtest/gtest.h>
@@ -42,12 +41,6 @@ int runInside(Viewer &viewer, const std::string &path, bool draws)
 	desk.endRun();
 	desk.setViewer(nullptr);
 	return result;
-}
-
-int runInside(const std::string &keys)
-{
-	Viewer viewer(keys);
-	return runInside(viewer, pluginPath());
 }
 
 } // namespace support

@@ -32,8 +32,6 @@ private:
 /// Runs the plugin once in the test's own program, which is the plugin's half itself (vexlo_host_test). Returns the
 /// result of plugin_exec. With `draws`, the viewer receives frames.
 int runInside(Viewer &viewer, const std::string &plugin, bool draws = false);
-/// Runs the service menu.
-int runInside(const std::string &keys = "");
 
 } // namespace support
 

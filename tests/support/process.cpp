@@ -191,12 +191,6 @@ std::string Child::line()
 	return "(nothing)";
 }
 
-bool Child::printsWithin(int milliseconds) const
-{
-	pollfd ready = {out, POLLIN, 0};
-	return !buffer.empty() || poll(&ready, 1, milliseconds) > 0;
-}
-
 long Child::cpu() const
 {
 	const std::string stat = readFile("/proc/" + std::to_string(id) + "/stat");

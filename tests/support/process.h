@@ -61,8 +61,6 @@ public:
 	/// Waits for the next line of output; "(nothing)" when none comes.
 	std::string line();
 
-	bool printsWithin(int milliseconds) const;
-
 	/// CPU ticks used so far.
 	long cpu() const;
 
