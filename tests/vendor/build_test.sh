@@ -5,7 +5,7 @@
 #     toolkit    a vendor's toolkit.h without src/toolkit; further argument: his front end
 #     desk       the desk host on a 1.2 signal library; further arguments: that library, and the usual desk
 #                host, which must record the same for the same keys
-#     mistakes   configuring fails with one clear message for wrong options
+#     mistakes   configuring fails with one clear message for wrong options; further argument: a 1.2 library
 set -eu
 cmake=$1 sources=$2 compiler=$3 what=$4
 build=$(mktemp -d)
@@ -98,10 +98,14 @@ mistakes)
 	cd "$(dirname "$build")"
 	refuses "$build.a is no shared library" "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=${build##*/}.a"
 	rm "$build.a"
+	refuses 'VEXLO_SIGC1_LIBRARY needs its headers too' "-DVEXLO_SIGC1_LIBRARY=$5"
+	refuses 'has nothing of namespace SigC' "-DVEXLO_SIGC1_INCLUDE=$sigc" \
+		"-DVEXLO_SIGC1_LIBRARY=$(pkg-config --variable=libdir sigc++-3.0)/libsigc-3.0.so"
 	refuses 'there is no toolkit.h in /nowhere' -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE=/nowhere
 	refuses 'with VEXLO_TOOLKIT_INCLUDE, give -DVEXLO_DESK=OFF as well' \
 		"-DVEXLO_TOOLKIT_INCLUDE=$sources/tests/vendor/include"
 	cd "$sources/tests/vendor"
+	refuses 'VEXLO_TOOLKIT_INCLUDE: include is a relative path' -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE:PATH=include
 	configure -U 'VEXLO_*' -DVEXLO_DESK=OFF -DVEXLO_TOOLKIT_INCLUDE=include \
 		'-DVEXLO_SIGC1_INCLUDE=sigc1/include/sigc++-1.2;sigc1/lib/sigc++-1.2/include' || { cat "$build.log"; exit 1; }
 	grep -qF -- "$PWD/sigc1/lib/sigc++-1.2/include" "$build/build.ninja" && grep -qF -- "$PWD/include" "$build/build.ninja" ||
