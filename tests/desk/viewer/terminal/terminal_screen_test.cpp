@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <map>
 #include <regex>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -32,6 +33,20 @@ std::string row(const std::string &screen, size_t number)
 		start = screen.find('\n', start) + 1;
 	return screen.substr(start, screen.find('\n', start) - start);
 }
+
+/// A terminal with the demonstration on its screen.
+struct Demo : Tmux
+{
+	/// `setting`: a variable of its environment, as NAME=value.
+	explicit Demo(const std::string &setting = "")
+		: Tmux(90, 30), process(start("env " + setting + " " + demo))
+	{
+		if (!shows("last key: none") || !shows(helpLine))
+			throw std::runtime_error("the demonstration does not start");
+	}
+
+	const int process;
+};
 
 std::string mode(const Tmux &terminal, const std::string &name)
 {
@@ -62,9 +77,7 @@ void expectRestored(int status, const End &end, const std::string &also = "", co
 
 TEST(TerminalScreen, keys_of_every_kind_arrive)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows("last key: none"));
+	const Demo terminal;
 	const char *const keys[][2] = {
 		{"Down", "down"},   {"Up", "up"},         {"Left", "left"},
 		{"Right", "right"}, {"PageUp", "pageup"}, {"PageDown", "pagedown"},
@@ -91,9 +104,7 @@ TEST(TerminalScreen, keys_of_every_kind_arrive)
 
 TEST(TerminalScreen, keys_that_other_terminals_send_arrive_too)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows("last key: none"));
+	const Demo terminal;
 	const std::pair<std::string, const char *> keys[] = {
 		{"\033[B", "down"},   {"\033OA", "up"},   {"\033[7~", "home"}, {"\033OF", "end"},
 		{"\033[H", "home"},   {"\033[8~", "end"}, {"\033[11~", "red"}, {"\033[[B", "green"},
@@ -107,9 +118,7 @@ TEST(TerminalScreen, keys_that_other_terminals_send_arrive_too)
 
 TEST(TerminalScreen, esc_is_exit)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows("last key: none"));
+	const Demo terminal;
 	terminal.press("Escape");
 	EXPECT_TRUE(terminal.shows("keys: exit"));
 	EXPECT_TRUE(terminal.shows("status=0"));
@@ -117,9 +126,7 @@ TEST(TerminalScreen, esc_is_exit)
 
 TEST(TerminalScreen, unknown_keys_do_nothing)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows("last key: none"));
+	const Demo terminal;
 	for (const std::string bytes :
 	     {"\033[99~", "\033[1;7Z", "\033Oz", "x", "\xC3\xA4", "\xFF", "\t", "\001", "\177"})
 		terminal.send({bytes.begin(), bytes.end()});
@@ -132,9 +139,7 @@ TEST(TerminalScreen, unknown_keys_do_nothing)
 
 TEST(TerminalScreen, a_screen_is_drawn_with_lines_and_help)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
+	const Demo terminal;
 	const std::string screen = terminal.screen();
 	EXPECT_NE(screen.find("\u250C Demonstration \u2500\u2500"), std::string::npos) << screen;
 	EXPECT_NE(screen.find("\u2502 entry 18 "), std::string::npos) << screen;
@@ -228,9 +233,7 @@ TEST(TerminalScreen, f9_shows_the_last_notes_until_a_key_is_pressed)
 
 TEST(TerminalScreen, a_larger_terminal_has_the_screen_in_its_middle)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
+	const Demo terminal;
 	terminal.resize(110, 40);
 	ASSERT_TRUE(terminal.shows(std::string(10, ' ') + " Arrows j k move"));
 	const std::string screen = terminal.screen();
@@ -316,9 +319,7 @@ TEST(TerminalScreen, ends_without_a_word_are_shown_and_give_the_terminal_back)
 
 TEST(TerminalScreen, a_crash_is_followed_by_a_new_start)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
+	const Demo terminal;
 	terminal.press("6");
 	ASSERT_TRUE(terminal.shows("A key starts it anew"));
 	terminal.press("Down");
@@ -331,9 +332,7 @@ TEST(TerminalScreen, a_crash_is_followed_by_a_new_start)
 
 TEST(TerminalScreen, what_is_busy_is_shown_and_can_be_ended)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
+	const Demo terminal;
 	terminal.press("9");
 	ASSERT_TRUE(terminal.shows("The plugin has not answered for 2 s."));
 	for (int i = 0; i < 3; ++i)
@@ -349,15 +348,13 @@ TEST(TerminalScreen, a_signal_ends_what_ignores_it_and_what_it_has_started)
 	for (const char *key : {"C-c", "TERM", "HUP"}) {
 		SCOPED_TRACE(key);
 		const bool interrupt = std::string(key) == "C-c";
-		Tmux terminal(90, 30);
-		const int process = terminal.start("env DEMO_END=ignore " + demo);
-		ASSERT_TRUE(terminal.shows(helpLine));
+		const Demo terminal("DEMO_END=ignore");
 		terminal.press("4");
 		std::this_thread::sleep_for(std::chrono::milliseconds(300));
 		if (interrupt)
 			terminal.press("C-c");
 		else
-			kill(process, std::string(key) == "TERM" ? SIGTERM : SIGHUP);
+			kill(terminal.process, std::string(key) == "TERM" ? SIGTERM : SIGHUP);
 		ASSERT_TRUE(terminal.shows(interrupt                    ? "status=130"
 		                           : std::string(key) == "TERM" ? "status=143"
 		                                                        : "status=129"));
@@ -369,9 +366,7 @@ TEST(TerminalScreen, a_signal_ends_what_ignores_it_and_what_it_has_started)
 
 TEST(TerminalScreen, what_is_printed_beside_the_screen_is_shown_afterwards_and_not_obeyed)
 {
-	Tmux terminal(90, 30);
-	terminal.start("env DEMO_END=print " + demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
+	const Demo terminal("DEMO_END=print");
 	terminal.press("4");
 	ASSERT_TRUE(terminal.shows("last key: 4"));
 	EXPECT_EQ(terminal.screen().find("printed"), std::string::npos);
@@ -489,10 +484,8 @@ TEST(TerminalScreen, a_signal_ends_what_is_stopped_beside_the_prompt)
 
 TEST(TerminalScreen, a_stop_by_another_signal_is_repaired)
 {
-	Tmux terminal(90, 30);
-	const int process = terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
-	kill(-process, SIGSTOP); // like "kill -STOP %1" in the shell
+	const Demo terminal;
+	kill(-terminal.process, SIGSTOP); // like "kill -STOP %1" in the shell
 	// The program could not restore the terminal, so Enter sends no line end.
 	terminal.type("clear; echo in bet''ween");
 	terminal.press("C-j");
@@ -507,9 +500,7 @@ TEST(TerminalScreen, a_stop_by_another_signal_is_repaired)
 
 TEST(TerminalScreen, ctrl_l_repairs_what_others_wrote)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
+	const Demo terminal;
 	const std::string whole = terminal.screen();
 	terminal.scribble("\033[12;1Ha message to all users");
 	ASSERT_TRUE(terminal.shows("a message to all users"));
@@ -521,9 +512,7 @@ TEST(TerminalScreen, ctrl_l_repairs_what_others_wrote)
 
 TEST(TerminalScreen, commands_and_their_modes_do_no_harm)
 {
-	Tmux terminal(90, 30);
-	terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
+	const Demo terminal;
 	terminal.press("0");
 	ASSERT_TRUE(terminal.shows("last key: command 0"));
 	terminal.press("Down");
@@ -602,10 +591,8 @@ TEST(TerminalScreen, colours_are_what_the_terminal_has)
 
 TEST(TerminalScreen, waiting_for_keys_takes_no_time)
 {
-	Tmux terminal(90, 30);
-	const int process = terminal.start(demo);
-	ASSERT_TRUE(terminal.shows(helpLine));
-	const pid_t child = support::childrenOf(process).at(0);
+	const Demo terminal;
+	const pid_t child = support::childrenOf(terminal.process).at(0);
 	const auto ticksOf = [](int id) {
 		const std::string stat = support::readFile("/proc/" + std::to_string(id) + "/stat");
 		unsigned long user = 0, system = 0, switches = 0;
@@ -615,7 +602,7 @@ TEST(TerminalScreen, waiting_for_keys_takes_no_time)
 		sscanf(status.c_str() + status.find("\nvoluntary"), "\nvoluntary_ctxt_switches: %lu", &switches);
 		return std::pair(user + system, switches);
 	};
-	const auto ticks = [&] { return std::pair(ticksOf(process), ticksOf(child)); };
+	const auto ticks = [&] { return std::pair(ticksOf(terminal.process), ticksOf(child)); };
 	const auto before = ticks();
 	ASSERT_GT(before.second.second, 0u);
 	std::this_thread::sleep_for(std::chrono::seconds(2));
