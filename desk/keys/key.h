@@ -1,5 +1,5 @@
-#ifndef DESK_REMOTE_KEY_H
-#define DESK_REMOTE_KEY_H
+#ifndef DESK_KEYS_KEY_H
+#define DESK_KEYS_KEY_H
 
 #include <optional>
 #include <string_view>

@@ -1,5 +1,5 @@
-#ifndef DESK_INTERPOSE_OPEN_IN_ROOT_H
-#define DESK_INTERPOSE_OPEN_IN_ROOT_H
+#ifndef DESK_ROOT_OPEN_IN_ROOT_H
+#define DESK_ROOT_OPEN_IN_ROOT_H
 
 namespace desk
 {

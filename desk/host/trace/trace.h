@@ -1,5 +1,5 @@
-#ifndef DESK_RECORD_TRACE_H
-#define DESK_RECORD_TRACE_H
+#ifndef DESK_TRACE_TRACE_H
+#define DESK_TRACE_TRACE_H
 
 #include <array>
 #include <charconv>
