@@ -19,7 +19,6 @@ public:
 	Channel &operator=(const Channel &) = delete;
 
 	int in() const { return input; }
-	int out() const { return output; }
 
 	/// Queues a message.
 	void put(std::string_view message);

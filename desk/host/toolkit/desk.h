@@ -33,8 +33,8 @@ public:
 	/// Called before a plugin's _exit(); may be null.
 	void (*onExit)(int status) = nullptr;
 
-	/// Translates the host's own words; null: they are English.
-	const char *(*word)(const char *id) = nullptr;
+	/// Translates the host's own words, which are English by default.
+	const char *(*word)(const char *id) = [](const char *id) { return id; };
 
 	/// Shows one line to the person at the desk: debug output, a command's output, a kill that was only reported.
 	/// `urgent`: must not be missed.

@@ -1,7 +1,6 @@
 #include "deco.h"
 #include "desk.h"
 #include "ewindow.h"
-#include "host_text.h"
 #include "label.h"
 #include "state.h"
 #include "trace.h"
@@ -71,7 +70,7 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 	{
 		int value;
 		const char *text;
-	} answers[] = {{yes, desk::hostText("Yes")}, {no, desk::hostText("No")}};
+	} answers[] = {{yes, Desk::get().word("Yes")}, {no, Desk::get().word("No")}};
 	const auto offered = [&](int value) { return (flags & value) != 0; };
 	const int count = static_cast<int>(offered(yes)) + static_cast<int>(offered(no));
 	const int buttonsTop = margin + textHeight + margin;

@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace desk
@@ -11,15 +12,12 @@ namespace desk
 /// Formats like printf, of any length; empty on libc's errors.
 inline std::string printfText(const char *format, va_list values)
 {
-	va_list again;
-	va_copy(again, values);
-	const int length = std::vsnprintf(nullptr, 0, format, values);
-	std::string text;
-	if (length > 0) {
-		text.resize(static_cast<size_t>(length));
-		std::vsnprintf(text.data(), text.size() + 1, format, again);
-	}
-	va_end(again);
+	char *made = nullptr;
+	const int length = vasprintf(&made, format, values);
+	if (length < 0)
+		return {};
+	std::string text(made, static_cast<size_t>(length));
+	std::free(made);
 	return text;
 }
 

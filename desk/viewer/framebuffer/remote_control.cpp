@@ -54,15 +54,6 @@ constexpr Code codes[] = {
 	{KEY_BLUE, Key::blue},
 	{KEY_F4, Key::blue},
 	{KEY_0, Key::digit0},
-	{KEY_1, Key::digit1},
-	{KEY_2, Key::digit2},
-	{KEY_3, Key::digit3},
-	{KEY_4, Key::digit4},
-	{KEY_5, Key::digit5},
-	{KEY_6, Key::digit6},
-	{KEY_7, Key::digit7},
-	{KEY_8, Key::digit8},
-	{KEY_9, Key::digit9},
 	{KEY_KP0, Key::digit0},
 	{KEY_KP1, Key::digit1},
 	{KEY_KP2, Key::digit2},
@@ -73,16 +64,6 @@ constexpr Code codes[] = {
 	{KEY_KP7, Key::digit7},
 	{KEY_KP8, Key::digit8},
 	{KEY_KP9, Key::digit9},
-	{KEY_NUMERIC_0, Key::digit0},
-	{KEY_NUMERIC_1, Key::digit1},
-	{KEY_NUMERIC_2, Key::digit2},
-	{KEY_NUMERIC_3, Key::digit3},
-	{KEY_NUMERIC_4, Key::digit4},
-	{KEY_NUMERIC_5, Key::digit5},
-	{KEY_NUMERIC_6, Key::digit6},
-	{KEY_NUMERIC_7, Key::digit7},
-	{KEY_NUMERIC_8, Key::digit8},
-	{KEY_NUMERIC_9, Key::digit9},
 };
 
 std::optional<Key> keyOf(unsigned int code)
@@ -90,6 +71,10 @@ std::optional<Key> keyOf(unsigned int code)
 	for (const Code &known : codes)
 		if (known.code == code)
 			return known.key;
+	if (code >= KEY_1 && code <= KEY_9)
+		return static_cast<Key>(static_cast<unsigned int>(Key::digit1) + code - KEY_1);
+	if (code >= KEY_NUMERIC_0 && code <= KEY_NUMERIC_9)
+		return static_cast<Key>(static_cast<unsigned int>(Key::digit0) + code - KEY_NUMERIC_0);
 	return std::nullopt;
 }
 

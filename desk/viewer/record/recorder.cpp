@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 namespace desk
@@ -34,7 +35,7 @@ bool isPicture(const fs::path &path)
 
 Recorder::~Recorder()
 {
-	for (FILE *file : {dump, trace})
+	for (FILE *file : {dump.file, trace.file})
 		if (file)
 			std::fclose(file);
 }
@@ -54,18 +55,18 @@ void Recorder::openPictures(const std::string &folder)
 
 void Recorder::openDump(const std::string &file)
 {
-	dump = std::fopen(file.c_str(), "ae");
-	dumpPath = file;
-	if (!dump)
+	dump.path = file;
+	dump.file = std::fopen(file.c_str(), "ae");
+	if (!dump.file)
 		throw Error("cannot write the dump to '" + file + "': " + std::strerror(errno) +
 		            "; name another file with --dump");
 }
 
 void Recorder::openTrace(const std::string &file)
 {
-	trace = std::fopen(file.c_str(), "ae");
-	tracePath = file;
-	if (!trace)
+	trace.path = file;
+	trace.file = std::fopen(file.c_str(), "ae");
+	if (!trace.file)
 		throw Error("cannot write the trace to '" + file + "': " + std::strerror(errno) +
 		            "; name another file with --trace");
 }
@@ -81,22 +82,29 @@ void Recorder::begin()
 				earlier.push_back(entry->path());
 	for (const fs::path &path : earlier) // else they would look like pictures of this run
 		fs::remove(path, failed);
-	for (FILE *file : {dump, trace})
+	for (FILE *file : {dump.file, trace.file})
 		if (file) [[maybe_unused]]
 			const int cut = ftruncate(fileno(file), 0); // fails for a pipe
 }
 
-void Recorder::write(FILE *file, const std::string &line, const char *what, const std::string &path)
+void Recorder::note(const Output &output)
 {
-	if ((std::fputs((line + '\n').c_str(), file) == EOF || std::fflush(file) != 0) && failure.empty())
-		failure = std::string("cannot write ") + what + " to '" + path + "': " + std::strerror(errno);
+	if (failure.empty())
+		failure =
+			std::string("cannot write ") + output.what + " to '" + output.path + "': " + std::strerror(errno);
+}
+
+void Recorder::write(Output &output, const std::string &line)
+{
+	if (output.file &&
+	    (std::fputs((line + '\n').c_str(), output.file) == EOF || std::fflush(output.file) != 0))
+		note(output);
 }
 
 void Recorder::record(const std::string &after, const std::string &windows, const DisplayList &picture)
 {
-	if (dump) // keys' names need no escapes
-		write(dump, "{\"after\":\"" + after + "\",\"windows\":" + (windows.empty() ? "null" : windows) + '}',
-		      "the dump", dumpPath);
+	// Keys' names need no escapes.
+	write(dump, "{\"after\":\"" + after + "\",\"windows\":" + (windows.empty() ? "null" : windows) + '}');
 	if (!pictures.empty()) {
 		std::string count = std::to_string(number);
 		if (count.size() < 2)
@@ -118,17 +126,14 @@ void Recorder::record(const std::string &after, const std::string &windows, cons
 
 void Recorder::call(const std::string &line)
 {
-	if (trace)
-		write(trace, line, "all of the trace", tracePath);
+	write(trace, line);
 }
 
 std::string Recorder::close()
 {
-	for (FILE *file : {dump, trace})
-		if (file && std::fclose(file) != 0 && failure.empty())
-			failure = std::string("cannot write ") + (file == dump ? "the dump" : "all of the trace") +
-			          " to '" + (file == dump ? dumpPath : tracePath) + "': " + std::strerror(errno);
-	dump = trace = nullptr;
+	for (Output *output : {&dump, &trace})
+		if (output->file && std::fclose(std::exchange(output->file, nullptr)) != 0)
+			note(*output);
 	pictures.clear();
 	return failure;
 }

@@ -36,11 +36,18 @@ public:
 	std::string close();
 
 private:
-	void write(FILE *file, const std::string &line, const char *what, const std::string &path);
+	struct Output
+	{
+		const char *what; ///< for errors
+		std::string path;
+		FILE *file = nullptr; ///< null: not recorded
+	};
+
+	void write(Output &output, const std::string &line);
+	void note(const Output &output);
 
 	std::string pictures;
-	std::string dumpPath, tracePath;
-	FILE *dump = nullptr, *trace = nullptr;
+	Output dump = {"the dump", {}}, trace = {"all of the trace", {}};
 	int number = 0;
 	std::string failure; ///< the first error
 };

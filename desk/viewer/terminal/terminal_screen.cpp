@@ -70,38 +70,23 @@ const struct
 	{"\033[[B", KEY_F(2)},  {"\033[[C", KEY_F(3)},  {"\033[[D", KEY_F(4)},  {"\033[20~", KEY_F(9)},
 };
 
+const struct
+{
+	wint_t code;
+	Key key;
+} codes[] = {
+	{KEY_UP, Key::up},        {KEY_DOWN, Key::down},      {KEY_LEFT, Key::left},  {KEY_RIGHT, Key::right},
+	{KEY_PPAGE, Key::pageup}, {KEY_NPAGE, Key::pagedown}, {KEY_HOME, Key::home},  {KEY_END, Key::end},
+	{KEY_ENTER, Key::ok},     {KEY_F(1), Key::red},       {KEY_F(2), Key::green}, {KEY_F(3), Key::yellow},
+	{KEY_F(4), Key::blue},
+};
+
 std::optional<Key> keyOfCode(wint_t code)
 {
-	switch (code) {
-	case KEY_UP:
-		return Key::up;
-	case KEY_DOWN:
-		return Key::down;
-	case KEY_LEFT:
-		return Key::left;
-	case KEY_RIGHT:
-		return Key::right;
-	case KEY_PPAGE:
-		return Key::pageup;
-	case KEY_NPAGE:
-		return Key::pagedown;
-	case KEY_HOME:
-		return Key::home;
-	case KEY_END:
-		return Key::end;
-	case KEY_ENTER:
-		return Key::ok;
-	case KEY_F(1):
-		return Key::red;
-	case KEY_F(2):
-		return Key::green;
-	case KEY_F(3):
-		return Key::yellow;
-	case KEY_F(4):
-		return Key::blue;
-	default:
-		return std::nullopt;
-	}
+	for (const auto &known : codes)
+		if (known.code == code)
+			return known.key;
+	return std::nullopt;
 }
 
 std::optional<Key> keyOfCharacter(wint_t character)
