@@ -13,39 +13,6 @@ namespace bench
 namespace
 {
 
-/// Each result as one text, to compare those of reader and model.
-std::string textOf(const MemInfoColumns &columns)
-{
-	return columns.names + columns.values;
-}
-
-std::string textOf(const MtdColumns &columns)
-{
-	return columns.dev + columns.size + columns.erasesize + columns.name;
-}
-
-std::string textOf(const MountColumns &columns)
-{
-	return columns.filesystem + columns.usage;
-}
-
-std::string textOf(const PsSnapshot &snapshot)
-{
-	std::string text = snapshot.header;
-	for (const PsEntry &row : snapshot.rows)
-		text += row.text + row.pid + '\n';
-	return text;
-}
-
-/// Of the scan log, ScanLogContents or ModelScanLog.
-template <class Log> std::string textOf(const Log &log)
-{
-	std::string text = log.summary + '\n';
-	for (const ScanLogEntry &entry : log.entries)
-		text += entry.text + entry.line;
-	return text;
-}
-
 template <class Read, class Model>
 Pair pairOf(const char *name, int lines, const std::string &input, double limit, Read read, Model model)
 {

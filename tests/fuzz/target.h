@@ -29,6 +29,15 @@ std::unique_ptr<FILE, Closer> streamOf(const std::string &bytes);
 /// Unless `holds`, prints `what` on standard error and aborts.
 void require(bool holds, const char *what);
 
+/// Tries a reader of the plugin on one input, and compares its result with its model's (see models.h).
+template <class Read, class Model>
+int compare(const std::uint8_t *data, std::size_t size, Read read, Model model)
+{
+	const std::string bytes = text(data, size);
+	require(textOf(read(streamOf(bytes).get())) == textOf(model(bytes)), "the reader differs from its model");
+	return 0;
+}
+
 } // namespace fuzz
 
 #endif

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 
 namespace
@@ -148,6 +149,22 @@ std::string padded(std::string text, std::size_t width)
 	return text;
 }
 
+std::string joined(std::initializer_list<std::string> parts)
+{
+	std::string text;
+	for (const std::string &part : parts)
+		text += part + '\0';
+	return text;
+}
+
+template <class Log> std::string textOfLog(const Log &log)
+{
+	std::string text = joined({log.summary});
+	for (const ScanLogEntry &entry : log.entries)
+		text += joined({entry.text, entry.line});
+	return text;
+}
+
 std::string eightDigits(unsigned number)
 {
 	std::string text;
@@ -260,4 +277,37 @@ ModelScanLog modelScanLog(const std::string &bytes, const std::string &path)
 	}
 	contents.summary = "size of " + path + " : " + std::to_string(bytes.size()) + " bytes";
 	return contents;
+}
+
+std::string textOf(const MemInfoColumns &columns)
+{
+	return joined({columns.names, columns.values});
+}
+
+std::string textOf(const MtdColumns &columns)
+{
+	return joined({columns.dev, columns.size, columns.erasesize, columns.name, std::to_string(columns.rows)});
+}
+
+std::string textOf(const MountColumns &columns)
+{
+	return joined({columns.filesystem, columns.usage, std::to_string(columns.rows)});
+}
+
+std::string textOf(const PsSnapshot &snapshot)
+{
+	std::string text = joined({snapshot.header});
+	for (const PsEntry &row : snapshot.rows)
+		text += joined({row.text, row.pid});
+	return text;
+}
+
+std::string textOf(const ScanLogContents &log)
+{
+	return textOfLog(log);
+}
+
+std::string textOf(const ModelScanLog &log)
+{
+	return textOfLog(log);
 }

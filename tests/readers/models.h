@@ -26,4 +26,12 @@ struct ModelScanLog
 
 ModelScanLog modelScanLog(const std::string &bytes, const std::string &path);
 
+/// All of a result as one text, to compare a reader's with its model's. A NUL byte separates its parts, which have none.
+std::string textOf(const MemInfoColumns &columns);
+std::string textOf(const MtdColumns &columns);
+std::string textOf(const MountColumns &columns);
+std::string textOf(const PsSnapshot &snapshot);
+std::string textOf(const ScanLogContents &log);
+std::string textOf(const ModelScanLog &log);
+
 #endif

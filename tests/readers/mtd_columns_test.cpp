@@ -219,7 +219,7 @@ TEST(Mtd, generated_files_read_as_the_model_reads_them)
 	for (int round = 0; round < 12000; ++round) {
 		const std::string bytes = generator.file();
 		const MtdColumns columns = parse(bytes);
-		ASSERT_EQ(joined(columns), joined(modelMtd(bytes))) << round << ": " << shown(bytes);
+		ASSERT_EQ(textOf(columns), textOf(modelMtd(bytes))) << round << ": " << shown(bytes);
 		rows += columns.rows;
 	}
 	EXPECT_GT(rows, 100000);
