@@ -3,7 +3,7 @@
 
 #include "host_names.h"
 
-/// The kernel's memory summary in two columns, read when the screen opens.
+/// The kernel's memory summary in two columns, read when the dialog opens.
 class eMemInfoDialog : public eWindow
 {
 public:

@@ -6,19 +6,19 @@
 
 ePsDialog::ePsDialog() : eWindow(1)
 {
-	const int fontSize = screen::rowHeight();
+	const int fontSize = widgets::rowHeight();
 
-	screen::frame(*this, "Info", ePoint(110, 63), eSize(500, 450));
+	widgets::place(*this, "Info", ePoint(110, 63), eSize(500, 450));
 	const int clientHeight = VEXLO_CLIENT_HEIGHT(*this);
 
-	processList = screen::addList(*this, ePoint(5, fontSize + 10), eSize(490, clientHeight - 40));
+	processList = widgets::addList(*this, ePoint(5, fontSize + 10), eSize(490, clientHeight - 40));
 
 	const PsSnapshot snapshot = takePsSnapshot();
 	for (std::list<PsEntry>::const_iterator row = snapshot.rows.begin(); row != snapshot.rows.end(); ++row)
-		screen::addLine(processList, row->text.c_str(), row->pid.c_str());
+		widgets::addLine(processList, row->text.c_str(), row->pid.c_str());
 
 	// Reaches 5 pixels past the client area, which cuts them off.
-	screen::addLabel(*this, snapshot.header.c_str(), ePoint(5, 5), eSize(500, fontSize));
+	widgets::addLabel(*this, snapshot.header.c_str(), ePoint(5, 5), eSize(500, fontSize));
 
 	processList->selected.connect(SigC::slot(*this, &ePsDialog::selectedItem));
 	setFocus(processList);

@@ -3,7 +3,7 @@
 
 #include "host_names.h"
 
-/// The processes that run when the screen opens; choosing one offers to kill it.
+/// The processes that run when the dialog opens; choosing one offers to kill it.
 class ePsDialog : public eWindow
 {
 public:

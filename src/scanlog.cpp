@@ -10,25 +10,25 @@ const char *ff_scan = "/var/scaning.log";
 
 eScanLogDialog::eScanLogDialog() : eWindow(1)
 {
-	const int fontSize = screen::rowHeight();
+	const int fontSize = widgets::rowHeight();
 
-	screen::frame(*this, "Info", ePoint(60, 63), eSize(600, 470));
+	widgets::place(*this, "Info", ePoint(60, 63), eSize(600, 470));
 	const int clientHeight = VEXLO_CLIENT_HEIGHT(*this);
 
-	deleteButton = screen::addButton(*this, clientHeight, "red");
-	screen::setText(*deleteButton, translate("delete log"));
+	deleteButton = widgets::addButton(*this, clientHeight, "red");
+	widgets::setText(*deleteButton, translate("delete log"));
 
-	logList = screen::addList(*this, ePoint(5, 5), eSize(590, clientHeight - 60));
+	logList = widgets::addList(*this, ePoint(5, 5), eSize(590, clientHeight - 60));
 
 	// A log can be large: entries move to the list one by one.
 	ScanLogContents log = readScanLog(ff_scan);
 	for (; !log.entries.empty(); log.entries.pop_front()) {
 		const ScanLogEntry &entry = log.entries.front();
-		screen::addLine(logList, entry.text.c_str(), entry.line.c_str());
+		widgets::addLine(logList, entry.text.c_str(), entry.line.c_str());
 	}
 
 	// Begins in the middle of the client area but is as wide as the area: the window cuts off the rest.
-	screen::addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));
+	widgets::addLabel(*this, log.summary.c_str(), ePoint(180, clientHeight - 40), eSize(600, fontSize));
 
 	deleteButton->selected.connect(SigC::slot(*this, &eScanLogDialog::dellog));
 	setFocus(logList);

@@ -6,14 +6,14 @@
 /// The log of the receiver's channel scan. The spelling is the receiver's.
 extern __attribute__((visibility("default"))) const char *ff_scan;
 
-/// The scan log, read when the screen opens; one can delete it.
+/// The scan log, read when the dialog opens; one can delete it.
 class eScanLogDialog : public eWindow
 {
 public:
 	eScanLogDialog();
 	~eScanLogDialog();
 
-	/// Asks; after "yes" removes the log and closes the screen.
+	/// Asks; after "yes" removes the log and closes the dialog.
 	void dellog();
 
 private:

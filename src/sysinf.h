@@ -3,7 +3,7 @@
 
 #include "host_names.h"
 
-/// Flash partitions above mounted file systems, read when the screen opens.
+/// Flash partitions above mounted file systems, read when the dialog opens.
 class eSysInfDialog : public eWindow
 {
 public:

@@ -3,14 +3,14 @@
 
 #include "host_names.h"
 
-/// The "Vexlo service menu": each of its four entries opens one screen about the receiver.
+/// The "Vexlo service menu": each of its four entries opens one dialog about the receiver.
 class eVexloMenu : public eSetupWindow
 {
 public:
 	eVexloMenu();
 	~eVexloMenu();
 
-	// The menu's actions. Each runs its screen until the viewer leaves it, and hides the menu meanwhile.
+	// The menu's actions. Each runs its dialog until the viewer leaves it, and hides the menu meanwhile.
 	void processinfo();
 	void meminfo();
 	void scanlog();

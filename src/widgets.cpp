@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace screen
+namespace widgets
 {
 
 int rowHeight()
@@ -15,7 +15,7 @@ void setText(eWidget &widget, const char *text)
 	widget.setText(eString(text));
 }
 
-void frame(eWindow &window, const char *title, ePoint position, eSize size)
+void place(eWindow &window, const char *title, ePoint position, eSize size)
 {
 	setText(window, title); // not translated
 	window.cmove(position);
@@ -57,4 +57,4 @@ void addLine(eListBox<eListBoxEntryText> *list, const char *text, const char *ke
 	new eListBoxEntryText(list, text, new eString(key));
 }
 
-} // namespace screen
+} // namespace widgets

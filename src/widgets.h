@@ -3,16 +3,16 @@
 
 #include "host_names.h"
 
-/// Parts that all screens share. A namespace, because members of a host's window would hide functions of the same
+/// Parts that all dialogs share. A namespace, because members of a host's window would hide functions of the same
 /// name.
-namespace screen
+namespace widgets
 {
 
 /// Height in pixels of one text row in the active skin.
 int rowHeight();
 
 /// Titles a window and places its client area on the screen.
-void frame(eWindow &window, const char *title, ePoint position, eSize size);
+void place(eWindow &window, const char *title, ePoint position, eSize size);
 
 /// A plain label in the client area of `window`, which owns it.
 void addLabel(eWindow &window, const char *text, ePoint position, eSize size);
@@ -30,6 +30,6 @@ eListBox<eListBoxEntryText> *addList(eWindow &window, ePoint position, eSize siz
 /// Appends a line to `list`, which owns it. Its key is a new eString with the content of `key`.
 void addLine(eListBox<eListBoxEntryText> *list, const char *text, const char *key);
 
-} // namespace screen
+} // namespace widgets
 
 #endif

@@ -47,7 +47,7 @@ public:
 	const Decoration &decoration(const std::string &name) const;
 
 	Fill backdrop; ///< behind all windows, instead of the television picture
-	FrameStyle window;
+	WindowStyle window;
 	Color hintText; ///< secondary text: help of the current menu entry
 	Color helpBackground;
 	Color keyRed, keyGreen, keyYellow, keyBlue;

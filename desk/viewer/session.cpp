@@ -583,8 +583,8 @@ void Session::showPanel(const std::string &title, const std::vector<std::string>
 	const int top = screenHeight - 2 * panelEdge - height;
 	const Rect before = panel.reach();
 	panel = {};
-	panel.frame({panelEdge, top - panelTitle, screenWidth - 2 * panelEdge, panelTitle + height + panelEdge},
-	            {panelLeft, top, panelWidth, height}, title, stage.skin.window);
+	panel.window({panelEdge, top - panelTitle, screenWidth - 2 * panelEdge, panelTitle + height + panelEdge},
+	             {panelLeft, top, panelWidth, height}, title, stage.skin.window);
 	TextStyle style;
 	style.color = stage.skin.window.titleText;
 	style.face = Face::prose;

@@ -26,7 +26,7 @@ std::array<Rect, 4> Rect::around(const Rect &hole) const
 	        {hole.x, hole.bottom(), hole.w, bottom() - hole.bottom()}};
 }
 
-Rect flatPart(const Rect &outer, const Rect &client, const FrameStyle &style)
+Rect flatPart(const Rect &outer, const Rect &client, const WindowStyle &style)
 {
 	return client.intersected({outer.x, outer.y + style.radius, outer.w, outer.h - 2 * style.radius});
 }

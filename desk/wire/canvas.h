@@ -133,7 +133,7 @@ constexpr size_t mostBytesWithin(int width)
 }
 
 /// The style of a window's frame.
-struct FrameStyle
+struct WindowStyle
 {
 	Color border;
 	Color titleTop, titleBottom; ///< the title bar
@@ -141,7 +141,7 @@ struct FrameStyle
 	Color client;   ///< the window's background
 	int radius = 0; ///< of the corners, in pixels
 
-	bool operator==(const FrameStyle &o) const
+	bool operator==(const WindowStyle &o) const
 	{
 		return border == o.border && titleTop == o.titleTop && titleBottom == o.titleBottom &&
 		       titleText == o.titleText && client == o.client && radius == o.radius;
@@ -149,7 +149,7 @@ struct FrameStyle
 };
 
 /// The part of a window in one colour: its client area without the rows of rounded corners.
-Rect flatPart(const Rect &outer, const Rect &client, const FrameStyle &style);
+Rect flatPart(const Rect &outer, const Rect &client, const WindowStyle &style);
 
 /// Maximum extent of a window's shadow, in pixels.
 constexpr int shadowReach = 16;
@@ -173,8 +173,8 @@ public:
 	virtual void fill(const Rect &area, const Fill &fill) = 0;
 
 	/// A window's frame, title bar and background. `client` lies within `outer`; the title bar is the part above it.
-	virtual void frame(const Rect &outer, const Rect &client, std::string_view title,
-	                   const FrameStyle &style) = 0;
+	virtual void window(const Rect &outer, const Rect &client, std::string_view title,
+	                    const WindowStyle &style) = 0;
 
 	/// One line of text, vertically centred in `area`, clipped to it. Takes any bytes: see visibleText().
 	virtual void text(const Rect &area, std::string_view line, const TextStyle &style) = 0;

@@ -13,7 +13,7 @@ namespace
 struct Reach
 {
 	Rect operator()(const DisplayList::FillItem &i) const { return i.area; }
-	Rect operator()(const DisplayList::FrameItem &i) const
+	Rect operator()(const DisplayList::WindowItem &i) const
 	{
 		return {i.outer.x - shadowReach, i.outer.y - shadowReach, i.outer.w + 2 * shadowReach,
 		        i.outer.h + 2 * shadowReach};
@@ -51,8 +51,8 @@ bool isFlat(const DisplayList::Item &item, const Rect &area)
 	Rect flat;
 	if (const auto *fill = std::get_if<DisplayList::FillItem>(&item.what))
 		flat = fill->fill.top == fill->fill.bottom && fill->fill.radius == 0 ? fill->area : Rect();
-	else if (const auto *frame = std::get_if<DisplayList::FrameItem>(&item.what))
-		flat = flatPart(frame->outer, frame->client, frame->style);
+	else if (const auto *window = std::get_if<DisplayList::WindowItem>(&item.what))
+		flat = flatPart(window->outer, window->client, window->style);
 	return area.intersected(flat).intersected(item.clip) == area;
 }
 
@@ -90,10 +90,10 @@ void DisplayList::fill(const Rect &area, const Fill &fill)
 	add(FillItem{area, fill});
 }
 
-void DisplayList::frame(const Rect &outer, const Rect &client, std::string_view title,
-                        const FrameStyle &style)
+void DisplayList::window(const Rect &outer, const Rect &client, std::string_view title,
+                         const WindowStyle &style)
 {
-	add(FrameItem{outer, client, std::string(title.substr(0, mostBytesWithin(outer.w))), style});
+	add(WindowItem{outer, client, std::string(title.substr(0, mostBytesWithin(outer.w))), style});
 }
 
 void DisplayList::text(const Rect &area, std::string_view line, const TextStyle &style)
@@ -191,7 +191,7 @@ void DisplayList::draw(Canvas &to, const Rect &area) const
 		Canvas &to;
 
 		void operator()(const FillItem &i) { to.fill(i.area, i.fill); }
-		void operator()(const FrameItem &i) { to.frame(i.outer, i.client, i.title, i.style); }
+		void operator()(const WindowItem &i) { to.window(i.outer, i.client, i.title, i.style); }
 		void operator()(const TextItem &i) { to.text(i.area, i.line, i.style); }
 		void operator()(const KeyItem &i) { to.keySymbol(i.area, i.key, i.color); }
 	} drawing{to};

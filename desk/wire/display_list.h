@@ -22,13 +22,13 @@ public:
 
 		bool operator==(const FillItem &o) const { return area == o.area && fill == o.fill; }
 	};
-	struct FrameItem
+	struct WindowItem
 	{
 		Rect outer, client;
 		std::string title;
-		FrameStyle style;
+		WindowStyle style;
 
-		bool operator==(const FrameItem &o) const
+		bool operator==(const WindowItem &o) const
 		{
 			return outer == o.outer && client == o.client && title == o.title && style == o.style;
 		}
@@ -55,7 +55,7 @@ public:
 	struct Item
 	{
 		Rect clip;
-		std::variant<FillItem, FrameItem, TextItem, KeyItem> what;
+		std::variant<FillItem, WindowItem, TextItem, KeyItem> what;
 
 		bool operator==(const Item &o) const { return clip == o.clip && what == o.what; }
 		/// The pixels that it can change.
@@ -72,8 +72,8 @@ public:
 	void pushClip(const Rect &area) override;
 	void popClip() override;
 	void fill(const Rect &area, const Fill &fill) override;
-	void frame(const Rect &outer, const Rect &client, std::string_view title,
-	           const FrameStyle &style) override;
+	void window(const Rect &outer, const Rect &client, std::string_view title,
+	            const WindowStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
 	void keySymbol(const Rect &area, Key key, Color color) override;
 

@@ -58,7 +58,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	else if constexpr (isOneOf<T, Fill>) {
 		io(t.top, t.bottom, t.part);
 		io.pixels(t.radius);
-	} else if constexpr (isOneOf<T, FrameStyle>) {
+	} else if constexpr (isOneOf<T, WindowStyle>) {
 		io(t.border, t.titleTop, t.titleBottom, t.titleText, t.client);
 		io.pixels(t.radius);
 	} else if constexpr (isOneOf<T, TextStyle>) {
@@ -66,7 +66,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 		io.pixels(t.rowHeight);
 	} else if constexpr (isOneOf<T, DisplayList::FillItem>)
 		io(t.area, t.fill);
-	else if constexpr (isOneOf<T, DisplayList::FrameItem>)
+	else if constexpr (isOneOf<T, DisplayList::WindowItem>)
 		io(t.outer, t.client, t.title, t.style);
 	else if constexpr (isOneOf<T, DisplayList::TextItem>)
 		io(t.area, t.line, t.style);

@@ -115,7 +115,7 @@ void eWindow::redrawWidget(gPainter *target, const eRect &area)
 void eWindow::eraseBackground(gPainter *target, const eRect &)
 {
 	const Rect outer{target->x, target->y, state->width, state->height};
-	target->canvas.frame(outer, target->onScreen(clientrect), state->text, Desk::get().skin().window);
+	target->canvas.window(outer, target->onScreen(clientrect), state->text, Desk::get().skin().window);
 }
 
 eSetupWindow::eSetupWindow(const char *title, int rows, int width)

@@ -201,8 +201,8 @@ void PixelCanvas::fill(const Rect &area, const Fill &fill)
 	cairo_fill(s->cairo);
 }
 
-void PixelCanvas::frame(const Rect &outer, const Rect &client, std::string_view title,
-                        const FrameStyle &style)
+void PixelCanvas::window(const Rect &outer, const Rect &client, std::string_view title,
+                         const WindowStyle &style)
 {
 	if (outer.empty())
 		return;

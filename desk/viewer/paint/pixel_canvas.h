@@ -20,8 +20,8 @@ public:
 	void pushClip(const Rect &area) override;
 	void popClip() override;
 	void fill(const Rect &area, const Fill &fill) override;
-	void frame(const Rect &outer, const Rect &client, std::string_view title,
-	           const FrameStyle &style) override;
+	void window(const Rect &outer, const Rect &client, std::string_view title,
+	            const WindowStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
 	void keySymbol(const Rect &area, Key key, Color color) override;
 

@@ -137,14 +137,14 @@ void CellCanvas::fill(const Rect &area, const Fill &fill)
 	const Rect seen = area.intersected(clips.back());
 	const Rect cells = isLine ? cellsOfLine(seen) : cellsOf(seen);
 	if (fill.part == Part::backdrop)
-		window = {}; // a new picture
+		inside = {}; // a new picture
 	for (int row = cells.y; row < cells.bottom(); ++row)
 		for (int column = cells.x; column < cells.right(); ++column) {
 			Cell fresh;
 			fresh.ground = middle(fill.top, fill.bottom);
 			fresh.below = isLine ? at(row, column).ground : fresh.ground;
 			fresh.text = legibleOn(fresh.ground);
-			fresh.inWindow = !window.empty();
+			fresh.inWindow = !inside.empty();
 			fresh.current = isCurrent;
 			fresh.dim = fill.part == Part::idleLine;
 			if (fill.part == Part::track)
@@ -159,11 +159,11 @@ void CellCanvas::fill(const Rect &area, const Fill &fill)
 		}
 }
 
-void CellCanvas::frame(const Rect &, const Rect &client, std::string_view title, const FrameStyle &style)
+void CellCanvas::window(const Rect &, const Rect &client, std::string_view title, const WindowStyle &style)
 {
-	window = cellsOf(client.intersected(wholeScreen));
+	inside = cellsOf(client.intersected(wholeScreen));
 	const Rect clip = cellsOf(clips.back());
-	const int left = window.x - 1, right = window.right(), top = window.y - 1, bottom = window.bottom();
+	const int left = inside.x - 1, right = inside.right(), top = inside.y - 1, bottom = inside.bottom();
 	const auto drawn = [&](int row, int column) {
 		return row >= clip.y && row < clip.bottom() && column >= clip.x && column < clip.right();
 	};
@@ -194,7 +194,7 @@ void CellCanvas::frame(const Rect &, const Rect &client, std::string_view title,
 		return;
 	glyphs.insert(glyphs.begin(), {" ", 1});
 	glyphs.push_back({" ", 1});
-	int column = window.x;
+	int column = inside.x;
 	for (const Glyph &glyph : glyphs) {
 		if (column + glyph.width > right - 1)
 			break;
@@ -234,7 +234,7 @@ void CellCanvas::put(const Rect &area, std::string_view line, const TextStyle &s
 	const Rect seen = area.intersected(clips.back());
 	const int centre = area.y + area.h / 2;
 	const int row = floorDivide(centre, cellHeight);
-	const Rect within = window.empty() ? wholeGrid : window;
+	const Rect within = inside.empty() ? wholeGrid : inside;
 	if (seen.empty() || centre < seen.y || centre >= seen.bottom() || row < within.y ||
 	    row >= within.bottom())
 		return;

@@ -55,14 +55,14 @@ public:
 
 	CellCanvas();
 
-	/// False, because a frame defines which cells belong to a window.
+	/// False, because a window defines which cells belong to a window.
 	bool paintsInParts() const override { return false; }
 	void pushClip(const Rect &area) override;
 	void popClip() override;
 	void fill(const Rect &area, const Fill &fill) override;
 	/// Draws the edges in the cells around `client`, the title in the row above it.
-	void frame(const Rect &outer, const Rect &client, std::string_view title,
-	           const FrameStyle &style) override;
+	void window(const Rect &outer, const Rect &client, std::string_view title,
+	            const WindowStyle &style) override;
 	void text(const Rect &area, std::string_view line, const TextStyle &style) override;
 	/// The key's initial in brackets, in its colour.
 	void keySymbol(const Rect &area, Key key, Color color) override;
@@ -85,7 +85,7 @@ private:
 	void put(const Rect &area, std::string_view line, const TextStyle &style, std::optional<Color> ground);
 
 	std::vector<Rect> clips; ///< in pixels, innermost last
-	Rect window;             ///< the inner cells of the last window; empty: none
+	Rect inside;             ///< the inner cells of the last window; empty: none
 	std::vector<Cell> grid;
 };
 

@@ -22,8 +22,8 @@ DisplayList someFrame()
 {
 	DisplayList frame;
 	frame.fill(wholeScreen, {{1, 2, 3}, {4, 5, 6}, 7, Part::thumb});
-	frame.frame({10, 10, 300, 200}, {14, 40, 292, 166}, "a title \xff\x01",
-	            {{1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {4, 4, 4}, {255, 254, 253}, 8});
+	frame.window({10, 10, 300, 200}, {14, 40, 292, 166}, "a title \xff\x01",
+	             {{1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {4, 4, 4}, {255, 254, 253}, 8});
 	frame.pushClip({14, 40, 292, 166});
 	TextStyle style;
 	style.face = Face::prose;
@@ -70,8 +70,8 @@ struct Drawn : Canvas
 		put(fill.bottom);
 		calls += ' ' + std::to_string(fill.radius) + ' ' + std::to_string(static_cast<int>(fill.part));
 	}
-	void frame(const Rect &outer, const Rect &client, std::string_view title,
-	           const FrameStyle &style) override
+	void window(const Rect &outer, const Rect &client, std::string_view title,
+	            const WindowStyle &style) override
 	{
 		calls += "\nframe";
 		put(outer);
@@ -166,7 +166,7 @@ using Drawing = std::function<void(DisplayList &)>;
 DisplayList fiveLines(int first, const Drawing &below = {}, const Drawing &above = {})
 {
 	DisplayList list;
-	list.frame({10, 10, 300, 200}, {14, 40, 292, 166}, "a list", {});
+	list.window({10, 10, 300, 200}, {14, 40, 292, 166}, "a list", {});
 	if (below)
 		below(list);
 	list.pushClip({20, 50, 270, 100});

@@ -271,9 +271,9 @@ desk::DisplayList tenLines(int first, bool covered)
 {
 	desk::DisplayList list;
 	list.fill(whole, desk::Fill::plain({0, 40, 80}));
-	desk::FrameStyle style;
+	desk::WindowStyle style;
 	style.client = {200, 210, 220};
-	list.frame({50, 60, 500, 400}, {60, 90, 480, 360}, "a list", style);
+	list.window({50, 60, 500, 400}, {60, 90, 480, 360}, "a list", style);
 	for (int i = 0; i < 10; ++i)
 		list.text({71, 101 + 21 * i, 401, 21}, "line " + std::to_string(first + i), {});
 	list.fill({480, 101 + first, 10, 50}, desk::Fill::plain({90, 0, 0}));

@@ -130,7 +130,7 @@ TEST(PixelCanvas, fills_nothing_where_there_is_no_area)
 	canvas.fill({10, 10, 10, -1}, Fill::plain(red, 5));
 	canvas.text({10, 10, 0, 20}, "text", columns());
 	canvas.keySymbol({10, 10, 0, 0}, Key::red, red);
-	canvas.frame({10, 10, 0, 0}, {10, 10, 0, 0}, "title", {red, red, red, red, red, 5});
+	canvas.window({10, 10, 0, 0}, {10, 10, 0, 0}, "title", {red, red, red, red, red, 5});
 	EXPECT_TRUE(painted(canvas).empty());
 }
 
@@ -190,7 +190,7 @@ TEST(PixelCanvas, touches_nothing_outside_of_the_clip)
 	PixelCanvas canvas;
 	canvas.pushClip(clip);
 	canvas.fill({50, 50, 400, 400}, {red, green, 20});
-	canvas.frame({80, 70, 300, 120}, {84, 100, 292, 86}, "A title", {red, green, blue, white, red, 8});
+	canvas.window({80, 70, 300, 120}, {84, 100, 292, 86}, "A title", {red, green, blue, white, red, 8});
 	canvas.text({90, 90, 400, 20}, "WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW", columns());
 	canvas.text({90, 150, 400, 20}, "ggggÅÅÅÅÅÅ日本语", prose());
 	canvas.keySymbol({290, 140, 40, 40}, Key::blue, blue);
@@ -420,11 +420,11 @@ TEST(PixelCanvas, draws_the_same_whatever_the_machine_settings)
 
 TEST(PixelCanvas, frames_a_window)
 {
-	const FrameStyle style = {red, green, green, white, blue, 8};
+	const WindowStyle style = {red, green, green, white, blue, 8};
 	const Rect outer = {96, 70, 408, 264}, client = {100, 100, 400, 230};
 	PixelCanvas canvas;
 	canvas.fill({0, 0, 720, 576}, Fill::plain(white));
-	canvas.frame(outer, client, "Title", style);
+	canvas.window(outer, client, "Title", style);
 	for (int y = client.y; y < client.bottom(); ++y)
 		for (int x = client.x; x < client.right(); ++x)
 			ASSERT_EQ(at(canvas, x, y), blue) << x << "," << y;

@@ -277,11 +277,11 @@ TEST(CellCanvas, a_frame_is_drawn_around_its_client_area)
 {
 	CellCanvas canvas;
 	backdrop(canvas);
-	FrameStyle frame;
+	WindowStyle frame;
 	frame.client = blue;
 	frame.border = red;
 	frame.titleText = white;
-	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "Info", frame);
+	canvas.window({76, 30, 88, 114}, {80, 60, 80, 80}, "Info", frame);
 	EXPECT_EQ(rowText(canvas, 2), "         + Info ----+");
 	for (int row = 3; row < 7; ++row)
 		EXPECT_EQ(rowText(canvas, row), "         |          |");
@@ -294,9 +294,9 @@ TEST(CellCanvas, a_frame_is_drawn_around_its_client_area)
 TEST(CellCanvas, a_long_title_is_cut_and_an_empty_one_is_a_line)
 {
 	CellCanvas canvas;
-	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "A title that is long", FrameStyle());
+	canvas.window({76, 30, 88, 114}, {80, 60, 80, 80}, "A title that is long", WindowStyle());
 	EXPECT_EQ(rowText(canvas, 2), "         + A title -+");
-	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "", FrameStyle());
+	canvas.window({76, 30, 88, 114}, {80, 60, 80, 80}, "", WindowStyle());
 	EXPECT_EQ(rowText(canvas, 2), "         +----------+");
 }
 
@@ -306,7 +306,7 @@ TEST(CellCanvas, a_window_covers_what_is_beneath)
 	backdrop(canvas);
 	for (int i = 0; i < 12; ++i)
 		canvas.text({0, i * 20, 400, 20}, std::string(40, static_cast<char>('a' + i)), style());
-	canvas.frame({76, 30, 88, 114}, {80, 60, 80, 80}, "Info", FrameStyle());
+	canvas.window({76, 30, 88, 114}, {80, 60, 80, 80}, "Info", WindowStyle());
 	EXPECT_EQ(rowText(canvas, 1), std::string(40, 'b'));
 	EXPECT_EQ(rowText(canvas, 2), "ccccccccc+ Info ----+" + std::string(19, 'c'));
 	EXPECT_EQ(rowText(canvas, 5), "fffffffff|          |" + std::string(19, 'f'));
@@ -316,7 +316,7 @@ TEST(CellCanvas, a_window_covers_what_is_beneath)
 TEST(CellCanvas, a_window_at_the_edge_loses_only_the_lines_beyond)
 {
 	CellCanvas canvas;
-	canvas.frame({0, 0, 720, 576}, {0, 30, 720, 546}, "Whole", FrameStyle());
+	canvas.window({0, 0, 720, 576}, {0, 30, 720, 546}, "Whole", WindowStyle());
 	canvas.text({0, 30, 720, 20}, "first", style());
 	canvas.text({0, 556, 720, 20}, "last", style());
 	EXPECT_EQ(rowText(canvas, 1).substr(0, 12), " Whole -----");
@@ -329,7 +329,7 @@ TEST(CellCanvas, text_stays_inside_of_its_window)
 	for (int y = 50; y < 90; ++y) {
 		CellCanvas canvas;
 		backdrop(canvas);
-		canvas.frame({76, y - 30, 408, 234}, {80, y, 400, 200}, "", FrameStyle());
+		canvas.window({76, y - 30, 408, 234}, {80, y, 400, 200}, "", WindowStyle());
 		canvas.pushClip({80, y, 400, 200});
 		for (int i = 0; i < 12; ++i)
 			canvas.text({85, y - 7 + i * 20, 400, 20}, "line", style());
@@ -373,7 +373,7 @@ std::vector<std::string> texts(CellCanvas &canvas, const std::vector<int> &rows)
 void paintWindow(CellCanvas &canvas, const std::vector<int> &written, int current)
 {
 	backdrop(canvas);
-	canvas.frame({76, 170, 408, 234}, {80, 200, 400, 200}, "Info", FrameStyle());
+	canvas.window({76, 170, 408, 234}, {80, 200, 400, 200}, "Info", WindowStyle());
 	for (const int row : written) {
 		const Rect line{80, row * 20, 400, 20};
 		if (row == current)
@@ -428,7 +428,7 @@ TEST(CellCanvas, where_columns_are_few_the_middle_is_shown_unless_a_window_begin
 	paintWindow(canvas, {10}, 10);
 	EXPECT_EQ(canvas.firstColumnWithin(200), 0);
 	EXPECT_EQ(canvas.firstColumnWithin(80), 5);
-	canvas.frame({12, 170, 408, 234}, {16, 200, 400, 200}, "Info", FrameStyle());
+	canvas.window({12, 170, 408, 234}, {16, 200, 400, 200}, "Info", WindowStyle());
 	EXPECT_EQ(canvas.firstColumnWithin(80), 1);
 }
 
@@ -490,7 +490,7 @@ TEST(CellCanvas, no_numbers_are_too_strange)
 			canvas.fill(rect(), Fill::plain(blue, 0, static_cast<Part>(pick(0, 8))));
 			break;
 		case 3:
-			canvas.frame(rect(), rect(), text, FrameStyle());
+			canvas.window(rect(), rect(), text, WindowStyle());
 			break;
 		case 4:
 			canvas.keySymbol(rect(), static_cast<Key>(pick(0, 3)), red);

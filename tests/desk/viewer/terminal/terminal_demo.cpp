@@ -54,8 +54,8 @@ std::string entry(int number)
 void paint(Canvas &canvas, const State &state)
 {
 	canvas.fill({0, 0, 720, 576}, {{34, 52, 84}, night, 0, Part::backdrop});
-	const desk::FrameStyle frame{rim, bar, panel, white, panel, 8};
-	canvas.frame({106, 33, 508, 484}, {110, 63, 500, 450}, "Demonstration", frame);
+	const desk::WindowStyle frame{rim, bar, panel, white, panel, 8};
+	canvas.window({106, 33, 508, 484}, {110, 63, 500, 450}, "Demonstration", frame);
 	canvas.pushClip({110, 63, 500, 450});
 	desk::TextStyle style;
 	style.color = white;
@@ -81,7 +81,7 @@ void paint(Canvas &canvas, const State &state)
 
 	if (!state.asks)
 		return;
-	canvas.frame({146, 211, 428, 154}, {150, 241, 420, 120}, "kill pid", frame);
+	canvas.window({146, 211, 428, 154}, {150, 241, 420, 120}, "kill pid", frame);
 	style.align = Align::centre;
 	canvas.text({170, 261, 380, 20}, "Kill 123 pid?", style);
 	for (int i = 0; i < 2; ++i) {
