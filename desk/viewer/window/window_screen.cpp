@@ -11,6 +11,7 @@
 #include <X11/Xlib.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -84,7 +85,9 @@ void startVideo()
 	if (variable("SDL_VIDEODRIVER").empty()) {
 		if (x11.empty() && wayland.empty())
 			throw noWindow("there is no display", setDisplay);
-		SDL_SetHint(SDL_HINT_VIDEODRIVER, wayland.empty() ? "x11" : x11.empty() ? "wayland" : "x11,wayland");
+		const char *drivers = wayland.empty() ? "x11" : x11.empty() ? "wayland" : "x11,wayland";
+		// Overrides a variable that is set and empty, for which SDL tries all, also those without a display.
+		SDL_SetHintWithPriority(SDL_HINT_VIDEODRIVER, drivers, SDL_HINT_OVERRIDE);
 	}
 	SDL_SetMainReady();
 	SDL_SetHint(SDL_HINT_APP_NAME, "deskhost");
@@ -163,6 +166,16 @@ private:
 	std::deque<Input> inputs;
 };
 
+pid_t asking = 0; ///< process connected to the display until the window is open
+
+void endAsking()
+{
+	if (asking <= 0)
+		return;
+	kill(asking, SIGKILL);
+	waitpid(asking, nullptr, 0);
+}
+
 bool displayIsGone = false;
 bool windowIsGone = false; ///< destroyed by another program, perhaps without the display
 
@@ -181,6 +194,7 @@ void WindowScreen::open(const std::string &title)
 	startVideo();
 	if (!create(title))
 		throw noWindow(SDL_GetError());
+	endAsking();
 	if (display) {
 		// The default handlers end the program.
 		XSetIOErrorHandler([](Display *) { return 0; });
@@ -442,16 +456,20 @@ void WindowScreen::draw()
 
 void awaitDisplay()
 {
-	static bool answered = false;
-	if (answered)
+	if (asking > 0)
 		return;
-	// In a child process, because a display may never answer.
+	// In a child process, because a display may never answer. The process lives until the window is open, because
+	// some display servers restart when their last client leaves.
 	int ends[2];
 	if (pipe2(ends, O_CLOEXEC) != 0)
 		return;
-	const pid_t asking = fork();
+	const pid_t parent = getpid();
+	asking = fork();
 	if (asking == 0) {
 		::close(ends[0]);
+		prctl(PR_SET_PDEATHSIG, SIGKILL);
+		if (getppid() != parent)
+			_exit(1);
 		std::string line;
 		try {
 			startVideo();
@@ -461,7 +479,11 @@ void awaitDisplay()
 			line = error.line;
 		}
 		const ssize_t written = write(ends[1], line.data(), line.size());
-		_exit(written < 0 ? 1 : 0);
+		if (written < 0 || !line.empty())
+			_exit(1);
+		::close(ends[1]);
+		for (;;)
+			pause();
 	}
 	::close(ends[1]);
 	pollfd answer = {ends[0], POLLIN, 0};
@@ -477,11 +499,10 @@ void awaitDisplay()
 	} else
 		line = noWindow("the display does not answer", setDisplay).line;
 	::close(ends[0]);
-	kill(asking, SIGKILL);
-	waitpid(asking, nullptr, 0);
-	if (!line.empty())
+	if (!line.empty()) {
+		endAsking();
 		throw Error(line);
-	answered = true;
+	}
 }
 
 std::unique_ptr<Screen> makeWindowScreen(const std::string &title)

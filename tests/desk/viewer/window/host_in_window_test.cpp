@@ -283,15 +283,36 @@ TEST_F(HostWithOtherColours, does_without_and_says_so)
 	}
 }
 
+/// A display without other programs.
+class HostAloneOnADisplay : public WindowOnDisplay
+{
+};
+
+TEST_F(HostAloneOnADisplay, stays_connected_until_its_end)
+{
+	startDisplay("800x700x24", {"-terminate"}); // ends when its last client leaves
+	const support::ReceiverFolder receiver;
+	const support::Outcome outcome = support::run(
+		{support::deskhostPath(), "--screen", "window", "--root", receiver.path(), "--keys", "exit"},
+		onDisplay(name));
+	EXPECT_EQ(outcome.status, 0);
+	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
+	EXPECT_EQ(outcome.err, "");
+	EXPECT_EQ(server.exitStatus(), 0);
+}
+
 TEST(HostWithAStaleDisplay, does_without_and_says_so)
 {
 	const support::ReceiverFolder receiver;
-	const support::Outcome outcome = support::run(
-		{support::deskhostPath(), "--root", receiver.path(), "--keys", "exit"}, onDisplay(":63999"));
-	EXPECT_EQ(outcome.status, 0);
-	EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
-	EXPECT_EQ(outcome.err.find("deskhost: cannot open a window: display ':63999'"), 0u) << outcome.err;
-	EXPECT_NE(outcome.err.find("; this is --screen none\n"), outcome.err.npos) << outcome.err;
+	for (const char *driver : {"--unset=SDL_VIDEODRIVER", "SDL_VIDEODRIVER="}) {
+		const support::Outcome outcome = support::run(
+			{"env", driver, support::deskhostPath(), "--root", receiver.path(), "--keys", "exit"},
+			onDisplay(":63999"));
+		EXPECT_EQ(outcome.status, 0);
+		EXPECT_EQ(outcome.out, "plugin_exec returned -1: the viewer left the menu\n");
+		EXPECT_EQ(outcome.err.find("deskhost: cannot open a window: display ':63999'"), 0u) << outcome.err;
+		EXPECT_NE(outcome.err.find("; this is --screen none\n"), outcome.err.npos) << outcome.err;
+	}
 }
 
 /// A display that accepts connections and never answers.

@@ -11,12 +11,19 @@ support::Environment onDisplay(const std::string &name)
 	return {{"DISPLAY", name}, {"WAYLAND_DISPLAY", ""}, {"SDL_VIDEODRIVER", ""}};
 }
 
-void WindowOnDisplay::openDisplay(const std::string &geometry)
+void WindowOnDisplay::startDisplay(const std::string &geometry, const Command &options)
 {
-	server.start({XVFB, "-displayfd", "7", "-screen", "0", geometry, "-nolisten", "tcp"}, onDisplay(""), 7);
+	Command command = {XVFB, "-displayfd", "7", "-screen", "0", geometry, "-nolisten", "tcp"};
+	command.insert(command.end(), options.begin(), options.end());
+	server.start(command, onDisplay(""), 7);
 	const std::string number = server.line();
 	ASSERT_NE(number, "(nothing)") << "no virtual display";
 	name = ":" + number;
+}
+
+void WindowOnDisplay::openDisplay(const std::string &geometry)
+{
+	startDisplay(geometry);
 	view = XOpenDisplay(name.c_str());
 	XSetErrorHandler([](Display *, XErrorEvent *) { return 0; }); // pixel() before the window shows
 	ASSERT_TRUE(view);

@@ -20,7 +20,9 @@ class WindowOnDisplay : public testing::Test
 protected:
 	void TearDown() override { closeAll(); }
 
-	/// Starts a display such as "1000x800x24".
+	/// Starts a display such as "1000x800x24", with other options of Xvfb.
+	void startDisplay(const std::string &geometry, const support::Command &options = {});
+	/// Starts a display, and opens it for this program.
 	void openDisplay(const std::string &geometry);
 	/// Starts a program on the display, reads its output from descriptor `output`, and waits for its window.
 	void openWindow(const support::Command &command, int output = 1);
