@@ -51,8 +51,24 @@ void NoteLog::add(const std::string &bytes)
 	if (!holding)
 		std::fputs((localText(bytes) + '\n').c_str(), stderr);
 	addQuietly(bytes);
-	if (holding)
-		holding(lines.back().size() < localText(bytes).size() ? lines.back() + " ..." : lines.back());
+	if (!holding)
+		return;
+	held.push_back(lines.back().size() < localText(bytes).size() ? lines.back() + " ..." : lines.back());
+	if (held.size() > mostLines) {
+		held.pop_front();
+		++lost;
+	}
+}
+
+void NoteLog::release()
+{
+	holding = false;
+	if (lost > 0)
+		std::fputs(("deskhost: earlier lines left out: " + std::to_string(lost) + '\n').c_str(), stderr);
+	for (const std::string &line : held)
+		std::fputs((line + '\n').c_str(), stderr);
+	held.clear();
+	lost = 0;
 }
 
 void NoteLog::addQuietly(const std::string &bytes)

@@ -3,9 +3,7 @@
 
 #include <cstdio>
 #include <deque>
-#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace desk
@@ -38,9 +36,9 @@ public:
 	/// Adds a line to the file only.
 	void addToFile(const std::string &line);
 
-	/// While the screen is a terminal, `held` gets the lines instead of standard error, as they are kept. Null ends
-	/// that.
-	void holdBack(std::function<void(const std::string &line)> held) { holding = std::move(held); }
+	/// Keeps the last lines for standard error until release(), while the screen is a terminal.
+	void holdBack() { holding = true; }
+	void release();
 
 	/// The last lines, at most `most`, the newest at the end.
 	std::vector<std::string> last(size_t most = mostLines) const;
@@ -52,7 +50,9 @@ private:
 	std::deque<std::string> lines;
 	std::string begun; ///< the line so far
 	bool cut = false;  ///< it was longer
-	std::function<void(const std::string &line)> holding;
+	bool holding = false;
+	std::deque<std::string> held; ///< for standard error
+	size_t lost = 0;              ///< of these
 	FILE *file = nullptr;
 	bool whole = true;
 };

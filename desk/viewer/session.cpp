@@ -57,7 +57,7 @@ Session::Session(const Options &given, Stage of)
 void Session::run()
 {
 	if (stage.holdsErrorsBack)
-		NoteLog::get().holdBack([this](const std::string &line) { held.add(line); });
+		NoteLog::get().holdBack();
 	try {
 		if (pipe2(errors, O_CLOEXEC | O_NONBLOCK) != 0)
 			throw Error(std::string("cannot start: ") + std::strerror(errno), statusNotToItsEnd);
@@ -701,12 +701,9 @@ void Session::close()
 	readErrors();
 	NoteLog::get().endLine();
 	screen.reset();
-	NoteLog::get().holdBack(nullptr);
-	if (stage.holdsErrorsBack) {
-		held.release(STDERR_FILENO);
-		writeAll(STDERR_FILENO, returned.data(), returned.size());
-		returned.clear();
-	}
+	NoteLog::get().release();
+	if (stage.holdsErrorsBack)
+		std::fputs(std::exchange(returned, {}).c_str(), stderr);
 	const std::string unwritten = recorder.close();
 	const bool noted = NoteLog::get().close();
 	if (endingSignal)

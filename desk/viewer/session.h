@@ -3,7 +3,6 @@
 
 #include "crash_report.h"
 #include "desk_error.h"
-#include "held_output.h"
 #include "note_log.h"
 #include "options.h"
 #include "other_half.h"
@@ -106,7 +105,6 @@ private:
 	Recorder recorder;
 	bool isRecording = false; ///< the recordings are open
 	Signals signals;
-	HeldOutput held;
 	/// A pipe for the output of the other half and its commands, which must not get standard error itself: it may be
 	/// a file.
 	int errors[2] = {-1, -1};

@@ -53,32 +53,39 @@ TEST(Notes, come_in_pieces)
 {
 	testing::internal::CaptureStderr();
 	NoteLog log;
-	std::string held;
 	log.add("on", 2);
 	log.add("e\n\ntw", 5);
 	log.add("in between");
 	log.add("o", 1);
 	log.endLine();
 	log.endLine();
-	log.holdBack([&](const std::string &line) { held += line; });
 	for (int i = 0; i < 5000; ++i)
 		log.add("x", 1);
 	log.endLine();
-	EXPECT_EQ(held, std::string(4096, 'x') + " ...");
-	EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\n\nin between\ntwo\n");
+	EXPECT_EQ(testing::internal::GetCapturedStderr(),
+	          "one\n\nin between\ntwo\n" + std::string(4096, 'x') + " ...\n");
 }
 
 TEST(Notes, wait_while_they_are_held_back)
 {
 	testing::internal::CaptureStderr();
 	NoteLog log;
-	std::string held;
-	log.holdBack([&](const std::string &line) { held += line + '|'; });
+	log.holdBack();
 	log.add("one");
-	log.holdBack(nullptr);
+	log.add(std::string(5000, 'x'));
+	EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+	testing::internal::CaptureStderr();
+	log.release();
 	log.add("two");
-	EXPECT_EQ(held, "one|");
-	EXPECT_EQ(testing::internal::GetCapturedStderr(), "two\n");
+	EXPECT_EQ(testing::internal::GetCapturedStderr(), "one\n" + std::string(4096, 'x') + " ...\ntwo\n");
+
+	testing::internal::CaptureStderr();
+	log.holdBack();
+	for (int i = 0; i < 1002; ++i)
+		log.add("note");
+	log.release();
+	EXPECT_EQ(testing::internal::GetCapturedStderr(),
+	          "deskhost: earlier lines left out: 2\n" + support::repeat("note\n", 1000));
 }
 
 TEST(Notes, the_last_thousand_are_kept_to_look_back_at)
