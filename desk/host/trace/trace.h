@@ -92,14 +92,12 @@ public:
 		if (!started)
 			return;
 		objects[object] = {type, 0, quiet != 0};
-		if (!on())
-			return;
-		begin();
-		argument(object);
-		put(" = ");
-		put(type);
-		list(args...);
-		end();
+		write([&] {
+			argument(object);
+			put(" = ");
+			put(type);
+			list(args...);
+		});
 	}
 
 	/// A destructor: "eLabel#2.~eLabel()". Nothing for an object that the host made for itself or deletes.
@@ -116,53 +114,45 @@ public:
 	/// An operation: "eLabel#2.move(5, 30)".
 	template <class... Args> void call(const void *object, const char *operation, const Args &...args)
 	{
-		if (!on())
-			return;
-		begin();
-		argument(object); // numbers the object before the arguments
-		put(".");
-		put(operation);
-		list(args...);
-		end();
+		write([&] {
+			argument(object); // numbers the object before the arguments
+			put(".");
+			put(operation);
+			list(args...);
+		});
 	}
 
 	/// The end of a call whose begin was traced: "eWindow#1.exec() = 0".
 	template <class Result> void returned(const void *object, const char *operation, const Result &result)
 	{
-		if (!on())
-			return;
-		begin();
-		argument(object);
-		put(".");
-		put(operation);
-		put("() = ");
-		argument(result);
-		end();
+		write([&] {
+			argument(object);
+			put(".");
+			put(operation);
+			put("() = ");
+			argument(result);
+		});
 	}
 
 	/// A function: "eDebug("close file")".
 	template <class... Args> void function(const char *what, const Args &...args)
 	{
-		if (!on())
-			return;
-		begin();
-		put(what);
-		list(args...);
-		end();
+		write([&] {
+			put(what);
+			list(args...);
+		});
 	}
 
 	/// A function with its result: "eSkin.queryValue("fontsize", 20) = 20".
 	template <class Result, class... Args>
 	void result(const Result &value, const char *what, const Args &...args)
 	{
-		if (!on())
-			return;
-		begin();
-		put(what);
-		list(args...);
-		put(" = ");
-		argument(value);
-		end();
+		write([&] {
+			put(what);
+			list(args...);
+			put(" = ");
+			argument(value);
+		});
 	}
 
 	/// A function with its result as words: "fopen("/proc/mtd", "r") = null".
@@ -174,11 +164,7 @@ public:
 	/// Any other line.
 	void line(std::string_view whole)
 	{
-		if (!on())
-			return;
-		begin();
-		put(whole);
-		end();
+		write([&] { put(whole); });
 	}
 
 private:
@@ -195,9 +181,13 @@ private:
 		bool byHost = false; ///< the host destroys it
 	};
 
-	void begin() { text.clear(); }
-	void end()
+	/// Gives the line that `parts` puts together to the reader.
+	template <class Parts> void write(Parts parts)
 	{
+		if (!on())
+			return;
+		text.clear();
+		parts();
 		if (reader)
 			reader(text);
 	}
