@@ -15,26 +15,12 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-constexpr Key last(Key)
-{
-	return Key::digit9;
-}
-constexpr Part last(Part)
-{
-	return Part::thumb;
-}
-constexpr Emphasis last(Emphasis)
-{
-	return Emphasis::dim;
-}
-constexpr Face last(Face)
-{
-	return Face::prose;
-}
-constexpr Align last(Align)
-{
-	return Align::end;
-}
+template <class Enum> constexpr Enum last{};
+template <> constexpr Key last<Key> = Key::digit9;
+template <> constexpr Part last<Part> = Part::thumb;
+template <> constexpr Emphasis last<Emphasis> = Emphasis::dim;
+template <> constexpr Face last<Face> = Face::prose;
+template <> constexpr Align last<Align> = Align::end;
 
 template <class T, class... Others> constexpr bool isOneOf = (std::is_same_v<T, Others> || ...);
 
@@ -175,7 +161,7 @@ public:
 	{
 		if constexpr (std::is_enum_v<Value>) {
 			const auto place = number<unsigned>();
-			good = good && place <= static_cast<unsigned>(last(value));
+			good = good && place <= static_cast<unsigned>(last<Value>);
 			value = good ? static_cast<Value>(place) : Value();
 		} else if constexpr (isOneOf<Value, Color>) {
 			const auto rgb = number<unsigned>();
