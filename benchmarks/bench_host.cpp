@@ -80,7 +80,7 @@ double statusLine(const char *name)
 void prepare(const Stage &stage, const Watcher &watcher)
 {
 	desk::Desk &desk = desk::Desk::get();
-	desk.setSkin(desk::Skin::load(stage.skin));
+	desk.setSkin(desk::Skin::parse(desk::Skin::read(stage.skin), stage.skin));
 	log = stage.log;
 	viewer = std::make_unique<WatchedViewer>(watcher, stage.paints);
 	desk.setViewer(viewer.get(), stage.paints);

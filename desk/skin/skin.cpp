@@ -287,7 +287,7 @@ Skin Skin::parse(std::string_view text, const std::string &name)
 	throw Error(visibleText("skin '" + name + "'" + wrong));
 }
 
-Skin Skin::load(const std::string &path)
+std::string Skin::read(const std::string &path)
 {
 	const auto failure = [&](const std::string &why) {
 		return Error(visibleText("cannot read the skin '" + path + "': " + why));
@@ -306,7 +306,7 @@ Skin Skin::load(const std::string &path)
 	}
 	if (ferror(file.get()))
 		throw failure(errno == EISDIR ? "it is a folder; name a TOML file" : strerror(errno));
-	return parse(text, path);
+	return text;
 }
 
 std::optional<int> Skin::value(const std::string &name) const

@@ -30,10 +30,10 @@ struct Decoration
 class Skin
 {
 public:
-	/// Reads a skin file. Throws an Error with file, line and mistake.
-	static Skin load(const std::string &path);
+	/// Reads a skin file. Throws an Error when it cannot.
+	static std::string read(const std::string &path);
 
-	/// Parses any bytes; `name` stands for the file in errors.
+	/// Parses any bytes. Throws an Error with `name`, line and mistake.
 	static Skin parse(std::string_view text, const std::string &name);
 
 	/// An integer of the table [values], such as "fontsize", if the skin has it.

@@ -15,9 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <new>
-#include <sstream>
 #include <utility>
 
 namespace desk
@@ -112,7 +110,8 @@ void run(int argc, char **argv)
 	if (options->catalogue.empty())
 		options->catalogue = pluginName(options->plugin);
 	Stage stage;
-	stage.skin = Skin::load(options->skin);
+	stage.skinText = Skin::read(options->skin);
+	stage.skin = Skin::parse(stage.skinText, options->skin);
 	if (options->screen.empty())
 		options->screen = likelyScreen(stage.note);
 	const bool inTerminal = options->screen == "terminal";
@@ -127,9 +126,6 @@ void run(int argc, char **argv)
 			"deskhost: letters that the locale's character set lacks are shown as question marks; set "
 			"LC_ALL=C.UTF-8 to see them";
 
-	std::ostringstream text;
-	text << std::ifstream(options->skin, std::ios::binary).rdbuf();
-	stage.skinText = text.str();
 	stage.half = halfFor(*options);
 	stage.rowHeight = inTerminal ? terminalRowHeight : 0;
 	stage.holdsErrorsBack = inTerminal && isatty(STDERR_FILENO);

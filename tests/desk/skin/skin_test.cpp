@@ -28,9 +28,9 @@ std::string mistakeIn(const std::string &text)
 	return support::errorOf([&] { skinOf(text); });
 }
 
-std::string loadMistake(const std::string &path)
+std::string readMistake(const std::string &path)
 {
-	return support::errorOf([&] { Skin::load(path); });
+	return support::errorOf([&] { Skin::read(path); });
 }
 
 // Relative luminance as in the contrast rules for web pages, where 4.5 : 1 is legible.
@@ -51,7 +51,7 @@ double contrast(Color a, Color b)
 
 TEST(StandardSkin, has_what_the_plugin_asks_for)
 {
-	const Skin skin = Skin::load(standard);
+	const Skin skin = skinOf(Skin::read(standard));
 	EXPECT_EQ(skin.value("fontsize"), 20);
 	EXPECT_EQ(skin.value("fontSize"), std::nullopt);
 	EXPECT_TRUE(skin.decoration("eButton").background);
@@ -177,25 +177,25 @@ TEST(Skins, tell_the_line_of_a_syntax_error)
 TEST(SkinFiles, that_cannot_be_read_are_named)
 {
 	const support::TempFolder folder;
-	EXPECT_EQ(loadMistake(folder.path() + "/none.toml"),
+	EXPECT_EQ(readMistake(folder.path() + "/none.toml"),
 	          "cannot read the skin '" + folder.path() + "/none.toml': No such file or directory");
-	EXPECT_EQ(loadMistake(folder.path()),
+	EXPECT_EQ(readMistake(folder.path()),
 	          "cannot read the skin '" + folder.path() + "': it is a folder; name a TOML file");
-	EXPECT_EQ(loadMistake("/dev/zero"),
+	EXPECT_EQ(readMistake("/dev/zero"),
 	          "cannot read the skin '/dev/zero': it is larger than 1 MiB, which no skin is; "
 	          "name a TOML file");
-	EXPECT_EQ(loadMistake("/proc/self/mem").find("cannot read the skin '/proc/self/mem': "), 0u);
-	EXPECT_EQ(loadMistake(standard + "/x").find("cannot read the skin "), 0u);
+	EXPECT_EQ(readMistake("/proc/self/mem").find("cannot read the skin '/proc/self/mem': "), 0u);
+	EXPECT_EQ(readMistake(standard + "/x").find("cannot read the skin "), 0u);
 	if (geteuid() != 0) { // the superuser reads everything
 		const std::string closed = folder.write("closed.toml", "");
 		std::filesystem::permissions(closed, std::filesystem::perms::none);
-		EXPECT_EQ(loadMistake(closed), "cannot read the skin '" + closed + "': Permission denied");
+		EXPECT_EQ(readMistake(closed), "cannot read the skin '" + closed + "': Permission denied");
 	}
 }
 
 TEST(SkinFiles, with_nasty_names_stay_one_line_in_errors)
 {
-	EXPECT_EQ(loadMistake("no\nsuch\x1b[2Jfile"),
+	EXPECT_EQ(readMistake("no\nsuch\x1b[2Jfile"),
 	          "cannot read the skin 'no\xE2\x90\x8Asuch\xE2\x90\x9B[2Jfile': No such file or directory");
 }
 

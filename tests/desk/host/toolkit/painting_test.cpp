@@ -93,7 +93,8 @@ std::vector<Rect> changesOf(const std::string &plugin, const std::string &keys)
 	receiver.meminfo(support::repeat("MemTotal: 61888 kB\n", 12));
 	receiver.scanLog(support::repeat("transponder\n", 40));
 	desk::Files::get().setRoot(receiver.path(), desk::Start().served, false);
-	Desk::get().setSkin(desk::Skin::load(support::sourcePath("desk/skins/default.toml")));
+	Desk::get().setSkin(
+		desk::Skin::parse(support::readFile(support::sourcePath("desk/skins/default.toml")), "skin"));
 	std::vector<Rect> changes;
 	Painter viewer(keys, changes);
 	support::runInside(viewer, plugin, true);
