@@ -4,40 +4,249 @@
 //   host_bench open ENTRY  opens the screen of a menu entry many times, for other profilers
 //   host_bench count ...   runs one operation under callgrind: load, empty, key LINES, text CHARACTERS
 
-#include "bench_host.h"
+#include "desk.h"
 #include "desk_error.h"
 #include "elistbox.h"
+#include "key.h"
+#include "peer.h"
 #include "pixel_canvas.h"
+#include "plugin.h"
+#include "skin.h"
 #include "table.h"
 #include "timed_commands.h"
 
-#include <algorithm>
 #include <dlfcn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <valgrind/callgrind.h>
 
+#include <algorithm>
+#include <cctype>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
+#include <memory>
+#include <optional>
 #include <regex>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
+
+namespace fs = std::filesystem;
 
 using bench::median;
 using bench::row;
 using bench::text;
 using desk::Key;
 
+/// Called whenever the host waits for a key, with the number of keys pressed so far. Returns the next key; nullopt:
+/// exit.
+using Watcher = std::function<std::optional<Key>(int pressed)>;
+
+struct Setting
+{
+	std::string skin; ///< a skin file
+	std::string log;  ///< the scan log; empty: this computer's
+	bool paints = false;
+};
+
+[[noreturn]] void fail(const std::string &message)
+{
+	std::fprintf(stderr, "host_bench: %s\n", message.c_str());
+	std::exit(2);
+}
+
+/// The viewer's half in this process. It encodes and decodes each message as between two processes, and paints.
+class WatchedViewer : public desk::Peer
+{
+public:
+	WatchedViewer(const Watcher &w, bool p) : watcher(w), paints(p) {}
+
+	void send(const desk::ToViewer &message) override
+	{
+		std::optional<desk::ToViewer> came = desk::decodeToViewer(desk::encode(message));
+		desk::Frame *frame = came ? std::get_if<desk::Frame>(&*came) : nullptr;
+		if (!paints || !frame)
+			return;
+		if (const auto changes = picture.apply(std::move(frame->edit)); changes && !changes->empty())
+			picture.drawChanges(pixels);
+	}
+
+	std::optional<desk::ToHost> receive() override
+	{
+		const desk::Press press = {watcher(pressed++).value_or(Key::exit), false};
+		return desk::decodeToHost(desk::encode(press));
+	}
+
+private:
+	const Watcher &watcher;
+	const bool paints;
+	int pressed = 0;
+	desk::DisplayList picture;
+	desk::PixelCanvas pixels;
+};
+
+std::unique_ptr<WatchedViewer> viewer;
+std::string scanLog;
+
+double statusLine(const char *name)
+{
+	std::ifstream status("/proc/self/status");
+	for (std::string line; std::getline(status, line);)
+		if (line.rfind(name, 0) == 0)
+			return 1024 * std::strtod(line.c_str() + std::strlen(name), nullptr);
+	fail(std::string("no ") + name + " in /proc/self/status");
+}
+
+/// Configures the next runs. `watcher` must outlive them. Throws a desk::Error on failure.
+void prepare(const Setting &setting, const Watcher &watcher)
+{
+	desk::Desk &desk = desk::Desk::get();
+	desk.setSkin(desk::Skin::parse(desk::Skin::read(setting.skin), setting.skin));
+	scanLog = setting.log;
+	viewer = std::make_unique<WatchedViewer>(watcher, setting.paints);
+	desk.setViewer(viewer.get(), setting.paints);
+}
+
+/// Loads the plugin, runs it once and unloads it. Throws a desk::Error on failure.
+void run()
+{
+	desk::Desk &desk = desk::Desk::get();
+	const std::unique_ptr<desk::Plugin> plugin = desk::Plugin::load(BENCH_PLUGIN);
+	void *const handle = dlopen(BENCH_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
+	if (!scanLog.empty())
+		*static_cast<const char **>(dlsym(handle, "ff_scan")) = scanLog.c_str();
+	dlclose(handle);
+	desk.beginRun();
+	plugin->exec();
+	desk.endRun();
+}
+
+/// Seconds of a monotonic clock.
+double now()
+{
+	return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+/// CPU seconds of this process.
+double processorTime()
+{
+	timespec time;
+	clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+	return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+/// Bytes of this process: now, and the maximum since forgetPeak().
+double memory()
+{
+	return statusLine("VmRSS:");
+}
+
+double peakMemory()
+{
+	return statusLine("VmHWM:");
+}
+
+void forgetPeak()
+{
+	std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+/// Runs `work` in a forked process and returns its result. Ends the program when that process fails.
+std::vector<double> apart(const std::function<std::vector<double>()> &work)
+{
+	int ends[2];
+	if (pipe(ends) != 0)
+		fail("no pipe");
+	std::fflush(nullptr);
+	const pid_t child = fork();
+	if (child < 0)
+		fail("no process");
+	if (child == 0) {
+		close(ends[0]);
+		const std::vector<double> values = work();
+		const size_t size = values.size() * sizeof(double);
+		_exit(write(ends[1], values.data(), size) == static_cast<ssize_t>(size) ? 0 : 2);
+	}
+	close(ends[1]);
+	std::vector<double> values;
+	double value;
+	while (read(ends[0], &value, sizeof value) == sizeof value)
+		values.push_back(value);
+	close(ends[0]);
+	int status = 0;
+	waitpid(child, &status, 0);
+	if (status != 0)
+		fail("a measurement ended with status " + std::to_string(status));
+	return values;
+}
+
+/// A temporary folder, deleted when the program ends.
+std::string temporaryFolder()
+{
+	static const struct Folder
+	{
+		Folder() : owner(getpid())
+		{
+			char name[] = "/tmp/vexlo-bench-XXXXXX";
+			if (!mkdtemp(name))
+				fail("cannot make a folder in /tmp");
+			path = name;
+		}
+		~Folder()
+		{
+			std::error_code failed;
+			if (getpid() == owner)
+				fs::remove_all(path, failed);
+		}
+		pid_t owner;
+		std::string path;
+	} folder;
+	return folder.path;
+}
+
+/// A scan log of `lines` lines of 100 bytes each, or of empty lines; made once.
+std::string logOf(int lines, bool empty = false)
+{
+	const std::string path = temporaryFolder() + "/" + std::to_string(lines) + (empty ? ".empty" : ".log");
+	if (fs::exists(path))
+		return path;
+	FILE *file = std::fopen(path.c_str(), "w");
+	if (!file)
+		fail("cannot write a scan log");
+	for (int i = 0; i < lines; ++i) {
+		char line[128] = "";
+		int length = 0;
+		if (!empty) {
+			length = std::snprintf(line, sizeof line, "%s %08d: %d kHz, %c, 27500 ksym/s, locked after %d ms",
+			                       i % 1000 ? "transponder" : "*** scan of a satellite, start at 14:10", i,
+			                       10700000 + i % 2000000, "HV"[i % 2], i % 700);
+			while (length < 99)
+				line[length++] = '.';
+		}
+		line[length++] = '\n';
+		std::fwrite(line, 1, static_cast<size_t>(length), file);
+	}
+	if (std::fclose(file) != 0)
+		fail("cannot write a scan log");
+	return path;
+}
+
 constexpr int turns = 101; // of each measurement; the median counts
 
-const bench::Stage plain = {BENCH_SKIN, "", false};
+const Setting plain = {BENCH_SKIN, "", false};
 
 /// The key that opens the menu's entry `number`.
 Key entryKey(int number)
@@ -54,50 +263,48 @@ struct Opening
 
 /// Opens the screen of a menu entry `times` times from one menu, calling `between` before each.
 std::vector<Opening> openScreen(
-	int entry, const bench::Stage &stage, int times = 1, const std::function<void()> &between = [] {})
+	int entry, const Setting &setting, int times = 1, const std::function<void()> &between = [] {})
 {
 	std::vector<Opening> openings;
 	double start = 0, startOfProcessor = 0;
-	const bench::Watcher watcher = [&](int pressed) -> std::optional<Key> {
-		const double time = bench::now(), processor = bench::processorTime();
+	const Watcher watcher = [&](int pressed) -> std::optional<Key> {
+		const double time = now(), processor = processorTime();
 		if (pressed % 2) {
 			Opening &opening = openings.back();
 			opening.seconds = time - start;
 			opening.commands = takeCommandSeconds();
 			opening.processor = processor - startOfProcessor;
-			opening.finished = bench::memory();
-			opening.peak = bench::peakMemory();
+			opening.finished = memory();
+			opening.peak = peakMemory();
 			return Key::exit;
 		}
 		if (pressed == 2 * times)
 			return std::nullopt;
 		between();
 		openings.push_back({});
-		openings.back().before = bench::memory();
-		bench::forgetPeak();
+		openings.back().before = memory();
+		forgetPeak();
 		takeCommandSeconds();
-		startOfProcessor = bench::processorTime();
-		start = bench::now();
+		startOfProcessor = processorTime();
+		start = now();
 		return entryKey(entry);
 	};
-	bench::prepare(stage, watcher);
-	bench::run(BENCH_PLUGIN);
+	prepare(setting, watcher);
+	run();
 	return openings;
 }
 
 double timeOf(const std::function<void()> &work)
 {
-	const double start = bench::now();
+	const double start = now();
 	work();
-	return bench::now() - start;
+	return now() - start;
 }
 
 void runOrEnd(const std::string &command)
 {
-	if (std::system(command.c_str()) == 0)
-		return;
-	std::fprintf(stderr, "host_bench: failed: %s\n", command.c_str());
-	std::exit(2);
+	if (std::system(command.c_str()) != 0)
+		fail("failed: " + command);
 }
 
 void readBarely(const char *path)
@@ -145,12 +352,12 @@ void measureFiles()
 		const char *name;
 		std::string path;
 		int entry;
-		bench::Stage stage;
+		Setting setting;
 	} screens[] = {{"memory", "/proc/meminfo", 2, plain},
 	               {"scan log", BENCH_LOG, 3, {BENCH_SKIN, BENCH_LOG, false}}};
 	for (const auto &screen : screens) {
 		std::vector<double> ours, bare;
-		const std::vector<Opening> openings = openScreen(screen.entry, screen.stage, turns, [&] {
+		const std::vector<Opening> openings = openScreen(screen.entry, screen.setting, turns, [&] {
 			bare.push_back(timeOf([&] { readBarely(screen.path.c_str()); }));
 		});
 		for (const Opening &opening : openings)
@@ -170,12 +377,12 @@ void measureLogs()
 	std::vector<double> cats;
 	double before = 0, finished = 0, peak = 0;
 	for (const int lines : sizes)
-		bench::logOf(lines);
+		logOf(lines);
 	for (int turn = 0; turn < 25; ++turn) {
 		for (const int lines : sizes) {
-			const bench::Stage stage = {BENCH_SKIN, bench::logOf(lines), false};
-			const std::vector<double> values = bench::apart([&] {
-				const Opening screen = openScreen(3, stage)[0];
+			const Setting setting = {BENCH_SKIN, logOf(lines), false};
+			const std::vector<double> values = apart([&] {
+				const Opening screen = openScreen(3, setting)[0];
 				return std::vector<double>{screen.processor, screen.before, screen.finished, screen.peak};
 			});
 			times[lines].push_back(values[0] / lines);
@@ -183,7 +390,7 @@ void measureLogs()
 			finished = values[2] - before;
 			peak = values[3] - before;
 		}
-		const std::string cat = "exec cat '" + bench::logOf(most) + "' >/dev/null";
+		const std::string cat = "exec cat '" + logOf(most) + "' >/dev/null";
 		cats.push_back(timeOf([&] { runOrEnd(cat); }) / most);
 	}
 	double least = HUGE_VAL, greatest = 0;
@@ -233,15 +440,15 @@ void measureLargeLogs()
 	{
 		const char *name;
 		std::string path;
-	} logs[] = {{"scan log of 1000000 lines", bench::logOf(1000000)},
-	            {"scan log of 2000000 empty lines", bench::logOf(2000000, true)}};
+	} logs[] = {{"scan log of 1000000 lines", logOf(1000000)},
+	            {"scan log of 2000000 empty lines", logOf(2000000, true)}};
 	for (const auto &log : logs) {
 		const auto measure = [](const std::function<void()> &work) {
-			return bench::apart([&] {
-				const double before = bench::memory(), start = bench::processorTime();
-				bench::forgetPeak();
+			return apart([&] {
+				const double before = memory(), start = processorTime();
+				forgetPeak();
 				work();
-				return std::vector<double>{bench::processorTime() - start, bench::peakMemory() - before};
+				return std::vector<double>{processorTime() - start, peakMemory() - before};
 			});
 		};
 		std::vector<double> times, bareTimes;
@@ -254,11 +461,11 @@ void measureLargeLogs()
 			peak = whole[1];
 			barePeak = bare[1];
 		}
-		const double time = median(times) / median(bareTimes), memory = peak / barePeak;
+		const double time = median(times) / median(bareTimes), peaks = peak / barePeak;
 		row(std::string(log.name) + ", to its bare entries: time", text(1e3 * median(times), 0, " ms"),
 		    text(1e3 * median(bareTimes), 0, " ms"), text(time, 2), "<= 1.25", time <= 1.25);
 		row(std::string(log.name) + ", to its bare entries: peak memory", text(1e-6 * peak, 0, " MB"),
-		    text(1e-6 * barePeak, 0, " MB"), text(memory, 2), "<= 1.2", memory <= 1.2);
+		    text(1e-6 * barePeak, 0, " MB"), text(peaks, 2), "<= 1.2", peaks <= 1.2);
 	}
 }
 
@@ -266,17 +473,17 @@ void measureLargeLogs()
 double loadPlugin(bool counted = false)
 {
 	double ready = 0;
-	const bench::Watcher watcher = [&](int) -> std::optional<Key> {
+	const Watcher watcher = [&](int) -> std::optional<Key> {
 		CALLGRIND_STOP_INSTRUMENTATION;
 		if (ready == 0)
-			ready = bench::now();
+			ready = now();
 		return std::nullopt;
 	};
-	bench::prepare(plain, watcher);
-	const double start = bench::now();
+	prepare(plain, watcher);
+	const double start = now();
 	if (counted)
 		CALLGRIND_START_INSTRUMENTATION;
-	bench::run(BENCH_PLUGIN);
+	run();
 	return ready - start;
 }
 
@@ -284,16 +491,14 @@ double loadEmpty(bool counted = false)
 {
 	if (counted)
 		CALLGRIND_START_INSTRUMENTATION;
-	const double start = bench::now();
+	const double start = now();
 	void *handle = dlopen(BENCH_EMPTY, RTLD_NOW);
 	const auto entry = handle ? reinterpret_cast<int (*)()>(dlsym(handle, "plugin_exec")) : nullptr;
-	if (!entry) {
-		std::fprintf(stderr, "host_bench: %s\n", dlerror());
-		std::exit(2);
-	}
+	if (!entry)
+		fail(dlerror());
 	entry();
 	CALLGRIND_STOP_INSTRUMENTATION;
-	const double took = bench::now() - start;
+	const double took = now() - start;
 	dlclose(handle);
 	return took;
 }
@@ -302,14 +507,14 @@ double loadEmpty(bool counted = false)
 void countKeys(int lines)
 {
 	// Tall rows, so that the smallest list fills its box as well.
-	const std::string skin = bench::temporaryFolder() + "/skin.toml";
+	const std::string skin = temporaryFolder() + "/skin.toml";
 	std::ifstream from(BENCH_SKIN);
 	std::stringstream content;
 	content << from.rdbuf();
 	std::ofstream(skin) << std::regex_replace(content.str(), std::regex("fontsize *= *[0-9]+"),
 	                                          "fontsize = 45");
 
-	const bench::Watcher watcher = [](int pressed) -> std::optional<Key> {
+	const Watcher watcher = [](int pressed) -> std::optional<Key> {
 		if (pressed == 0)
 			return entryKey(3);
 		constexpr int first = 10; // by then, Pango's thread has found the fonts that it looks for
@@ -321,8 +526,8 @@ void countKeys(int lines)
 		}
 		return pressed >= first || pressed % 2 ? Key::down : Key::up;
 	};
-	bench::prepare({skin, bench::logOf(lines), true}, watcher);
-	bench::run(BENCH_PLUGIN);
+	prepare({skin, logOf(lines), true}, watcher);
+	run();
 }
 
 /// Draws a line of `characters` characters, instrumented, in a room for 75.
@@ -346,8 +551,8 @@ void countText(int characters)
 /// Runs this program under callgrind, and returns the number of instructions.
 double instructions(const std::string &what)
 {
-	const std::string out = bench::temporaryFolder() + "/callgrind.out";
-	const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+	const std::string out = temporaryFolder() + "/callgrind.out";
+	const std::string program = fs::read_symlink("/proc/self/exe");
 	const std::string command = "valgrind --tool=callgrind --instr-atstart=no --callgrind-out-file='" + out +
 	                            "' '" + program + "' count " + what + " >'" + out + ".log' 2>&1";
 	runOrEnd(command);
@@ -355,8 +560,7 @@ double instructions(const std::string &what)
 	for (std::string line; std::getline(file, line);)
 		if (line.rfind("totals:", 0) == 0)
 			return std::strtod(line.c_str() + 7, nullptr);
-	std::fprintf(stderr, "host_bench: callgrind counted nothing\n");
-	std::exit(2);
+	fail("callgrind counted nothing");
 }
 
 void measureLoading()
@@ -402,50 +606,46 @@ void measureText()
 	}
 }
 
-int usage()
+void measureAll()
 {
-	std::fprintf(stderr,
-	             "usage: host_bench table | open ENTRY | count load|empty|key LINES|text CHARACTERS\n");
-	return 2;
+	measureLogs(); // first, while this program's own memory is small
+	measureLargeLogs();
+	measureLoading();
+	measureCommands();
+	measureFiles();
+	measureKeys();
+	measureText();
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 try {
-	const std::vector<std::string> arguments(argv + 1, argv + argc);
-	const std::string word = arguments.empty() ? "" : arguments[0];
-	if (word == "table" && arguments.size() == 1) {
-		measureLogs(); // first, while this program's own memory is small
-		measureLargeLogs();
-		measureLoading();
-		measureCommands();
-		measureFiles();
-		measureKeys();
-		measureText();
-		return 0;
+	// N is a number, which the function is given.
+	static const std::map<std::string, void (*)(int)> commands = {
+		{"table", [](int) { measureAll(); }},
+		{"open N", [](int entry) { openScreen(entry, plain, turns); }},
+		{"count load", [](int) { loadPlugin(true); }},
+		{"count empty", [](int) { loadEmpty(true); }},
+		{"count key N", countKeys},
+		{"count text N", countText},
+	};
+	std::string words;
+	int number = 0;
+	for (int i = 1; i < argc; ++i) {
+		const bool isNumber = std::isdigit(static_cast<unsigned char>(argv[i][0]));
+		if (isNumber)
+			number = std::atoi(argv[i]);
+		words += (words.empty() ? "" : " ") + std::string(isNumber ? "N" : argv[i]);
 	}
-	if (word == "open" && arguments.size() == 2) {
-		openScreen(std::atoi(arguments[1].c_str()), plain, turns);
-		return 0;
+	const auto command = commands.find(words);
+	if (command == commands.end()) {
+		std::fprintf(stderr,
+		             "usage: host_bench table | open ENTRY | count load|empty|key LINES|text CHARACTERS\n");
+		return 2;
 	}
-	if (word == "count" && arguments.size() == 2 && arguments[1] == "load") {
-		loadPlugin(true);
-		return 0;
-	}
-	if (word == "count" && arguments.size() == 2 && arguments[1] == "empty") {
-		loadEmpty(true);
-		return 0;
-	}
-	if (word == "count" && arguments.size() == 3 && arguments[1] == "key") {
-		countKeys(std::atoi(arguments[2].c_str()));
-		return 0;
-	}
-	if (word == "count" && arguments.size() == 3 && arguments[1] == "text") {
-		countText(std::atoi(arguments[2].c_str()));
-		return 0;
-	}
-	return usage();
+	command->second(number);
+	return 0;
 } catch (const desk::Error &error) {
 	std::fprintf(stderr, "host_bench: %s\n", error.line.c_str());
 	return error.status;

@@ -1,9 +1,10 @@
 #include "timed_commands.h"
 
+#include "libc.h"
+
 #include <sys/types.h>
 
 #include <chrono>
-#include <dlfcn.h>
 
 namespace
 {
@@ -12,11 +13,6 @@ using Clock = std::chrono::steady_clock;
 
 Clock::time_point started;
 double seconds = 0;
-
-template <class Function> Function *next(const char *name)
-{
-	return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
-}
 
 } // namespace
 
