@@ -18,52 +18,6 @@ TEST(MemInfo, reaches_five_pixels_below_its_client_area)
 	EXPECT_EQ(run.widget(2, "eLabel", 1)["rect"], Json({160, 5, 100, 350}));
 }
 
-struct Source
-{
-	const char *name;
-	std::string content;
-};
-
-void PrintTo(const Source &source, std::ostream *out)
-{
-	*out << source.name;
-}
-
-class MemInfoSource : public ::testing::TestWithParam<Source>
-{
-};
-
-TEST_P(MemInfoSource, opens_an_empty_screen)
-{
-	ReceiverFolder receiver;
-	receiver.meminfo(GetParam().content);
-	const DeskRun run = runDesk(receiver.path(), "down ok exit exit");
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-	EXPECT_EQ(run.window(2)["class"], "eMemInfoDialog");
-	EXPECT_EQ(run.widget(2, "eLabel", 0)["text"], "");
-	EXPECT_EQ(run.widget(2, "eLabel", 1)["text"], "");
-}
-
-INSTANTIATE_TEST_SUITE_P(Unusable, MemInfoSource,
-                         ::testing::Values(Source{"empty", ""}, Source{"one_byte", "M"},
-                                           Source{"nul", std::string(1, '\0')},
-                                           Source{"eight_pieces", support::repeat("MemTotal: 1 kB\n", 8)}),
-                         [](const auto &entry) { return entry.param.name; });
-
-TEST(MemInfo, shows_binary_data_without_harm)
-{
-	std::string bytes;
-	for (int i = 0; i < 4096; ++i)
-		bytes += static_cast<char>((i * 151 + i / 256) & 0xff);
-	ReceiverFolder receiver;
-	receiver.meminfo(bytes);
-	support::TempFolder pictures;
-	const DeskRun run = runDesk(receiver.path(), "down ok exit exit", {"--pictures", pictures.path()});
-	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
-	EXPECT_EQ(run.window(2)["class"], "eMemInfoDialog");
-	EXPECT_TRUE(support::exists(pictures / "02-ok.png"));
-}
-
 TEST(MemInfo, shows_this_computers_memory_without_a_root)
 {
 	const DeskRun run = runDesk("", "down ok exit exit", {"--as-is"});

@@ -40,33 +40,6 @@ TEST(Ps, lists_the_processes_under_their_heading)
 	EXPECT_FALSE(support::exists(receiver / "var/tmp/ps.tmp"));
 }
 
-TEST(Ps, asks_and_kills_on_yes)
-{
-	ReceiverFolder receiver;
-	receiver.ps(twoProcesses);
-	const DeskRun run = runDesk(receiver.path(), "ok down ok ok exit");
-	EXPECT_EQ(run.traceBetween("eWindow#1.exec()", "eWindow#1.~eWindow()"),
-	          (Lines{
-				  "eWindow#1.exec()",
-				  R"(eString.sprintf("Kill %s pid?") = "Kill 123 pid?")",
-				  R"(eMessageBox#1 = eMessageBox("Kill 123 pid?", "kill pid", 76, 4, 0))",
-				  "eMessageBox#1.show()",
-				  "eMessageBox#1.exec()",
-				  "eMessageBox#1.exec() = 4",
-				  "eMessageBox#1.hide()",
-				  R"(eDebug("-----kill pid  - 123-----"))",
-				  R"(system("kill -9 123"))",
-				  "eWindow#1.accept()",
-				  "eWindow#1.setFocus(eListBoxBase#2)",
-				  "eMessageBox#1.~eMessageBox()",
-				  "eWindow#1.exec() = 0",
-				  "eWindow#1.hide()",
-				  "eSetupWindow#1.show()",
-				  "eWindow#1.~eWindow()",
-			  }));
-	EXPECT_NE(run.outcome.err.find("kill -9 123 (reported only"), std::string::npos) << run.outcome.err;
-}
-
 TEST(Ps, asks_in_a_box_above_itself)
 {
 	ReceiverFolder receiver;
@@ -84,14 +57,11 @@ TEST(Ps, asks_in_a_box_above_itself)
 	EXPECT_EQ(run.dump[3]["windows"][0]["widgets"][0]["focus"], false) << "only one widget has the focus";
 }
 
-void expectSpared(const std::string &keys, const std::string &result)
+void expectSpared(const std::string &keys)
 {
 	ReceiverFolder receiver;
 	receiver.ps(twoProcesses);
 	const DeskRun run = runDesk(receiver.path(), "ok down ok " + keys + " exit exit");
-	EXPECT_EQ(run.traceBetween("eMessageBox#1.exec()", "eMessageBox#1.~eMessageBox()"),
-	          (Lines{"eMessageBox#1.exec()", "eMessageBox#1.exec() = " + result, "eMessageBox#1.hide()",
-	                 "eWindow#1.setFocus(eListBoxBase#2)", "eMessageBox#1.~eMessageBox()"}));
 	const size_t after = 3 + static_cast<size_t>(std::count(keys.begin(), keys.end(), ' ')) + 1;
 	EXPECT_EQ(run.window(after)["class"], "ePsDialog") << "it stays open";
 	EXPECT_EQ(run.widget(after, list)["focus"], true);
@@ -100,12 +70,12 @@ void expectSpared(const std::string &keys, const std::string &result)
 
 TEST(Ps, stays_as_it_was_after_no)
 {
-	expectSpared("right ok", "8");
+	expectSpared("right ok");
 }
 
 TEST(Ps, stays_as_it_was_when_the_box_is_left)
 {
-	expectSpared("exit", "-1");
+	expectSpared("exit");
 }
 
 TEST(Ps, offers_nothing_when_there_is_only_a_heading)
@@ -236,7 +206,7 @@ TEST(Ps, signals_nobody_with_a_root)
 	const DeskRun run = runDesk(receiver.path(), "ok ok ok exit");
 	const std::string command = "kill -9 " + std::to_string(sleeper.pid());
 	EXPECT_NE(std::find(run.trace.begin(), run.trace.end(), "system(\"" + command + "\")"), run.trace.end());
-	EXPECT_NE(run.outcome.err.find(command), std::string::npos);
+	EXPECT_NE(run.outcome.err.find(command + " (reported only"), std::string::npos) << run.outcome.err;
 	EXPECT_TRUE(sleeper.lives());
 }
 

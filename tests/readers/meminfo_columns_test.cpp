@@ -40,6 +40,8 @@ TEST(MemInfo, the_first_eight_pieces_are_only_counted)
 	expectRows(counted, "", "");
 	expectRows(counted + "b 9\n", "b          \n", "9 KB\n");
 	expectRows("one 1\n", "", "");
+	expectRows("M", "", "");
+	expectRows("\0"s, "", "");
 }
 
 TEST(MemInfo, the_older_layouts_table_makes_eight_pieces_and_every_quantity_a_row)
