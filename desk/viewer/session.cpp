@@ -234,8 +234,8 @@ void Session::handle(Meaning &message)
 
 void Session::handle(Note &message)
 {
-	if (message.notice) {
-		++notices;
+	if (message.mistake) {
+		++mistakes;
 		NoteLog::get().add("deskhost: " + std::filesystem::path(options.plugin).filename().string() + ": " +
 		                   message.line);
 	} else if (message.urgent)
@@ -368,7 +368,7 @@ void Session::startAgain(bool pressesAgain)
 	meant.clear();
 	typed.clear();
 	question = 0;
-	notices = 0;
+	mistakes = 0;
 	if (!pressesAgain || !replays || harmless)
 		script.clear(); // else keys that a failed version did not get remain
 	afterLoading.clear();
@@ -714,7 +714,7 @@ void Session::close()
 	const std::string whyNot = std::strerror(errno);
 	if (failure)
 		throw *failure;
-	if (options.strict && notices > 0)
+	if (options.strict && mistakes > 0)
 		throw Error("what was noticed about the plugin is an error with --strict; see above",
 		            statusNotToItsEnd);
 	if (!unwritten.empty())

@@ -138,7 +138,7 @@ private:
 	int secondsShown = 0, exitsWhileBusy = 0;
 	std::optional<Clock::time_point> deadline; ///< for the end of the half
 
-	int notices = 0; ///< reported mistakes of the plugin
+	int mistakes = 0; ///< reported mistakes of the plugin
 	int plays;
 	std::string returned;         ///< the line to print at the end
 	std::optional<Error> failure; ///< ends the session

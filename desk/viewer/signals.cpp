@@ -26,7 +26,7 @@ volatile std::sig_atomic_t isTaken = 1; ///< ... and whether the loop has taken 
 
 void come(int signal)
 {
-	const int before = errno;
+	const int reason = errno;
 	const auto byte = static_cast<char>(signal);
 	if (Signals::isEnd(signal)) {
 		ending = signal;
@@ -34,7 +34,7 @@ void come(int signal)
 		alarm(patience);
 	}
 	[[maybe_unused]] const ssize_t written = write(toLoop, &byte, 1);
-	errno = before;
+	errno = reason;
 }
 
 void endAtLast(int)

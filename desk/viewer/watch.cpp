@@ -27,9 +27,9 @@ std::unique_ptr<Watch> Watch::start(const std::string &path)
 {
 	std::error_code failed; // without a current folder, watching fails anyway
 	const std::filesystem::path file = std::filesystem::absolute(path, failed);
-	const int notices = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
-	std::unique_ptr<Watch> watch(new Watch(file, notices));
-	if (notices < 0 || inotify_add_watch(notices, file.parent_path().c_str(), IN_CLOSE_WRITE) < 0)
+	const int inotify = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+	std::unique_ptr<Watch> watch(new Watch(file, inotify));
+	if (inotify < 0 || inotify_add_watch(inotify, file.parent_path().c_str(), IN_CLOSE_WRITE) < 0)
 		throw Error("cannot watch '" + path + "': " + std::strerror(errno) + "; leave out --watch",
 		            statusNotToItsEnd);
 	watch->follow();
@@ -38,7 +38,7 @@ std::unique_ptr<Watch> Watch::start(const std::string &path)
 
 Watch::~Watch()
 {
-	close(notices);
+	close(inotify);
 }
 
 /// Watches each folder on the path, because a linker replaces the file, and folders and links may change.
@@ -60,7 +60,7 @@ void Watch::follow()
 			continue;
 		}
 		const int number =
-			inotify_add_watch(notices, place.c_str(), IN_CLOSE_WRITE | IN_CREATE | IN_MOVE | IN_DELETE);
+			inotify_add_watch(inotify, place.c_str(), IN_CLOSE_WRITE | IN_CREATE | IN_MOVE | IN_DELETE);
 		last = *steps.emplace(number, step).first;
 		place /= step;
 		std::error_code failed;
@@ -79,7 +79,7 @@ void Watch::follow()
 void Watch::readEvents()
 {
 	alignas(inotify_event) char events[4096];
-	for (ssize_t length; (length = read(notices, events, sizeof events)) > 0;)
+	for (ssize_t length; (length = read(inotify, events, sizeof events)) > 0;)
 		for (const char *at = events; at < events + length;) {
 			const inotify_event *event = reinterpret_cast<const inotify_event *>(at);
 			at += sizeof *event + event->len;

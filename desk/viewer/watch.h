@@ -26,7 +26,7 @@ public:
 	Watch &operator=(const Watch &) = delete;
 
 	/// Readable when readEvents() has work.
-	int descriptor() const { return notices; }
+	int descriptor() const { return inotify; }
 	void readEvents();
 
 	/// Milliseconds until changed() must be called; -1: no need.
@@ -37,12 +37,12 @@ public:
 private:
 	using Name = std::pair<int, std::string>; ///< a watched folder's number, and an entry's name
 
-	Watch(std::filesystem::path watched, int inotify) : file(std::move(watched)), notices(inotify) {}
+	Watch(std::filesystem::path watched, int opened) : file(std::move(watched)), inotify(opened) {}
 
 	void follow();
 
 	const std::filesystem::path file;
-	const int notices;
+	const int inotify;
 	std::set<Name> steps;     ///< the entries on the path to the file, through all links
 	Name last;                ///< the file's entry
 	struct stat reached = {}; ///< the file when last seen

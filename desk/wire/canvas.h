@@ -132,7 +132,7 @@ constexpr size_t mostBytesWithin(int width)
 	return width > 0 ? static_cast<size_t>(width) * 16 + 64 : 0;
 }
 
-/// The style of a window's frame.
+/// The style of a window's border, title bar and background.
 struct WindowStyle
 {
 	Color border;
@@ -172,7 +172,7 @@ public:
 
 	virtual void fill(const Rect &area, const Fill &fill) = 0;
 
-	/// A window's frame, title bar and background. `client` lies within `outer`; the title bar is the part above it.
+	/// A window's border, title bar and background. `client` lies within `outer`; the title bar is the part above it.
 	virtual void window(const Rect &outer, const Rect &client, std::string_view title,
 	                    const WindowStyle &style) = 0;
 

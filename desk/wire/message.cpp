@@ -83,7 +83,7 @@ template <class Io, class Thing> void values(Io &io, Thing &t)
 	} else if constexpr (isOneOf<T, Meaning>)
 		io(t.keys);
 	else if constexpr (isOneOf<T, Note>)
-		io(t.line, t.urgent, t.notice);
+		io(t.line, t.urgent, t.mistake);
 	else if constexpr (isOneOf<T, Call>)
 		io(t.line, t.aside);
 	else if constexpr (isOneOf<T, Harm>)

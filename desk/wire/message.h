@@ -99,8 +99,8 @@ struct Meaning
 struct Note
 {
 	std::string line;
-	bool urgent = false; ///< must not be missed
-	bool notice = false; ///< a mistake in the plugin; the line lacks the plugin's name
+	bool urgent = false;  ///< must not be missed
+	bool mistake = false; ///< a mistake in the plugin; the line lacks the plugin's name
 };
 
 /// A command of the plugin ended: its output precedes later messages.

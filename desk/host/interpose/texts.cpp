@@ -94,14 +94,14 @@ const std::vector<Catalogue> &Texts::cataloguesOf(const char *domain)
 	const auto known = loaded.find({from, name});
 	if (known != loaded.end())
 		return known->second;
-	const int before = errno;
+	const int reason = errno;
 	std::vector<Catalogue> &added = loaded[{from, name}];
 	try {
 		added = load(from, name);
 	} catch (const Error &error) { // the plugin goes on without translations
 		Desk::get().note("deskhost: " + error.line);
 	}
-	errno = before;
+	errno = reason;
 	return added;
 }
 

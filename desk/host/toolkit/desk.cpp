@@ -1,7 +1,7 @@
 #include "desk.h"
 
 #include "description.h"
-#include "notices.h"
+#include "mistakes.h"
 #include "state.h"
 #include "trace.h"
 
@@ -37,10 +37,10 @@ void Desk::note(const std::string &line, bool urgent)
 		std::fputs((line + '\n').c_str(), stderr);
 }
 
-void Desk::notice(const eWidget &widget, const std::string &what)
+void Desk::reportMistake(const eWidget &widget, const std::string &what)
 {
 	const std::string line = Trace::get().nameOf(&widget) + ": " + what;
-	if (!noticed.insert(what).second)
+	if (!reported.insert(what).second)
 		return;
 	if (viewer)
 		viewer->send(Note{line, false, true});
@@ -57,9 +57,10 @@ void Desk::commandEnded()
 void Desk::endRun()
 {
 	for (const eWidget *window : openWindows.visible())
-		notice(*window,
-		       "the window is still shown after plugin_exec has returned; hide() it, or end its life: \"" +
-		           State::of(*window).text + '"');
+		reportMistake(
+			*window,
+			"the window is still shown after plugin_exec has returned; hide() it, or end its life: \"" +
+				State::of(*window).text + '"');
 	openWindows.forgetAll();
 	question = 0; // still set after an exception
 	showFrame(false);

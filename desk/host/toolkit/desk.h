@@ -43,7 +43,7 @@ public:
 	void commandEnded();
 
 	/// Reports a likely mistake of the plugin with that widget, and the remedy, once.
-	void notice(const eWidget &widget, const std::string &what);
+	void reportMistake(const eWidget &widget, const std::string &what);
 
 	/// To be called before the plugin kills or deletes. False when it must not, because keys are replayed without a
 	/// person.
@@ -74,7 +74,7 @@ private:
 	DisplayList frame;                    ///< on the screen
 	unsigned question = 0, questions = 0; ///< the open one, and the number of all so far
 	bool pressedAgain = false;
-	std::set<std::string> noticed;
+	std::set<std::string> reported;
 };
 
 } // namespace desk

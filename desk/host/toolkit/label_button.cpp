@@ -1,7 +1,7 @@
 #include "deco.h"
 #include "desk.h"
 #include "label.h"
-#include "notices.h"
+#include "mistakes.h"
 #include "state.h"
 #include "trace.h"
 
@@ -90,7 +90,7 @@ eDecoWidget::eDecoWidget(eWidget *parent, int takefocus, const char *name)
 	  deco(new Deco{name ? name : "", &Desk::get().skin().decoration(name ? name : "")})
 {
 	Trace::get().constructed(this, "eDecoWidget", parent, takefocus, name);
-	desk::noticeDecoration(*this, name);
+	desk::checkDecoration(*this, name);
 }
 
 eDecoWidget::~eDecoWidget()
@@ -121,7 +121,7 @@ eLabel::eLabel(eWidget *parent, int flags, int takefocus, const char *name)
 	behaviour->decoration = deco->decoration;
 	state->behaviour = std::move(behaviour);
 	Trace::get().constructed(this, "eLabel", parent, flags, takefocus, name);
-	desk::noticeDecoration(*this, name);
+	desk::checkDecoration(*this, name);
 }
 
 eLabel::~eLabel() = default;
@@ -130,7 +130,7 @@ void eLabel::setShortcutPixmap(const eString &key)
 {
 	Trace::get().call(this, "setShortcutPixmap", key);
 	static_cast<desk::LabelBehaviour &>(*state->behaviour).symbol = desk::colourNamed(key);
-	desk::noticeColour(*this, "setShortcutPixmap", key);
+	desk::checkColour(*this, "setShortcutPixmap", key);
 }
 
 eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char *name)
@@ -140,7 +140,7 @@ eButton::eButton(eWidget *parent, eLabel *description, int takefocus, const char
 	behaviour->makeButton(*deco->decoration);
 	state->behaviour = std::move(behaviour);
 	Trace::get().constructed(this, "eButton", parent, description, takefocus, name);
-	desk::noticeDecoration(*this, name);
+	desk::checkDecoration(*this, name);
 }
 
 eButton::~eButton() = default;

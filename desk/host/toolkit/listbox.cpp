@@ -3,7 +3,7 @@
 #include "deco.h"
 #include "desk.h"
 #include "list.h"
-#include "notices.h"
+#include "mistakes.h"
 #include "state.h"
 #include "trace.h"
 
@@ -23,7 +23,7 @@ eListBoxBase::eListBoxBase(eWidget *parent, const eWidget *description, int take
 {
 	list->entryHeight = std::max(1, entryHeight);
 	Trace::get().constructed(this, "eListBoxBase", parent, description, takefocus, entryHeight, decoration);
-	desk::noticeDecoration(*this, decoration);
+	desk::checkDecoration(*this, decoration);
 }
 
 eListBoxBase::~eListBoxBase()
@@ -36,7 +36,7 @@ void eListBoxBase::List::dispose()
 {
 	current = top = 0;
 	isGoing = true;
-	bool noticed = false; // one notice for millions of entries
+	bool reported = false; // one report for millions of entries
 	// One by one, because an entry's destructor may remove or delete others.
 	for (int number = 0; !entries.empty(); ++number) {
 		eListBoxEntry *const entry = entries.front();
@@ -45,11 +45,11 @@ void eListBoxBase::List::dispose()
 		// A text entry owns its key, an eString.
 		const eListBoxEntryText *text = dynamic_cast<eListBoxEntryText *>(entry);
 		// The check costs system calls. After a thousand strings, assume that the other keys are strings too.
-		const bool looks = noticed || number < 1000;
+		const bool looks = reported || number < 1000;
 		if (text && text->getKey() && (!looks || desk::isString(text->getKey())))
 			delete static_cast<eString *>(text->getKey());
-		else if (text && text->getKey() && !std::exchange(noticed, true))
-			Desk::get().notice(
+		else if (text && text->getKey() && !std::exchange(reported, true))
+			Desk::get().reportMistake(
 				box, "the key of an entry is no eString made with new, as the list box would delete: \"" +
 						 text->getText() + '"');
 		Trace::get().forget(entry);

@@ -51,8 +51,8 @@ eMessageBox::eMessageBox(eString text, eString caption, int flags, int preset, i
 	const std::string wrapped = desk::wrapText(text, textWidth, row);
 	const int rows = 1 + static_cast<int>(std::count(wrapped.begin(), wrapped.end(), '\n'));
 	// Limits the height to the screen's for long questions and large fonts.
-	const int frame = state->height - clientrect.height();
-	const int room = desk::screenHeight - frame - 3 * margin - buttonHeight;
+	const int border = state->height - clientrect.height();
+	const int room = desk::screenHeight - border - 3 * margin - buttonHeight;
 	const int textHeight = std::min(rows, std::max(1, room / row)) * row;
 
 	eLabel *question = new eLabel(this, 0, 0, "eLabel");

@@ -1,5 +1,5 @@
 #include "desk.h"
-#include "notices.h"
+#include "mistakes.h"
 #include "state.h"
 #include "trace.h"
 
@@ -123,10 +123,10 @@ void eWidget::cmove(const ePoint &position)
 void eWidget::cresize(const eSize &size)
 {
 	Trace::get().call(this, "cresize", size.width, size.height);
-	const int frameWidth = state->width - clientrect.width();
-	const int frameHeight = state->height - clientrect.height();
-	State::place(*this, state->x, state->y, bounded(size.width) + frameWidth,
-	             bounded(size.height) + frameHeight);
+	const int borderWidth = state->width - clientrect.width();
+	const int borderHeight = state->height - clientrect.height();
+	State::place(*this, state->x, state->y, bounded(size.width) + borderWidth,
+	             bounded(size.height) + borderHeight);
 }
 
 void eWidget::move(const ePoint &position)
@@ -169,8 +169,8 @@ int eWidget::exec()
 {
 	Trace::get().call(this, "exec");
 	if (!state->visible)
-		Desk::get().notice(*this, "exec() without show(): nobody sees it; call show() before: \"" +
-		                              state->text + '"');
+		Desk::get().reportMistake(*this, "exec() without show(): nobody sees it; call show() before: \"" +
+		                                     state->text + '"');
 	state->running = true;
 	state->ended = false;
 	state->result = 0;
@@ -206,5 +206,5 @@ void eWidget::setShortcut(const eString &key)
 {
 	Trace::get().call(this, "setShortcut", key);
 	state->shortcut = key;
-	desk::noticeColour(*this, "setShortcut", key);
+	desk::checkColour(*this, "setShortcut", key);
 }

@@ -15,7 +15,7 @@ using desk::Trace;
 namespace
 {
 
-// The frame: a title bar above the client area, thin borders elsewhere.
+// The border: a title bar above the client area, thin borders elsewhere.
 constexpr int titleHeight = 30;
 constexpr int rim = 4;
 

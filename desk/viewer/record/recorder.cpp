@@ -87,7 +87,7 @@ void Recorder::begin()
 			const int cut = ftruncate(fileno(file), 0); // fails for a pipe
 }
 
-void Recorder::note(const Output &output)
+void Recorder::keepError(const Output &output)
 {
 	if (failure.empty())
 		failure =
@@ -98,7 +98,7 @@ void Recorder::write(Output &output, const std::string &line)
 {
 	if (output.file &&
 	    (std::fputs((line + '\n').c_str(), output.file) == EOF || std::fflush(output.file) != 0))
-		note(output);
+		keepError(output);
 }
 
 void Recorder::record(const std::string &after, const std::string &windows, const DisplayList &picture)
@@ -133,7 +133,7 @@ std::string Recorder::close()
 {
 	for (Output *output : {&dump, &trace})
 		if (output->file && std::fclose(std::exchange(output->file, nullptr)) != 0)
-			note(*output);
+			keepError(*output);
 	pictures.clear();
 	return failure;
 }

@@ -44,7 +44,7 @@ private:
 	};
 
 	void write(Output &output, const std::string &line);
-	void note(const Output &output);
+	void keepError(const Output &output);
 
 	std::string pictures;
 	Output dump = {"the dump", {}}, trace = {"all of the trace", {}};

@@ -1,5 +1,5 @@
-#ifndef DESK_TOOLKIT_NOTICES_H
-#define DESK_TOOLKIT_NOTICES_H
+#ifndef DESK_TOOLKIT_MISTAKES_H
+#define DESK_TOOLKIT_MISTAKES_H
 
 #include "windows.h"
 
@@ -12,10 +12,10 @@ namespace desk
 void lookForMistakes(const Windows &windows);
 
 /// Reports a widget with a decoration that the skin lacks; null is none.
-void noticeDecoration(const eWidget &widget, const char *name);
+void checkDecoration(const eWidget &widget, const char *name);
 
 /// Reports an operation with a key that is no colour key; "" is none.
-void noticeColour(const eWidget &widget, const char *operation, const std::string &key);
+void checkColour(const eWidget &widget, const char *operation, const std::string &key);
 
 /// Whether the key looks like an eString, which a list box can delete.
 bool isString(const void *key);

@@ -1,4 +1,4 @@
-#include "notices.h"
+#include "mistakes.h"
 
 #include "deco.h"
 #include "desk.h"
@@ -39,8 +39,8 @@ void lookAtColours(const State &window)
 			return State::of(*widget).visible && State::of(*widget).shortcut == state.shortcut;
 		});
 		if (other != window.children.end())
-			Desk::get().notice(**other, quoted(state.text) + " has the key " + quoted(state.shortcut) +
-			                                " already, which presses only that; give it another one");
+			Desk::get().reportMistake(**other, quoted(state.text) + " has the key " + quoted(state.shortcut) +
+			                                       " already, which presses only that; give it another one");
 	}
 }
 
@@ -54,15 +54,17 @@ void lookAtText(const eWidget &widget, const State &state)
 	// A long text's start is enough.
 	const std::string start = state.text.substr(0, 4 * static_cast<size_t>(std::max(0, room) + 1));
 	if (textColumns(visibleText(start)) > room)
-		Desk::get().notice(widget, "its text is cut off, because there is room for " + std::to_string(room) +
-		                               " characters only: " + quoted(state.text));
+		Desk::get().reportMistake(widget, "its text is cut off, because there is room for " +
+		                                      std::to_string(room) +
+		                                      " characters only: " + quoted(state.text));
 }
 
 void lookAtSize(const eWidget &widget, const State &state)
 {
 	const auto *list = dynamic_cast<const eListBoxBase *>(&widget);
 	if (!state.text.empty() || (list && eListBoxBase::List::of(*list).count() > 0))
-		Desk::get().notice(widget, "it has no size and is not seen; call resize(): " + quoted(state.text));
+		Desk::get().reportMistake(widget,
+		                          "it has no size and is not seen; call resize(): " + quoted(state.text));
 }
 
 } // namespace
@@ -83,19 +85,19 @@ void lookForMistakes(const Windows &windows)
 	}
 }
 
-void noticeDecoration(const eWidget &widget, const char *name)
+void checkDecoration(const eWidget &widget, const char *name)
 {
 	// Ignores parts of a composed widget.
 	if (name && !Trace::get().isQuiet() && !Desk::get().skin().knows(name))
-		Desk::get().notice(widget, "the skin has no decoration " + quoted(name) +
-		                               "; it has eLabel, eButton and eListBox");
+		Desk::get().reportMistake(widget, "the skin has no decoration " + quoted(name) +
+		                                      "; it has eLabel, eButton and eListBox");
 }
 
-void noticeColour(const eWidget &widget, const char *operation, const std::string &key)
+void checkColour(const eWidget &widget, const char *operation, const std::string &key)
 {
 	if (!key.empty() && !colourNamed(key))
-		Desk::get().notice(widget, operation + ('(' + quoted(key)) +
-		                               "): no colour key; the names are red, green, yellow and blue");
+		Desk::get().reportMistake(widget, operation + ('(' + quoted(key)) +
+		                                      "): no colour key; the names are red, green, yellow and blue");
 }
 
 bool isString(const void *key)
