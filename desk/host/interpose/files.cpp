@@ -83,12 +83,12 @@ bool enterMountNamespace()
 	       write("/proc/self/gid_map", group + ' ' + group + " 1");
 }
 
-/// Mounts the root's /var/tmp, made if missing, over this computer's for this process and its commands. If the kernel
-/// forbids that, they use this computer's.
-void mountVarTmp(int root)
+/// Mounts the root's /var/tmp, made if missing, over this computer's for this process and its commands. False: they
+/// use this computer's.
+bool mountVarTmp(int root)
 {
 	if (mkdirat(root, "var", 0777) != 0 && errno != EEXIST)
-		return;
+		return false;
 	if (const int var = openInRoot(root, "/var", O_PATH | O_DIRECTORY); var >= 0) {
 		mkdirat(var, "tmp", 0777);
 		close(var);
@@ -98,11 +98,13 @@ void mountVarTmp(int root)
 	// The descriptor belongs to the old namespace, so mount by path, and check that it is the same folder.
 	std::error_code failed;
 	const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), failed);
-	if (folder >= 0 && fstat(folder, &meant) == 0 && enterMountNamespace() &&
-	    mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr) == 0 && stat(path.c_str(), &there) == 0 &&
-	    meant.st_dev == there.st_dev && meant.st_ino == there.st_ino)
-		mount(path.c_str(), "/var/tmp", "", MS_BIND | MS_REC, nullptr);
+	const bool isMounted = folder >= 0 && fstat(folder, &meant) == 0 && enterMountNamespace() &&
+	                       mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr) == 0 &&
+	                       stat(path.c_str(), &there) == 0 && meant.st_dev == there.st_dev &&
+	                       meant.st_ino == there.st_ino &&
+	                       mount(path.c_str(), "/var/tmp", "", MS_BIND | MS_REC, nullptr) == 0;
 	closeKeepingErrno(folder);
+	return isMounted;
 }
 
 /// /proc/meminfo in its older layout as a stream; null without it.
@@ -141,7 +143,9 @@ void Files::setRoot(const std::string &from, const std::vector<std::string> &fil
 	if (root < 0)
 		throw Error("cannot use '" + folder + "' as the receiver's files: " + std::strerror(errno) +
 		            "; name a readable folder with --root");
-	mountVarTmp(root);
+	if (!mountVarTmp(root))
+		Desk::get().note("deskhost: /var/tmp is this computer's, because " + folder +
+		                 "/var/tmp cannot be mounted there: two desk hosts at once disturb each other");
 	// By descriptor, because a folder with a colon in its name cannot be in PATH.
 	Commands::get().takeFrom("/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(root), root);
 }
