@@ -118,6 +118,11 @@ TEST_F(Run, refuses_what_it_does_not_know_before_anything_is_made)
 		EXPECT_EQ(outcome.status, 2);
 		EXPECT_EQ(outcome.err, "receiver/run: " + each.error + "\n");
 	}
+	for (const char *other : {"--root=/", "--receiver"}) {
+		const support::Outcome outcome = support::run({support::sourcePath("run"), "--sample", other});
+		EXPECT_EQ(outcome.status, 2);
+		EXPECT_NE(outcome.err.find("; give one of the two\n"), outcome.err.npos) << outcome.err;
+	}
 	EXPECT_FALSE(support::exists(folder / "log"));
 }
 
