@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <regex>
 
 using namespace support;
 
@@ -22,30 +23,18 @@ Outcome runVendor(const ReceiverFolder &receiver, const std::string &script)
 /// Numbers the objects of a trace in order of appearance, because hosts number them differently.
 Lines numbered(const Lines &trace)
 {
+	static const std::regex object("[A-Za-z]*#[0-9]+");
 	std::map<std::string, std::string> numbers;
 	Lines result;
 	for (const std::string &line : trace) {
 		std::string text;
-		for (size_t at = 0; at < line.size();) {
-			size_t start = at;
-			while (start < line.size() && std::isalpha(static_cast<unsigned char>(line[start])))
-				++start;
-			if (start < line.size() && line[start] == '#' && start + 1 < line.size() &&
-			    std::isdigit(static_cast<unsigned char>(line[start + 1]))) {
-				size_t end = start + 1;
-				while (end < line.size() && std::isdigit(static_cast<unsigned char>(line[end])))
-					++end;
-				const std::string name = line.substr(at, end - at);
-				const std::string number = std::to_string(numbers.size() + 1);
-				text += "#" + numbers.emplace(name, number).first->second;
-				at = end;
-				continue;
-			}
-			start = std::max(start, at + 1);
-			text += line.substr(at, start - at);
-			at = start;
+		auto rest = line.begin();
+		for (std::sregex_iterator match(line.begin(), line.end(), object), end; match != end; ++match) {
+			const std::string number = '#' + std::to_string(numbers.size() + 1);
+			text += match->prefix().str() + numbers.emplace(match->str(), number).first->second;
+			rest = match->suffix().first;
 		}
-		result.push_back(text);
+		result.push_back(text.append(rest, line.end()));
 	}
 	return result;
 }
@@ -110,9 +99,10 @@ protected:
 	ReceiverFolder receiver;
 };
 
+/// A named script, or a part of one.
 struct Script
 {
-	const char *name, *keys;
+	const char *name, *words;
 };
 
 void PrintTo(const Script &script, std::ostream *out)
@@ -127,9 +117,9 @@ class VendorScript : public Vendor, public ::testing::WithParamInterface<Script>
 TEST_P(VendorScript, makes_the_calls_that_it_makes_in_the_desk_host)
 {
 	const std::string log = support::readFile(receiver / "var/scaning.log");
-	const Outcome vendor = runVendor(receiver, GetParam().keys);
+	const Outcome vendor = runVendor(receiver, GetParam().words);
 	receiver.scanLog(log); // a script may delete it
-	const DeskRun desk = runDesk(receiver.path(), GetParam().keys);
+	const DeskRun desk = runDesk(receiver.path(), GetParam().words);
 	EXPECT_EQ(vendor.status, 0) << vendor.err;
 	EXPECT_EQ(vendor.err, desk.outcome.out.empty() ? "" : "plugin_exec returned -1\n");
 	EXPECT_EQ(numbered(support::lines(vendor.out)), numbered(desk.trace));
@@ -240,18 +230,7 @@ TEST_P(VendorResult, of_the_menu_is_the_plugins_and_of_a_screen_is_nobodys)
 
 INSTANTIATE_TEST_SUITE_P(OfHosts, VendorResult, ::testing::ValuesIn(results));
 
-/// Named conditions for a script.
-struct Conditions
-{
-	const char *name, *words;
-};
-
-void PrintTo(const Conditions &conditions, std::ostream *out)
-{
-	*out << conditions.name;
-}
-
-const Conditions conditions[] = {
+const Script conditions[] = {
 	{"here", "files=. fontsize=20 lost=0 texts=here: left=-1 log=/var/scaning.log"},
 	{"there", "files=there fontsize=31 lost=37 texts=there: left=5 log=/elsewhere.log"},
 	{"nowhere", "files=nowhere fontsize=0 lost=450 texts=no left=-1 log=/nowhere.log"},
@@ -264,7 +243,7 @@ const std::string allScreens = "ok ok exit down ok right ok exit ok ok ok "    /
 							   "down ok green ok exit ";                       // the system
 
 /// A pair of conditions: of the first run and of the second.
-class VendorAgain : public ::testing::TestWithParam<std::pair<Conditions, Conditions>>
+class VendorAgain : public ::testing::TestWithParam<std::pair<Script, Script>>
 {
 protected:
 	static Lines played(const std::string &script)
@@ -317,11 +296,11 @@ TEST_P(VendorAgain, an_opening_is_that_of_a_fresh_process)
 		expectSame(both[both.size() - fresh.size() + i], fresh[i], "plays/again");
 }
 
-std::vector<std::pair<Conditions, Conditions>> pairs()
+std::vector<std::pair<Script, Script>> pairs()
 {
-	std::vector<std::pair<Conditions, Conditions>> result;
-	for (const Conditions &before : conditions)
-		for (const Conditions &after : conditions)
+	std::vector<std::pair<Script, Script>> result;
+	for (const Script &before : conditions)
+		for (const Script &after : conditions)
 			if (&before != &after)
 				result.emplace_back(before, after);
 	return result;
