@@ -1,6 +1,7 @@
 #include "box.h"
 
-#include <cairo.h>
+#include "png.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -10,7 +11,6 @@
 
 #include <chrono>
 #include <map>
-#include <memory>
 #include <stdexcept>
 #include <thread>
 
@@ -32,22 +32,19 @@ std::string keyOnBoard(const std::string &key)
 	return found == names.end() ? key : found->second;
 }
 
-Picture cut(const std::string &png, int left, int top)
+Picture cut(const std::string &path, int left, int top)
 {
-	const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t *)> surface(
-		cairo_image_surface_create_from_png(png.c_str()), cairo_surface_destroy);
+	const support::Png png(path);
 	Picture picture;
-	if (cairo_image_surface_get_width(surface.get()) < left + width ||
-	    cairo_image_surface_get_height(surface.get()) < top + height) {
-		ADD_FAILURE() << png << " is no picture of the screen";
+	if (png.width() < left + width || png.height() < top + height) {
+		ADD_FAILURE() << path << " is no picture of the screen";
 		return picture;
 	}
-	const unsigned char *data = cairo_image_surface_get_data(surface.get());
-	const int stride = cairo_image_surface_get_stride(surface.get());
 	for (int y = 0; y < height; ++y)
 		for (int x = 0; x < width; ++x) {
-			const unsigned char *p = data + (top + y) * stride + (left + x) * 4; // blue, green, red
-			picture.pixels.push_back(static_cast<uint16_t>(p[2] >> 3 << 11 | p[1] >> 2 << 5 | p[0] >> 3));
+			const uint32_t pixel = png.pixel(left + x, top + y);
+			picture.pixels.push_back(
+				static_cast<uint16_t>((pixel >> 8 & 0xF800) | (pixel >> 5 & 0x07E0) | (pixel >> 3 & 0x001F)));
 		}
 	return picture;
 }

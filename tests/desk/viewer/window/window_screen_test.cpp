@@ -1,7 +1,7 @@
+#include "png.h"
 #include "support.h"
 #include "window_on_display.h"
 
-#include <cairo.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -229,18 +229,11 @@ TEST_F(WindowScreen, saves_the_picture_under_the_next_free_name)
 	EXPECT_TRUE(eventually([&] { return saved("deskhost-2.png"); }));
 	pressAndExpect("Down", "down"); // the file is complete
 
-	cairo_surface_t *picture = cairo_image_surface_create_from_png((folder / "deskhost-2.png").c_str());
-	ASSERT_EQ(cairo_surface_status(picture), CAIRO_STATUS_SUCCESS);
-	EXPECT_EQ(cairo_image_surface_get_width(picture), 720);
-	EXPECT_EQ(cairo_image_surface_get_height(picture), 576);
-	const auto at = [&](int x, int y) {
-		const unsigned char *p =
-			cairo_image_surface_get_data(picture) + y * cairo_image_surface_get_stride(picture) + 4 * x;
-		return static_cast<unsigned long>(p[2] << 16 | p[1] << 8 | p[0]);
-	};
-	EXPECT_EQ(at(50, 50), red);
-	EXPECT_EQ(at(700, 560), green); // without the file's name over it
-	cairo_surface_destroy(picture);
+	const support::Png picture(folder / "deskhost-2.png");
+	EXPECT_EQ(picture.width(), 720);
+	EXPECT_EQ(picture.height(), 576);
+	EXPECT_EQ(picture.pixel(50, 50), red);
+	EXPECT_EQ(picture.pixel(700, 560), green); // without the file's name over it
 }
 
 TEST_F(WindowScreen, shows_the_last_notes_until_any_key)
