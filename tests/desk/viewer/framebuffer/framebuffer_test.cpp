@@ -51,9 +51,9 @@ void show(Framebuffer &framebuffer, const desk::Rect &changed = whole)
 	framebuffer.show(canvas.pixels(), canvas.stride(), changed);
 }
 
-std::unique_ptr<Framebuffer> opened(const kernel::Screen &screen)
+std::unique_ptr<Framebuffer> opened(const kernel::FramebufferDevice &device)
 {
-	auto framebuffer = Framebuffer::open(screen.path);
+	auto framebuffer = Framebuffer::open(device.path);
 	framebuffer->blacken();
 	return framebuffer;
 }
@@ -69,44 +69,45 @@ TEST(Framebuffer, draws_in_whatever_way_the_pixels_are_kept)
 {
 	for (const Layout &layout : layouts) {
 		TempFolder folder;
-		const kernel::Screen screen(folder, 720, 576, layout.bits, layout.red, layout.green, layout.blue);
+		const kernel::FramebufferDevice device(folder, 720, 576, layout.bits, layout.red, layout.green,
+		                                       layout.blue);
 		SCOPED_TRACE(layout.name);
-		const auto framebuffer = opened(screen);
+		const auto framebuffer = opened(device);
 		show(*framebuffer);
-		EXPECT_EQ(screen.pixel(100, 100), layout.marked) << layout.name;
-		EXPECT_EQ(screen.pixel(719, 575), layout.marked) << layout.name;
+		EXPECT_EQ(device.pixel(100, 100), layout.marked) << layout.name;
+		EXPECT_EQ(device.pixel(719, 575), layout.marked) << layout.name;
 		uint32_t white = 0;
 		for (const fb_bitfield &field : {layout.red, layout.green, layout.blue})
 			white |= ((1u << field.length) - 1) << field.offset;
-		EXPECT_EQ(screen.pixel(0, 0), white) << layout.name;
-		EXPECT_EQ(screen.pixel(9, 9), white) << layout.name;
-		EXPECT_EQ(screen.pixel(10, 10), layout.marked) << layout.name;
+		EXPECT_EQ(device.pixel(0, 0), white) << layout.name;
+		EXPECT_EQ(device.pixel(9, 9), white) << layout.name;
+		EXPECT_EQ(device.pixel(10, 10), layout.marked) << layout.name;
 	}
 }
 
 TEST(Framebuffer, is_opaque)
 {
 	TempFolder folder;
-	kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
-	screen.mode.transp = {24, 8, 0};
-	const auto framebuffer = opened(screen);
-	EXPECT_EQ(screen.pixel(5, 5), 0xFF000000u);
+	kernel::FramebufferDevice device(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
+	device.mode.transp = {24, 8, 0};
+	const auto framebuffer = opened(device);
+	EXPECT_EQ(device.pixel(5, 5), 0xFF000000u);
 	show(*framebuffer);
-	EXPECT_EQ(screen.pixel(100, 100), 0xFFFF8040u);
+	EXPECT_EQ(device.pixel(100, 100), 0xFFFF8040u);
 }
 
 TEST(Framebuffer, stands_in_the_middle_of_a_larger_screen)
 {
 	TempFolder folder;
-	const kernel::Screen screen(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
-	const auto framebuffer = opened(screen);
+	const kernel::FramebufferDevice device(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	const auto framebuffer = opened(device);
 	show(*framebuffer);
-	EXPECT_EQ(screen.pixel(40, 12), 0xFFFFu);
-	EXPECT_EQ(screen.pixel(759, 587), 0xFC08u);
-	EXPECT_EQ(screen.pixel(39, 12), 0u) << "what the console had there is gone";
-	EXPECT_EQ(screen.pixel(40, 11), 0u);
-	EXPECT_EQ(screen.pixel(760, 587), 0u);
-	EXPECT_EQ(screen.pixel(759, 588), 0u);
+	EXPECT_EQ(device.pixel(40, 12), 0xFFFFu);
+	EXPECT_EQ(device.pixel(759, 587), 0xFC08u);
+	EXPECT_EQ(device.pixel(39, 12), 0u) << "what the console had there is gone";
+	EXPECT_EQ(device.pixel(40, 11), 0u);
+	EXPECT_EQ(device.pixel(760, 587), 0u);
+	EXPECT_EQ(device.pixel(759, 588), 0u);
 }
 
 TEST(Framebuffer, becomes_smaller_on_a_smaller_screen)
@@ -118,22 +119,23 @@ TEST(Framebuffer, becomes_smaller_on_a_smaller_screen)
 	for (const Size &size : {Size{640, 480, 20, 0, 619, 479}, Size{320, 400, 0, 72, 319, 327},
 	                         Size{800, 480, 100, 0, 699, 479}, Size{1, 1, 0, 0, 0, 0}}) {
 		TempFolder folder;
-		const kernel::Screen screen(folder, size.width, size.height, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
-		const auto framebuffer = opened(screen);
+		const kernel::FramebufferDevice device(folder, size.width, size.height, 32, {16, 8, 0}, {8, 8, 0},
+		                                       {0, 8, 0});
+		const auto framebuffer = opened(device);
 		show(*framebuffer);
 		const std::string shown = std::to_string(size.width) + " x " + std::to_string(size.height);
-		EXPECT_EQ(screen.pixel(size.right, size.bottom), 0xFF8040u) << shown;
+		EXPECT_EQ(device.pixel(size.right, size.bottom), 0xFF8040u) << shown;
 		if (size.width > 1) {
-			EXPECT_EQ(screen.pixel(size.left + 1, size.top + 1), 0xFFFFFFu) << shown;
-			EXPECT_EQ(screen.pixel(size.left + 20, size.top), 0xFF8040u) << shown;
+			EXPECT_EQ(device.pixel(size.left + 1, size.top + 1), 0xFFFFFFu) << shown;
+			EXPECT_EQ(device.pixel(size.left + 20, size.top), 0xFF8040u) << shown;
 		}
 		if (size.left > 0) {
-			EXPECT_EQ(screen.pixel(size.left - 1, size.top), 0u) << shown;
-			EXPECT_EQ(screen.pixel(size.right + 1, size.bottom), 0u) << shown;
+			EXPECT_EQ(device.pixel(size.left - 1, size.top), 0u) << shown;
+			EXPECT_EQ(device.pixel(size.right + 1, size.bottom), 0u) << shown;
 		}
 		if (size.top > 0) {
-			EXPECT_EQ(screen.pixel(size.left, size.top - 1), 0u) << shown;
-			EXPECT_EQ(screen.pixel(size.left, size.bottom + 1), 0u) << shown;
+			EXPECT_EQ(device.pixel(size.left, size.top - 1), 0u) << shown;
+			EXPECT_EQ(device.pixel(size.left, size.bottom + 1), 0u) << shown;
 		}
 	}
 }
@@ -141,18 +143,18 @@ TEST(Framebuffer, becomes_smaller_on_a_smaller_screen)
 TEST(Framebuffer, heeds_the_length_of_a_line_and_where_the_screen_starts)
 {
 	TempFolder folder;
-	kernel::Screen screen(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
-	screen.fixed.line_length = 2048;
-	screen.mode.xres_virtual = 1024;
-	screen.mode.yres_virtual = 1200;
-	screen.mode.yoffset = 600;
-	screen.mode.xoffset = 8;
-	screen.resize();
-	const auto framebuffer = opened(screen);
+	kernel::FramebufferDevice device(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	device.fixed.line_length = 2048;
+	device.mode.xres_virtual = 1024;
+	device.mode.yres_virtual = 1200;
+	device.mode.yoffset = 600;
+	device.mode.xoffset = 8;
+	device.resize();
+	const auto framebuffer = opened(device);
 	show(*framebuffer);
-	EXPECT_EQ(screen.pixel(0, 0), 0xFFFFu);
-	EXPECT_EQ(screen.pixel(719, 575), 0xFC08u);
-	const std::string memory = screen.memory();
+	EXPECT_EQ(device.pixel(0, 0), 0xFFFFu);
+	EXPECT_EQ(device.pixel(719, 575), 0xFC08u);
+	const std::string memory = device.memory();
 	EXPECT_EQ(memory.find_first_not_of('\xAB'), 600u * 2048 + 16)
 		<< "what is not on the screen is left alone";
 	EXPECT_EQ(memory.find_last_not_of('\xAB'), (600u + 575) * 2048 + 16 + 720 * 2 - 1);
@@ -162,42 +164,42 @@ TEST(Framebuffer, heeds_the_length_of_a_line_and_where_the_screen_starts)
 TEST(Framebuffer, writes_only_what_has_changed)
 {
 	TempFolder folder;
-	const kernel::Screen screen(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
-	const auto framebuffer = opened(screen);
+	const kernel::FramebufferDevice device(folder, 800, 600, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	const auto framebuffer = opened(device);
 	show(*framebuffer, {100, 50, 20, 10});
-	EXPECT_EQ(screen.pixel(40 + 100, 12 + 50), 0xFC08u);
-	EXPECT_EQ(screen.pixel(40 + 119, 12 + 59), 0xFC08u);
-	EXPECT_EQ(screen.pixel(40 + 120, 12 + 59), 0u);
-	EXPECT_EQ(screen.pixel(40 + 119, 12 + 60), 0u);
-	EXPECT_EQ(screen.pixel(40 + 99, 12 + 50), 0u);
-	EXPECT_EQ(screen.pixel(40 + 100, 12 + 49), 0u);
+	EXPECT_EQ(device.pixel(40 + 100, 12 + 50), 0xFC08u);
+	EXPECT_EQ(device.pixel(40 + 119, 12 + 59), 0xFC08u);
+	EXPECT_EQ(device.pixel(40 + 120, 12 + 59), 0u);
+	EXPECT_EQ(device.pixel(40 + 119, 12 + 60), 0u);
+	EXPECT_EQ(device.pixel(40 + 99, 12 + 50), 0u);
+	EXPECT_EQ(device.pixel(40 + 100, 12 + 49), 0u);
 	show(*framebuffer, {-10, -10, 2000, 2000});
-	EXPECT_EQ(screen.pixel(39, 12), 0u) << "never beyond the frame";
-	EXPECT_EQ(screen.pixel(40, 12), 0xFFFFu);
+	EXPECT_EQ(device.pixel(39, 12), 0u) << "never beyond the frame";
+	EXPECT_EQ(device.pixel(40, 12), 0xFFFFu);
 }
 
 TEST(Framebuffer, straightens_the_tables_of_a_screen_that_has_them)
 {
 	TempFolder folder;
-	kernel::Screen screen(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
-	opened(screen);
-	EXPECT_TRUE(screen.table.empty());
-	screen.fixed.visual = FB_VISUAL_DIRECTCOLOR;
-	opened(screen);
-	ASSERT_EQ(screen.table.size(), 64u) << "green has 6 bits";
-	EXPECT_EQ(screen.table[0], 0);
-	EXPECT_EQ(screen.table[31], 65535) << "red has 5";
+	kernel::FramebufferDevice device(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0});
+	opened(device);
+	EXPECT_TRUE(device.table.empty());
+	device.fixed.visual = FB_VISUAL_DIRECTCOLOR;
+	opened(device);
+	ASSERT_EQ(device.table.size(), 64u) << "green has 6 bits";
+	EXPECT_EQ(device.table[0], 0);
+	EXPECT_EQ(device.table[31], 65535) << "red has 5";
 }
 
 TEST(Framebuffer, refuses_what_it_cannot_draw_on)
 {
 	TempFolder folder;
-	kernel::Screen screen(folder, 720, 576, 8, {0, 8, 0}, {0, 8, 0}, {0, 8, 0});
-	EXPECT_NE(refusal(screen.path).find("palette of 8 bits"), std::string::npos);
-	EXPECT_NE(refusal(screen.path).find("16, 24 or 32"), std::string::npos);
-	EXPECT_EQ(screen.memory().find_first_not_of('\xAB'), std::string::npos) << "it is left alone";
+	kernel::FramebufferDevice device(folder, 720, 576, 8, {0, 8, 0}, {0, 8, 0}, {0, 8, 0});
+	EXPECT_NE(refusal(device.path).find("palette of 8 bits"), std::string::npos);
+	EXPECT_NE(refusal(device.path).find("16, 24 or 32"), std::string::npos);
+	EXPECT_EQ(device.memory().find_first_not_of('\xAB'), std::string::npos) << "it is left alone";
 
-	kernel::Screen other(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0}, "fb1");
+	kernel::FramebufferDevice other(folder, 720, 576, 16, {11, 5, 0}, {5, 6, 0}, {0, 5, 0}, "fb1");
 	other.mode.grayscale = 1;
 	refusal(other.path);
 	other.mode.grayscale = 0;
@@ -238,17 +240,17 @@ TEST(Framebuffer, is_found)
 TEST(FramebufferScreen, shows_a_frame_when_it_is_presented)
 {
 	TempFolder folder;
-	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
+	const kernel::FramebufferDevice device(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
 	kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
 	const kernel::Console console(folder);
-	const auto made = desk::makeFramebufferScreen({screen.path, remote.path, console.path});
+	const auto made = desk::makeFramebufferScreen({device.path, remote.path, console.path});
 	EXPECT_EQ(console.display(), "graphics");
-	EXPECT_EQ(screen.pixel(100, 100), 0u);
+	EXPECT_EQ(device.pixel(100, 100), 0u);
 	made->canvas()->fill(whole, desk::Fill::plain({1, 2, 3}));
-	EXPECT_EQ(screen.pixel(100, 100), 0u);
+	EXPECT_EQ(device.pixel(100, 100), 0u);
 	made->present({100, 100, 1, 1});
-	EXPECT_EQ(screen.pixel(100, 100), 0x010203u);
-	EXPECT_EQ(screen.pixel(101, 100), 0u) << "only what has changed";
+	EXPECT_EQ(device.pixel(100, 100), 0x010203u);
+	EXPECT_EQ(device.pixel(101, 100), 0u) << "only what has changed";
 	EXPECT_FALSE(made->take());
 	remote.press(KEY_OK);
 	const std::optional<desk::Input> pressed = made->take();
@@ -288,13 +290,13 @@ TEST(FramebufferScreen, shows_lines_that_scroll_as_if_it_painted_them)
 		for (const int width : {640, 800}) {
 			SCOPED_TRACE(layout.name + (" " + std::to_string(width)));
 			TempFolder folder;
-			const kernel::Screen screen(folder, width, 600, layout.bits, layout.red, layout.green,
-			                            layout.blue);
-			const kernel::Screen other(folder, width, 600, layout.bits, layout.red, layout.green, layout.blue,
-			                           "fb1");
+			const kernel::FramebufferDevice device(folder, width, 600, layout.bits, layout.red, layout.green,
+			                                       layout.blue);
+			const kernel::FramebufferDevice other(folder, width, 600, layout.bits, layout.red, layout.green,
+			                                      layout.blue, "fb1");
 			kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
 			const kernel::Console console(folder);
-			const auto made = desk::makeFramebufferScreen({screen.path, remote.path, console.path});
+			const auto made = desk::makeFramebufferScreen({device.path, remote.path, console.path});
 			desk::DisplayList list;
 			for (const auto &[first, covered] : {std::pair(1, false),
 			                                     {2, false},
@@ -312,7 +314,7 @@ TEST(FramebufferScreen, shows_lines_that_scroll_as_if_it_painted_them)
 				desk::PixelCanvas canvas;
 				list.draw(canvas, whole);
 				opened(other)->show(canvas.pixels(), canvas.stride(), whole);
-				EXPECT_TRUE(screen.memory() == other.memory()) << first << covered;
+				EXPECT_TRUE(device.memory() == other.memory()) << first << covered;
 			}
 		}
 }
@@ -320,14 +322,14 @@ TEST(FramebufferScreen, shows_lines_that_scroll_as_if_it_painted_them)
 TEST(FramebufferScreen, leaves_everything_alone_when_something_is_missing)
 {
 	TempFolder folder;
-	const kernel::Screen screen(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
+	const kernel::FramebufferDevice device(folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0});
 	const kernel::Console console(folder);
 	const auto refusal = [](const desk::FramebufferDevices &devices) {
 		return support::errorOf([&] { desk::makeFramebufferScreen(devices); });
 	};
-	EXPECT_NE(refusal({screen.path, folder / "event0", console.path}).find("event0"), std::string::npos);
+	EXPECT_NE(refusal({device.path, folder / "event0", console.path}).find("event0"), std::string::npos);
 	EXPECT_EQ(console.display(), "text");
-	EXPECT_EQ(screen.memory().find_first_not_of('\xAB'), std::string::npos);
+	EXPECT_EQ(device.memory().find_first_not_of('\xAB'), std::string::npos);
 
 	const kernel::Remote remote(folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT});
 	EXPECT_NE(refusal({folder / "fb9", remote.path, console.path}).find("fb9"), std::string::npos);

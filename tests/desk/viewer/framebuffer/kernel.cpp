@@ -23,7 +23,7 @@ namespace
 {
 
 /// The test's devices, by the inode of the file that stands for each.
-std::map<ino_t, Screen *> screens;
+std::map<ino_t, FramebufferDevice *> framebuffers;
 std::map<ino_t, Remote *> remotes;
 std::set<std::string> consoles; // their paths
 
@@ -51,18 +51,18 @@ bool isConsole(int file)
 	return length > 0 && consoles.count(std::string(path, static_cast<size_t>(length))) > 0;
 }
 
-int answer(Screen &screen, unsigned long request, void *argument)
+int answer(FramebufferDevice &device, unsigned long request, void *argument)
 {
 	switch (request) {
 	case FBIOGET_VSCREENINFO:
-		memcpy(argument, &screen.mode, sizeof screen.mode);
+		memcpy(argument, &device.mode, sizeof device.mode);
 		return 0;
 	case FBIOGET_FSCREENINFO:
-		memcpy(argument, &screen.fixed, sizeof screen.fixed);
+		memcpy(argument, &device.fixed, sizeof device.fixed);
 		return 0;
 	case FBIOPUTCMAP: {
 		const fb_cmap &tables = *static_cast<fb_cmap *>(argument);
-		screen.table.assign(tables.red, tables.red + tables.len);
+		device.table.assign(tables.red, tables.red + tables.len);
 		return 0;
 	}
 	case FBIOBLANK:
@@ -125,8 +125,9 @@ long consoleMode(const std::string &path, size_t which)
 
 } // namespace
 
-Screen::Screen(const support::TempFolder &folder, int width, int height, int bits, fb_bitfield red,
-               fb_bitfield green, fb_bitfield blue, const std::string &name)
+FramebufferDevice::FramebufferDevice(const support::TempFolder &folder, int width, int height, int bits,
+                                     fb_bitfield red, fb_bitfield green, fb_bitfield blue,
+                                     const std::string &name)
 	: path(folder.write(name, ""))
 {
 	mode.xres = mode.xres_virtual = static_cast<uint32_t>(width);
@@ -139,17 +140,17 @@ Screen::Screen(const support::TempFolder &folder, int width, int height, int bit
 	fixed.visual = FB_VISUAL_TRUECOLOR;
 	fixed.line_length = mode.xres * mode.bits_per_pixel / 8;
 	resize();
-	screens[inode(path)] = this;
+	framebuffers[inode(path)] = this;
 }
 
-Screen::~Screen()
+FramebufferDevice::~FramebufferDevice()
 {
-	screens.erase(inode(path));
+	framebuffers.erase(inode(path));
 }
 
-void Screen::resize() const
+void FramebufferDevice::resize() const
 {
-	const_cast<Screen *>(this)->fixed.smem_len = fixed.line_length * mode.yres_virtual;
+	const_cast<FramebufferDevice *>(this)->fixed.smem_len = fixed.line_length * mode.yres_virtual;
 	const std::string before(fixed.smem_len, '\xAB');
 	FILE *file = fopen(path.c_str(), "wb");
 	ASSERT_TRUE(file);
@@ -157,12 +158,12 @@ void Screen::resize() const
 	fclose(file);
 }
 
-std::string Screen::memory() const
+std::string FramebufferDevice::memory() const
 {
 	return support::readFile(path);
 }
 
-uint32_t Screen::pixel(int x, int y) const
+uint32_t FramebufferDevice::pixel(int x, int y) const
 {
 	const size_t bytes = mode.bits_per_pixel / 8;
 	const size_t at = (static_cast<size_t>(y) + mode.yoffset) * fixed.line_length +
@@ -253,8 +254,8 @@ extern "C" int ioctl(int file, unsigned long request, ...) noexcept
 	void *argument = va_arg(arguments, void *);
 	va_end(arguments);
 	using namespace kernel;
-	if (Screen *screen = deviceOf(screens, file))
-		return answer(*screen, request, argument);
+	if (FramebufferDevice *device = deviceOf(framebuffers, file))
+		return answer(*device, request, argument);
 	if (const Remote *remote = deviceOf(remotes, file))
 		return answer(*remote, request, argument);
 	if (isConsole(file))

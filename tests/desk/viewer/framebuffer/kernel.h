@@ -14,13 +14,13 @@ namespace kernel
 {
 
 /// A framebuffer of this size and pixel layout. Each byte is 0xAB at first.
-struct Screen
+struct FramebufferDevice
 {
-	Screen(const support::TempFolder &folder, int width, int height, int bits, fb_bitfield red,
-	       fb_bitfield green, fb_bitfield blue, const std::string &name = "fb0");
-	~Screen();
-	Screen(const Screen &) = delete;
-	Screen &operator=(const Screen &) = delete;
+	FramebufferDevice(const support::TempFolder &folder, int width, int height, int bits, fb_bitfield red,
+	                  fb_bitfield green, fb_bitfield blue, const std::string &name = "fb0");
+	~FramebufferDevice();
+	FramebufferDevice(const FramebufferDevice &) = delete;
+	FramebufferDevice &operator=(const FramebufferDevice &) = delete;
 
 	/// The pixel in this computer's byte order.
 	uint32_t pixel(int x, int y) const;

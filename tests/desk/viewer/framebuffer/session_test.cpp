@@ -31,7 +31,7 @@ public:
 		stage.skin = desk::Skin::parse(stage.skinText, "skin");
 		stage.draws = true;
 		stage.openScreen = [this] {
-			return desk::makeFramebufferScreen({screen.path, remote.path, console.path});
+			return desk::makeFramebufferScreen({device.path, remote.path, console.path});
 		};
 		running = std::thread([this, stage] { desk::Session(options, stage).run(); });
 	}
@@ -57,7 +57,7 @@ public:
 
 	support::ReceiverFolder receiver;
 	TempFolder folder;
-	const kernel::Screen screen{folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}};
+	const kernel::FramebufferDevice device{folder, 720, 576, 32, {16, 8, 0}, {8, 8, 0}, {0, 8, 0}};
 	const kernel::Remote remote{folder, {KEY_UP, KEY_DOWN, KEY_OK, KEY_EXIT}};
 	const kernel::Console console{folder};
 
