@@ -53,22 +53,13 @@ void Recorder::openPictures(const std::string &folder)
 	pictures = folder;
 }
 
-void Recorder::openDump(const std::string &file)
+void Recorder::open(Output &output, const std::string &option, const std::string &file)
 {
-	dump.path = file;
-	dump.file = std::fopen(file.c_str(), "ae");
-	if (!dump.file)
-		throw Error("cannot write the dump to '" + file + "': " + std::strerror(errno) +
-		            "; name another file with --dump");
-}
-
-void Recorder::openTrace(const std::string &file)
-{
-	trace.path = file;
-	trace.file = std::fopen(file.c_str(), "ae");
-	if (!trace.file)
-		throw Error("cannot write the trace to '" + file + "': " + std::strerror(errno) +
-		            "; name another file with --trace");
+	output.path = file;
+	output.file = std::fopen(file.c_str(), "ae");
+	if (!output.file)
+		throw Error("cannot write the " + option + " to '" + file + "': " + std::strerror(errno) +
+		            "; name another file with --" + option);
 }
 
 void Recorder::begin()

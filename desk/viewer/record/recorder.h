@@ -21,8 +21,8 @@ public:
 	/// Records pictures in `folder`, which is created if missing, or descriptions or calls in `file`, unchanged until
 	/// begin(). They throw an Error on failure.
 	void openPictures(const std::string &folder);
-	void openDump(const std::string &file);
-	void openTrace(const std::string &file);
+	void openDump(const std::string &file) { open(dump, "dump", file); }
+	void openTrace(const std::string &file) { open(trace, "trace", file); }
 
 	/// Empties the files, after all are opened.
 	void begin();
@@ -43,6 +43,7 @@ private:
 		FILE *file = nullptr; ///< null: not recorded
 	};
 
+	static void open(Output &output, const std::string &option, const std::string &file);
 	void write(Output &output, const std::string &line);
 	void keepError(const Output &output);
 
