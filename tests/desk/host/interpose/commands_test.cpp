@@ -15,11 +15,6 @@ using support::DeskRun;
 using support::ReceiverFolder;
 using support::TempFolder;
 
-bool has(const std::string &text, const std::string &part)
-{
-	return text.find(part) != std::string::npos;
-}
-
 /// A process of this computer, which must survive.
 class Bystander : public support::Child
 {

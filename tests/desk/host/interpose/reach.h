@@ -11,4 +11,9 @@ inline support::DeskRun reach(const std::string &how, const std::string &on,
 	return support::runDesk("", "", options, {{"REACH", how}, {"ON", on}});
 }
 
+inline bool has(const std::string &text, const std::string &part)
+{
+	return text.find(part) != std::string::npos;
+}
+
 #endif

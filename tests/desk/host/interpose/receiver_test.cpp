@@ -10,11 +10,6 @@ namespace receiver_test
 using support::DeskRun;
 using support::TempFolder;
 
-bool has(const std::string &text, const std::string &part)
-{
-	return text.find(part) != std::string::npos;
-}
-
 TEST(ThisComputer, has_the_commands_of_a_receiver)
 {
 	const std::string listed = reach("run", "ps").outcome.err;
