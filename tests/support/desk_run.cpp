@@ -47,23 +47,6 @@ std::string buildPath(const std::string &inTree)
 	return TEST_BINARY_DIR "/" + inTree;
 }
 
-std::string skinWithFontSize(const TempFolder &folder, int fontSize)
-{
-	std::string skin;
-	bool found = false;
-	for (const std::string &line : lines(readFile(sourcePath("desk/skins/default.toml")))) {
-		if (line.rfind("fontsize", 0) != 0) {
-			skin += line + '\n';
-			continue;
-		}
-		found = true;
-		if (fontSize)
-			skin += "fontsize = " + std::to_string(fontSize) + '\n';
-	}
-	EXPECT_TRUE(found) << "the default skin has no fontsize to change";
-	return folder.write("skin.toml", skin);
-}
-
 std::vector<Json> dumpSoFar(const std::string &path)
 {
 	const std::string text = readFile(path);

@@ -20,9 +20,6 @@ std::string testPlugin(const std::string &name);   ///< a plugin of tests/desk/p
 std::string sourcePath(const std::string &inTree); ///< a file of the source tree
 std::string buildPath(const std::string &inTree);  ///< a file of the build tree
 
-/// Writes the default skin with another "fontsize" into `folder`, for 0 without one. Returns its path.
-std::string skinWithFontSize(const TempFolder &folder, int fontSize);
-
 /// The records of a dump so far, without one that is still being written.
 std::vector<Json> dumpSoFar(const std::string &path);
 

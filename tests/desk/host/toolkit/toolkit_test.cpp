@@ -37,9 +37,14 @@ TEST(Toolkit, keeps_questions_on_the_screen_whatever_the_font_size)
 {
 	ReceiverFolder receiver;
 	receiver.scanLog("a\n");
+	const std::string skin = support::readFile(support::sourcePath("desk/skins/default.toml"));
+	const size_t from = skin.find("fontsize = 20");
+	ASSERT_NE(from, skin.npos) << "the default skin has no fontsize to change";
 	for (const int fontSize : {1, 60, 200}) {
+		std::string changed = skin;
+		changed.replace(from, 13, "fontsize = " + std::to_string(fontSize));
 		const DeskRun run =
-			runDesk(receiver.path(), "3 red", {"--skin", skinWithFontSize(receiver, fontSize)});
+			runDesk(receiver.path(), "3 red", {"--skin", receiver.write("skin.toml", changed)});
 		const Json &client = run.window(2)["client"];
 		EXPECT_GE(client[1], 0) << fontSize;
 		EXPECT_LE(client[1].get<int>() + client[3].get<int>(), 576) << fontSize;
