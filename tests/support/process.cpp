@@ -118,6 +118,18 @@ bool hasEnded(pid_t process)
 	return stat.empty() || stat[stat.rfind(')') + 2] == 'Z';
 }
 
+long cpuOf(pid_t process)
+{
+	const std::string stat = readFile("/proc/" + std::to_string(process) + "/stat");
+	std::istringstream fields(stat.substr(stat.rfind(')') + 2));
+	std::string skipped;
+	for (int i = 0; i < 11; ++i)
+		fields >> skipped;
+	long user = 0, system = 0;
+	fields >> user >> system;
+	return user + system;
+}
+
 void Child::start(const Command &command, const Environment &environment, int output)
 {
 	int ends[2];
@@ -189,18 +201,6 @@ std::string Child::line()
 		buffer.append(piece, static_cast<size_t>(length));
 	}
 	return "(nothing)";
-}
-
-long Child::cpu() const
-{
-	const std::string stat = readFile("/proc/" + std::to_string(id) + "/stat");
-	std::istringstream fields(stat.substr(stat.rfind(')') + 2));
-	std::string skipped;
-	for (int i = 0; i < 11; ++i)
-		fields >> skipped;
-	long user = 0, system = 0;
-	fields >> user >> system;
-	return user + system;
 }
 
 } // namespace support

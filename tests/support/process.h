@@ -38,6 +38,9 @@ std::vector<pid_t> childrenOf(pid_t process);
 /// Whether a process has ended, even if its parent does not know yet.
 bool hasEnded(pid_t process);
 
+/// CPU ticks that a process has used so far.
+long cpuOf(pid_t process);
+
 /// A program that runs beside the test. It is killed with the object, and when the test ends.
 class Child
 {
@@ -61,8 +64,7 @@ public:
 	/// Waits for the next line of output; "(nothing)" when none comes.
 	std::string line();
 
-	/// CPU ticks used so far.
-	long cpu() const;
+	long cpu() const { return cpuOf(id); }
 
 private:
 	pid_t id = -1;

@@ -275,13 +275,7 @@ TEST_F(HostInTerminal, commands_reach_no_terminal)
 	for (const std::string &start :
 	     {host("--root " + receiver.path()), "env PATH=" + receiver.path() + "/here:$PATH " + host("")}) {
 		Tmux terminal(80, 24);
-		const auto modes = [&](const std::string &name) {
-			terminal.enter("clear; stty -g >" + terminal.folder() + "/" + name + "; echo sa''ved " + name +
-			               ".");
-			EXPECT_TRUE(terminal.shows("saved " + name + "."));
-			return support::readFile(terminal.folder() + "/" + name);
-		};
-		const std::string before = modes("before");
+		const std::string before = terminal.modes();
 		terminal.start(start + " --dump " + terminal.folder() + "/dump");
 		ASSERT_TRUE(terminal.shows(helpLine));
 		terminal.press("4");
@@ -292,7 +286,7 @@ TEST_F(HostInTerminal, commands_reach_no_terminal)
 		terminal.press("q");
 		ASSERT_TRUE(terminal.shows("status=0 $"));
 		EXPECT_EQ(terminal.screen().find("LOST"), std::string::npos);
-		EXPECT_EQ(modes("after"), before);
+		EXPECT_EQ(terminal.modes(), before);
 		const std::string dump = support::readFile(terminal.folder() + "/dump");
 		EXPECT_NE(dump.find("reached:"), std::string::npos) << "the command has run";
 		EXPECT_EQ(dump.find("reached:0"), std::string::npos);

@@ -48,19 +48,12 @@ struct Demo : Tmux
 	const int process;
 };
 
-std::string mode(const Tmux &terminal, const std::string &name)
-{
-	terminal.enter("clear; stty -g >" + terminal.folder() + "/" + name + "; echo sa''ved " + name + ".");
-	terminal.shows("saved " + name + ".");
-	return support::readFile(terminal.folder() + "/" + name);
-}
-
 /// Starts the demonstration, calls `end`, and expects the terminal in its former state.
 template <class End>
 void expectRestored(int status, const End &end, const std::string &also = "", const std::string &before = "")
 {
 	Tmux terminal(90, 30);
-	const std::string modes = mode(terminal, "before");
+	const std::string modes = terminal.modes();
 	const int process = terminal.start(before + demo);
 	ASSERT_TRUE(terminal.shows(helpLine));
 	EXPECT_TRUE(support::eventually([&] { return terminal.state() == "1 0 1"; })) << terminal.state();
@@ -70,7 +63,7 @@ void expectRestored(int status, const End &end, const std::string &also = "", co
 	const std::string screen = terminal.screen();
 	EXPECT_EQ(screen.find(helpLine), std::string::npos);
 	EXPECT_NE(screen.find(also), std::string::npos) << screen;
-	EXPECT_EQ(mode(terminal, "after"), modes);
+	EXPECT_EQ(terminal.modes(), modes);
 	terminal.enter("echo the shell li''ves");
 	EXPECT_TRUE(terminal.shows("the shell lives"));
 }
@@ -441,14 +434,14 @@ TEST(TerminalScreen, notes_go_at_once_to_a_standard_error_elsewhere)
 TEST(TerminalScreen, stopping_gives_the_terminal_back_until_the_program_goes_on)
 {
 	Tmux terminal(90, 30);
-	const std::string before = mode(terminal, "before");
+	const std::string before = terminal.modes();
 	terminal.start(demo);
 	ASSERT_TRUE(terminal.shows(helpLine));
 	for (const std::string key : {"down", "up"}) {
 		terminal.press("C-z");
 		ASSERT_TRUE(terminal.shows("Stopped"));
 		EXPECT_EQ(terminal.state(), "0 1 0");
-		EXPECT_EQ(mode(terminal, "stopped-" + key), before);
+		EXPECT_EQ(terminal.modes(), before);
 		terminal.enter("clear; fg");
 		ASSERT_TRUE(terminal.shows(helpLine));
 		EXPECT_TRUE(support::eventually([&] { return terminal.state() == "1 0 1"; })) << terminal.state();
@@ -462,7 +455,7 @@ TEST(TerminalScreen, stopping_gives_the_terminal_back_until_the_program_goes_on)
 	ASSERT_TRUE(terminal.shows(std::string(5, ' ') + " Arrows j k move"));
 	terminal.press("q");
 	EXPECT_TRUE(terminal.shows("keys: down up exit"));
-	EXPECT_EQ(mode(terminal, "after"), before);
+	EXPECT_EQ(terminal.modes(), before);
 }
 
 TEST(TerminalScreen, a_signal_ends_what_is_stopped_beside_the_prompt)
@@ -594,13 +587,10 @@ TEST(TerminalScreen, waiting_for_keys_takes_no_time)
 	const Demo terminal;
 	const pid_t child = support::childrenOf(terminal.process).at(0);
 	const auto ticksOf = [](int id) {
-		const std::string stat = support::readFile("/proc/" + std::to_string(id) + "/stat");
-		unsigned long user = 0, system = 0, switches = 0;
-		sscanf(stat.c_str() + stat.rfind(')'), ") %*c %*d %*d %*d %*d %*d %*u %*u %*u %*u %*u %lu %lu", &user,
-		       &system);
+		unsigned long switches = 0;
 		const std::string status = support::readFile("/proc/" + std::to_string(id) + "/status");
 		sscanf(status.c_str() + status.find("\nvoluntary"), "\nvoluntary_ctxt_switches: %lu", &switches);
-		return std::pair(user + system, switches);
+		return std::pair(support::cpuOf(id), switches);
 	};
 	const auto ticks = [&] { return std::pair(ticksOf(terminal.process), ticksOf(child)); };
 	const auto before = ticks();

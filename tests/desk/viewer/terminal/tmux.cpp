@@ -119,6 +119,15 @@ std::string Tmux::state() const
 	return flags;
 }
 
+std::string Tmux::modes() const
+{
+	const std::string file = directory / "modes";
+	remove(file.c_str());
+	enter("clear; stty -g >" + file + ".new; mv " + file + ".new " + file);
+	EXPECT_TRUE(support::eventually([&] { return support::exists(file); }));
+	return support::readFile(file);
+}
+
 bool Tmux::until(const std::string &text, bool there) const
 {
 	if (support::eventually([&] { return (screen().find(text) != std::string::npos) == there; }))

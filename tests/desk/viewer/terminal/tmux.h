@@ -29,6 +29,9 @@ public:
 	std::string colouredScreen() const; ///< with escape sequences
 	std::string state() const; ///< "alternate screen, cursor shown, keypad in application mode", each 0 or 1
 
+	/// The terminal's modes, as stty prints them. The shell must be waiting for a command.
+	std::string modes() const;
+
 	/// Waits until the screen shows `text`, or no longer shows it; false after a minute.
 	bool shows(const std::string &text) const;
 	bool losesSight(const std::string &text) const;
