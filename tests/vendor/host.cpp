@@ -23,6 +23,7 @@
 //     trace       the trace begins here
 //     again       runs the plugin once more
 
+#include "breaking_file.h"
 #include "gui/gui.h"
 
 #include <dirent.h>
@@ -30,7 +31,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <clocale>
 #include <cstdarg>
 #include <cstdio>
@@ -202,42 +202,6 @@ std::string nextKey()
 	return key;
 }
 
-/// A file that fails in the middle.
-struct Broken
-{
-	FILE *behind;
-	int left;
-
-	static ssize_t read(void *cookie, char *buffer, std::size_t size)
-	{
-		Broken &file = *static_cast<Broken *>(cookie);
-		const int wanted = std::min(static_cast<int>(size), file.left);
-		if (wanted == 0) {
-			errno = EIO;
-			return -1;
-		}
-		file.left -= wanted;
-		return static_cast<ssize_t>(std::fread(buffer, 1, static_cast<std::size_t>(wanted), file.behind));
-	}
-
-	static int close(void *cookie)
-	{
-		Broken *file = static_cast<Broken *>(cookie);
-		const int result = std::fclose(file->behind);
-		delete file;
-		return result;
-	}
-
-	static FILE *open(FILE *behind, int length)
-	{
-		Broken *file = new Broken;
-		file->behind = behind;
-		file->left = length;
-		cookie_io_functions_t functions = {read, NULL, NULL, close};
-		return fopencookie(file, "r", functions);
-	}
-};
-
 /// Mutes the calls of a base class's constructor; evaluated before it runs.
 template <class T> T quietly(T value)
 {
@@ -254,7 +218,7 @@ FILE *__wrap_fopen(const char *path, const char *mode)
 {
 	FILE *stream = given("open") ? NULL : std::fopen(served(path).c_str(), mode);
 	if (stream && given("read"))
-		stream = Broken::open(stream, number("read", 0));
+		stream = BreakingFile::open(stream, static_cast<std::size_t>(number("read", 0)), false);
 	line("fopen(" + quoted(path) + ", " + quoted(mode) + ") = " + (stream ? "stream" : "null"));
 	return stream;
 }
