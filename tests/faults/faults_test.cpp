@@ -38,19 +38,15 @@ enum class Kind
 struct Source
 {
 	const char *name;
-	const char *title;
 	Kind kind;
 	const char *path;      ///< below the receiver's folder
 	const char *temporary; ///< commands: where in /var/tmp their output goes
 };
 
 constexpr Source sources[] = {
-	{"meminfo", "`/proc/meminfo`", Kind::file, "proc/meminfo", nullptr},
-	{"mtd", "`/proc/mtd`", Kind::file, "proc/mtd", nullptr},
-	{"scanlog", "the scan log", Kind::file, "var/scaning.log", nullptr},
-	{"ps", "`ps`", Kind::command, "bin/ps", "ps.tmp"},
-	{"df", "`df`", Kind::command, "bin/df", "df.tmp"},
-	{"var_tmp", "`/var/tmp`", Kind::varTmp, nullptr, nullptr},
+	{"meminfo", Kind::file, "proc/meminfo", nullptr},    {"mtd", Kind::file, "proc/mtd", nullptr},
+	{"scanlog", Kind::file, "var/scaning.log", nullptr}, {"ps", Kind::command, "bin/ps", "ps.tmp"},
+	{"df", Kind::command, "bin/df", "df.tmp"},           {"var_tmp", Kind::varTmp, nullptr, nullptr},
 };
 
 const Source &source(const std::string &name)
@@ -159,7 +155,7 @@ void remove(const Scenario &scenario, const Source &of)
 	fs::remove(scenario.place(of));
 }
 
-/// One fault of one kind of source, named as in the documentation.
+/// One fault of one kind of source.
 struct Cell
 {
 	const char *what; ///< without `arrange`: why the fault cannot occur
@@ -169,7 +165,6 @@ struct Cell
 struct Fault
 {
 	const char *name;
-	const char *title;
 	Cell file, command, varTmp;
 
 	const Cell &cell(Kind kind) const
@@ -183,7 +178,6 @@ const Cell runsNothing = {"it runs nothing"};
 
 const Fault faults[] = {
 	{"missing",
-     "missing",
      {"there is no such file",
       [](Scenario &scenario, const Source &file) {
 		  remove(scenario, file);
@@ -202,7 +196,6 @@ const Fault faults[] = {
 	  }}},
 
 	{"no_rights",
-     "no rights",
      {"nobody may read it",
       [](Scenario &scenario, const Source &file) {
 		  chmod(scenario.place(file).c_str(), 0);
@@ -223,7 +216,6 @@ const Fault faults[] = {
 	  }}},
 
 	{"folder",
-     "folder",
      {"a folder is in its place",
       [](Scenario &scenario, const Source &file) {
 		  remove(scenario, file);
@@ -251,7 +243,6 @@ const Fault faults[] = {
 	  }}},
 
 	{"empty",
-     "empty",
      {"it has no byte",
       [](Scenario &scenario, const Source &file) {
 		  scenario.receiver.write(file.path, "");
@@ -267,7 +258,6 @@ const Fault faults[] = {
      {"that is its normal state"}},
 
 	{"read_error",
-     "read error part-way",
      {"EIO in the middle of the last line",
       [](Scenario &scenario, const Source &file) { scenario.breakReading(file, scenario.place(file)); }},
      {"EIO in the middle of the last line of its output",
@@ -281,7 +271,6 @@ const Fault faults[] = {
 	  }}},
 
 	{"full_disk",
-     "full disk while the command writes",
      noCommand,
      {"only its first 512 bytes can be written",
       [](Scenario &scenario, const Source &command) {
@@ -297,7 +286,6 @@ const Fault faults[] = {
 	  }}},
 
 	{"fails",
-     "a command that fails",
      noCommand,
      {"it prints two lines, an error, and ends with status 1",
       [](Scenario &scenario, const Source &command) {
@@ -309,7 +297,6 @@ const Fault faults[] = {
      runsNothing},
 
 	{"megabytes",
-     "prints megabytes",
      {"it is over two megabytes long",
       [](Scenario &scenario, const Source &file) {
 		  const std::string &one = healthy.at(file.name);
@@ -329,7 +316,6 @@ const Fault faults[] = {
      runsNothing},
 
 	{"nothing",
-     "prints nothing",
      noCommand,
      {"it succeeds and prints nothing",
       [](Scenario &scenario, const Source &command) {
@@ -339,7 +325,6 @@ const Fault faults[] = {
      runsNothing},
 
 	{"no_command",
-     "does not exist",
      noCommand,
      {"the PATH has no such command",
       [](Scenario &scenario, const Source &command) {
@@ -454,8 +439,7 @@ struct Case
 
 	friend std::ostream &operator<<(std::ostream &out, const Case &one)
 	{
-		return out << one.source->title << ", " << one.fault->title << ": "
-		           << one.fault->cell(one.source->kind).what;
+		return out << one.fault->cell(one.source->kind).what;
 	}
 };
 
@@ -467,33 +451,6 @@ std::vector<Case> cases()
 			if (fault.cell(one.kind).arrange)
 				all.push_back({&one, &fault});
 	return all;
-}
-
-/// The table of the documentation.
-std::string table()
-{
-	const auto titles = [](Kind kind) {
-		std::string text;
-		for (const Source &one : sources)
-			if (one.kind == kind)
-				text += (text.empty() ? "" : ", ") + std::string(one.title);
-		return text;
-	};
-	const auto text = [](const Cell &cell) {
-		const std::string what = cell.what;
-		return cell.arrange ? what : "— (" + what + ')';
-	};
-	std::string lines = "| fault | " + titles(Kind::file) + " | " + titles(Kind::command) + " | " +
-	                    titles(Kind::varTmp) + " |\n|---|---|---|---|\n";
-	for (const Fault &fault : faults)
-		lines += "| " + std::string(fault.title) + " | " + text(fault.file) + " | " + text(fault.command) +
-		         " | " + text(fault.varTmp) + " |\n";
-	const size_t count = std::size(sources) * std::size(faults);
-	const size_t done = cases().size();
-	return lines + "\n" + std::to_string(std::size(sources)) + " sources and " +
-	       std::to_string(std::size(faults)) + " faults make " + std::to_string(count) +
-	       " pairs: " + std::to_string(done) + " are runs of all four screens, " +
-	       std::to_string(count - done) + " cannot be (—).\n";
 }
 
 class Faults : public testing::TestWithParam<Case>
@@ -538,13 +495,6 @@ TEST(Health, shows_everything_where_nothing_is_wrong)
 	                "3   found 24 services\n", "4 end\n"}));
 	EXPECT_EQ(label(run, scanLog, 0), "size of /var/scaning.log : 74 bytes");
 	EXPECT_EQ(label(run, systemInfo, 1), "dev:\nmtd0:\nmtd1:\nmtd2:\n");
-}
-
-TEST(Table, is_in_the_documentation)
-{
-	EXPECT_NE(support::readFile(support::sourcePath("docs/testing.md")).find(table()), std::string::npos)
-		<< "docs/testing.md needs this table:\n"
-		<< table();
 }
 
 } // namespace
