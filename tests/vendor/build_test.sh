@@ -92,6 +92,11 @@ mistakes)
 	refuses 'none of these folders has sigc++/signal.h' -DVEXLO_DESK=OFF -DVEXLO_SIGC1_INCLUDE=/nowhere
 	refuses 'has libsigc++ 2 or 3, not 1.2' -DVEXLO_DESK=OFF \
 		"-DVEXLO_SIGC1_INCLUDE=$(pkg-config --variable=includedir sigc++-3.0)/sigc++-3.0"
+	mkdir -p "$build/1.0/sigc++"
+	touch "$build/1.0/sigc++/signal_system.h"
+	refuses 'has libsigc++ 1.0, and the desk host needs 1.2' "-DVEXLO_SIGC1_INCLUDE=$build/1.0"
+	configure -U 'VEXLO_*' -DVEXLO_DESK=OFF "-DVEXLO_SIGC1_INCLUDE=$build/1.0" && grep -q VEXLO_SIGC1=0 "$build/build.ninja" ||
+		{ cat "$build.log"; echo "the plugin is not built for 1.0"; exit 1; }
 	echo '!<arch>' >"$build.a"
 	refuses 'is no shared library' "-DVEXLO_SIGC1_INCLUDE=$sigc" "-DVEXLO_SIGC1_LIBRARY=$build.a"
 	# Relative paths start from the working folder of cmake, not from the build folder.

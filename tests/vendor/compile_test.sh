@@ -1,7 +1,8 @@
 #!/bin/sh
 # Compiles each source and header of the plugin alone against a vendor's toolkit, as C++98; all together as each newer
-# C++ that the compiler knows; and each header of our contract alone, as C++11, with only its own folder and the
-# signal library on the include path. Arguments: a C++ compiler, the source folder.
+# C++ up to 23; each header of our contract alone, as C++11, with only its own folder and the signal library on the
+# include path; and the plugin's screens with our contract on the signal library 1.0. Arguments: a C++ compiler, the
+# source folder.
 set -eu
 cd "$2"
 
@@ -10,7 +11,7 @@ alone=$(mktemp)
 trap 'rm -rf "$alone" "$alone.1.0"' EXIT
 
 count=0
-compile() # STANDARD, FILE, then options
+compile() # STANDARD, FILE, then options and more files
 {
 	standard=$1 file=$2
 	shift 2
@@ -36,30 +37,24 @@ for file in src/*.h src/readers/*.h src/translation/*.h; do
 	compile c++98 "$alone" $vendor
 done
 
-newest=
-for year in 11 14 17 20 23:2b; do
-	for standard in "c++${year%:*}" "c++${year#*:}"; do
-		if knows "$standard"; then
-			newest=$standard
-			include src/*.cpp
-			compile "$standard" "$alone" $vendor
-			break
-		fi
-	done
-done
-[ -n "$newest" ] || { echo "$compiler knows nothing newer than C++98"; exit 1; }
-for file in src/readers/*.cpp; do
-	compile "$newest" "$file" $vendor
+# Two readers have a function of one name, so one of them is compiled beside the others.
+include src/*.cpp $(ls src/readers/*.cpp | grep -v mtd_columns)
+for year in 11 14 17 20 23:2b; do # 23 had another name before it was final
+	standard=c++${year%:*}
+	knows "$standard" || standard=c++${year#*:}
+	compile "$standard" "$alone" $vendor src/readers/mtd_columns.cpp
 done
 
 for file in src/toolkit/*.h; do
 	include "$file"
 	compile c++11 "$alone" -Isrc/toolkit -DVEXLO_SIGC1=2
 done
-# 1.0 has the same headers under another name.
+# 1.0 has no ObjectBase, and one header with another name.
 mkdir "$alone.1.0" "$alone.1.0/sigc++"
-printf '#include <sigc++/object_slot.h>\n#include <sigc++/signal.h>\n' >"$alone.1.0/sigc++/signal_system.h"
-include src/toolkit/toolkit.h
-compile c++11 "$alone" -Isrc/toolkit -isystem "$alone.1.0" -DVEXLO_SIGC1=0
-[ "$count" -gt 45 ] || { echo "only $count files"; exit 1; }
-echo "$count times, up to $newest"
+(cd tests/vendor/sigc1/include/sigc++-1.2/sigc++ && cat object_slot.h signal.h) |
+	sed 's/ObjectBase/Base/g; /^#include </d; /^#if SIGC/,/^#endif/d' >"$alone.1.0/sigc++/signal_system.h"
+sigc="-isystem $alone.1.0"
+include src/*.cpp
+compile c++11 "$alone" -Isrc -Isrc/readers -Isrc/translation -Isrc/toolkit -DVEXLO_SIGC1=0
+[ "$count" -gt 40 ] || { echo "only $count files"; exit 1; }
+echo "$count times, as C++98 to 23"
