@@ -54,7 +54,11 @@ signals)
 	[ $# -lt 5 ] || "$sources/tests/size/size_test.sh" "$plugin" strip size 43520 34000
 	;;
 toolkit)
-	build "-DVEXLO_TOOLKIT_INCLUDE=$sources/tests/vendor/include" "-DVEXLO_SIGC1_INCLUDE=$sigc"
+	# toolkit.h is in one folder, and what it includes in another.
+	mkdir "$build/widgets" "$build/own"
+	cp -R "$sources/tests/vendor/include/gui" "$build/widgets"
+	cp "$sources/tests/vendor/include/toolkit.h" "$build/own"
+	build "-DVEXLO_TOOLKIT_INCLUDE=$build/widgets;$build/own" "-DVEXLO_SIGC1_INCLUDE=$sigc"
 	if ninja -C "$build" -t deps | grep 'src/toolkit/'; then
 		echo "src/toolkit is used"
 		exit 1
