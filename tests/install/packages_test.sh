@@ -31,6 +31,7 @@ has deskhost usr/bin/deskhost usr/libexec/deskhost/deskhost-plugin usr/share/des
 	usr/share/deskhost/samples/receiver/bin/ps
 has libvexlo-toolkit-dev usr/include/vexlo-toolkit/toolkit.h "$lib/cmake/VexloToolkit/VexloToolkitConfig.cmake" \
 	"$lib/pkgconfig/vexlo-toolkit.pc" usr/bin/golden-test usr/bin/deskhost-new \
+	usr/bin/check-host usr/share/man/man1/check-host.1.gz \
 	usr/share/doc/libvexlo-toolkit-dev/html/classeWidget.html \
 	usr/share/doc/libvexlo-toolkit-dev/docs/plugins.md \
 	usr/share/doc/libvexlo-toolkit-dev/examples/favourites/favourites.cpp \
