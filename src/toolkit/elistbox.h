@@ -183,7 +183,7 @@ public:
 	SigC::Signal0<void> selected;
 
 private:
-	// A slot of the 1.x library must take exactly the type that its signal passes.
+	// A slot of the 1.2 library must take exactly the type that its signal passes.
 	void chosen(eListBoxEntryMenu *entry) { LBSelected(entry); }
 };
 

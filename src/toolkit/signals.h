@@ -15,7 +15,7 @@
 #endif
 
 /// Identifies the signal layer, which must be the same on both sides.
-#define VEXLO_SIGNAL_LAYER "libsigc++ 1"
+#define VEXLO_SIGNAL_LAYER "libsigc++ 1.2"
 
 #else
 
