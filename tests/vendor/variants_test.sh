@@ -34,6 +34,10 @@ try() # WHAT, then pairs of the place of a change (gui, toolkit or src) and a se
 		2>"$work/said" || { echo "$what does not compile:"; head -n 20 "$work/said"; fails=1; }
 }
 
+# The document's class for a protected key.
+awk '/^ +struct OurKey/ { inside = 1 } inside && /^$/ { exit } inside' docs/porting.md >"$work/key"
+grep -q '#define VEXLO_ENTRY_KEY' "$work/key" || { echo 'docs/porting.md has no key of its own'; fails=1; }
+
 accept='^	void accept();'
 try 'an accept that is one of several' gui "s/$accept/	void accept();\n	int accept(int);/"
 try 'a protected accept' gui "s/$accept/protected:\n	void accept();\npublic:/"
@@ -47,13 +51,16 @@ try 'a skin by reference' gui 's/static eSkin \*getActive/static eSkin \&getActi
 try 'a constant skin' gui 's/static eSkin \*getActive/static const eSkin *getActive/'
 try 'an eString that is only made on purpose' gui 's/eString(const char \*text)/explicit eString(const char *text)/'
 try 'a key that is protected' gui '/const void \*data() const/d' \
-	toolkit 's/^#define VEXLO_ENTRY_KEY.*/struct OurKey : eListBoxEntryText\n{\n	static void *of(eListBoxEntryText \&entry) { return entry.*(\&OurKey::key); }\n};\n#define VEXLO_ENTRY_KEY(entry) OurKey::of(entry)/'
+	toolkit "/^#define VEXLO_ENTRY_KEY/{
+		r $work/key
+		d
+	}"
 try 'a help that must be given' gui 's/const char \*label = 0, void \*key = 0,/const char *label, void *key,/' \
 	gui 's/^	                  const eString &help = eString())/	                  const eString \&help)/' \
 	src/widgets.cpp 's/new eString(key))/new eString(key), eString())/'
 
 # The document contains these changes.
-for words in '&eSysInfDialog::exit' 'OurKey::of(entry)' 'new eString(key), eString()'; do
+for words in '&eSysInfDialog::exit' 'new eString(key), eString()'; do
 	grep -qF -- "$words" docs/porting.md || { echo "docs/porting.md has no: $words"; fails=1; }
 done
 exit $fails
