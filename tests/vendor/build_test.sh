@@ -86,10 +86,15 @@ desk)
 	"$cmake" --install "$build" --component dev --prefix "$build/usr" >"$build.log"
 	flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$build/usr" -name vexlo-toolkit.pc)") pkg-config --cflags vexlo-toolkit)
 	"$compiler" -std=c++17 -fPIC -shared $flags "$sources"/examples/network/*.cpp -o "$build/network.so.0"
-	if nm -DC "$build/network.so.0" | grep sigc::; then
-		echo "the example needs libsigc++ 3.0"
-		exit 1
-	fi
+	"$cmake" -S "$sources/examples/network" -B "$build/network" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
+		-DCMAKE_PREFIX_PATH="$build/usr" -DBUILD_TESTING=OFF >"$build.log" 2>&1 &&
+		"$cmake" --build "$build/network" >>"$build.log" 2>&1 || { cat "$build.log"; exit 1; }
+	for example in "$build/network.so.0" "$build/network/network.so.0"; do
+		if nm -DC "$example" | grep sigc:: || ! nm -DC "$example" | grep -q 'SigC::ObjectBase::reference() const'; then
+			echo "the example does not use the 1.2 library: $example"
+			exit 1
+		fi
+	done
 	;;
 mistakes)
 	refuses 'The desk host needs the 1.2 signal library itself' "-DVEXLO_SIGC1_INCLUDE=$sigc"
