@@ -38,7 +38,7 @@ for file in src/*.h src/readers/*.h src/translation/*.h; do
 done
 
 # Two readers have a function of one name, so one of them is compiled beside the others.
-include src/*.cpp $(ls src/readers/*.cpp | grep -v mtd_columns)
+include src/*.cpp src/readers/[!m]*.cpp src/readers/m[!t]*.cpp
 for year in 11 14 17 20 23:2b; do # 23 had another name before it was final
 	standard=c++${year%:*}
 	knows "$standard" || standard=c++${year#*:}
