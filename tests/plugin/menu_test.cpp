@@ -71,7 +71,7 @@ TEST(Menu, opens_the_entry_of_a_digit)
 	const DeskRun run = runDesk(receiver.path(), "2 exit 4 exit 5 9 0 exit");
 	EXPECT_EQ(run.window(1)["class"], "eMemInfoDialog");
 	EXPECT_EQ(run.window(3)["class"], "eSysInfDialog");
-	for (size_t i : {4, 5, 6, 7})
+	for (const size_t i : {4u, 5u, 6u, 7u})
 		EXPECT_EQ(run.window(i)["class"], "eVexloMenu");
 }
 

@@ -120,7 +120,7 @@ FILE *openOlderMeminfo()
 	FILE *older = fmemopen(nullptr, text.size() + 1, "w+");
 	if (older) {
 		fputs(text.c_str(), older);
-		rewind(older);
+		fseek(older, 0, SEEK_SET);
 	}
 	return older;
 }

@@ -17,8 +17,6 @@ namespace desk
 namespace
 {
 
-using State = eWidget::State;
-
 std::string className(const eWidget &widget)
 {
 	int status = 0;

@@ -13,8 +13,6 @@
 namespace desk
 {
 
-using State = eWidget::State;
-
 Desk &Desk::get()
 {
 	static Desk desk;

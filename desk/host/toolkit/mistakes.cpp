@@ -22,8 +22,6 @@ namespace desk
 namespace
 {
 
-using State = eWidget::State;
-
 std::string quoted(const std::string &text)
 {
 	return '"' + text + '"';

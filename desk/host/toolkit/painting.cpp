@@ -9,8 +9,6 @@ namespace desk
 namespace
 {
 
-using State = eWidget::State;
-
 std::vector<Color> &palette()
 {
 	static std::vector<Color> colors;

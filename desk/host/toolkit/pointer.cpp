@@ -9,7 +9,6 @@ namespace desk
 namespace
 {
 
-using State = eWidget::State;
 using List = eListBoxBase::List;
 using Keys = std::vector<Key>;
 

@@ -104,4 +104,11 @@ struct eWidget::State
 	}
 };
 
+namespace desk
+{
+
+using State = eWidget::State;
+
+} // namespace desk
+
 #endif

@@ -10,8 +10,6 @@ namespace desk
 namespace
 {
 
-using State = eWidget::State;
-
 void take(std::vector<eWidget *> &widgets, const eWidget &widget)
 {
 	widgets.erase(std::remove(widgets.begin(), widgets.end(), &widget), widgets.end());

@@ -299,7 +299,7 @@ bool haveLetters()
 	PangoFontFamily **families = nullptr;
 	int count = 0;
 	pango_font_map_list_families(fonts.get(), &families, &count);
-	g_free(families);
+	g_free(static_cast<void *>(families));
 	if (count == 0)
 		return false;
 	Font &font = typesetter().font(Face::columns, 20, false);

@@ -275,7 +275,7 @@ TEST(Catalogue, is_a_file_that_can_be_read)
 	                                                       {place.write("empty.mo", ""), "it is none"}};
 	for (const auto &[path, reason] : others) {
 		SCOPED_TRACE(path);
-		const std::string error = support::errorOf([path = path] { Catalogue::load(path); });
+		const std::string error = support::errorOf([&file = path] { Catalogue::load(file); });
 		expectClear(error, path);
 		EXPECT_NE(error.find(reason), std::string::npos) << error;
 	}

@@ -108,7 +108,7 @@ TEST(OlderMeminfo, shows_fourteen_rows_whatever_the_size_of_the_memory)
 {
 	constexpr unsigned long long mebibyte = 1024, tebibyte = mebibyte << 20;
 	for (unsigned long long total = 8 * mebibyte; total <= 64 * tebibyte; total += total / 3)
-		for (const unsigned used : {1, 10, 50, 90, 99, 100})
+		for (const unsigned used : {1u, 10u, 50u, 90u, 99u, 100u})
 			for (const unsigned long long swap : {0ULL, mebibyte, total}) {
 				const unsigned long long inUse = total / 100 * used;
 				const std::string text = older(summary(total, total - inUse, inUse / 10 * 9, swap));

@@ -92,8 +92,8 @@ int answer(const Remote &remote, unsigned long request, void *argument)
 	if (_IOC_DIR(request) == _IOC_READ)
 		memset(argument, 0, size);
 	if (number == _IOC_NR(EVIOCGBIT(0, 0)))
-		for (const unsigned int type : {EV_SYN, EV_KEY, EV_REP})
-			set(type);
+		for (const int type : {EV_SYN, EV_KEY, EV_REP})
+			set(static_cast<unsigned int>(type));
 	if (number == _IOC_NR(EVIOCGBIT(EV_KEY, 0)))
 		for (const unsigned int code : remote.codes)
 			set(code);

@@ -147,8 +147,8 @@ TEST(RemoteControl, loses_no_press)
 	TempFolder folder;
 	const kernel::Remote remote(folder, remoteKeys);
 	const auto control = opened(remote);
-	for (const unsigned int code : {KEY_DOWN, KEY_DOWN, KEY_OK, KEY_DOWN, KEY_EXIT})
-		remote.press(code);
+	for (const int code : {KEY_DOWN, KEY_DOWN, KEY_OK, KEY_DOWN, KEY_EXIT})
+		remote.press(static_cast<unsigned int>(code));
 	for (const Key key : {Key::down, Key::down, Key::ok, Key::down, Key::exit})
 		EXPECT_EQ(wait(*control), key);
 }
