@@ -105,7 +105,7 @@ public:
 	void setShortcut(const eString &key);
 
 	/// The area in which children are placed, in this widget's own pixels. For a window, cresize() sets its size,
-	/// inside the frame.
+	/// inside the border.
 	const eRect &getClientRect() const { return clientrect; }
 
 	/// Data of the host's.

@@ -5,7 +5,7 @@
 
 #pragma GCC visibility push(default)
 
-/// A top-level window with a frame and a title, hidden until show(). Its exec() ends as rejected when the viewer
+/// A top-level window with a border and a title, hidden until show(). Its exec() ends as rejected when the viewer
 /// leaves it.
 class eWindow : public eWidget
 {

@@ -18,6 +18,20 @@ TEST(MemInfo, reaches_five_pixels_below_its_client_area)
 	EXPECT_EQ(run.widget(2, "eLabel", 1)["rect"], Json({160, 5, 100, 350}));
 }
 
+TEST(MemInfo, shows_binary_data_without_harm)
+{
+	std::string bytes;
+	for (int i = 0; i < 4096; ++i)
+		bytes += static_cast<char>((i * 151 + i / 256) & 0xff);
+	ReceiverFolder receiver;
+	receiver.meminfo(bytes);
+	support::TempFolder pictures;
+	const DeskRun run = runDesk(receiver.path(), "down ok exit exit", {"--pictures", pictures.path()});
+	EXPECT_EQ(run.outcome.status, 0) << run.outcome.err;
+	EXPECT_EQ(run.window(2)["class"], "eMemInfoDialog");
+	EXPECT_TRUE(support::exists(pictures / "02-ok.png"));
+}
+
 TEST(MemInfo, shows_this_computers_memory_without_a_root)
 {
 	const DeskRun run = runDesk("", "down ok exit exit", {"--as-is"});
