@@ -33,7 +33,8 @@ namespace desk
 namespace
 {
 
-constexpr int displayPatience = 5000; // milliseconds to wait for the display's answer
+// Milliseconds to wait for the display's answer, long enough for a busy computer.
+constexpr int displayPatience = 15000;
 
 constexpr int width = screenWidth, height = screenHeight + stripHeight;
 
